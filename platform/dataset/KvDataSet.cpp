@@ -1,0 +1,265 @@
+#include "KvDataSet.h"
+
+#include <algorithm>
+
+#include "KvException.h"
+#include "KvText.h"
+
+namespace kv {
+
+void TDataSet::Open()
+{
+    if (Active())
+        return;
+    try {
+        InternalOpen();
+        FState = dsBrowse;
+        Record.Values.assign(FFields.size(), Null);
+        Record.Assigned.assign(FFields.size(), false);
+        InternalFirst();
+    }
+    catch (...) {
+        Close();
+        throw;
+    }
+    DataChanged();
+}
+
+void TDataSet::Close()
+{
+    FState = dsInactive;
+    Modified = false;
+    LocateNames.clear();
+    LocateFields.clear();
+    LocateValues.clear();
+    FFields.clear();
+    InternalClose();
+}
+
+TField* TDataSet::FindField(std::string_view FieldName) const
+{
+    const auto Found =
+        std::ranges::find_if(FFields, [FieldName](const auto& Field) { return SameText(Field->FieldName(), FieldName); });
+    return Found != FFields.end() ? Found->get() : nullptr;
+}
+
+TField& TDataSet::FieldByName(std::string_view FieldName) const
+{
+    if (auto* const Field = FindField(FieldName))
+        return *Field;
+    Fail("field '" + std::string(FieldName) + "' not found");
+}
+
+void TDataSet::First()
+{
+    CheckBrowseMode();
+    InternalFirst();
+    DataChanged();
+}
+
+void TDataSet::Next()
+{
+    CheckBrowseMode();
+    if (InternalEof())
+        return;
+    InternalNext();
+    DataChanged();
+}
+
+bool TDataSet::Eof()
+{
+    CheckActive();
+    return FState == dsBrowse && InternalEof();
+}
+
+int TDataSet::RecordCount()
+{
+    CheckActive();
+    return InternalRecordCount();
+}
+
+bool TDataSet::Locate(std::string_view KeyFields, const TVariant& KeyValues, TLocateOptions Options)
+{
+    CheckBrowseMode();
+    const auto& Keys = ResolveKeys(KeyFields);
+    const int ValueCount = KeyValues.IsArray() ? KeyValues.HighBound() - KeyValues.LowBound() + 1 : 1;
+    if (ValueCount != static_cast<int>(Keys.size()))
+        Fail("Locate needs " + std::to_string(Keys.size()) + " key values, not " + std::to_string(ValueCount));
+    for (std::size_t I = 0; I < Keys.size(); ++I) {
+        const TVariant& Value = KeyValues.IsArray() ? KeyValues[KeyValues.LowBound() + static_cast<int>(I)] : KeyValues;
+        if (!Keys[I]->TryConvert(Value, LocateValues[I]))
+            return false;
+    }
+    const bool Found = InternalLocate(Keys, LocateValues, Options);
+    if (Found)
+        DataChanged();
+    return Found;
+}
+
+void TDataSet::Append()
+{
+    CheckBrowseMode();
+    BeginRecord(dsInsert);
+}
+
+void TDataSet::Edit()
+{
+    if (FState == dsEdit || FState == dsInsert)
+        return;
+    CheckActive();
+    if (InternalEof())
+        Fail("no current record to edit");
+    BeginRecord(dsEdit);
+}
+
+void TDataSet::Post()
+{
+    CheckActive();
+    if (FState == dsBrowse)
+        Fail("not in edit or insert mode");
+    CheckRequired();
+    if (FState == dsInsert)
+        InternalInsert(Record);
+    else if (Modified)
+        InternalUpdate(Record);
+    EndRecord();
+}
+
+void TDataSet::Cancel()
+{
+    if (FState == dsEdit || FState == dsInsert)
+        EndRecord();
+}
+
+void TDataSet::Delete()
+{
+    CheckActive();
+    if (FState == dsInsert) {
+        Cancel();
+        return;
+    }
+    Cancel();
+    if (InternalEof())
+        Fail("no current record to delete");
+    InternalDelete();
+    DataChanged();
+}
+
+void TDataSet::EnableControls()
+{
+    if (DisableCount > 0 && --DisableCount == 0 && Active())
+        DataChanged();
+}
+
+std::string TDataSet::DisplayName() const
+{
+    return Name.empty() ? std::string(ClassName()) : Name;
+}
+
+void TDataSet::AddField(TFieldDef Def)
+{
+    FFields.push_back(std::make_unique<TField>(*this, FieldCount(), std::move(Def)));
+}
+
+void TDataSet::CheckActive() const
+{
+    if (!Active())
+        Fail("cannot perform this operation on a closed dataset");
+}
+
+void TDataSet::Fail(std::string_view Text) const
+{
+    throw EDatabaseError(DisplayName() + ": " + std::string(Text));
+}
+
+void TDataSet::CheckBrowseMode()
+{
+    CheckActive();
+    if (FState == dsBrowse)
+        return;
+    if (Modified)
+        Post();
+    else
+        Cancel();
+}
+
+void TDataSet::CheckRequired() const
+{
+    for (const auto& Field : FFields) {
+        if (!Field->Required())
+            continue;
+        const auto I = static_cast<std::size_t>(Field->Index());
+        const bool Missing = Record.Assigned[I] ? !Record.Values[I].HasValue()
+                                                : FState == dsInsert && !Field->HasDefault();
+        if (Missing)
+            throw EDatabaseError("Field '" + Field->FieldName() + "' must have a value");
+    }
+}
+
+void TDataSet::BeginRecord(TDataSetState State)
+{
+    std::fill(Record.Assigned.begin(), Record.Assigned.end(), false);
+    Modified = false;
+    FState = State;
+}
+
+void TDataSet::EndRecord()
+{
+    FState = dsBrowse;
+    Modified = false;
+    DataChanged();
+}
+
+TVariant TDataSet::FieldValue(const TField& Field)
+{
+    CheckActive();
+    const auto I = static_cast<std::size_t>(Field.Index());
+    if (FState != dsBrowse) {
+        if (Record.Assigned[I])
+            return Record.Values[I].IsString() ? TVariant::Borrow(Record.Values[I].Text()) : Record.Values[I];
+        if (FState == dsInsert)
+            return Null;
+    }
+    return InternalEof() ? TVariant(Null) : InternalGetValue(Field);
+}
+
+TVariant& TDataSet::WritableSlot(const TField& Field)
+{
+    if (FState != dsEdit && FState != dsInsert)
+        Fail("not in edit or insert mode");
+    if (Field.ReadOnly())
+        throw EDatabaseError("Field '" + Field.FieldName() + "' cannot be modified");
+    const auto I = static_cast<std::size_t>(Field.Index());
+    Record.Assigned[I] = false;
+    return Record.Values[I];
+}
+
+void TDataSet::MarkAssigned(const TField& Field)
+{
+    Record.Assigned[static_cast<std::size_t>(Field.Index())] = true;
+    Modified = true;
+}
+
+const std::vector<TField*>& TDataSet::ResolveKeys(std::string_view KeyFields)
+{
+    if (KeyFields == LocateNames && !LocateFields.empty())
+        return LocateFields;
+    LocateNames.clear();
+    LocateFields.clear();
+    for (std::size_t From = 0; From <= KeyFields.size();) {
+        const auto To = std::min(KeyFields.find(';', From), KeyFields.size());
+        LocateFields.push_back(&FieldByName(Trim(KeyFields.substr(From, To - From))));
+        From = To + 1;
+    }
+    LocateValues.resize(LocateFields.size());
+    LocateNames = KeyFields;
+    return LocateFields;
+}
+
+void TDataSet::DataChanged()
+{
+    if (OnDataChange && !ControlsDisabled())
+        OnDataChange();
+}
+
+} // namespace kv

@@ -1,0 +1,133 @@
+// KvDataSet - a table of records with a cursor: the destination of every import and the source of
+// dataset copies.
+//
+// The base class owns the states, the record being written, the fields and their checks. A concrete
+// dataset opens, moves, reads a value, inserts, updates, deletes and locates.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvComponent.h"
+#include "KvField.h"
+#include "KvSet.h"
+
+namespace kv {
+
+enum TDataSetState {
+    dsInactive,                                     ///< Closed.
+    dsBrowse,                                       ///< Open, nothing being written.
+    dsEdit,                                         ///< The current record is being changed.
+    dsInsert                                        ///< A new record is being written.
+};
+
+enum TLocateOption { loCaseInsensitive, loPartialKey };
+using TLocateOptions = TSet<TLocateOption>;
+
+/// The record being written: one value a field, and which of them were assigned.
+struct TRecordBuffer
+{
+    std::vector<TVariant> Values;                   ///< By field index; of meaning where assigned.
+    std::vector<bool> Assigned;                     ///< By field index.
+};
+
+class TDataSet : public TComponent
+{
+public:
+    using TComponent::TComponent;
+
+    std::string_view ClassName() const override { return "TDataSet"; }
+
+    // Opening. Each raises EDatabaseError or EFileError with the reason.
+    void Open();                                    ///< Does nothing when open. Ends on the first record.
+    void Close();                                   ///< Drops a record being written.
+    bool Active() const { return FState != dsInactive; }
+    TDataSetState State() const { return FState; }
+
+    // Fields of the open dataset, in the order of its columns.
+    int FieldCount() const { return static_cast<int>(FFields.size()); }
+    TField& Fields(int Index) const { return *FFields[static_cast<std::size_t>(Index)]; }
+    /// The field of that name without regard to case (ASCII letters), or none.
+    TField* FindField(std::string_view FieldName) const;
+    /// Raises EDatabaseError "%s: field '%s' not found".
+    TField& FieldByName(std::string_view FieldName) const;
+
+    // The cursor. Moving posts a record that is being written and was assigned to, as Post does.
+    void First();
+    void Next();                                    ///< Past the last record Eof turns true and it stays there.
+    bool Eof();                                     ///< True when no record is current.
+    int RecordCount();                              ///< All records, up to 2,147,483,647.
+
+    /// Makes the first record current whose fields, named in `KeyFields` and separated by ";", equal the
+    /// value or, for several fields, the elements of the array. Null finds null. A value that has no
+    /// meaning in its field's type equals no record. False leaves the cursor where it was.
+    /// Raises EDatabaseError for an unknown field or a wrong number of values.
+    bool Locate(std::string_view KeyFields, const TVariant& KeyValues, TLocateOptions Options = {});
+
+    // Writing. Each raises EDatabaseError in a state that does not allow it.
+    void Append();                                  ///< Begins a new record: dsInsert.
+    void Edit();                                    ///< Begins to change the current record: dsEdit.
+    /// Stores the record being written and makes it current: dsBrowse. When a required field has no
+    /// value or the dataset refuses, it raises and the state stays as it was.
+    void Post();
+    void Cancel();                                  ///< Drops the record being written; does nothing without one.
+    void Delete();                                  ///< Deletes the current record; the one after it becomes current.
+
+    // While controls are disabled OnDataChange is held back. Pairs nest.
+    void DisableControls() { ++DisableCount; }
+    void EnableControls();
+    bool ControlsDisabled() const { return DisableCount > 0; }
+
+    std::function<void()> OnDataChange;             ///< The cursor moved, or the records changed.
+
+protected:
+    // What a concrete dataset supplies. The base calls it only in a fitting state.
+    virtual void InternalOpen() = 0;                ///< Declares the fields with AddField.
+    virtual void InternalClose() = 0;               ///< Also after an InternalOpen that raised.
+    virtual void InternalFirst() = 0;
+    virtual void InternalNext() = 0;
+    virtual bool InternalEof() = 0;
+    virtual int InternalRecordCount() = 0;
+    /// The stored value of the current record, text as a loan where that saves a copy; null at Eof.
+    virtual TVariant InternalGetValue(const TField& Field) = 0;
+    virtual void InternalInsert(const TRecordBuffer& Written) = 0;
+    virtual void InternalUpdate(const TRecordBuffer& Written) = 0;
+    virtual void InternalDelete() = 0;
+    /// `Values` are of the fields' own kinds; with loPartialKey those of text fields are beginnings.
+    virtual bool InternalLocate(std::span<TField* const> Keys, std::span<const TVariant> Values,
+                                TLocateOptions Options) = 0;
+    /// How messages call this dataset.
+    virtual std::string DisplayName() const;
+
+    void AddField(TFieldDef Def);
+    void CheckActive() const;
+    [[noreturn]] void Fail(std::string_view Text) const; ///< Raises EDatabaseError "<DisplayName>: <Text>".
+
+private:
+    friend class TField;
+
+    void CheckBrowseMode();
+    void CheckRequired() const;
+    void BeginRecord(TDataSetState State);
+    void EndRecord();
+    TVariant FieldValue(const TField& Field);
+    TVariant& WritableSlot(const TField& Field);    // to be filled; counts as assigned after MarkAssigned
+    void MarkAssigned(const TField& Field);
+    const std::vector<TField*>& ResolveKeys(std::string_view KeyFields);
+    void DataChanged();
+
+    TDataSetState FState = dsInactive;
+    std::vector<std::unique_ptr<TField>> FFields;
+    TRecordBuffer Record;
+    bool Modified = false;                          // a field of Record was assigned
+    int DisableCount = 0;
+    std::string LocateNames;                        // key list of the last Locate ...
+    std::vector<TField*> LocateFields;              // ... and its fields
+    std::vector<TVariant> LocateValues;
+};
+
+} // namespace kv
