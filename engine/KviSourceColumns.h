@@ -1,0 +1,57 @@
+// KviSourceColumns - remembers what a source made of the column names in the mappings, so that a name
+// is taken apart once per run and not once per value.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "KvVariant.h"
+
+namespace kv {
+
+/// `TColumn` is whatever a source turns a name into: a position, a range, a field.
+template <class TColumn> class TKvSourceColumns
+{
+public:
+    /// Forgets everything: a new run begins.
+    void Clear()
+    {
+        Entries.clear();
+        Next = 0;
+    }
+
+    /// The column for `Source`; `Resolve(const std::string& Name)` makes it when it is met first.
+    /// The reference holds until the next call. A run asks for its columns in the same order record
+    /// after record, so the one after the last answer is tried first.
+    template <class TResolve> const TColumn& Find(const TVariant& Source, TResolve&& Resolve)
+    {
+        if (Next < Entries.size() && Entries[Next].Source == Source.Text())
+            return Entries[Advance(Next)].Column;
+        for (std::size_t I = 0; I < Entries.size(); ++I)
+            if (Entries[I].Source == Source.Text())
+                return Entries[Advance(I)].Column;
+        const std::string Name = Source.ToText();
+        Entries.push_back({Name, std::forward<TResolve>(Resolve)(Name)});
+        return Entries[Advance(Entries.size() - 1)].Column;
+    }
+
+private:
+    struct TEntry
+    {
+        std::string Source;
+        TColumn Column;
+    };
+
+    std::size_t Advance(std::size_t Found)
+    {
+        Next = Found + 1 < Entries.size() ? Found + 1 : 0;
+        return Found;
+    }
+
+    std::vector<TEntry> Entries;
+    std::size_t Next = 0;
+};
+
+} // namespace kv

@@ -1,0 +1,52 @@
+// KviTypes - the choices of an import. Ordinals are part of saved specifications.
+#pragma once
+
+#include <limits>
+
+#include "KvSet.h"
+
+namespace kv {
+
+/// The kind of source that a component handles.
+enum TTableTypeImport { teParadox, teDBase, teText, teHTML, teXLS, teWKS, teQuattro, teXML, teAccess };
+using TImportFormatTypes = TSet<TTableTypeImport>;
+
+/// The code page of the source's text.
+enum TKvICharacterSet { csiANSI_WINDOWS, csiASCII_MSDOS };
+
+/// What a record does to the destination.
+enum TImportMode {
+    imAppend,                                       ///< Adds every record.
+    imUpdate,                                       ///< Changes the record with the same key, if there is one.
+    imAppendUpdate,                                 ///< Changes the record with the same key, else adds one.
+    imDelete,                                       ///< Deletes the record with the same key, if there is one.
+    imCopy                                          ///< Empties the destination, then adds every record.
+};
+
+/// What was done with the current record.
+enum TKvIAction { iaUnknown, iaAdd, iaUpdate, iaDelete };
+
+/// How the last run ended; irUnknown while it runs.
+enum TKvIResult { irUnknown, irExecuted, irCanceled, irFailed };
+
+/// What separates the values of a line.
+enum TKvIFieldDelimiter { fdNone, fdCustom, fdTab, fdSemicolon, fdComma, fdSpace };
+
+/// What encloses a value that may hold delimiters and line ends.
+enum TKvITextQualifier { tqNone, tqCustom, tqQuot, tqApos };
+
+/// What ends a record of a text file.
+enum TKvIRecordSeparator { rsCustom, rsCRLF, rsCR, rsLF };
+
+enum TKvIOption {
+    soShowMessage,                                  ///< Without a progress dialog, show the outcome in a box.
+    soExtendedStatistic                             ///< The progress dialog shows the counters.
+};
+using TKvIOptions = TSet<TKvIOption>;
+
+/// The order of day, month and year in a date.
+enum TKvIDateOrder { doMDY, doDMY, doYMD, doYDM, doDYM, doMYD };
+
+inline constexpr int RowLastMax = std::numeric_limits<int>::max(); ///< RowLast of "to the end".
+
+} // namespace kv

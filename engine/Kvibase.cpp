@@ -1,0 +1,203 @@
+#include "Kvibase.h"
+
+#include <deque>
+#include <exception>
+#include <utility>
+
+#include "KvPublish.h"
+#include "KvText.h"
+#include "KvUserInterface.h"
+#include "Kvistat.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::string_view CharacterSetNames[] = {"csiANSI_WINDOWS", "csiASCII_MSDOS"};
+constexpr std::string_view ModeNames[] = {"imAppend", "imUpdate", "imAppendUpdate", "imDelete", "imCopy"};
+constexpr std::string_view OptionNames[] = {"soShowMessage", "soExtendedStatistic"};
+
+constexpr char MsgNotSpecified[] = "Property %s wasn't specified.";
+constexpr char MsgImporting[] = "Importing...";
+constexpr char MsgCanceled[] = "Data importing was canceled by user.";
+constexpr char MsgExecuted[] = "The data importing successfuly is finished.";
+constexpr char MsgFailed[] = "Error of data import.";
+
+/// Data formats outlive their component: handlers and forms may keep reading them.
+TKvIDataFormats& NewDataFormats()
+{
+    static auto& Kept = *new std::deque<TKvIDataFormats>; // never destroyed
+    return Kept.emplace_back();
+}
+
+/// The busy cursor for the length of a run.
+class TBusyCursor
+{
+public:
+    TBusyCursor() { UserInterface().SetBusyCursor(true); }
+    TBusyCursor(const TBusyCursor&) = delete;
+    TBusyCursor& operator=(const TBusyCursor&) = delete;
+    ~TBusyCursor() { UserInterface().SetBusyCursor(false); }
+};
+
+} // namespace
+
+TKvImportBaseComponent::TKvImportBaseComponent(TComponent* Owner)
+    : TKvImportBaseComponent(Owner, teText, Extension())
+{
+}
+
+TKvImportBaseComponent::TKvImportBaseComponent(TComponent* Owner, TTableTypeImport Type,
+                                               std::string_view DefaultExtension)
+    : TComponent(Owner),
+      DataFormats(NewDataFormats()),
+      TableType(Type),
+      SourceFileName("KvImport" + std::string(DefaultExtension))
+{
+}
+
+TKvImportBaseComponent::~TKvImportBaseComponent()
+{
+    if (FDataSet)
+        FDataSet->RemoveFreeNotification(*this);
+}
+
+TPublishedProperties TKvImportBaseComponent::PublishedProperties() const
+{
+    using T = TKvImportBaseComponent;
+    return {Publish("About", &T::About),
+            Publish("AnimatedStatus", &T::AnimatedStatus),
+            Publish("CharacterSet", &T::CharacterSet, CharacterSetNames),
+            PublishObject<T>("DataFormats", [](const T& Self) { return &Self.DataFormats; }),
+            PublishObject<T>("DataSet", [](const T& Self) { return Self.FDataSet; }),
+            Publish("DatasetKeys", &T::DatasetKeys),
+            PublishStrings("Mappings", &T::FMappings),
+            Publish("Mode", &T::Mode, ModeNames),
+            Publish("Options", &T::Options, OptionNames),
+            Publish("TitleStatus", &T::TitleStatus),
+            PublishObject<T>("Statistic", [](const T& Self) { return const_cast<TKvIStatistic*>(&Self.Statistic); }),
+            PublishEvent("OnErrorEvent"),
+            PublishEvent("OnGetCellParams"),
+            PublishEvent("OnBeforeExecute"),
+            PublishEvent("OnAfterExecute"),
+            PublishEvent("OnBeforeRecordEvent"),
+            PublishEvent("OnAfterRecordEvent"),
+            PublishEvent("OnBeforeUpdate"),
+            PublishEvent("OnBeforeLoadSpecification"),
+            PublishEvent("OnAfterLoadSpecification"),
+            PublishEvent("OnBeforeSaveSpecification"),
+            PublishEvent("OnAfterSaveSpecification")};
+}
+
+void TKvImportBaseComponent::Execute()
+{
+    Statistic.Result = irUnknown;
+    FErrorMessage.clear();
+    if (OnBeforeExecute)
+        OnBeforeExecute(*this);
+    std::string PropName;
+    if (NotDefined(PropName))
+        throw Exception(FormatText(MsgNotSpecified, {PropName}));
+    if (DatasetKeys.empty() && IsKeyMode())
+        throw Exception(FormatText(MsgNotSpecified, {DatasetKeys})); // the text has always shown the empty value
+
+    {
+        const TBusyCursor Busy;
+        const std::string Outcome = Run();
+        if (AnimatedStatus) {
+            const auto& S = Statistic;
+            UpdateProgressDlg(Outcome, 100, S.TotalErrors, S.TotalAdded, S.TotalDeleted, S.TotalUpdated);
+            DestroyProgressDlg();
+        }
+        else if (Options.Contains(soShowMessage)) {
+            UserInterface().ShowMessage(mkInformation, Outcome);
+        }
+    }
+    if (OnAfterExecute)
+        OnAfterExecute(*this);
+}
+
+std::string TKvImportBaseComponent::Run()
+{
+    try {
+        if (AnimatedStatus)
+            CreateProgressDlg(TitleStatus, MsgImporting, "&Cancel", "Processed:", "Errors:", "Added:", "Updated:",
+                              "Deleted:", Options.Contains(soExtendedStatistic));
+        const bool AutoMapping = FMappings.IsEmpty();
+        if (AutoMapping)
+            DetectAutoMapping();
+        Prepare();
+        if (AutoMapping)
+            FMappings.Clear();
+        const bool Canceled = ProgressCanceled() || Aborted;
+        Statistic.Result = Canceled ? irCanceled : irExecuted;
+        return Canceled ? MsgCanceled : MsgExecuted;
+    }
+    catch (const std::exception& Error) {
+        FErrorMessage = Error.what();
+        Statistic.Result = irFailed;
+        return MsgFailed;
+    }
+}
+
+void TKvImportBaseComponent::SetDataSet(TDataSet* Value)
+{
+    // Assigning a destination never changes DatasetKeys: the key list of the dataset would replace
+    // them only where both are equal already.
+    if (FDataSet && FDataSet != Value)
+        FDataSet->RemoveFreeNotification(*this);
+    FDataSet = Value;
+    if (Value)
+        Value->FreeNotification(*this);
+}
+
+void TKvImportBaseComponent::Notification(TComponent& Component, TOperation Operation)
+{
+    TComponent::Notification(Component, Operation);
+    if (Operation == opRemove && &Component == FDataSet)
+        FDataSet = nullptr;
+}
+
+std::string TKvImportBaseComponent::RecordPlace() const
+{
+    return "record " + std::to_string(Statistic.TotalImported);
+}
+
+std::string TKvImportBaseComponent::GetKeyList(const TDataSet* DataSet)
+{
+    if (!DataSet)
+        return {};
+    const auto Properties = DataSet->PublishedProperties();
+    const auto* const Property = FindProperty(Properties, "IndexFieldName");
+    return Property && Property->Kind == pkString ? Property->Get(*DataSet).ToText() : std::string();
+}
+
+std::string TKvImportBaseComponent::GetTableName() const
+{
+    if (!FDataSet)
+        return {};
+    const auto Properties = FDataSet->PublishedProperties();
+    if (const auto* const Table = FindProperty(Properties, "TableName"); Table && Table->Kind == pkString)
+        return Table->Get(*FDataSet).ToText();
+    if (const auto* const Sql = FindProperty(Properties, "SQL"); Sql && Sql->Kind == pkStrings)
+        return Sql->Get(*FDataSet).ToText();
+    return {};
+}
+
+bool TKvImportBaseComponent::NotDefined(std::string& PropName)
+{
+    if (FDataSet)
+        return false;
+    PropName = "DataSet";
+    return true;
+}
+
+void TKvImportBaseComponent::DetectAutoMapping()
+{
+    for (int I = 0; I < FDataSet->FieldCount(); ++I) {
+        const auto& FieldName = FDataSet->Fields(I).FieldName();
+        FMappings.Add(FieldName + "=" + FieldName);
+    }
+}
+
+} // namespace kv

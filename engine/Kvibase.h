@@ -1,0 +1,207 @@
+// Kvibase - the import component from which every source derives. It owns everything that does not
+// depend on where the data comes from: the destination, mappings, keys, conversion and the run.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvComponent.h"
+#include "KvDataSet.h"
+#include "KvException.h"
+#include "KvStringList.h"
+#include "KvVariant.h"
+#include "KviDataFormats.h"
+#include "KviStatistic.h"
+#include "KviTypes.h"
+
+namespace kv {
+
+class TKvImportBaseComponent;
+
+using TKvIAbout = std::string;                      ///< Design-time information; holds no data of an import.
+
+using TNotifyEvent = std::function<void(TKvImportBaseComponent& Sender)>;
+/// Before a record is written. `Fields` is always empty. `Values` is the array of mapped fields, each
+/// an array of destination name, source column, value and field index; changed values are written.
+/// Accept = false skips the record.
+using TBeforeRecordEvent =
+    std::function<void(TKvImportBaseComponent& Sender, const std::string& Fields, TVariant& Values, bool& Accept)>;
+/// After a record was handled; Abort = true ends the run as cancelled.
+using TAfterRecordEvent = std::function<void(TKvImportBaseComponent& Sender, bool& Abort)>;
+/// Lets the user change one value before it is written. `Field` is none for a mapping without a field.
+using TGetCellParamsEvent = std::function<void(TKvImportBaseComponent& Sender, TField* Field, TVariant& Value)>;
+/// A record could not be written; Abort = true ends the run as failed.
+using TErrorEvent = std::function<void(TKvImportBaseComponent& Sender, const Exception& Error, bool& Abort)>;
+
+/// Called by every preview loader once per row: `Sender` and `Flag` as given to the loader, the number
+/// of columns, the row from 1, and an array of values that the loader describes.
+using TPreviewCallback =
+    std::function<void(TPersistent* Sender, int ColCount, int Row, bool Flag, const TVariant& Values)>;
+
+/// The abstract import. A source overrides the protocol below; this class drives it record by record.
+class TKvImportBaseComponent : public TComponent
+{
+public:
+    explicit TKvImportBaseComponent(TComponent* Owner = nullptr);
+    ~TKvImportBaseComponent() override;
+
+    std::string_view ClassName() const override { return "TKvImportBaseComponent"; }
+    TPublishedProperties PublishedProperties() const override;
+
+    /// Runs the import. Raises Exception "Property %s wasn't specified." before anything has happened
+    /// when a required property is missing; whatever goes wrong later is counted and reported through
+    /// the events, Statistic and ErrorMessage.
+    void Execute();
+
+    TKvIAbout About;
+    bool AnimatedStatus = true;                     ///< Show the progress dialog during Execute.
+    TKvICharacterSet CharacterSet = csiANSI_WINDOWS;
+    TKvIDataFormats& DataFormats;                   ///< Lives as long as the process.
+    std::string DatasetKeys;                        ///< Key fields, separated by ";" without blanks; each is mapped.
+    TImportMode Mode = imAppend;
+    TKvIOptions Options{soShowMessage, soExtendedStatistic};
+    std::string TitleStatus = "Importing...";       ///< Caption of the progress dialog.
+    TKvIStatistic Statistic;
+
+    TErrorEvent OnErrorEvent;
+    TGetCellParamsEvent OnGetCellParams;
+    TNotifyEvent OnBeforeExecute;
+    TNotifyEvent OnAfterExecute;
+    TBeforeRecordEvent OnBeforeRecordEvent;
+    TAfterRecordEvent OnAfterRecordEvent;
+    TNotifyEvent OnBeforeUpdate;                    ///< After the search by key, before the record is written.
+    TNotifyEvent OnBeforeLoadSpecification;
+    TNotifyEvent OnAfterLoadSpecification;
+    TNotifyEvent OnBeforeSaveSpecification;
+    TNotifyEvent OnAfterSaveSpecification;
+
+    /// The destination. Not owned; forgotten when it is destroyed.
+    TDataSet* GetDataSet() const { return FDataSet; }
+    void SetDataSet(TDataSet* Value);
+
+    /// Lines "destination field=source column". Blanks at the ends of both are ignored, and so is the
+    /// case of the destination; a line without a source is skipped.
+    TStrings& Mappings() { return FMappings; }
+    const TStrings& Mappings() const { return FMappings; }
+    void SetMappings(const TStrings& Value) { FMappings.Assign(Value); } ///< Copies the lines.
+
+    /// Why the last run ended as irFailed: the message of the exception that ended it.
+    const std::string& ErrorMessage() const { return FErrorMessage; }
+    /// Where the current record stands in its source, for messages: "record 17", "line 18".
+    virtual std::string RecordPlace() const;
+
+    /// The published property "IndexFieldName" of `DataSet`, empty when its class has none.
+    static std::string GetKeyList(const TDataSet* DataSet);
+    /// The dataset's property "TableName", else the text of its property "SQL", else nothing.
+    std::string GetTableName() const;
+
+protected:
+    // The source protocol, in the order in which a run calls it.
+    /// True when a required property is missing, which `PropName` then names.
+    virtual bool NotDefined(std::string& PropName);
+    virtual void DetectAutoMapping();               ///< Fills Mappings; called when they are empty.
+    virtual void BeforeImport() {}                  ///< Opens and loads the source.
+    virtual void GoFirst() {}
+    virtual int GetTotalCount() { return 0; }       ///< Records available; the run clips it by RowFirst and RowLast.
+    virtual bool NeedMore() { return false; }       ///< True while there is a current record.
+    virtual bool LoadRecord();                      ///< Fetches and converts the mapped values; false skips the record.
+    /// The value that `Source`, the right side of a mapping line, names in the current record. Text may
+    /// be a loan that holds until GoNext.
+    virtual TVariant GetFieldValue(const TVariant& Source) { return Source; }
+    /// The same, converted to the type of the destination field `FieldIndex` (-1: none).
+    virtual TVariant GetParsedValue(const TVariant& Source, int FieldIndex);
+    virtual void GoNext() {}
+    virtual void AfterImport() {}                   ///< Frees what BeforeImport loaded; skipped by an exception.
+
+    // Asked while the run is prepared.
+    virtual bool FieldIsTruncated() const { return false; } ///< Source names hold 10 characters at most.
+    virtual TVariant GetValues(std::string_view) { return Null; }
+
+    // The run itself.
+    virtual void Prepare();                         ///< The whole loop.
+    virtual void BuildFieldMapping();
+    virtual void BuildArrayIntersection();
+    void FillKey4Locate();
+    void FillKey4Values();
+    /// Position of the first mapped field whose source column is `Source`, or -1.
+    int GetFieldItem(std::string_view Source) const;
+    /// With `Convert`, `Text` from the OEM code page to the ANSI code page.
+    static std::string UECode(bool Convert, std::string_view Text);
+
+    // Settings that the sources which use them publish.
+    TTableTypeImport TableType = teText;
+    std::string SourceFileName;
+    TKvIFieldDelimiter GetFieldDelimiter() const { return FFieldDelimiter; }
+    void SetFieldDelimiter(TKvIFieldDelimiter Value);
+    char GetFieldDelimiterCustom() const { return FFieldDelimiterCustom; }
+    void SetFieldDelimiterCustom(char Value);
+    TKvITextQualifier GetTextQualifier() const { return FTextQualifier; }
+    void SetTextQualifier(TKvITextQualifier Value);
+    char GetTextQualifierCustom() const { return FTextQualifierCustom; }
+    void SetTextQualifierCustom(char Value);
+    TKvIRecordSeparator GetRecordSeparator() const { return FRecordSeparator; }
+    void SetRecordSeparator(TKvIRecordSeparator Value);
+    const std::string& GetRecordSeparatorCustom() const { return FRecordSeparatorCustom; }
+    void SetRecordSeparatorCustom(std::string Value);
+    bool Fixed = false;
+    int RowFirst = 1;
+    int RowLast = RowLastMax;
+
+    void Notification(TComponent& Component, TOperation Operation) override;
+
+public:
+    /// Default extension of the source's files; each source class has its own.
+    static std::string Extension() { return ".KVI"; }
+    /// Entries of a file dialog, "description|pattern" pairs separated by "|".
+    static std::string FillFileFilters() { return "All files (*.*)|*.*"; }
+
+protected:
+    /// `Extension` of the class that is being constructed goes into SourceFileName.
+    TKvImportBaseComponent(TComponent* Owner, TTableTypeImport Type, std::string_view Extension);
+
+private:
+    /// One mapped field during a run.
+    struct TMappedField
+    {
+        std::string Name;                           // destination field, upper-cased
+        TVariant Source;                            // the source's name of the column
+        TVariant Value;                             // of the current record, converted
+        int Index = -1;                             // into DestFields; there: field of the dataset
+    };
+    using TMappedFields = std::vector<TMappedField>;
+
+    bool IsKeyMode() const { return Mode == imUpdate || Mode == imAppendUpdate || Mode == imDelete; }
+    std::string Run();                              // the guarded part of Execute; the final message
+    TMappedFields MappedFields() const;             // the usable lines of Mappings
+    void OfferCell(TMappedField& Mapped);
+    bool OfferRecord();
+    void EmptyDataSet();
+    void ImportRecords();
+    void StoreRecord();
+    const TVariant& BuildSearchValue();
+    TKvIAction ActionForRecord() const;
+    void WriteRecord(TKvIAction Action);
+    void UndoCount(TKvIAction Action);
+
+    TDataSet* FDataSet = nullptr;
+    TStrings FMappings;
+    std::string FErrorMessage;
+    TKvIFieldDelimiter FFieldDelimiter = fdTab;
+    char FFieldDelimiterCustom = '\t';
+    TKvITextQualifier FTextQualifier = tqQuot;
+    char FTextQualifierCustom = '"';
+    TKvIRecordSeparator FRecordSeparator = rsCRLF;
+    std::string FRecordSeparatorCustom = "\r\n";
+
+    // One run.
+    TMappedFields SourceFields;                     // one per mapping line
+    TMappedFields KeyFields;                        // one per key of DatasetKeys that is mapped
+    TMappedFields DestFields;                       // what is fetched and converted
+    TVariant SearchValue;                           // key value, or array of them, for Locate
+    bool KeyFound = false;
+    bool Aborted = false;
+};
+
+} // namespace kv

@@ -1,0 +1,164 @@
+// From a source's text to a value of the destination field's type, under the component's data formats.
+#include "Kvibase.h"
+
+#include <algorithm>
+#include <string>
+
+#include "KvCodePage.h"
+#include "KvDateText.h"
+#include "KvFormatSettings.h"
+#include "KvNumberText.h"
+#include "KvUserInterface.h"
+
+namespace kv {
+
+namespace {
+
+/// Sets a process-wide separator for the length of one conversion.
+class TSeparatorInForce
+{
+public:
+    TSeparatorInForce(char& Target, char Value) : Setting(Target), Saved(Target) { Setting = Value; }
+    TSeparatorInForce(const TSeparatorInForce&) = delete;
+    TSeparatorInForce& operator=(const TSeparatorInForce&) = delete;
+    ~TSeparatorInForce() { Setting = Saved; }
+
+private:
+    char& Setting;
+    const char Saved;
+};
+
+/// The characters of a text value, else its text form in `Storage`.
+std::string_view TextOf(const TVariant& Value, std::string& Storage)
+{
+    if (Value.IsString())
+        return Value.Text();
+    Storage = Value.ToText();
+    return Storage;
+}
+
+TVariant ParseBoolean(TVariant Value, const TKvIDataFormats& Formats)
+{
+    std::string Storage;
+    const auto Text = TextOf(Value, Storage);
+    if (Text == Formats.BooleanTrue)
+        return true;
+    if (Text == Formats.BooleanFalse)
+        return false;
+    return Value;
+}
+
+/// `Text` without `Separator`; a copy, in `Storage`, is made only where there is one to remove.
+std::string_view WithoutSeparator(std::string_view Text, char Separator, std::string& Storage)
+{
+    if (Text.find(Separator) == Text.npos)
+        return Text;
+    Storage.clear();
+    std::ranges::remove_copy(Text, std::back_inserter(Storage), Separator);
+    return Storage;
+}
+
+TVariant ParseFloat(TVariant Value, const TKvIDataFormats& Formats)
+{
+    if (Value.Kind() == vkInteger || Value.Kind() == vkDouble || Value.Kind() == vkCurrency)
+        return Value;                               // its text would only lose digits
+    const TSeparatorInForce Decimal(FormatSettings().DecimalSeparator, Formats.DecimalSeparator);
+    std::string Whole, Digits;
+    const auto Text = WithoutSeparator(TextOf(Value, Whole), Formats.ThousandSeparator, Digits);
+    if (const auto Number = TryTextToFloat(Text))
+        return *Number;
+    UserInterface().ShowMessage(mkError, "'" + std::string(Text) + "' is not a valid floating point value");
+    return Value;
+}
+
+TVariant ParseDateTime(TVariant Value, const TKvIDataFormats& Formats)
+{
+    if (Value.Kind() == vkDateTime)
+        return Value;
+    const TSeparatorInForce Date(FormatSettings().DateSeparator, Formats.DateSeparator);
+    const TSeparatorInForce Time(FormatSettings().TimeSeparator, Formats.TimeSeparator);
+    std::string Storage;
+    if (const auto Point = TryTextToDateTime(TextOf(Value, Storage)))
+        return *Point;
+    return Value;
+}
+
+TVariant ToArray(const std::string& Name, const TVariant& Source, const TVariant& Value, int Index)
+{
+    auto Element = TVariant::Array(0, 3);
+    Element[0] = Name;
+    Element[1] = Source;
+    Element[2] = Value;
+    Element[3] = Index;
+    return Element;
+}
+
+} // namespace
+
+TVariant TKvImportBaseComponent::GetParsedValue(const TVariant& Source, int FieldIndex)
+{
+    TVariant Value = GetFieldValue(Source);
+    if (Value.IsBlank())
+        return Null;
+    if (FieldIndex < 0)
+        return Value;
+    switch (FDataSet->Fields(FieldIndex).DataType()) {
+    case ftBoolean:
+        return ParseBoolean(std::move(Value), DataFormats);
+    case ftFloat:
+    case ftCurrency:
+    case ftBCD:
+        return ParseFloat(std::move(Value), DataFormats);
+    case ftDate:
+    case ftTime:
+    case ftDateTime:
+        return ParseDateTime(std::move(Value), DataFormats);
+    default:
+        return Value;                               // integers too: the field's assignment decides on them
+    }
+}
+
+bool TKvImportBaseComponent::LoadRecord()
+{
+    for (auto& Field : DestFields)
+        Field.Value = GetParsedValue(Field.Source, Field.Index);
+    if (CharacterSet == csiASCII_MSDOS || OnGetCellParams)
+        for (auto& Field : DestFields)
+            OfferCell(Field);
+    return !OnBeforeRecordEvent || OfferRecord();
+}
+
+void TKvImportBaseComponent::OfferCell(TMappedField& Mapped)
+{
+    auto* const Field = Mapped.Index >= 0 ? &FDataSet->Fields(Mapped.Index) : nullptr;
+    const bool IsText = !Field || !(IsNumericField(Field->DataType()) || IsDateTimeField(Field->DataType()));
+    if (CharacterSet == csiASCII_MSDOS && IsText)
+        Mapped.Value = UECode(true, Mapped.Value.ToText());
+    if (!OnGetCellParams)
+        return;
+    TVariant Value(std::as_const(Mapped.Value));    // a copy: the handler may keep it
+    OnGetCellParams(*this, Field, Value);
+    if (Value.Kind() != Mapped.Value.Kind() || Value != Mapped.Value)
+        Mapped.Value = std::move(Value);
+}
+
+bool TKvImportBaseComponent::OfferRecord()
+{
+    auto Values = TVariant::Array(0, static_cast<int>(DestFields.size()) - 1);
+    for (std::size_t I = 0; I < DestFields.size(); ++I) {
+        const auto& Field = DestFields[I];
+        Values[static_cast<int>(I)] = ToArray(Field.Name, Field.Source, Field.Value, Field.Index);
+    }
+    bool Accept = true;
+    OnBeforeRecordEvent(*this, {}, Values, Accept);
+    for (std::size_t I = 0; I < DestFields.size(); ++I)
+        DestFields[I].Value = std::move(Values[static_cast<int>(I)][2]);
+    return Accept;
+}
+
+std::string TKvImportBaseComponent::UECode(bool Convert, std::string_view Text)
+{
+    return Convert ? OemToAnsi(Text) : std::string(Text);
+}
+
+} // namespace kv

@@ -1,0 +1,90 @@
+// From mapping lines and key names to the fields that a run fetches, converts and writes.
+#include "Kvibase.h"
+
+#include <algorithm>
+
+#include "KvText.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::size_t TruncatedNameSize = 10;       // what sources with short field names keep of one
+
+template <class TFields> auto FindByName(TFields& Fields, std::string_view Name)
+{
+    return std::ranges::find_if(Fields, [Name](const auto& Field) { return Field.Name == Name; });
+}
+
+} // namespace
+
+void TKvImportBaseComponent::BuildFieldMapping()
+{
+    FillKey4Locate();
+    FillKey4Values();
+}
+
+void TKvImportBaseComponent::FillKey4Locate()
+{
+    KeyFields.clear();
+    if (!IsKeyMode() || DatasetKeys.empty())
+        return;
+    const auto Mapped = MappedFields();
+    const std::string Keys = UpperCase(DatasetKeys);
+    for (std::size_t From = 0; From <= Keys.size();) {
+        const auto To = std::min(Keys.find(';', From), Keys.size());
+        // The piece counts as it stands: blanks around it make it another name.
+        if (const auto Found = FindByName(Mapped, Keys.substr(From, To - From)); Found != Mapped.end())
+            KeyFields.push_back(*Found);
+        From = To + 1;
+    }
+}
+
+void TKvImportBaseComponent::FillKey4Values()
+{
+    SourceFields = MappedFields();
+}
+
+TKvImportBaseComponent::TMappedFields TKvImportBaseComponent::MappedFields() const
+{
+    TMappedFields Result;
+    for (int Line = 0; Line < FMappings.Count(); ++Line) {
+        auto Source = Trim(FMappings.ValueAt(Line));
+        if (Source.empty())
+            continue;
+        if (FieldIsTruncated())
+            Source = Source.substr(0, TruncatedNameSize);
+        Result.push_back({.Name = UpperCase(Trim(FMappings.NameAt(Line))), .Source = Source, .Value = Null});
+    }
+    return Result;
+}
+
+void TKvImportBaseComponent::BuildArrayIntersection()
+{
+    DestFields = SourceFields;
+    for (const auto& Key : KeyFields) {             // a key takes the place of the mapping of the same name
+        if (const auto Same = FindByName(DestFields, Key.Name); Same != DestFields.end())
+            *Same = Key;
+        else
+            DestFields.push_back(Key);
+    }
+    for (std::size_t I = 0; I < DestFields.size(); ++I) {
+        auto& Dest = DestFields[I];
+        const auto* const Field = FDataSet->FindField(Dest.Name);
+        Dest.Index = Field ? Field->Index() : -1;
+        const auto Position = static_cast<int>(I);
+        if (const auto Source = FindByName(SourceFields, Dest.Name); Source != SourceFields.end())
+            Source->Index = Position;
+        if (const auto Key = FindByName(KeyFields, Dest.Name); Key != KeyFields.end())
+            Key->Index = Position;
+    }
+}
+
+int TKvImportBaseComponent::GetFieldItem(std::string_view Source) const
+{
+    const auto Found =
+        std::ranges::find_if(DestFields, [Source](const auto& Field) { return Field.Source.Text() == Source; });
+    return Found != DestFields.end() ? static_cast<int>(Found - DestFields.begin()) : -1;
+}
+
+} // namespace kv

@@ -1,0 +1,169 @@
+// The run: record by record from the source into the destination, counting what was done.
+#include "Kvibase.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "Kvistat.h"
+
+namespace kv {
+
+namespace {
+
+/// Sets a field as the record that is being written has it. Text of 64-bit integers never passes
+/// through a narrower number.
+void AssignValue(TField& Field, const TVariant& Value)
+{
+    if (!Value.HasValue() || (Value.IsString() && Value.Text().empty()))
+        Field.Clear();
+    else if (Field.DataType() == ftLargeint && Value.Kind() != vkInteger && !Value.IsString())
+        Field.SetAsString(Value.ToText());
+    else
+        Field.SetValue(Value);
+}
+
+} // namespace
+
+void TKvImportBaseComponent::Prepare()
+{
+    BeforeImport();
+    BuildFieldMapping();
+    BuildArrayIntersection();
+    FDataSet->DisableControls();
+    if (Mode == imCopy)
+        EmptyDataSet();
+    GoFirst();
+    Statistic.Reset();                              // the records deleted for imCopy are not counted
+    Statistic.TotalCount = static_cast<int>(std::int64_t{std::min(GetTotalCount(), RowLast)} - RowFirst + 1);
+    if (AnimatedStatus)
+        ChangeProgressDlg(0, Statistic.TotalCount, 0);
+    KeyFound = false;
+    Aborted = false;
+    ImportRecords();
+    FDataSet->First();
+    FDataSet->EnableControls();
+    AfterImport();
+}
+
+void TKvImportBaseComponent::EmptyDataSet()
+{
+    FDataSet->First();
+    while (!FDataSet->Eof()) {
+        FDataSet->Delete();
+        ++Statistic.TotalDeleted;
+    }
+}
+
+void TKvImportBaseComponent::ImportRecords()
+{
+    auto& S = Statistic;
+    int SinceRefresh = 0;
+    while (!Aborted && !ProgressCanceled() && NeedMore()) {
+        if (AnimatedStatus && S.UpdateStep <= SinceRefresh) {
+            UpdateProgressDlg("Importing...", S.TotalImported, S.TotalErrors, S.TotalAdded, S.TotalDeleted,
+                              S.TotalUpdated);
+            SinceRefresh = 0;
+        }
+        ++SinceRefresh;
+        ++S.TotalImported;
+        S.LastAction = iaUnknown;
+        if (LoadRecord())
+            StoreRecord();
+        Aborted = false;
+        if (OnAfterRecordEvent)
+            OnAfterRecordEvent(*this, Aborted);
+        GoNext();
+    }
+}
+
+void TKvImportBaseComponent::StoreRecord()
+{
+    if (IsKeyMode() && !DatasetKeys.empty() && !KeyFields.empty())
+        KeyFound = FDataSet->Locate(DatasetKeys, BuildSearchValue());
+    if (OnBeforeUpdate)
+        OnBeforeUpdate(*this);
+    const auto Action = ActionForRecord();
+    Statistic.LastAction = Action;
+    switch (Action) {                               // counted before the values are written
+    case iaAdd:
+        FDataSet->Append();
+        ++Statistic.TotalAdded;
+        break;
+    case iaUpdate:
+        FDataSet->Edit();
+        ++Statistic.TotalUpdated;
+        break;
+    case iaDelete:
+        FDataSet->Delete();
+        ++Statistic.TotalDeleted;
+        break;
+    case iaUnknown:
+        break;
+    }
+    if (FDataSet->State() == dsEdit || FDataSet->State() == dsInsert)
+        WriteRecord(Action);
+}
+
+TKvIAction TKvImportBaseComponent::ActionForRecord() const
+{
+    switch (Mode) {
+    case imAppend:
+    case imCopy:         return iaAdd;
+    case imUpdate:       return KeyFound ? iaUpdate : iaUnknown;
+    case imAppendUpdate: return KeyFound ? iaUpdate : iaAdd;
+    case imDelete:       return KeyFound ? iaDelete : iaUnknown;
+    }
+    return iaUnknown;
+}
+
+const TVariant& TKvImportBaseComponent::BuildSearchValue()
+{
+    const auto ValueOf = [this](const TMappedField& Key) -> const TVariant& {
+        return Key.Index >= 0 ? DestFields[static_cast<std::size_t>(Key.Index)].Value : Key.Value;
+    };
+    if (KeyFields.size() == 1)
+        return ValueOf(KeyFields.front());
+    const int High = static_cast<int>(KeyFields.size()) - 1;
+    if (!SearchValue.IsArray() || SearchValue.HighBound() != High)
+        SearchValue = TVariant::Array(0, High);
+    for (int I = 0; I <= High; ++I)
+        SearchValue[I] = ValueOf(KeyFields[static_cast<std::size_t>(I)]);
+    return SearchValue;
+}
+
+void TKvImportBaseComponent::WriteRecord(TKvIAction Action)
+{
+    try {
+        for (const auto& Source : SourceFields) {
+            if (Source.Index < 0)
+                continue;
+            const auto& Dest = DestFields[static_cast<std::size_t>(Source.Index)];
+            if (Dest.Index >= 0)
+                AssignValue(FDataSet->Fields(Dest.Index), Dest.Value);
+        }
+        FDataSet->Post();
+    }
+    catch (const Exception& Error) {
+        FDataSet->Cancel();
+        ++Statistic.TotalErrors;
+        if (!OnErrorEvent)
+            return;                                 // the record stays counted as what was tried
+        UndoCount(Action);
+        Aborted = false;
+        OnErrorEvent(*this, Error, Aborted);
+        if (Aborted)
+            throw;
+    }
+}
+
+void TKvImportBaseComponent::UndoCount(TKvIAction Action)
+{
+    switch (Action) {
+    case iaAdd:     --Statistic.TotalAdded; break;
+    case iaUpdate:  --Statistic.TotalUpdated; break;
+    case iaDelete:  --Statistic.TotalDeleted; break;
+    case iaUnknown: break;
+    }
+}
+
+} // namespace kv
