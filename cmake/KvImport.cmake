@@ -2,7 +2,7 @@
 #
 #   kv_add_library(<Name> [ALIAS <Alias>] [SOURCES file...] [PUBLIC target...] [PRIVATE target...])
 #   kv_add_program(<name> MAIN file [SOURCES file...] [LINK target...])
-#   kv_add_test(<Unit> [LINK target...] [DEPENDS target...] [DEFINE NAME=value...])
+#   kv_add_test(<Unit> [SOURCES file...] [LINK target...] [DEPENDS target...] [DEFINE NAME=value...])
 #   kv_add_fuzzer(<Unit> [LINK target...])
 #   kv_add_bench(<Unit> [LINK target...])
 #   kv_leave_out(<Name> <what is missing>)   kv_leave_out_program(<name> <what is missing>)
@@ -152,7 +152,7 @@ endfunction()
 # Adds <Unit>_test.cpp to the test program of the current folder, one program a folder because linking
 # costs more than compiling here. CTest runs each TEST in a process of its own, several at a time.
 function(kv_add_test Unit)
-    cmake_parse_arguments(PARSE_ARGV 1 Arg "" "" "LINK;DEPENDS;DEFINE")
+    cmake_parse_arguments(PARSE_ARGV 1 Arg "" "" "SOURCES;LINK;DEPENDS;DEFINE")
     kv_find_left_out(LeftOut ${Arg_LINK} ${Arg_DEPENDS})
     if(LeftOut)
         message(STATUS "Leaving out ${Unit}_test: it needs ${LeftOut}")
@@ -170,7 +170,7 @@ function(kv_add_test Unit)
             DISCOVERY_MODE PRE_TEST
             PROPERTIES LABELS "${Folder}" TIMEOUT 300)
     endif()
-    target_sources(${Target} PRIVATE ${Unit}_test.cpp)
+    target_sources(${Target} PRIVATE ${Arg_SOURCES} ${Unit}_test.cpp)
     target_link_libraries(${Target} PRIVATE ${Arg_LINK})
     target_compile_definitions(${Target} PRIVATE ${Arg_DEFINE})
     if(Arg_DEPENDS)
