@@ -1,0 +1,50 @@
+// KvException - the exception family. A caller tells kinds apart only where it acts on the difference;
+// everybody else shows Message, which is complete and meant for users.
+#pragma once
+
+#include <exception>
+#include <string>
+#include <utility>
+
+namespace kv {
+
+/// The base of every error that the system raises.
+class Exception : public std::exception
+{
+public:
+    explicit Exception(std::string Text) : Message(std::move(Text)) {}
+
+    const char* what() const noexcept override { return Message.c_str(); }
+
+    std::string Message;                            ///< Complete text for users, UTF-8.
+};
+
+/// A value has no meaning in the type asked for.
+class EConvertError : public Exception
+{
+public:
+    using Exception::Exception;
+};
+
+/// A dataset, a field or the database behind them refused.
+class EDatabaseError : public Exception
+{
+public:
+    using Exception::Exception;
+};
+
+/// A file could not be opened, read or written. The message names the file and the system's reason.
+class EFileError : public Exception
+{
+public:
+    using Exception::Exception;
+};
+
+/// A published property is unknown or read-only, or the value does not suit it.
+class EPropertyError : public Exception
+{
+public:
+    using Exception::Exception;
+};
+
+} // namespace kv
