@@ -1,0 +1,174 @@
+#include "KvNumberText.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <iterator>
+#include <system_error>
+
+#include "KvException.h"
+#include "KvFormatSettings.h"
+#include "KvText.h"
+
+namespace kv {
+
+namespace {
+
+constexpr bool IsDigit(char Char) { return Char >= '0' && Char <= '9'; }
+
+/// Takes a sign off the front; true for a minus.
+bool TakeSign(std::string_view& Text)
+{
+    const bool Negative = Text.starts_with('-');
+    if (Negative || Text.starts_with('+'))
+        Text.remove_prefix(1);
+    return Negative;
+}
+
+/// The whole of `Text` as a number, or nothing.
+template <class T> std::optional<T> FromChars(std::string_view Text)
+{
+    T Value;
+    const auto* const End = Text.data() + Text.size();
+    const auto [Stop, Error] = std::from_chars(Text.data(), End, Value);
+    if (Error != std::errc() || Stop != End)
+        return {};
+    return Value;
+}
+
+/// A number whose fraction follows a period.
+std::optional<double> ParseFloat(std::string_view Text)
+{
+    const bool Negative = TakeSign(Text);
+    if (Text.empty() || !(IsDigit(Text[0]) || Text[0] == '.'))  // from_chars would take "inf" and a second sign
+        return {};
+    auto Value = FromChars<double>(Text);
+    if (Value && Negative)
+        *Value = -*Value;
+    return Value;
+}
+
+std::optional<double> ParseFloat(std::string_view Text, char Separator)
+{
+    if (Text.find('.') != Text.npos)
+        return {};
+    char Short[64];
+    std::string Long;                               // for digits without end, which are rare
+    auto* Copy = Short;
+    if (Text.size() > sizeof Short) {
+        Long.resize(Text.size());
+        Copy = Long.data();
+    }
+    std::ranges::replace_copy(Text, Copy, Separator, '.');
+    return ParseFloat({Copy, Text.size()});
+}
+
+/// Appends a decimal digit to a magnitude kept negative, which reaches one further. False on overflow.
+bool AppendDigit(std::int64_t& Negated, int Digit)
+{
+    return !__builtin_mul_overflow(Negated, 10, &Negated) && !__builtin_sub_overflow(Negated, Digit, &Negated);
+}
+
+/// "1.5e+300" as users know it: "1.5E300".
+std::string ScientificForUsers(std::string_view Text)
+{
+    const auto Mark = Text.find('e');
+    if (Mark == Text.npos)                          // infinity or no number
+        return UpperCase(Text);
+    auto Exponent = Text.substr(Mark + 1);
+    const bool Negative = TakeSign(Exponent);
+    Exponent.remove_prefix(std::min(Exponent.find_first_not_of('0'), Exponent.size() - 1));
+    std::string Result(Text.substr(0, Mark));
+    Result += Negative ? "E-" : "E";
+    return Result.append(Exponent);
+}
+
+} // namespace
+
+std::optional<std::int64_t> TryTextToInt(std::string_view Text)
+{
+    Text = Trim(Text);
+    if (Text.size() > 1 && Text[0] == '+' && IsDigit(Text[1]))
+        Text.remove_prefix(1);
+    return FromChars<std::int64_t>(Text);
+}
+
+std::int64_t TextToInt(std::string_view Text)
+{
+    if (const auto Value = TryTextToInt(Text))
+        return *Value;
+    throw EConvertError(FormatText("'%s' is not a valid integer value", {Text}));
+}
+
+std::optional<double> TryTextToFloat(std::string_view Text)
+{
+    const char Separator = FormatSettings().DecimalSeparator;
+    return Separator == '.' ? ParseFloat(Trim(Text)) : ParseFloat(Trim(Text), Separator);
+}
+
+double TextToFloat(std::string_view Text)
+{
+    if (const auto Value = TryTextToFloat(Text))
+        return *Value;
+    throw EConvertError(FormatText("'%s' is not a valid floating point value", {Text}));
+}
+
+std::optional<TCurrency> TryTextToCurrency(std::string_view Text)
+{
+    constexpr int Decimals = 4;
+    const char Separator = FormatSettings().DecimalSeparator;
+    Text = Trim(Text);
+    const bool Negative = TakeSign(Text);
+
+    std::int64_t Negated = 0;
+    int FractionDigits = -1;                        // -1 before the separator
+    for (const char Char : Text) {
+        if (Char == Separator && FractionDigits < 0) {
+            FractionDigits = 0;
+            continue;
+        }
+        if (!IsDigit(Char) || FractionDigits == Decimals || !AppendDigit(Negated, Char - '0'))
+            return {};
+        FractionDigits += FractionDigits >= 0;
+    }
+    const bool HasDigits = Text.size() > (FractionDigits >= 0 ? 1u : 0u);
+    if (!HasDigits)
+        return {};
+    for (int Digit = std::max(FractionDigits, 0); Digit < Decimals; ++Digit)
+        if (!AppendDigit(Negated, 0))
+            return {};
+    if (!Negative && __builtin_sub_overflow(0, Negated, &Negated))
+        return {};
+    return TCurrency{Negated};
+}
+
+std::string FloatToText(double Value)
+{
+    if (Value == 0)                                 // nobody types "-0"
+        return "0";
+    const double Magnitude = std::fabs(Value);
+    const bool IsPlain = Magnitude >= 1e-5 && Magnitude < 1e15;
+    char Buffer[32];
+    const auto End = std::to_chars(std::begin(Buffer), std::end(Buffer), Value,
+                                   IsPlain ? std::chars_format::fixed : std::chars_format::scientific).ptr;
+    const std::string_view Text(Buffer, End);
+    auto Result = IsPlain ? std::string(Text) : ScientificForUsers(Text);
+    std::ranges::replace(Result, '.', FormatSettings().DecimalSeparator);
+    return Result;
+}
+
+std::string CurrencyToText(TCurrency Value)
+{
+    auto Result = std::to_string(Value.Scaled / TCurrency::Scale);
+    const auto Fraction = static_cast<int>(Value.Scaled % TCurrency::Scale);
+    if (Fraction == 0)
+        return Result;
+    if (Fraction < 0 && Value.Scaled > -TCurrency::Scale)
+        Result.insert(0, 1, '-');                   // the whole part, 0, has lost it
+    auto Digits = std::to_string(TCurrency::Scale + std::abs(Fraction));
+    Digits[0] = FormatSettings().DecimalSeparator;
+    Digits.erase(Digits.find_last_not_of('0') + 1);
+    return Result + Digits;
+}
+
+} // namespace kv

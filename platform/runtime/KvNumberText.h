@@ -1,0 +1,33 @@
+// KvNumberText - numbers from text and text from numbers. Blanks around a number are allowed,
+// anything else that is no part of it is not: "0x10", "inf" and "nan" are no numbers here.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "KvVariant.h"
+
+namespace kv {
+
+/// A decimal integer with an optional sign, in the 64-bit range; otherwise nothing.
+std::optional<std::int64_t> TryTextToInt(std::string_view Text);
+/// Raises EConvertError "'%s' is not a valid integer value".
+std::int64_t TextToInt(std::string_view Text);
+
+/// A decimal number with optional sign, fraction and exponent; the fraction follows the process's
+/// decimal separator. Nothing when it is malformed or its magnitude leaves the range of a double.
+std::optional<double> TryTextToFloat(std::string_view Text);
+/// Raises EConvertError "'%s' is not a valid floating point value".
+double TextToFloat(std::string_view Text);
+
+/// An exact amount: at most four digits after the process's decimal separator, no exponent.
+std::optional<TCurrency> TryTextToCurrency(std::string_view Text);
+
+/// The shortest text that reads back as the same double, with the process's decimal separator.
+std::string FloatToText(double Value);
+/// All digits that are not trailing zeros of the fraction.
+std::string CurrencyToText(TCurrency Value);
+
+} // namespace kv
