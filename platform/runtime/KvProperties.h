@@ -1,0 +1,55 @@
+// KvProperties - the published properties of an object: name, type, reading and writing by name.
+// The engine asks a dataset for "IndexFieldName", a designer shows what a component publishes, the
+// command line sets it.
+#pragma once
+
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvVariant.h"
+
+namespace kv {
+
+class TPersistent;
+
+/// How a property's value reads as a variant.
+enum TPropertyKind {
+    pkInteger,                                      ///< vkInteger
+    pkBoolean,                                      ///< vkBoolean
+    pkChar,                                         ///< vkString of one character
+    pkString,                                       ///< vkString
+    pkEnumeration,                                  ///< vkInteger, the ordinal; names in Names
+    pkSet,                                          ///< vkInteger, bit n for the element n of Names
+    pkStrings,                                      ///< vkString, the whole text of a string list
+    pkObject,                                       ///< A reference: see GetObject
+    pkEvent                                         ///< Named for completeness; no value
+};
+
+/// One published property of a class.
+struct TPublishedProperty
+{
+    std::string_view Name;                          ///< As declared; compared without regard to case.
+    TPropertyKind Kind = pkString;
+    std::function<TVariant(const TPersistent&)> Get; ///< Empty for pkObject and pkEvent.
+    std::function<void(TPersistent&, const TVariant&)> Set; ///< Empty when the property is read-only.
+    std::function<TPersistent*(const TPersistent&)> GetObject; ///< The object of pkObject, may give none.
+    std::span<const std::string_view> Names = {};   ///< Element names of pkEnumeration and pkSet, in order.
+    bool Stored = true;                             ///< False for values that are not saved with the object.
+};
+
+using TPublishedProperties = std::vector<TPublishedProperty>;
+
+/// The property `Name` of `Object`, or none.
+const TPublishedProperty* FindProperty(const TPublishedProperties& Properties, std::string_view Name);
+
+/// The value of the property `Name`. Raises EPropertyError when `Object` has none of that name.
+TVariant GetPropValue(const TPersistent& Object, std::string_view Name);
+
+/// Sets the property `Name`; an enumeration also takes the name of a value.
+/// Raises EPropertyError when there is no such property, it is read-only or the value does not suit it.
+void SetPropValue(TPersistent& Object, std::string_view Name, const TVariant& Value);
+
+} // namespace kv

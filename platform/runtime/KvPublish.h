@@ -1,0 +1,171 @@
+// KvPublish - rows of a published-property table, made from a member or a getter and setter pair.
+#pragma once
+
+#include <concepts>
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+#include "KvComponent.h"
+#include "KvException.h"
+#include "KvNumberText.h"
+#include "KvSet.h"
+#include "KvStringList.h"
+#include "KvText.h"
+
+namespace kv {
+
+/// How a C++ type reads as a variant and back. `FromVariant` raises EPropertyError or EConvertError
+/// for a value that does not suit.
+template <class T> struct TPropertyType;
+
+template <> struct TPropertyType<int>
+{
+    static constexpr TPropertyKind Kind = pkInteger;
+    static TVariant ToVariant(int Value) { return Value; }
+    static int FromVariant(const TVariant& Value)
+    {
+        const auto Number = Value.Kind() == vkInteger ? Value.Integer() : TextToInt(Value.ToText());
+        if (!std::in_range<int>(Number))
+            throw EPropertyError(std::to_string(Number) + " is out of range");
+        return static_cast<int>(Number);
+    }
+};
+
+template <> struct TPropertyType<bool>
+{
+    static constexpr TPropertyKind Kind = pkBoolean;
+    static TVariant ToVariant(bool Value) { return Value; }
+    static bool FromVariant(const TVariant& Value)
+    {
+        const auto Word = Value.ToText();
+        if (SameText(Word, "True") || Word == "1")
+            return true;
+        if (SameText(Word, "False") || Word == "0")
+            return false;
+        throw EPropertyError("'" + Word + "' is neither True nor False");
+    }
+};
+
+template <> struct TPropertyType<char>
+{
+    static constexpr TPropertyKind Kind = pkChar;
+    static TVariant ToVariant(char Value) { return std::string_view(&Value, 1); }
+    static char FromVariant(const TVariant& Value)
+    {
+        const auto Text = Value.ToText();
+        if (Text.size() != 1)
+            throw EPropertyError("'" + Text + "' is not a single character");
+        return Text[0];
+    }
+};
+
+template <> struct TPropertyType<std::string>
+{
+    static constexpr TPropertyKind Kind = pkString;
+    static TVariant ToVariant(const std::string& Value) { return Value; }
+    static std::string FromVariant(const TVariant& Value) { return Value.ToText(); }
+};
+
+template <class TEnum>
+    requires std::is_enum_v<TEnum>
+struct TPropertyType<TEnum>
+{
+    static constexpr TPropertyKind Kind = pkEnumeration;
+    static TVariant ToVariant(TEnum Value) { return static_cast<int>(Value); }
+    static TEnum FromVariant(const TVariant& Value) { return static_cast<TEnum>(TPropertyType<int>::FromVariant(Value)); }
+};
+
+template <class TEnum> struct TPropertyType<TSet<TEnum>>
+{
+    static constexpr TPropertyKind Kind = pkSet;
+    static TVariant ToVariant(TSet<TEnum> Value) { return Value.Bits(); }
+    static TSet<TEnum> FromVariant(const TVariant& Value)
+    {
+        return TSet<TEnum>::FromBits(static_cast<std::uint32_t>(TPropertyType<int>::FromVariant(Value)));
+    }
+};
+
+/// A property that is a plain member. Enumerations and sets name their values in `Names`.
+template <std::derived_from<TPersistent> TClass, class T>
+TPublishedProperty Publish(std::string_view Name, T TClass::*Member, std::span<const std::string_view> Names = {})
+{
+    using TType = TPropertyType<T>;
+    return {.Name = Name,
+            .Kind = TType::Kind,
+            .Get = [Member](const TPersistent& Object) {
+                return TType::ToVariant(dynamic_cast<const TClass&>(Object).*Member);
+            },
+            .Set = [Member](TPersistent& Object, const TVariant& Value) {
+                dynamic_cast<TClass&>(Object).*Member = TType::FromVariant(Value);
+            },
+            .GetObject = {},
+            .Names = Names};
+}
+
+/// A property with functions `TValue Getter(const TClass&)` and `void Setter(TClass&, TValue)`.
+template <std::derived_from<TPersistent> TClass, class TGetter, class TSetter>
+TPublishedProperty Publish(std::string_view Name, TGetter Getter, TSetter Setter,
+                           std::span<const std::string_view> Names = {})
+{
+    using TType = TPropertyType<std::remove_cvref_t<std::invoke_result_t<TGetter, const TClass&>>>;
+    return {.Name = Name,
+            .Kind = TType::Kind,
+            .Get = [Getter](const TPersistent& Object) {
+                return TType::ToVariant(std::invoke(Getter, dynamic_cast<const TClass&>(Object)));
+            },
+            .Set = [Setter](TPersistent& Object, const TVariant& Value) {
+                std::invoke(Setter, dynamic_cast<TClass&>(Object), TType::FromVariant(Value));
+            },
+            .GetObject = {},
+            .Names = Names};
+}
+
+/// A property that refers to an object: `TPersistent* Getter(const TClass&)`.
+template <std::derived_from<TPersistent> TClass, class TGetter>
+TPublishedProperty PublishObject(std::string_view Name, TGetter Getter)
+{
+    TPublishedProperty Property;
+    Property.Name = Name;
+    Property.Kind = pkObject;
+    Property.GetObject = [Getter](const TPersistent& Object) -> TPersistent* {
+        return std::invoke(Getter, dynamic_cast<const TClass&>(Object));
+    };
+    return Property;
+}
+
+/// A string list that reads and is set as its whole text.
+template <std::derived_from<TPersistent> TClass>
+TPublishedProperty PublishStrings(std::string_view Name, TStrings TClass::*Member)
+{
+    TPublishedProperty Property;
+    Property.Name = Name;
+    Property.Kind = pkStrings;
+    Property.Get = [Member](const TPersistent& Object) {
+        return TVariant((dynamic_cast<const TClass&>(Object).*Member).Text());
+    };
+    Property.Set = [Member](TPersistent& Object, const TVariant& Value) {
+        (dynamic_cast<TClass&>(Object).*Member).SetText(Value.ToText());
+    };
+    return Property;
+}
+
+inline TPublishedProperty PublishEvent(std::string_view Name)
+{
+    TPublishedProperty Property;
+    Property.Name = Name;
+    Property.Kind = pkEvent;
+    return Property;
+}
+
+/// The same property, left out when the object is saved.
+inline TPublishedProperty NotStored(TPublishedProperty Property)
+{
+    Property.Stored = false;
+    return Property;
+}
+
+} // namespace kv
