@@ -1,0 +1,62 @@
+// KvByteScan - finds the first of up to four byte values, eight bytes at a step.
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+namespace kv {
+
+/// A set of one to four byte values to search for. Values may repeat.
+class TKvByteSet
+{
+public:
+    static constexpr std::size_t MaxSize = 4;
+
+    /// Takes the first MaxSize bytes of `Values`; at least one.
+    explicit TKvByteSet(std::string_view Values)
+    {
+        for (std::size_t I = 0; I < MaxSize; ++I)
+            Pattern[I] = Ones * static_cast<unsigned char>(Values[I < Values.size() ? I : 0]);
+    }
+
+    /// The first byte of [First, Last) that is in the set, or Last.
+    const char* FindIn(const char* First, const char* Last) const
+    {
+        for (; Last - First >= 8; First += 8) {
+            std::uint64_t Word;
+            std::memcpy(&Word, First, sizeof Word);
+            if (const auto Hits = Matches(Word))
+                return First + std::countr_zero(Hits) / 8;
+        }
+        while (First != Last && !Contains(*First))
+            ++First;
+        return First;
+    }
+
+    bool Contains(char Value) const
+    {
+        const auto Byte = static_cast<unsigned char>(Value);
+        return Byte == (Pattern[0] & 0xFF) || Byte == (Pattern[1] & 0xFF) || Byte == (Pattern[2] & 0xFF) ||
+               Byte == (Pattern[3] & 0xFF);
+    }
+
+private:
+    static_assert(std::endian::native == std::endian::little); // the first byte is the lowest
+    static constexpr std::uint64_t Ones = 0x0101010101010101;
+    static constexpr std::uint64_t Highs = 0x8080808080808080;
+
+    // The lowest set bit is exact: a borrow can only raise false hits above a true one.
+    static std::uint64_t ZeroBytes(std::uint64_t Word) { return (Word - Ones) & ~Word & Highs; }
+    std::uint64_t Matches(std::uint64_t Word) const
+    {
+        return ZeroBytes(Word ^ Pattern[0]) | ZeroBytes(Word ^ Pattern[1]) | ZeroBytes(Word ^ Pattern[2]) |
+               ZeroBytes(Word ^ Pattern[3]);
+    }
+
+    std::uint64_t Pattern[MaxSize];
+};
+
+} // namespace kv
