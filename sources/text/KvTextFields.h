@@ -1,0 +1,65 @@
+// KvTextFields - cuts a delimited line into values.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvByteScan.h"
+
+namespace kv {
+
+/// Where a value stands in its line: bytes [Start, Stop) from 0. An empty value may have Start past
+/// Stop, and the one after a trailing delimiter has Stop one past the line.
+struct TKvTextField
+{
+    std::size_t Start;
+    std::size_t Stop;
+    bool Rewritten;                                 ///< Its text is that of the line without some qualifiers.
+
+    friend bool operator==(const TKvTextField&, const TKvTextField&) = default;
+};
+
+/// The values of one line at a time. Nothing is allocated for a line like those before it.
+class TKvTextFields
+{
+public:
+    /// `Qualifier` #0: none.
+    ///
+    /// By default a delimiter counts when the qualifiers up to it are even in number, wherever they
+    /// stand, and a value loses one qualifier at each end. With `DoubledQualifiers` only a value that
+    /// begins with the qualifier is qualified, up to the next one that is not doubled (RFC 4180); what
+    /// stands between that and the delimiter is kept as text of the value.
+    TKvTextFields(char Delimiter, char Qualifier, bool DoubledQualifiers = false);
+
+    /// Keeps a view of `Line` until the next call. An empty line has no value.
+    void Split(std::string_view Line);
+
+    std::size_t Count() const { return Fields.size(); }
+    const TKvTextField& operator[](std::size_t Index) const { return Fields[Index]; }
+    /// The text of value `Index` from 0, valid until the next Split. By default the last value of a line
+    /// that ends in a delimiter still has that delimiter before the empty value that follows it.
+    std::string_view Value(std::size_t Index);
+
+private:
+    void SplitByParity();
+    void SplitByValues();
+    void AddTrimmed(const char* First, const char* Last);
+    const char* AddQualified(const char* Open);
+    void Add(const char* First, const char* Last, bool Rewritten);
+    std::string_view WithoutQualifiers(std::size_t Index);
+    bool IsQualifier(char Value) const { return Qualifier != '\0' && Value == Qualifier; }
+    const char* Begin() const { return Line.data(); }
+    const char* End() const { return Line.data() + Line.size(); }
+
+    const char Delimiter;
+    const char Qualifier;
+    const bool DoubledQualifiers;
+    const TKvByteSet Stops;                         // delimiter and qualifier
+    std::string_view Line;
+    std::vector<TKvTextField> Fields;
+    std::vector<std::string> Texts;                 // of rewritten values, by index
+};
+
+} // namespace kv

@@ -1,0 +1,468 @@
+#include "Kvi2txt.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "KvCodePage.h"
+#include "KvNumberText.h"
+#include "KvPublish.h"
+#include "KvText.h"
+#include "KvTextLines.h"
+#include "KvUserInterface.h"
+#include "Kvistat.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::string_view FieldDelimiterNames[] = {"fdNone",  "fdCustom", "fdTab", "fdSemicolon",
+                                                    "fdComma", "fdSpace"};
+constexpr std::string_view TextQualifierNames[] = {"tqNone", "tqCustom", "tqQuot", "tqApos"};
+constexpr std::string_view RecordSeparatorNames[] = {"rsCustom", "rsCRLF", "rsCR", "rsLF"};
+constexpr std::string_view ExtensionNames[] = {"xtDoubledQualifiers", "xtLongLines", "xtByteOrderMark"};
+
+constexpr char MsgLineTooLong[] = "is longer than 9999 characters";
+constexpr char MsgUnclosed[] = "begins a value that no text qualifier closes";
+
+constexpr std::size_t MaxLineSize = 9999;           // two positions share one number
+constexpr int PositionScale = 10000;
+constexpr std::size_t PreviewBytes = 102400;
+constexpr int PreviewRows = 20;
+constexpr int PreviewRowFirstMax = 9;               // a later first row may lie beyond PreviewBytes
+constexpr std::size_t PollBytes = 4 << 20;          // between two looks at the Cancel button
+
+constexpr std::size_t WholeFile = std::numeric_limits<std::size_t>::max();
+
+constexpr std::string_view TextPrefix = "Text";
+constexpr std::string_view FieldPrefix = "Field";
+
+struct TByteOrderMark
+{
+    std::string_view Bytes;
+    std::string_view CodePage;
+};
+constexpr TByteOrderMark ByteOrderMarks[] = {
+    {"\xEF\xBB\xBF", "UTF-8"}, {"\xFF\xFE", "UTF-16LE"}, {"\xFE\xFF", "UTF-16BE"}};
+
+/// The positive number that `Text` is, else 0.
+std::size_t PositionOf(std::string_view Text)
+{
+    return static_cast<std::size_t>(std::max<std::int64_t>(TryTextToInt(Text).value_or(0), 0));
+}
+
+/// `Text` from byte `First` to byte `Last`, both from 1, as far as it reaches.
+std::string_view Slice(std::string_view Text, std::size_t First, std::size_t Last)
+{
+    if (First > Last || First > Text.size())
+        return {};
+    return Text.substr(First - 1, Last - First + 1);
+}
+
+bool NamesField(std::string_view Name, const TField& Field)
+{
+    return !Name.empty() && SameText(Name, Field.FieldName());
+}
+
+std::string FileAndLine(const std::string& FileName, std::size_t Number)
+{
+    return "Line " + std::to_string(Number) + " of " + FileName + " ";
+}
+
+/// Cuts lines up to number `RowLast`: the first becomes `FirstLine`, those from `RowFirst` on go to
+/// `Keep`. `Continue`, when given, is asked every few megabytes; false ends it with answer false.
+template <class TKeep>
+bool SelectLines(TKvTextLines& Lines, int RowFirst, int RowLast, std::string_view& FirstLine,
+                 const std::function<bool()>& Continue, TKeep Keep)
+{
+    std::size_t NextPoll = PollBytes;
+    for (std::int64_t Number = 1; Number <= std::max(RowLast, 1) && Lines.Next(); ++Number) {
+        if (Number == 1)
+            FirstLine = Lines.Line();
+        if (RowFirst <= Number && Number <= RowLast)
+            Keep(Lines.Line());
+        if (Lines.Offset() < NextPoll)
+            continue;
+        NextPoll = Lines.Offset() + PollBytes;
+        if (Continue && !Continue())
+            return false;
+    }
+    return true;
+}
+
+/// Holds back the changes of a list for the length of a block.
+class TUpdateOf
+{
+public:
+    explicit TUpdateOf(TStrings& TheList) : List(TheList) { List.BeginUpdate(); }
+    TUpdateOf(const TUpdateOf&) = delete;
+    TUpdateOf& operator=(const TUpdateOf&) = delete;
+    ~TUpdateOf() { List.EndUpdate(); }
+
+private:
+    TStrings& List;
+};
+
+void FillDelimited(char Delimiter, char TextQualifier, std::string_view Line, std::vector<int>& Positions)
+{
+    if (Line.size() > MaxLineSize)
+        throw Exception(std::string("The line ") + MsgLineTooLong);
+    TKvTextFields Fields(Delimiter, TextQualifier);
+    Fields.Split(Line);
+    for (std::size_t I = 0; I < Fields.Count(); ++I)
+        Positions.push_back(static_cast<int>(Fields[I].Start + 1) * PositionScale + static_cast<int>(Fields[I].Stop));
+}
+
+/// A column holds the byte after its field's width too, unless that is a delimiter or qualifier.
+void FillBreaks(const TDataSet& DataSet, char Delimiter, char TextQualifier, std::string_view Line,
+                std::vector<int>& Positions)
+{
+    const auto Size = static_cast<std::int64_t>(Line.size());
+    const auto CharAt = [Line](std::int64_t Position) { return Line[static_cast<std::size_t>(Position - 1)]; };
+    std::int64_t Start = 1;                         // all positions count from 1
+    for (int I = 0; I < DataSet.FieldCount(); ++I) {
+        std::int64_t End = Start + DataSet.Fields(I).DisplayWidth();
+        std::int64_t Stop = End;
+        if (End > Size)
+            End = Stop = Size;
+        else if (CharAt(End) == TextQualifier || CharAt(End) == Delimiter)
+            --Stop;
+        Positions.push_back(static_cast<int>(Stop));
+        Start = End + 1;
+        if (Start <= Size && CharAt(Start) == Delimiter)
+            ++Start;
+        if (Start >= Size)
+            break;
+    }
+}
+
+} // namespace
+
+TKvImportFromText::TKvImportFromText(TComponent* Owner) : TKvImportBaseComponent(Owner, teText, Extension()) {}
+
+TPublishedProperties TKvImportFromText::PublishedProperties() const
+{
+    using T = TKvImportFromText;
+    auto Properties = TKvImportBaseComponent::PublishedProperties();
+    const auto Own = {
+        Publish("SourceFileName", &T::SourceFileName),
+        Publish("Fixed", &T::Fixed),
+        Publish("RowFirst", &T::RowFirst),
+        Publish("RowLast", &T::RowLast),
+        Publish<T>("FieldDelimiter", &T::GetFieldDelimiter, &T::SetFieldDelimiter, FieldDelimiterNames),
+        Publish<T>("FieldDelimiterCustom", &T::GetFieldDelimiterCustom, &T::SetFieldDelimiterCustom),
+        Publish<T>("TextQualifier", &T::GetTextQualifier, &T::SetTextQualifier, TextQualifierNames),
+        Publish<T>("TextQualifierCustom", &T::GetTextQualifierCustom, &T::SetTextQualifierCustom),
+        Publish<T>("RecordSeparator", &T::GetRecordSeparator, &T::SetRecordSeparator, RecordSeparatorNames),
+        Publish<T>("RecordSeparatorCustom", &T::GetRecordSeparatorCustom, &T::SetRecordSeparatorCustom),
+        Publish("Extensions", &T::Extensions, ExtensionNames)};
+    Properties.insert(Properties.end(), Own.begin(), Own.end());
+    return Properties;
+}
+
+std::string TKvImportFromText::FillFileFilters()
+{
+    return "Text file (*.txt)|*.TXT|Comma-delimited file (*.csv)|*.CSV|Data file (*.dat)|*.DAT|"
+           "Text file (*.prn)|*.PRN|Tabular file (*.tab)|*.TAB|ASCII file (*.asc)|*.ASC|" +
+           TKvImportBaseComponent::FillFileFilters();
+}
+
+bool TKvImportFromText::NotDefined(std::string& PropName)
+{
+    if (TKvImportBaseComponent::NotDefined(PropName))
+        return true;
+    if (!SourceFileName.empty())
+        return false;
+    PropName = "SourceFileName";
+    return true;
+}
+
+// Loading.
+
+void TKvImportFromText::BeforeImport()
+{
+    Load(RowLast);
+}
+
+void TKvImportFromText::AfterImport()
+{
+    Unload();
+}
+
+void TKvImportFromText::Unload()
+{
+    FieldPositions.reset();
+    Lines = {};
+    CurrentLine = FirstLine = Text = {};
+    Decoded = {};
+    File = {};
+}
+
+void TKvImportFromText::Load(int LastLine)
+{
+    Unload();                                       // a run that an exception ended left its lines behind
+    Columns.Clear();
+    CurrentRow = 0;
+    HeaderFields = 0;
+    FFieldCounts = {};
+    ReadText();
+    CutLines(LastLine);
+    if (Fixed)
+        return;
+    FieldPositions.emplace(GetFieldDelimiterCustom(), GetTextQualifierCustom(),
+                           Extensions.Contains(xtDoubledQualifiers));
+    if (RowFirst > 1) {
+        FieldPositions->Split(FirstLine);
+        HeaderFields = FieldPositions->Count();
+    }
+}
+
+bool TKvImportFromText::KeepsRunning() const
+{
+    if (AnimatedStatus)
+        UserInterface().ProcessMessages();          // so that a click on Cancel is seen
+    return !ProgressCanceled();
+}
+
+void TKvImportFromText::ReadText()
+{
+    File = ReadFileBytes(SourceFileName, WholeFile, [this] { return KeepsRunning(); });
+    Text = File.View();
+    if (Extensions.Contains(xtByteOrderMark))
+        DecodeText();
+}
+
+void TKvImportFromText::DecodeText()
+{
+    const auto Mark = std::ranges::find_if(
+        ByteOrderMarks, [this](const TByteOrderMark& Each) { return Text.starts_with(Each.Bytes); });
+    if (Mark == std::end(ByteOrderMarks))
+        return;
+    Text.remove_prefix(Mark->Bytes.size());
+    if (Mark->CodePage == AnsiCodePage())
+        return;
+    try {
+        Decoded = Utf8ToAnsi(CodePageToUtf8(Text, Mark->CodePage));
+    }
+    catch (const EConvertError&) {          // its message would show the whole text
+        throw EConvertError(FormatText("Cannot convert the text of file \"%s\" from %s to %s",
+                                       {SourceFileName, Mark->CodePage, AnsiCodePage()}));
+    }
+    Text = Decoded;
+    File = {};
+}
+
+void TKvImportFromText::CutLines(int LastLine)
+{
+    const char Qualifier = GetTextQualifierCustom();
+    const bool Doubled = Extensions.Contains(xtDoubledQualifiers);
+    TKvTextLineRules Rules{.Separator = GetRecordSeparatorCustom(),
+                           .Qualifier = {&Qualifier, 1}, // #0 too: the zero byte then hides line ends
+                           .DoubledQualifiers = Doubled,
+                           .Delimiter = GetFieldDelimiterCustom()};
+    if (Doubled && (Fixed || Qualifier == '\0'))
+        Rules.Qualifier = {};
+    TKvTextLines Cutter(Text, Rules);
+    const bool Complete = SelectLines(Cutter, RowFirst, LastLine, FirstLine, [this] { return KeepsRunning(); },
+                                      [this](std::string_view Line) { Lines.push_back(Line); });
+    if (!Complete)
+        Lines.clear();                              // cancelled: nothing of the file is imported
+    else if (Cutter.Unclosed())
+        throw Exception(FileAndLine(SourceFileName, Cutter.Number()) + MsgUnclosed);
+}
+
+// The records.
+
+std::size_t TKvImportFromText::LineNumber() const
+{
+    return static_cast<std::size_t>(std::max(RowFirst, 1)) + CurrentRow;
+}
+
+std::string TKvImportFromText::RecordPlace() const
+{
+    return "line " + std::to_string(LineNumber());
+}
+
+int TKvImportFromText::GetTotalCount()
+{
+    return static_cast<int>(std::min(Lines.size(), static_cast<std::size_t>(RowLastMax)));
+}
+
+bool TKvImportFromText::NeedMore()
+{
+    return CurrentRow < Lines.size() && std::int64_t{RowLast} - RowFirst >= static_cast<std::int64_t>(CurrentRow);
+}
+
+bool TKvImportFromText::LoadRecord()
+{
+    CurrentLine = Lines[CurrentRow];
+    if (FieldPositions) {
+        CheckLength(CurrentLine, LineNumber());
+        FieldPositions->Split(CurrentLine);
+        if (HeaderFields > 0 && FieldPositions->Count() != HeaderFields)
+            CountFields();
+    }
+    return TKvImportBaseComponent::LoadRecord();
+}
+
+void TKvImportFromText::CheckLength(std::string_view Line, std::size_t Number) const
+{
+    if (Line.size() > MaxLineSize && !Extensions.Contains(xtLongLines))
+        throw Exception(FileAndLine(SourceFileName, Number) + MsgLineTooLong);
+}
+
+/// For a line that holds not as many values as the header.
+void TKvImportFromText::CountFields()
+{
+    auto& Counts = FFieldCounts;
+    const bool Fewer = FieldPositions->Count() < HeaderFields;
+    if (++(Fewer ? Counts.FewerLines : Counts.MoreLines) == 1)
+        (Fewer ? Counts.FirstFewer : Counts.FirstMore) = static_cast<int>(LineNumber());
+}
+
+// The values.
+
+TVariant TKvImportFromText::GetFieldValue(const TVariant& Source)
+{
+    const auto& Column = Columns.Find(
+        Source, [this](std::string_view Each) { return Fixed ? ResolveFixed(Each) : ResolveDelimited(Each); });
+    return TVariant::Borrow(TextOf(Column, Source.Text()));
+}
+
+/// Any five characters stand before the number of a value, any four before a position: only a name
+/// without one is a constant.
+TKvImportFromText::TColumn TKvImportFromText::ResolveDelimited(std::string_view Source)
+{
+    TColumn Column{.NamesField = Source.starts_with(FieldPrefix)};
+    if (Source.size() > FieldPrefix.size())
+        Column.First = PositionOf(Source.substr(FieldPrefix.size()));
+    return Column;
+}
+
+TKvImportFromText::TColumn TKvImportFromText::ResolveFixed(std::string_view Source)
+{
+    TColumn Column{.NamesField = Source.starts_with(FieldPrefix)};
+    const auto Dash = Source.find('-');
+    if (Dash == Source.npos || Dash < TextPrefix.size())
+        return Column;
+    Column.First = PositionOf(Source.substr(TextPrefix.size(), Dash - TextPrefix.size()));
+    Column.Last = PositionOf(Source.substr(Dash + 1));
+    return Column;
+}
+
+std::string_view TKvImportFromText::TextOf(const TColumn& Column, std::string_view Source)
+{
+    const bool InLine = Column.First > 0 && (Fixed || Column.First <= FieldPositions->Count());
+    if (!InLine)
+        return Column.NamesField ? std::string_view() : WithoutDelimiter(Source);
+    if (Fixed)
+        return WithoutDelimiter(Slice(CurrentLine, Column.First, Column.Last));
+    const auto Value = FieldPositions->Value(Column.First - 1);
+    return Extensions.Contains(xtDoubledQualifiers) ? Value : WithoutDelimiter(Value);
+}
+
+std::string_view TKvImportFromText::WithoutDelimiter(std::string_view Value) const
+{
+    if (!Value.empty() && Value.back() == GetFieldDelimiterCustom())
+        Value.remove_suffix(1);
+    return Value;
+}
+
+// Automatic mapping.
+
+void TKvImportFromText::DetectAutoMapping()
+{
+    Load(1);
+    if (RowFirst > 1)
+        Fixed ? MapHeaderBreaks() : MapHeaderFields();
+    else
+        Fixed ? MapFieldWidths() : MapFieldsInOrder();
+    AfterImport();
+}
+
+void TKvImportFromText::AddMapping(const TField& Field, const std::string& Source)
+{
+    Mappings().Add(Field.FieldName() + "=" + Source);
+}
+
+/// By the names in line 1. A field whose name is not there gets no mapping.
+void TKvImportFromText::MapHeaderFields()
+{
+    CheckLength(FirstLine, 1);
+    auto& Header = *FieldPositions;                 // split when it was loaded
+    for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
+        const auto& Field = GetDataSet()->Fields(I);
+        std::size_t Position = 0;
+        while (Position < Header.Count() && !NamesField(Header.Value(Position), Field))
+            ++Position;
+        if (Position < Header.Count())
+            AddMapping(Field, "Field" + std::to_string(Position + 1));
+    }
+}
+
+/// By the names in line 1 between breaks that the fields' widths propose. The text compared begins with
+/// the byte at the last break, wherever the search for the field before has left it, and the column
+/// that is mapped is the one byte at the break: programs know the result as it is.
+void TKvImportFromText::MapHeaderBreaks()
+{
+    std::vector<int> Breaks;
+    FillFields(GetDataSet(), true, GetFieldDelimiterCustom(), GetTextQualifierCustom(), FirstLine, Breaks);
+    std::size_t Pos = 0;
+    for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
+        const auto& Field = GetDataSet()->Fields(I);
+        for (const int Break : Breaks) {
+            const auto Part = Slice(FirstLine, std::max<std::size_t>(Pos, 1), static_cast<std::size_t>(Break));
+            Pos = static_cast<std::size_t>(Break);
+            if (NamesField(Part, Field)) {
+                AddMapping(Field, "Text" + std::to_string(Pos) + "-" + std::to_string(Break));
+                break;
+            }
+        }
+    }
+}
+
+void TKvImportFromText::MapFieldsInOrder()
+{
+    for (int I = 0; I < GetDataSet()->FieldCount(); ++I)
+        AddMapping(GetDataSet()->Fields(I), "Field" + std::to_string(I + 1));
+}
+
+/// One column after the other. The first begins at 0, which is no position: it imports its own name.
+void TKvImportFromText::MapFieldWidths()
+{
+    std::int64_t Pos = 0;
+    for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
+        const auto& Field = GetDataSet()->Fields(I);
+        const auto Stop = Pos + Field.DisplayWidth();
+        AddMapping(Field, "Text" + std::to_string(Pos) + "-" + std::to_string(Stop));
+        Pos = Stop + 1 + (GetFieldDelimiterCustom() != '\0');
+    }
+}
+
+// Routines without a component.
+
+void LoadTextFile(bool IsPreview, std::string& FirstLine, TStrings& Lines, const std::string& FileName,
+                  std::string_view RecordSeparator, std::string_view TextQualifier, int RowFirst, int RowLast)
+{
+    const TUpdateOf Update(Lines);
+    Lines.Clear();
+    FirstLine.clear();
+    const bool ReadsStart = IsPreview && RowFirst <= PreviewRowFirstMax;
+    const auto File = ReadFileBytes(FileName, ReadsStart ? PreviewBytes : WholeFile);
+    TKvTextLines Cutter(File.View(), {.Separator = RecordSeparator, .Qualifier = TextQualifier});
+    std::string_view Header;
+    SelectLines(Cutter, RowFirst, IsPreview ? std::min(RowLast, PreviewRows) : RowLast, Header, {},
+                [&Lines](std::string_view Line) { Lines.Add(Line); });
+    FirstLine = Header;
+}
+
+void FillFields(TDataSet* DataSet, bool IsFixed, char Delimiter, char TextQualifier, std::string_view Line,
+                std::vector<int>& Positions)
+{
+    Positions.clear();
+    if (!IsFixed)
+        FillDelimited(Delimiter, TextQualifier, Line, Positions);
+    else if (DataSet)
+        FillBreaks(*DataSet, Delimiter, TextQualifier, Line, Positions);
+}
+
+} // namespace kv
