@@ -106,8 +106,8 @@ std::string_view TKvTextFields::Value(std::size_t Index)
 /// A qualified value that holds doubled qualifiers, or text after the closing one.
 std::string_view TKvTextFields::WithoutQualifiers(std::size_t Index)
 {
-    if (Texts.size() <= Index)
-        Texts.resize(Index + 1);
+    if (Texts.size() < Fields.size())               // once a line: short texts move when the list grows
+        Texts.resize(Fields.size());
     auto& Text = Texts[Index];
     Text.clear();
     const char* const Last = Begin() + Fields[Index].Stop;

@@ -13,9 +13,9 @@ namespace kv {
 struct TKvTextLineRules
 {
     /// Any of its characters ends a line. After that as much of it is skipped as follows in its order.
-    std::string_view Separator;
+    std::string_view Separator = "\r\n";
     /// One character; of any other length: none.
-    std::string_view Qualifier;
+    std::string_view Qualifier = {};
     /// False: a line end counts when the qualifiers before it in its line are even in number, wherever
     /// they stand. True: it counts outside values that begin with the qualifier (RFC 4180).
     bool DoubledQualifiers = false;
