@@ -180,7 +180,8 @@ endfunction()
 
 # --- Fuzz targets -----------------------------------------------------------------------------------
 
-set(KVIMPORT_FUZZ_SECONDS 5 CACHE STRING "How long the test run lets libFuzzer search, for each fuzz target")
+set(KVIMPORT_FUZZ_SECONDS 5 CACHE STRING
+    "How long the test run lets libFuzzer search, for each fuzz target; 0 only replays the seeds")
 
 # Builds <Unit>_fuzz.cpp, which defines LLVMFuzzerTestOneInput. Beside it may lie a dictionary,
 # <Unit>_fuzz.dict, and seeds in seeds/<Unit>/. Without libFuzzer the target replays the seeds and
@@ -211,14 +212,19 @@ function(kv_add_fuzzer Unit)
         else()
             set(Dictionary)
         endif()
+        set(Limit "-max_total_time=${KVIMPORT_FUZZ_SECONDS}")
+        if(KVIMPORT_FUZZ_SECONDS EQUAL 0)           # which libFuzzer takes for no limit at all
+            set(Limit "-runs=0")
+        endif()
         add_test(NAME ${Target}
-            COMMAND ${Target} -max_total_time=${KVIMPORT_FUZZ_SECONDS} -timeout=10 -rss_limit_mb=2048
+            COMMAND ${Target} ${Limit} -timeout=10 -rss_limit_mb=2048
                     -print_final_stats=1 "-artifact_prefix=${Found}/" ${Dictionary} "${Found}" ${Seeds})
     else()
         target_sources(${Target} PRIVATE KvSeedReplay.cpp)
         add_test(NAME ${Target} COMMAND ${Target} ${Seeds})
     endif()
-    set_tests_properties(${Target} PROPERTIES LABELS fuzz TIMEOUT 300)
+    math(EXPR Timeout "${KVIMPORT_FUZZ_SECONDS} + 300")
+    set_tests_properties(${Target} PROPERTIES LABELS fuzz TIMEOUT ${Timeout})
 endfunction()
 
 # --- Benchmarks -------------------------------------------------------------------------------------
