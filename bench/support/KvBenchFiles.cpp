@@ -104,7 +104,7 @@ void WriteKeyedOrders(const std::filesystem::path& File, std::uint64_t Rows, std
     TLineWriter Writer(File, olDelimited, "\n");
     for (std::uint64_t Row = 0; Row < Rows; Row += 2) {
         const std::uint64_t Ids[] = {1 + Known[Row / 2], 1 + TableRows + New[Row / 2]};
-        const auto First = Coin.Below(2); // an order that always comes second is easy to predict
+        const auto First = Coin.Below(2);           // an order that always comes second is easy to predict
         Writer.Write(Ids[First], 1);
         if (Row + 1 < Rows)
             Writer.Write(Ids[1 - First], 1);

@@ -11,7 +11,7 @@ namespace kv::bench {
 enum TOrderLines
 {
     olDelimited, ///< A header, commas, CUSTOMER in doubled quotation marks.
-    olFixedWidth ///< No header; values padded with blanks to OrderColumns.
+    olFixedWidth                                    ///< No header; values padded with blanks to OrderColumns.
 };
 
 /// Writes orders 1 to `Rows` in order of ID; a row of a delimited file is about 87 bytes long.

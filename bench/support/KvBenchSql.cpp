@@ -66,7 +66,7 @@ void TSqlStatement::Bind(int Parameter, std::string_view Text)
 bool TSqlStatement::Run()
 {
     const bool Row = sqlite3_step(Handle.get()) == SQLITE_ROW;
-    Check(sqlite3_reset(Handle.get())); // repeats the error of a failed step
+    Check(sqlite3_reset(Handle.get()));             // repeats the error of a failed step
     return Row;
 }
 

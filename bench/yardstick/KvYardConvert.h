@@ -14,7 +14,7 @@ public:
     void Bind(const TOrderText& Order, TSqlStatement& Statement);
 
 private:
-    char IsoDate[10]; // the statement reads it when it runs
+    char IsoDate[10];                               // the statement reads it when it runs
 };
 
 /// Binds only the key, to parameter 1.

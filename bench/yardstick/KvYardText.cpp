@@ -65,7 +65,7 @@ bool TDelimitedCutter::Next(TOrderText& Order)
 {
     if (Rest.empty())
         return false;
-    auto Line = CutLine(Rest); // no order of ours holds a line end
+    auto Line = CutLine(Rest);                      // no order of ours holds a line end
     for (std::size_t Column = 0; Column < Order.size(); Column++) {
         if (Column > 0) {
             if (!Line.starts_with(','))

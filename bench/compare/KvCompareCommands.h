@@ -1,0 +1,46 @@
+// KvCompareCommands - the command lines that import a file of orders, for each program that can.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "KvBenchFiles.h"
+#include "KvCompareProcess.h"
+
+namespace kv::bench {
+
+/// What to do with the records of a file.
+enum TWork
+{
+    wkAppend,
+    wkAppendUpdate,
+    wkUpdate,
+    wkDelete
+};
+
+/// "append-update" and so on, as kvimport and the yardstick call them.
+std::string NameOf(TWork Work);
+
+/// Where the programs are. All but the sqlite3 tool can be absent; its name is looked up along PATH.
+struct TPrograms
+{
+    std::filesystem::path KvImport, Yardstick;
+    std::string Sqlite3 = "sqlite3";
+};
+
+/// A file and the database, with a table "orders", that it goes into.
+struct TPair
+{
+    std::filesystem::path File, Database;
+    TOrderLines Lines = olDelimited;
+};
+
+TCommand KvImportCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
+TCommand YardstickCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
+
+/// With `.import`, straight into the table for wkAppend, otherwise into a temporary table from which one
+/// statement does the rest; in the second the temporary table is sorted by its key. Delimited files only.
+TCommand Sqlite3Command(const TPrograms& Programs, TWork Work, const TPair& Pair);
+TCommand Sqlite3KeyedCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
+
+} // namespace kv::bench

@@ -1,0 +1,70 @@
+#include "KvCompareWorkspace.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <string>
+#include <system_error>
+
+#include <unistd.h>
+
+#include "KvBenchSql.h"
+#include "KvCompareProcess.h"
+
+namespace kv::bench {
+
+namespace fs = std::filesystem;
+
+TWorkspace::TWorkspace(const fs::path& Parent, fs::path YardstickProgram)
+    : Yardstick(std::move(YardstickProgram))
+{
+    auto Name = (Parent / "kvimport-compare-XXXXXX").string();
+    if (!::mkdtemp(Name.data()))
+        throw std::system_error(errno, std::generic_category(), Name);
+    Directory = Name;
+}
+
+TWorkspace::~TWorkspace()
+{
+    std::error_code Ignored;
+    fs::remove_all(Directory, Ignored);
+}
+
+fs::path TWorkspace::Orders(TOrderLines Lines, std::uint64_t Rows)
+{
+    const auto Name = "orders-" + std::to_string(Rows) + (Lines == olDelimited ? ".csv" : ".txt");
+    return Made(Name, [&](const fs::path& File) { WriteOrders(File, Lines, Rows); });
+}
+
+fs::path TWorkspace::KeyedOrders(std::uint64_t Rows, std::uint64_t TableRows)
+{
+    const auto Name = "keyed-" + std::to_string(Rows) + "-of-" + std::to_string(TableRows) + ".csv";
+    return Made(Name, [&](const fs::path& File) { WriteKeyedOrders(File, Rows, TableRows); });
+}
+
+fs::path TWorkspace::Table(TOrderKey Key, std::uint64_t Rows)
+{
+    const auto Name = std::string(Key == okIndexed ? "indexed-" : "plain-") + std::to_string(Rows) + ".db";
+    return Made(Name, [&](const fs::path& File) {
+        TSqlDatabase(File).Execute(CreateOrdersSql(Key));
+        if (Rows > 0)
+            RunProcess({Yardstick, "append", Orders(olDelimited, Rows), File});
+    });
+}
+
+fs::path TWorkspace::FreshCopy(const fs::path& Database)
+{
+    const auto Copy = Directory / "fresh.db";
+    fs::copy_file(Database, Copy, fs::copy_options::overwrite_existing);
+    ::sync();
+    return Copy;
+}
+
+fs::path TWorkspace::Made(const std::string& Name, const std::function<void(const fs::path&)>& Make)
+{
+    const auto File = Directory / Name;
+    if (!fs::exists(File))
+        Make(File);
+    return File;
+}
+
+} // namespace kv::bench
