@@ -1,0 +1,239 @@
+#include "KvSqliteConnection.h"
+
+#include <algorithm>
+#include <chrono>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "KvException.h"
+#include "KvSqliteDataSet.h"
+#include "KvSqliteDatabase.h"
+
+namespace kv {
+
+namespace {
+
+std::int64_t SteadyMilliseconds()
+{
+    using namespace std::chrono;
+    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+std::string CountOf(std::int64_t Count, const std::string& What)
+{
+    return std::to_string(Count) + " " + What + (Count == 1 ? "" : "s");
+}
+
+} // namespace
+
+TSQLiteConnection::TSQLiteConnection(const TSQLiteDatabase& Wanted) : Settings(Wanted), FFileName(Wanted.DatabaseName)
+{
+    if (FFileName.empty())
+        throw EDatabaseError("Property DatabaseName wasn't specified.");
+    const int Access = Settings.ReadOnly ? SQLITE_OPEN_READONLY
+                       : SQLITE_OPEN_READWRITE | (Settings.CreateIfMissing ? SQLITE_OPEN_CREATE : 0);
+    sqlite3* Opened = nullptr;
+    const int Code = sqlite3_open_v2(FFileName.c_str(), &Opened, Access | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE,
+                                     nullptr);
+    FHandle.reset(Opened);
+    if (Code != SQLITE_OK) {
+        const int SystemError = sqlite3_system_errno(Opened);
+        throw EDatabaseError("Cannot open database \"" + FFileName + "\": " +
+                             (SystemError != 0 ? std::generic_category().message(SystemError) : ErrorText()));
+    }
+    Configure();
+}
+
+void TSQLiteConnection::Configure()
+{
+    sqlite3_busy_handler(Handle(), &WaitForLock, this);
+    if (Settings.CacheSize > 0)
+        Execute("PRAGMA cache_size = -" + std::to_string(Settings.CacheSize));
+    Execute("SELECT 1 FROM sqlite_schema LIMIT 1"); // opening alone does not look into the file
+}
+
+// --- Waiting for locks ------------------------------------------------------------------------------
+
+int TSQLiteConnection::WaitForLock(void* Self, int Tries)
+{
+    return static_cast<TSQLiteConnection*>(Self)->WaitForLock(Tries);
+}
+
+/// True to try again. Sleeps longer with every try, up to a tenth of a second.
+bool TSQLiteConnection::WaitForLock(int Tries)
+{
+    constexpr std::int64_t LongestSleep = 100;      // milliseconds
+    if (Tries == 0)
+        WaitingSince = SteadyMilliseconds();
+    const auto Left = WaitingSince + Settings.BusyTimeout - SteadyMilliseconds();
+    if (Left <= 0)
+        return false;
+    try {
+        if (Settings.OnBusy && !Settings.OnBusy())
+            return false;
+    }
+    catch (...) {                                   // must not cross SQLite's own frames
+        BusyError = std::current_exception();
+        return false;
+    }
+    const auto Sleep = std::min({std::int64_t{1} << std::min(Tries, 7), LongestSleep, Left});
+    std::this_thread::sleep_for(std::chrono::milliseconds(Sleep));
+    return true;
+}
+
+// --- Errors -----------------------------------------------------------------------------------------
+
+std::string TSQLiteConnection::ErrorText()
+{
+    constexpr int PrimaryCode = 0xFF;
+    std::string Text = (sqlite3_errcode(Handle()) & PrimaryCode) == SQLITE_BUSY
+                           ? "the database is locked by another connection"
+                           : sqlite3_errmsg(Handle());
+    Text += LossAfterFailure();
+    if (BusyError)
+        std::rethrow_exception(std::exchange(BusyError, nullptr));
+    return Text;
+}
+
+/// A full disk, a failing device and some triggers end the whole transaction and not just a statement.
+std::string TSQLiteConnection::LossAfterFailure()
+{
+    if (Owner == toNobody || InTransaction() || Lost)
+        return {};
+    ++FTransactionSerial;
+    Lost = Owner == toProgram;                      // until the program ends it; a batch is just gone
+    if (!Lost)
+        Owner = toNobody;
+    TellRolledBack();
+    return "; the transaction was rolled back and its " + CountOf(Changes, "change") + " are lost";
+}
+
+void TSQLiteConnection::Fail(std::string_view Text) const
+{
+    throw EDatabaseError(FFileName + ": " + std::string(Text));
+}
+
+void TSQLiteConnection::Execute(const std::string& Sql)
+{
+    if (sqlite3_exec(Handle(), Sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
+        Fail(ErrorText());
+}
+
+void TSQLiteConnection::BeforeForeignSql()
+{
+    ReleaseCursors();
+    ++FTransactionSerial;
+}
+
+// --- Transactions -----------------------------------------------------------------------------------
+
+void TSQLiteConnection::Begin(TTransactionOwner NewOwner)
+{
+    // The right to write is taken at once: a transaction that reads first can find it gone for good.
+    Execute(Settings.ReadOnly ? "BEGIN" : "BEGIN IMMEDIATE");
+    Owner = NewOwner;
+    Changes = 0;
+    ++FTransactionSerial;
+}
+
+/// False when the transaction is still open, for ErrorText to tell why.
+bool TSQLiteConnection::TryEnd(const char* Sql)
+{
+    ReleaseCursors();
+    if (InTransaction()) {
+        if (sqlite3_exec(Handle(), Sql, nullptr, nullptr, nullptr) != SQLITE_OK) {
+            if (InTransaction())
+                return false;
+            Fail(ErrorText());
+        }
+        ++FTransactionSerial;
+    }
+    Owner = toNobody;
+    Lost = false;
+    return true;
+}
+
+void TSQLiteConnection::StartTransaction()
+{
+    CheckNotLost();
+    CommitBatch();
+    if (InTransaction())
+        Fail("a transaction is already active");
+    Begin(toProgram);
+}
+
+void TSQLiteConnection::Commit()
+{
+    if (std::exchange(Lost, false)) {
+        Owner = toNobody;
+        Fail("there is nothing to commit: the transaction was rolled back and its " + CountOf(Changes, "change") +
+             " are lost");
+    }
+    if (!TryEnd("COMMIT"))
+        Fail(ErrorText());
+}
+
+void TSQLiteConnection::Rollback()
+{
+    if (!TryEnd("ROLLBACK"))
+        Fail(ErrorText());
+    TellRolledBack();
+}
+
+void TSQLiteConnection::CommitBatch()
+{
+    if (Owner == toBatch)
+        Commit();
+}
+
+void TSQLiteConnection::CheckNotLost()
+{
+    if (Lost)
+        Fail("the transaction was rolled back; it must be ended before anything else is written");
+}
+
+void TSQLiteConnection::BeginChange(int CommitEvery)
+{
+    if (InTransaction())
+        return;
+    CheckNotLost();
+    Owner = toNobody;                               // whatever it was ended by a statement of the program's own
+    if (CommitEvery > 1)
+        Begin(toBatch);
+}
+
+void TSQLiteConnection::EndChange(int CommitEvery)
+{
+    ++Changes;
+    if (Owner != toBatch || Changes % std::max(CommitEvery, 1) != 0)
+        return;
+    if (!TryEnd("COMMIT") && BusyError)
+        std::rethrow_exception(std::exchange(BusyError, nullptr));
+}
+
+void TSQLiteConnection::ReleaseCursors()
+{
+    for (auto* const DataSet : FDataSets)
+        DataSet->ReleaseCursor();
+}
+
+void TSQLiteConnection::TellRolledBack()
+{
+    for (auto* const DataSet : FDataSets)
+        DataSet->TransactionRolledBack();
+}
+
+// --- Datasets ---------------------------------------------------------------------------------------
+
+void TSQLiteConnection::Attach(TSQLiteDataSet& DataSet)
+{
+    FDataSets.push_back(&DataSet);
+}
+
+void TSQLiteConnection::Detach(TSQLiteDataSet& DataSet)
+{
+    std::erase(FDataSets, &DataSet);
+}
+
+} // namespace kv

@@ -1,0 +1,95 @@
+// KvSqliteConnection - an open database: errors in words, waiting for locks, and who began the
+// transaction. For the units of this folder.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <sqlite3.h>
+
+namespace kv {
+
+class TSQLiteDatabase;
+class TSQLiteDataSet;
+
+class TSQLiteConnection
+{
+public:
+    /// Opens as `Settings`, which must outlive the connection, asks for.
+    explicit TSQLiteConnection(const TSQLiteDatabase& Settings);
+    TSQLiteConnection(const TSQLiteConnection&) = delete;
+    TSQLiteConnection& operator=(const TSQLiteConnection&) = delete;
+
+    sqlite3* Handle() const { return FHandle.get(); }
+    const std::string& FileName() const { return FFileName; }
+    /// A number that no earlier call gave, for names of temporary tables.
+    int NextSerial() { return ++Serial; }
+
+    /// The reason for which the last call failed, ready for the end of a message: also that SQLite has
+    /// rolled back the transaction, if it has. What OnBusy raised meanwhile is raised here.
+    std::string ErrorText();
+    /// Raises EDatabaseError "<file>: <Text>".
+    [[noreturn]] void Fail(std::string_view Text) const;
+    void Execute(const std::string& Sql);
+
+    // The transaction. A batch is one that a dataset with CommitEvery began.
+    void StartTransaction();
+    void Commit();
+    void Rollback();
+    bool InTransaction() const { return sqlite3_get_autocommit(Handle()) == 0; }
+    /// Changes with every beginning and end of a transaction that went through this class.
+    std::int64_t TransactionSerial() const { return FTransactionSerial; }
+
+    /// To be called before a change: with `CommitEvery` above 1 it begins a batch unless a transaction
+    /// is open. Raises when the program's transaction was rolled back by SQLite and the program has
+    /// not ended it yet: changes would become permanent one by one.
+    void BeginChange(int CommitEvery);
+    /// To be called after a change that succeeded: commits a full batch. While another program is in
+    /// the way the batch just grows.
+    void EndChange(int CommitEvery);
+    void CommitBatch();                             ///< Nothing when there is none.
+
+    /// To be called before statements of the program's own, which may do anything.
+    void BeforeForeignSql();
+
+    // The datasets that are open on this connection.
+    void Attach(TSQLiteDataSet& DataSet);
+    void Detach(TSQLiteDataSet& DataSet);
+    const std::vector<TSQLiteDataSet*>& DataSets() const { return FDataSets; }
+
+private:
+    enum TTransactionOwner { toNobody, toProgram, toBatch };
+
+    struct TCloseHandle
+    {
+        void operator()(sqlite3* Handle) const { sqlite3_close_v2(Handle); }
+    };
+
+    static int WaitForLock(void* Self, int Tries);
+    bool WaitForLock(int Tries);
+    void Configure();
+    void Begin(TTransactionOwner NewOwner);
+    bool TryEnd(const char* Sql);
+    void CheckNotLost();
+    std::string LossAfterFailure();
+    void ReleaseCursors();
+    void TellRolledBack();
+
+    const TSQLiteDatabase& Settings;
+    std::string FFileName;
+    std::unique_ptr<sqlite3, TCloseHandle> FHandle;
+    std::vector<TSQLiteDataSet*> FDataSets;
+    TTransactionOwner Owner = toNobody;
+    bool Lost = false;                              // SQLite rolled back what the program began
+    std::int64_t Changes = 0;                       // since the transaction began
+    std::int64_t FTransactionSerial = 0;
+    std::int64_t WaitingSince = 0;                  // steady milliseconds
+    std::exception_ptr BusyError;                   // what OnBusy raised inside a call of SQLite
+    int Serial = 0;
+};
+
+} // namespace kv

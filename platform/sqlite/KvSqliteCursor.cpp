@@ -1,0 +1,166 @@
+#include "KvSqliteCursor.h"
+
+#include "KvSqliteConnection.h"
+
+namespace kv {
+
+namespace {
+
+std::string Collated(const TSQLiteKeyColumn& Column)
+{
+    return Column.Sql + (Column.Collation.empty() ? "" : " COLLATE " + Column.Collation);
+}
+
+/// Records past a key: "KEY1 > ?1" or "(KEY1, KEY2) > (?1, ?2)".
+std::string KeyAfter(const TSQLiteRowSource& Source)
+{
+    std::string Params;
+    for (std::size_t I = 1; I <= Source.Key.size(); ++I)
+        Params += (I == 1 ? "?" : ", ?") + std::to_string(I);
+    return "(" + KeyOrder(Source) + ") > (" + Params + ")";
+}
+
+} // namespace
+
+std::string KeyOrder(const TSQLiteRowSource& Source)
+{
+    std::string Order;
+    for (const auto& Column : Source.Key)
+        Order += (Order.empty() ? "" : ", ") + Collated(Column);
+    return Order;
+}
+
+std::string KeyCondition(const TSQLiteRowSource& Source, int FirstParam)
+{
+    std::string Condition;
+    for (const auto& Column : Source.Key)
+        Condition += (Condition.empty() ? "" : " AND ") + Collated(Column) + " = ?" + std::to_string(FirstParam++);
+    return Condition;
+}
+
+TSQLiteCursor::TSQLiteCursor(TSQLiteConnection& Owner, const TSQLiteRowSource& Rows)
+    : Connection(Owner), Source(Rows), CurrentKey(Rows.Key.size()), SeekKey(Rows.Key.size())
+{
+}
+
+void TSQLiteCursor::First()
+{
+    EndStatements();
+    Place = plBeforeFirst;
+}
+
+void TSQLiteCursor::Next()
+{
+    if (Row && Row == Scan)
+        return StepScan();
+    Key();                                          // from which it goes on
+    EndStatements();
+    Place = plAfterKey;
+}
+
+bool TSQLiteCursor::Eof()
+{
+    Resolve();
+    return Place == plEnd;
+}
+
+void TSQLiteCursor::MoveTo(const TSQLiteKey& NewKey)
+{
+    EndStatements();
+    CurrentKey = NewKey;
+    KeyKnown = true;
+    Place = HasKey() ? plRecord : plEnd;
+}
+
+void TSQLiteCursor::Deleted()
+{
+    Release();
+    Place = plAfterKey;
+}
+
+TSQLiteValue TSQLiteCursor::Value(int Column)
+{
+    Resolve();
+    if (Place != plRecord)
+        return {};
+    if (!Row) {
+        Prepare(Fetch, " WHERE " + KeyCondition(Source, 1));
+        Bind(Fetch, CurrentKey);
+        if (!Fetch.Step())
+            return {};
+        Row = &Fetch;
+    }
+    return Row->Column(static_cast<int>(Source.Key.size()) + Column);
+}
+
+const TSQLiteKey& TSQLiteCursor::Key()
+{
+    Resolve();
+    if (!KeyKnown && Row) {
+        for (std::size_t I = 0; I < CurrentKey.size(); ++I)
+            CurrentKey[I].Set(Row->Column(static_cast<int>(I)));
+        KeyKnown = true;
+    }
+    return CurrentKey;
+}
+
+void TSQLiteCursor::Release()
+{
+    if (!HasKey())
+        return;
+    if (Place == plRecord)
+        Key();
+    EndStatements();
+}
+
+void TSQLiteCursor::EndStatements()
+{
+    if (Scan)
+        Scan->Reset();
+    if (Row && Row != Scan)
+        Row->Reset();
+    Scan = Row = nullptr;
+}
+
+/// Reads the record that First, Next or Deleted asked for.
+void TSQLiteCursor::Resolve()
+{
+    if (Place == plBeforeFirst) {
+        Prepare(ScanAll, HasKey() ? " ORDER BY " + KeyOrder(Source) : "");
+        Scan = &ScanAll;
+    }
+    else if (Place == plAfterKey) {
+        Prepare(ScanAfter, " WHERE " + KeyAfter(Source) + " ORDER BY " + KeyOrder(Source));
+        SeekKey = CurrentKey;
+        Bind(ScanAfter, SeekKey);
+        Scan = &ScanAfter;
+    }
+    else
+        return;
+    StepScan();
+}
+
+void TSQLiteCursor::StepScan()
+{
+    KeyKnown = false;
+    const bool Found = Scan->Step();
+    Place = Found ? plRecord : plEnd;
+    if (!Found)
+        Scan = nullptr;
+    Row = Scan;
+}
+
+void TSQLiteCursor::Prepare(TSQLiteStatement& Statement, const std::string& Condition)
+{
+    if (!Statement)
+        Statement = TSQLiteStatement(Connection, Source.Select + Condition, Source.Title);
+}
+
+void TSQLiteCursor::Bind(TSQLiteStatement& Statement, const TSQLiteKey& Values)
+{
+    int Param = 0;
+    for (const auto& Value : Values)
+        Statement.Bind(++Param, Value.Get());
+}
+
+} // namespace kv

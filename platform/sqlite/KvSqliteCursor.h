@@ -1,0 +1,91 @@
+// KvSqliteCursor - a place among the records of a table, view or query, and reading from there.
+// For the units of this folder.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "KvSqliteStatement.h"
+#include "KvSqliteValue.h"
+
+namespace kv {
+
+class TSQLiteConnection;
+
+/// A column of what identifies a record and orders the dataset: the rowid, or a primary key.
+struct TSQLiteKeyColumn
+{
+    std::string Sql;                                ///< Name as statements spell it.
+    std::string Collation;                          ///< By which the key is ordered.
+    int Column = -1;                                ///< Its column in the dataset, -1 for a hidden rowid.
+};
+
+/// Records to read.
+struct TSQLiteRowSource
+{
+    std::string Title;                              ///< How messages call it; may be empty.
+    std::string Select;                             ///< Key columns, then Columns; no WHERE, no ORDER BY.
+    std::vector<TSQLiteKeyColumn> Key;              ///< None: read in the order in which the database gives them.
+    std::vector<TSQLiteColumn> Columns;
+};
+
+/// "KEY1 COLLATE ..., KEY2 ...": the order of the dataset; empty without a key.
+std::string KeyOrder(const TSQLiteRowSource& Source);
+/// "KEY1 COLLATE ... = ?N AND ...": one record; its parameters count from `FirstParam`.
+std::string KeyCondition(const TSQLiteRowSource& Source, int FirstParam);
+
+/// The records run in the order of the key. Nothing is read before it is asked for, and no statement
+/// stays open longer than reading goes on: a cursor with a key finds its place again by it.
+/// Without a key a statement runs from First to the end, and only what it reads can be current.
+class TSQLiteCursor
+{
+public:
+    /// Keeps references to both.
+    TSQLiteCursor(TSQLiteConnection& Connection, const TSQLiteRowSource& Source);
+
+    void First();
+    void Next();                                    ///< Only when not Eof.
+    bool Eof();
+    /// Makes the record with this key current, which exists; without a key none.
+    void MoveTo(const TSQLiteKey& Key);
+    /// The current record was deleted: the one after it becomes current.
+    void Deleted();
+
+    /// A column of the current record, by its position in Columns; null when the record has vanished.
+    /// Valid until the cursor moves or is released.
+    TSQLiteValue Value(int Column);
+    /// Identifies the current record; empty without a key.
+    const TSQLiteKey& Key();
+
+    void Release();                                 ///< Ends open statements but for one without a key.
+
+private:
+    enum TPlace {
+        plBeforeFirst,                              // First was called, nothing read yet
+        plAfterKey,                                 // to go to the first record after CurrentKey
+        plRecord,                                   // on a record
+        plEnd
+    };
+
+    void Resolve();
+    void Prepare(TSQLiteStatement& Statement, const std::string& Condition);
+    void Bind(TSQLiteStatement& Statement, const TSQLiteKey& Values);
+    void StepScan();
+    void EndStatements();
+    bool HasKey() const { return !Source.Key.empty(); }
+
+    TSQLiteConnection& Connection;
+    const TSQLiteRowSource& Source;
+    TSQLiteStatement ScanAll;                       // all records in order
+    TSQLiteStatement ScanAfter;                     // those after a key
+    TSQLiteStatement Fetch;                         // the one with a key
+    TSQLiteStatement* Scan = nullptr;               // which of the first two is open ...
+    TSQLiteStatement* Row = nullptr;                // ... and which of the three stands on the current record
+    TPlace Place = plEnd;
+    TSQLiteKey CurrentKey;                          // of the current record ...
+    bool KeyKnown = false;                          // ... unless it is still to be read from Row
+    TSQLiteKey SeekKey;                             // what ScanAfter is bound to
+};
+
+} // namespace kv

@@ -1,0 +1,154 @@
+#include "KvSqliteDataSet.h"
+
+#include <algorithm>
+
+#include "KvDateText.h"
+#include "KvPublish.h"
+#include "KvSqliteConnection.h"
+#include "KvSqliteCursor.h"
+#include "KvSqliteDatabase.h"
+#include "KvText.h"
+
+namespace kv {
+
+namespace {
+
+/// Both as a dataset shows them; date-times are equal when they are so to the millisecond, which is
+/// all that is stored of them.
+bool Matches(const TVariant& Stored, const TVariant& Wanted, TLocateOptions Options)
+{
+    if (Stored.Kind() == vkDateTime && Wanted.Kind() == vkDateTime)
+        return DateTimeToIso(Stored.DateTime()) == DateTimeToIso(Wanted.DateTime());
+    if (Options.IsEmpty() || !Stored.IsString() || !Wanted.IsString())
+        return Stored == Wanted;
+    auto Text = Stored.Text();
+    if (Options.Contains(loPartialKey))
+        Text = Text.substr(0, Wanted.Text().size());
+    return Options.Contains(loCaseInsensitive) ? SameText(Text, Wanted.Text()) : Text == Wanted.Text();
+}
+
+} // namespace
+
+TSQLiteDataSet::TSQLiteDataSet(TComponent* Owner) : TDataSet(Owner) {}
+
+TSQLiteDataSet::~TSQLiteDataSet() = default;
+
+TPublishedProperties TSQLiteDataSet::PublishedProperties() const
+{
+    auto Properties = TDataSet::PublishedProperties();
+    Properties.push_back(Publish("DatabaseName", &TSQLiteDataSet::DatabaseName));
+    return Properties;
+}
+
+void TSQLiteDataSet::SetDatabase(TSQLiteDatabase* Value)
+{
+    Close();
+    if (FDatabase)
+        FDatabase->RemoveFreeNotification(*this);
+    FDatabase = Value;
+    if (FDatabase)
+        FDatabase->FreeNotification(*this);
+}
+
+void TSQLiteDataSet::Notification(TComponent& Component, TOperation Operation)
+{
+    TDataSet::Notification(Component, Operation);
+    if (Operation == opRemove && &Component == FDatabase)
+        FDatabase = nullptr;                        // it has closed this dataset before
+}
+
+// --- Connection -------------------------------------------------------------------------------------
+
+TSQLiteDatabase& TSQLiteDataSet::UsedDatabase()
+{
+    CheckActive();
+    return OwnDatabase ? *OwnDatabase : *FDatabase;
+}
+
+TSQLiteConnection& TSQLiteDataSet::Connection()
+{
+    return *FConnection;
+}
+
+void TSQLiteDataSet::OpenConnection()
+{
+    if (FConnection)
+        InternalClose();                            // an earlier Close could not commit
+    if (!FDatabase) {
+        OwnDatabase = std::make_unique<TSQLiteDatabase>();
+        OwnDatabase->DatabaseName = DatabaseName;
+    }
+    FConnection = &(FDatabase ? FDatabase : OwnDatabase.get())->Connection();
+    FConnection->Attach(*this);
+}
+
+std::string TSQLiteDataSet::FileName() const
+{
+    return FDatabase ? FDatabase->DatabaseName : DatabaseName;
+}
+
+void TSQLiteDataSet::InternalClose()
+{
+    FCursor.reset();
+    if (FConnection)
+        FConnection->Detach(*this);
+    FConnection = nullptr;
+    OwnDatabase.reset();
+}
+
+// --- Reading ----------------------------------------------------------------------------------------
+
+void TSQLiteDataSet::OpenCursor(const TSQLiteRowSource& Source)
+{
+    for (const auto& Column : Source.Columns)
+        AddField(Column.Def);
+    Rows = &Source;
+    FCursor = std::make_unique<TSQLiteCursor>(Connection(), Source);
+}
+
+void TSQLiteDataSet::ReleaseCursor()
+{
+    if (FCursor)
+        FCursor->Release();
+}
+
+void TSQLiteDataSet::InternalFirst()
+{
+    FCursor->First();
+}
+
+void TSQLiteDataSet::InternalNext()
+{
+    FCursor->Next();
+}
+
+bool TSQLiteDataSet::InternalEof()
+{
+    return FCursor->Eof();
+}
+
+TVariant TSQLiteDataSet::InternalGetValue(const TField& Field)
+{
+    return DecodeValue(Field.DataType(), FCursor->Value(Field.Index()));
+}
+
+bool TSQLiteDataSet::InternalLocate(std::span<TField* const> Keys, std::span<const TVariant> Values,
+                                    TLocateOptions Options)
+{
+    auto Search = std::make_unique<TSQLiteCursor>(Connection(), *Rows);
+    const auto IsMatch = [&](std::size_t I) {
+        return Matches(DecodeValue(Keys[I]->DataType(), Search->Value(Keys[I]->Index())), Values[I], Options);
+    };
+    for (Search->First(); !Search->Eof(); Search->Next()) {
+        std::size_t Equal = 0;
+        while (Equal < Keys.size() && IsMatch(Equal))
+            ++Equal;
+        if (Equal == Keys.size()) {
+            FCursor = std::move(Search);
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace kv

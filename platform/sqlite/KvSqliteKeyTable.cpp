@@ -1,0 +1,95 @@
+#include "KvSqliteKeyTable.h"
+
+#include <utility>
+
+#include "KvException.h"
+#include "KvSqliteConnection.h"
+#include "KvSqliteName.h"
+
+namespace kv {
+
+TSQLiteKeyTable::TSQLiteKeyTable(TSQLiteConnection& Owner, const TSQLiteTableSchema& Schema, std::vector<int> Columns)
+    : Connection(Owner), Table(Schema), FColumns(std::move(Columns)),
+      FName("kv_keys_" + std::to_string(Owner.NextSerial()))
+{
+    Create();
+    Fill();
+    CreateTriggers();
+}
+
+TSQLiteKeyTable::~TSQLiteKeyTable()
+{
+    // The triggers go with the schema entry of the table that they are on, so they are dropped by name.
+    std::string Sql;
+    for (const char* const Event : {"_insert", "_delete", "_update"})
+        Sql += "DROP TRIGGER IF EXISTS temp." + FName + Event + ";";
+    Sql += "DROP TABLE IF EXISTS temp." + FName;
+    sqlite3_exec(Connection.Handle(), Sql.c_str(), nullptr, nullptr, nullptr);
+}
+
+void TSQLiteKeyTable::Create()
+{
+    std::string Columns = "nulls INTEGER", Names = "nulls";
+    const auto Add = [&](const std::string& Name, TSQLiteAffinity Affinity) {
+        Columns += ", " + Name + " " + std::string(AffinityWord(Affinity));
+        Names += ", " + Name;
+    };
+    for (std::size_t I = 0; I < FColumns.size(); ++I)
+        Add(KeyName(I), Table.Columns[static_cast<std::size_t>(FColumns[I])].Affinity);
+    for (std::size_t I = 0; I < Table.Key.size(); ++I) {
+        const int Column = Table.Key[I].Column;
+        Add(RecordKeyName(I), Column < 0 ? saInteger : Table.Columns[static_cast<std::size_t>(Column)].Affinity);
+    }
+    Connection.Execute("CREATE TEMP TABLE " + FName + " (" + Columns + ", PRIMARY KEY (" + Names + ")) WITHOUT ROWID");
+}
+
+/// The row of a record, as an expression list. `Prefix` is "", "NEW." or "OLD.".
+std::string TSQLiteKeyTable::RowOf(const std::string& Prefix) const
+{
+    std::string Nulls = "0", Values, RecordKey;
+    for (std::size_t I = 0; I < FColumns.size(); ++I) {
+        const auto Name = Prefix + QuoteName(Table.Columns[static_cast<std::size_t>(FColumns[I])].Name);
+        Nulls += " | (" + Name + " IS NULL) << " + std::to_string(I);
+        Values += ", ifnull(" + Name + ", 0)";
+    }
+    for (const auto& Column : Table.Key)
+        RecordKey += ", " + Prefix + Column.Sql;
+    return Nulls + Values + RecordKey;
+}
+
+void TSQLiteKeyTable::Fill()
+{
+    // Sorted, so that the rows are appended one page after the other.
+    std::string Order;
+    const auto Count = 1 + FColumns.size() + Table.Key.size();
+    for (std::size_t I = 1; I <= Count; ++I)
+        Order += (I == 1 ? "" : ", ") + std::to_string(I);
+    Connection.Execute("INSERT INTO temp." + FName + " SELECT " + RowOf("") + " FROM " + Table.QualifiedName() +
+                       " ORDER BY " + Order);
+}
+
+void TSQLiteKeyTable::CreateTriggers()
+{
+    const auto Add = FName + " SELECT " + RowOf("NEW.") + "; ";
+    std::string Remove = "DELETE FROM " + FName + " WHERE (nulls", Names;
+    for (std::size_t I = 0; I < FColumns.size(); ++I)
+        Remove += ", " + KeyName(I);
+    for (std::size_t I = 0; I < Table.Key.size(); ++I)
+        Remove += ", " + RecordKeyName(I);
+    Remove += ") = (" + RowOf("OLD.") + "); ";
+
+    std::string Watched;
+    for (const int Column : FColumns)
+        Watched += (Watched.empty() ? "" : ", ") + QuoteName(Table.Columns[static_cast<std::size_t>(Column)].Name);
+    for (const auto& Column : Table.Key)
+        if (Column.Column >= 0)
+            Watched += ", " + Column.Sql;
+
+    const auto On = " ON " + Table.QualifiedName() + " BEGIN ";
+    const auto Trigger = [&](const char* Event) { return "CREATE TEMP TRIGGER " + FName + Event; };
+    Connection.Execute(Trigger("_insert") + " AFTER INSERT" + On + "INSERT INTO " + Add + "END");
+    Connection.Execute(Trigger("_delete") + " AFTER DELETE" + On + Remove + "END");
+    Connection.Execute(Trigger("_update") + " AFTER UPDATE OF " + Watched + On + Remove + "INSERT INTO " + Add + "END");
+}
+
+} // namespace kv

@@ -1,0 +1,48 @@
+// KvSqliteSchema - what the database declares of one table or view: columns, key, indexes.
+// For the units of this folder.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvSqliteCursor.h"
+
+namespace kv {
+
+class TSQLiteConnection;
+
+/// A way to records by the values of some columns that does not read all of them.
+struct TSQLiteIndex
+{
+    struct TPart
+    {
+        int Column;                                 ///< In the dataset; -1 for the rowid, an expression or a hidden column.
+        std::string Collation;
+    };
+
+    std::string Name;                               ///< Empty: the order in which the table itself is stored.
+    bool Unique = false;
+    std::vector<TPart> Parts;
+};
+
+struct TSQLiteTableSchema : TSQLiteRowSource
+{
+    std::string Schema;                             ///< "main", "temp" or the name of an attached database.
+    std::string Name;
+    bool IsView = false;
+    bool IsVirtual = false;
+    bool WithoutRowid = false;
+    std::vector<int> PrimaryKey;                    ///< Columns in the order of the key.
+    std::vector<TSQLiteIndex> Indexes;
+    bool DeclaresConflicts = false;                 ///< Some constraint has an ON CONFLICT clause.
+    bool TriggersLeaveTraces = false;               ///< One may RAISE(FAIL), which undoes nothing.
+
+    std::string QualifiedName() const;              ///< As statements spell it.
+};
+
+/// Reads the declaration of "table" or "schema.table". Raises EDatabaseError
+/// "<file>: no such table: <name> (there are: ...)".
+TSQLiteTableSchema ReadTableSchema(TSQLiteConnection& Connection, std::string_view TableName);
+
+} // namespace kv

@@ -1,0 +1,209 @@
+#include "KvSqliteTable.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "KvException.h"
+#include "KvPublish.h"
+#include "KvSqliteConnection.h"
+#include "KvSqliteCursor.h"
+#include "KvSqliteDatabase.h"
+#include "KvSqliteLookup.h"
+#include "KvSqliteSchema.h"
+#include "KvSqliteWriter.h"
+
+namespace kv {
+
+TSQLiteTable::TSQLiteTable(TComponent* Owner) : TSQLiteDataSet(Owner) {}
+
+TSQLiteTable::~TSQLiteTable()
+{
+    try {
+        Close();
+    }
+    catch (...) {                                   // a destructor has nobody to tell
+        Connection().Rollback();
+        Close();
+    }
+}
+
+TPublishedProperties TSQLiteTable::PublishedProperties() const
+{
+    auto Properties = TSQLiteDataSet::PublishedProperties();
+    Properties.push_back(Publish("TableName", &TSQLiteTable::TableName));
+    auto& IndexFieldName = Properties.emplace_back();
+    IndexFieldName.Name = "IndexFieldName";
+    IndexFieldName.Get = [](const TPersistent& Object) {
+        return TVariant(dynamic_cast<const TSQLiteTable&>(Object).PrimaryKeyFields());
+    };
+    IndexFieldName.Stored = false;
+    Properties.push_back(Publish("CommitEvery", &TSQLiteTable::CommitEvery));
+    return Properties;
+}
+
+std::string TSQLiteTable::PrimaryKeyFields() const
+{
+    std::string Names;
+    if (Active())
+        for (const int Column : Schema->PrimaryKey)
+            Names += (Names.empty() ? "" : ";") + Fields(Column).FieldName();
+    return Names;
+}
+
+std::string TSQLiteTable::DisplayName() const
+{
+    return FileName() + ": " + TableName;
+}
+
+// --- Opening ----------------------------------------------------------------------------------------
+
+void TSQLiteTable::InternalOpen()
+{
+    OpenConnection();
+    if (TableName.empty())
+        throw EDatabaseError("Property TableName wasn't specified.");
+    Schema = std::make_unique<TSQLiteTableSchema>(ReadTableSchema(Connection(), TableName));
+    Writer = std::make_unique<TSQLiteWriter>(Connection(), *Schema);
+    Lookup = std::make_unique<TSQLiteLookup>(Connection(), *Schema);
+    FoundKey.resize(Schema->Key.size());
+    WrittenKey.resize(Schema->Key.size());
+    OpenCursor(*Schema);
+}
+
+void TSQLiteTable::InternalClose()
+{
+    if (IsConnected())
+        Connection().CommitBatch();                 // may raise, and then everything stays for another try
+    Lookup.reset();
+    Writer.reset();
+    TSQLiteDataSet::InternalClose();
+    Schema.reset();
+    KnownCount = 0;
+}
+
+// --- Transactions -----------------------------------------------------------------------------------
+
+void TSQLiteTable::StartTransaction()
+{
+    UsedDatabase().StartTransaction();
+}
+
+void TSQLiteTable::Commit()
+{
+    UsedDatabase().Commit();
+}
+
+void TSQLiteTable::Rollback()
+{
+    UsedDatabase().Rollback();
+}
+
+bool TSQLiteTable::InTransaction()
+{
+    return UsedDatabase().InTransaction();
+}
+
+void TSQLiteTable::TransactionRolledBack()
+{
+    if (Lookup)
+        Lookup->Forget();
+    KnownCount = 0;
+}
+
+// --- The cursor -------------------------------------------------------------------------------------
+
+void TSQLiteTable::InternalFirst()
+{
+    KnownCount = 0;
+    TSQLiteDataSet::InternalFirst();
+}
+
+void TSQLiteTable::InternalNext()
+{
+    KnownCount = 0;
+    TSQLiteDataSet::InternalNext();
+}
+
+int TSQLiteTable::InternalRecordCount()
+{
+    TSQLiteStatement Count(Connection(), "SELECT COUNT(*) FROM " + Schema->QualifiedName(), TableName);
+    Count.Step();
+    return static_cast<int>(std::min<std::int64_t>(Count.Column(0).Integer, std::numeric_limits<int>::max()));
+}
+
+bool TSQLiteTable::InternalLocate(std::span<TField* const> Keys, std::span<const TVariant> Values,
+                                  TLocateOptions Options)
+{
+    if (!Options.IsEmpty() || !Lookup->Prepare(Keys)) {
+        const bool Found = TSQLiteDataSet::InternalLocate(Keys, Values, Options);
+        if (Found)
+            KnownCount = 0;
+        return Found;
+    }
+    if (!Lookup->Find(Values, FoundKey))
+        return false;
+    Cursor().MoveTo(FoundKey);
+    Known.resize(std::max(Known.size(), Keys.size()));
+    for (KnownCount = 0; KnownCount < Keys.size(); ++KnownCount) {
+        Known[KnownCount].Column = Keys[KnownCount]->Index();
+        Known[KnownCount].Value = Values[KnownCount];
+    }
+    return true;
+}
+
+// --- Writing ----------------------------------------------------------------------------------------
+
+void TSQLiteTable::BeginChange()
+{
+    ReleaseCursor();
+    Connection().BeginChange(CommitEvery);
+}
+
+void TSQLiteTable::EndChange()
+{
+    KnownCount = 0;
+    Connection().EndChange(CommitEvery);
+}
+
+void TSQLiteTable::InternalInsert(const TRecordBuffer& Written)
+{
+    BeginChange();
+    Writer->Insert(Written, WrittenKey);
+    Cursor().MoveTo(WrittenKey);
+    EndChange();
+}
+
+void TSQLiteTable::InternalUpdate(const TRecordBuffer& Written)
+{
+    Changed.clear();
+    for (std::size_t I = 0; I < Written.Assigned.size(); ++I)
+        if (Written.Assigned[I] && !IsKnown(Written, static_cast<int>(I)))
+            Changed.push_back(static_cast<int>(I));
+    if (Changed.empty())
+        return;
+    BeginChange();
+    WrittenKey = Cursor().Key();
+    Writer->Update(Written, Changed, WrittenKey);
+    Cursor().MoveTo(WrittenKey);
+    EndChange();
+}
+
+void TSQLiteTable::InternalDelete()
+{
+    BeginChange();
+    Writer->Delete(Cursor().Key());
+    Cursor().Deleted();
+    EndChange();
+}
+
+/// True when the record has that value already.
+bool TSQLiteTable::IsKnown(const TRecordBuffer& Written, int Column) const
+{
+    const auto& Value = Written.Values[static_cast<std::size_t>(Column)];
+    for (std::size_t I = 0; I < KnownCount; ++I)
+        if (Known[I].Column == Column)
+            return Known[I].Value.Kind() == Value.Kind() && Known[I].Value == Value;
+    return false;
+}
+
+} // namespace kv

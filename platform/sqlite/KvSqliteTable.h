@@ -1,0 +1,97 @@
+// KvSqliteTable - a table or view of an SQLite database as a dataset.
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvSqliteDataSet.h"
+
+namespace kv {
+
+class TSQLiteLookup;
+class TSQLiteOwnValue;
+class TSQLiteWriter;
+struct TSQLiteTableSchema;
+
+/// The records run in the order of the rowid, in a WITHOUT ROWID table of the primary key; those of a
+/// view, which is read-only, as the database gives them.
+///
+/// Fields follow the declared types; where these say nothing, SQLite's affinity of the column. Dates
+/// are ISO 8601 text. Integers are ftLargeint whatever their declared width, since SQLite keeps 64
+/// bits, but for SMALLINT. Columns that are not assigned get the default that the database declares;
+/// constraints that say ON CONFLICT IGNORE or REPLACE raise here as the others do.
+///
+/// Locate compares text bytewise even where the column declares another collation. It uses an index
+/// that begins with the key fields; without one it reads the table once, and from the second time on
+/// keeps an index in SQLite's temporary file.
+class TSQLiteTable : public TSQLiteDataSet
+{
+public:
+    explicit TSQLiteTable(TComponent* Owner = nullptr);
+    /// Closes; what then still waits for its commit and cannot be committed is rolled back.
+    ~TSQLiteTable() override;
+
+    std::string_view ClassName() const override { return "TSQLiteTable"; }
+    /// TableName; IndexFieldName, the primary key's fields joined by ";", empty while closed.
+    TPublishedProperties PublishedProperties() const override;
+
+    /// "orders", or with the schema "archive.orders", "main.[my table]". A table of exactly this name
+    /// comes first.
+    std::string TableName;
+
+    /// Changes a transaction: 1 makes each permanent by itself; N gathers N of them in a transaction,
+    /// the last ones until Commit or Close; 0 leaves it to the program. A transaction that the program
+    /// has started stays the program's. A change that fails takes no other with it.
+    /// While another program keeps a batch from being committed it grows on; Close and Commit raise then
+    /// and can be called again.
+    int CommitEvery = 1;
+
+    // The transaction of the connection, which datasets on the same database share. See TSQLiteDatabase.
+    void StartTransaction();
+    void Commit();
+    void Rollback();
+    bool InTransaction();
+
+    /// What IndexFieldName reads.
+    std::string PrimaryKeyFields() const;
+
+protected:
+    void InternalOpen() override;
+    void InternalClose() override;
+    void InternalFirst() override;
+    void InternalNext() override;
+    int InternalRecordCount() override;
+    void InternalInsert(const TRecordBuffer& Written) override;
+    void InternalUpdate(const TRecordBuffer& Written) override;
+    void InternalDelete() override;
+    bool InternalLocate(std::span<TField* const> Keys, std::span<const TVariant> Values,
+                        TLocateOptions Options) override;
+    void TransactionRolledBack() override;
+    std::string DisplayName() const override;
+
+private:
+    /// A field of the current record whose stored value is known without reading it.
+    struct TKnownValue
+    {
+        int Column;
+        TVariant Value;
+    };
+
+    bool IsKnown(const TRecordBuffer& Written, int Column) const;
+    void BeginChange();
+    void EndChange();
+
+    std::unique_ptr<TSQLiteTableSchema> Schema;     // these three while open
+    std::unique_ptr<TSQLiteWriter> Writer;
+    std::unique_ptr<TSQLiteLookup> Lookup;
+    std::vector<TKnownValue> Known;                 // what the last Locate has found
+    std::size_t KnownCount = 0;                     // of Known; its entries are used again
+    std::vector<int> Changed;                       // columns that an update writes
+    std::vector<TSQLiteOwnValue> FoundKey;          // of the record found ...
+    std::vector<TSQLiteOwnValue> WrittenKey;        // ... or written last
+};
+
+} // namespace kv

@@ -1,0 +1,215 @@
+#include "KvSqliteWriter.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "KvSqliteConnection.h"
+#include "KvSqliteName.h"
+#include "KvSqliteWriteError.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::size_t MaxPrepared = 16;             // statements kept of each sort
+
+/// Undoes what a failed statement left behind. Needed only where triggers RAISE(FAIL).
+class TSavepoint
+{
+public:
+    explicit TSavepoint(TSQLiteConnection& Owner) : Connection(Owner) { Connection.Execute("SAVEPOINT kv_change"); }
+    TSavepoint(const TSavepoint&) = delete;
+    TSavepoint& operator=(const TSavepoint&) = delete;
+    ~TSavepoint()
+    {
+        if (!Kept)
+            sqlite3_exec(Connection.Handle(), "ROLLBACK TO kv_change; RELEASE kv_change", nullptr, nullptr, nullptr);
+    }
+    void Keep()
+    {
+        Connection.Execute("RELEASE kv_change");
+        Kept = true;
+    }
+
+private:
+    TSQLiteConnection& Connection;
+    bool Kept = false;
+};
+
+} // namespace
+
+TSQLiteWriter::TSQLiteWriter(TSQLiteConnection& Owner, const TSQLiteTableSchema& Schema)
+    : Connection(Owner), Table(Schema), Scratch(Schema.Columns.size())
+{
+}
+
+void TSQLiteWriter::Insert(const TRecordBuffer& Record, TSQLiteKey& Key)
+{
+    if (Table.IsView)
+        Fail("records cannot be added to a view");
+    Assigned.clear();
+    for (std::size_t I = 0; I < Record.Assigned.size(); ++I)
+        if (Record.Assigned[I])
+            Assigned.push_back(static_cast<int>(I));
+    auto& Statement = Prepared(Inserts, Assigned, &TSQLiteWriter::InsertSql);
+    BindColumns(Statement, Record, Assigned);
+    Run(Statement, Record, Assigned, &Key);
+    CheckChanged("a trigger has ignored the record");
+    if (!Table.WithoutRowid && !Key.empty())
+        Key.front().Set(TSQLiteValue::OfInteger(sqlite3_last_insert_rowid(Connection.Handle())));
+    else if (!ReturnsKey(Assigned))
+        TakeKey(Record, Assigned, Key);
+}
+
+void TSQLiteWriter::Update(const TRecordBuffer& Record, std::span<const int> Columns, TSQLiteKey& Key)
+{
+    if (Table.Key.empty())
+        Fail("its records have no key and cannot be changed");
+    auto& Statement = Prepared(Updates, Columns, &TSQLiteWriter::UpdateSql);
+    BindColumns(Statement, Record, Columns);
+    BindKey(Statement, static_cast<int>(Columns.size()) + 1, Key);
+    Run(Statement, Record, Columns, nullptr);
+    CheckChanged("the record has been deleted, or a trigger has ignored the change");
+    TakeKey(Record, Columns, Key);
+}
+
+void TSQLiteWriter::Delete(const TSQLiteKey& Key)
+{
+    if (Table.Key.empty())
+        Fail("its records have no key and cannot be deleted");
+    if (!DeleteOne)
+        DeleteOne = TSQLiteStatement(Connection, "DELETE FROM " + Table.QualifiedName() + " WHERE " + KeyCondition(Table, 1),
+                                     Table.Title);
+    BindKey(DeleteOne, 1, Key);
+    Run(DeleteOne, {}, {}, nullptr);
+    CheckChanged("the record has been deleted already, or a trigger keeps it");
+}
+
+// --- Statements -------------------------------------------------------------------------------------
+
+TSQLiteStatement& TSQLiteWriter::Prepared(TWrites& Writes, std::span<const int> Columns, TMakeSql MakeSql)
+{
+    const auto Found = std::ranges::find_if(
+        Writes, [Columns](const TWrite& Write) { return std::ranges::equal(Write.Columns, Columns); });
+    if (Found != Writes.end()) {
+        std::rotate(Writes.begin(), Found, Found + 1);
+        return Writes.front().Statement;
+    }
+    TSQLiteStatement Statement(Connection, (this->*MakeSql)(Columns), Table.Title);
+    if (Writes.size() == MaxPrepared)
+        Writes.pop_back();
+    Writes.insert(Writes.begin(), TWrite{{Columns.begin(), Columns.end()}, std::move(Statement)});
+    return Writes.front().Statement;
+}
+
+/// A constraint declared ON CONFLICT IGNORE or REPLACE would drop records in silence; an explicit
+/// clause overrules it. Otherwise there is none, because it would overrule those inside triggers too.
+std::string TSQLiteWriter::ConflictClause() const
+{
+    return Table.DeclaresConflicts ? " OR ABORT" : "";
+}
+
+std::string TSQLiteWriter::InsertSql(std::span<const int> Columns) const
+{
+    auto Sql = "INSERT" + ConflictClause() + " INTO " + Table.QualifiedName();
+    if (Columns.empty())
+        Sql += " DEFAULT VALUES";
+    else {
+        std::string Names, Params;
+        for (const int Index : Columns) {
+            Names += (Names.empty() ? "" : ", ") + QuoteName(Column(Index).Name);
+            Params += Params.empty() ? "?" : ", ?";
+        }
+        Sql += " (" + Names + ") VALUES (" + Params + ")";
+    }
+    if (ReturnsKey(Columns)) {
+        std::string Keys;
+        for (const auto& Key : Table.Key)
+            Keys += (Keys.empty() ? "" : ", ") + Key.Sql;
+        Sql += " RETURNING " + Keys;
+    }
+    return Sql;
+}
+
+std::string TSQLiteWriter::UpdateSql(std::span<const int> Columns) const
+{
+    std::string Sets;
+    int Param = 0;
+    for (const int Index : Columns)
+        Sets += (Sets.empty() ? "" : ", ") + QuoteName(Column(Index).Name) + " = ?" + std::to_string(++Param);
+    return "UPDATE" + ConflictClause() + " " + Table.QualifiedName() + " SET " + Sets + " WHERE " +
+           KeyCondition(Table, Param + 1);
+}
+
+/// A primary key that the record does not give whole has to be asked for.
+bool TSQLiteWriter::ReturnsKey(std::span<const int> Columns) const
+{
+    return Table.WithoutRowid && std::ranges::any_of(Table.Key, [Columns](const TSQLiteKeyColumn& Key) {
+               return std::ranges::find(Columns, Key.Column) == Columns.end();
+           });
+}
+
+// --- Running ----------------------------------------------------------------------------------------
+
+TSQLiteValue TSQLiteWriter::Encoded(const TRecordBuffer& Record, int Index)
+{
+    const auto I = static_cast<std::size_t>(Index);
+    return EncodeValue(Table.Columns[I], Record.Values[I], Scratch[I]);
+}
+
+void TSQLiteWriter::BindColumns(TSQLiteStatement& Statement, const TRecordBuffer& Record, std::span<const int> Columns)
+{
+    int Param = 0;
+    for (const int Index : Columns)
+        Statement.Bind(++Param, Encoded(Record, Index));
+}
+
+void TSQLiteWriter::BindKey(TSQLiteStatement& Statement, int FirstParam, const TSQLiteKey& Key)
+{
+    for (const auto& Value : Key)
+        Statement.Bind(FirstParam++, Value.Get());
+}
+
+void TSQLiteWriter::Run(TSQLiteStatement& Statement, const TRecordBuffer& Record, std::span<const int> Columns,
+                        TSQLiteKey* Returned)
+{
+    std::optional<TSavepoint> Savepoint;
+    if (Table.TriggersLeaveTraces)
+        Savepoint.emplace(Connection);
+    int Code = Statement.TryStep();
+    if (Code == SQLITE_ROW) {
+        for (std::size_t I = 0; I < Returned->size(); ++I)
+            (*Returned)[I].Set(Statement.Column(static_cast<int>(I)));
+        Code = Statement.TryStep();
+    }
+    if (Code == SQLITE_DONE) {
+        Statement.Reset();
+        if (Savepoint)
+            Savepoint->Keep();
+        return;
+    }
+    auto Reason = Connection.ErrorText();
+    Statement.Reset();
+    Fail(DescribeRefusal(Connection, Table, std::move(Reason), Record, Columns));
+}
+
+/// Follows the key columns that were written.
+void TSQLiteWriter::TakeKey(const TRecordBuffer& Record, std::span<const int> Columns, TSQLiteKey& Key)
+{
+    for (std::size_t I = 0; I < Key.size(); ++I)
+        if (const int Index = Table.Key[I].Column; std::ranges::find(Columns, Index) != Columns.end())
+            Key[I].Set(Encoded(Record, Index));
+}
+
+void TSQLiteWriter::CheckChanged(std::string_view Otherwise) const
+{
+    if (sqlite3_changes(Connection.Handle()) == 0)
+        Fail(Otherwise);
+}
+
+void TSQLiteWriter::Fail(std::string_view Text) const
+{
+    Connection.Fail(Table.Title + ": " + std::string(Text));
+}
+
+} // namespace kv

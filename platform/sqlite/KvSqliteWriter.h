@@ -1,0 +1,66 @@
+// KvSqliteWriter - inserts, updates and deletes records of one table through prepared statements.
+// For the units of this folder.
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "KvDataSet.h"
+#include "KvSqliteSchema.h"
+#include "KvSqliteStatement.h"
+
+namespace kv {
+
+/// One statement for every set of columns that is written: the last ones stay prepared, so that a run
+/// which fills the same columns again and again prepares once and looks up nothing.
+/// A statement that fails is undone by SQLite alone and leaves the transaction as it was.
+/// Errors are EDatabaseError, told with the table, and the values of the columns at fault.
+class TSQLiteWriter
+{
+public:
+    /// Keeps references to both.
+    TSQLiteWriter(TSQLiteConnection& Connection, const TSQLiteTableSchema& Table);
+
+    /// Adds a record from the columns of `Record` that are assigned; the database fills the others.
+    /// Afterwards `Key` is that of the new record.
+    void Insert(const TRecordBuffer& Record, TSQLiteKey& Key);
+    /// Writes `Columns` of `Record` to the record with `Key`, which follows when they belong to it.
+    void Update(const TRecordBuffer& Record, std::span<const int> Columns, TSQLiteKey& Key);
+    void Delete(const TSQLiteKey& Key);
+
+private:
+    /// A statement that writes certain columns.
+    struct TWrite
+    {
+        std::vector<int> Columns;
+        TSQLiteStatement Statement;
+    };
+    using TWrites = std::vector<TWrite>;            // the last used one at the front
+
+    using TMakeSql = std::string (TSQLiteWriter::*)(std::span<const int> Columns) const;
+
+    TSQLiteStatement& Prepared(TWrites& Writes, std::span<const int> Columns, TMakeSql MakeSql);
+    std::string InsertSql(std::span<const int> Columns) const;
+    std::string UpdateSql(std::span<const int> Columns) const;
+    std::string ConflictClause() const;
+    const TSQLiteColumn& Column(int Index) const { return Table.Columns[static_cast<std::size_t>(Index)]; }
+    TSQLiteValue Encoded(const TRecordBuffer& Record, int Index);
+    void BindColumns(TSQLiteStatement& Statement, const TRecordBuffer& Record, std::span<const int> Columns);
+    void BindKey(TSQLiteStatement& Statement, int FirstParam, const TSQLiteKey& Key);
+    void Run(TSQLiteStatement& Statement, const TRecordBuffer& Record, std::span<const int> Columns,
+             TSQLiteKey* Returned);
+    void TakeKey(const TRecordBuffer& Record, std::span<const int> Columns, TSQLiteKey& Key);
+    bool ReturnsKey(std::span<const int> Columns) const;
+    void CheckChanged(std::string_view Otherwise) const;
+    [[noreturn]] void Fail(std::string_view Text) const;
+
+    TSQLiteConnection& Connection;
+    const TSQLiteTableSchema& Table;
+    TWrites Inserts, Updates;
+    TSQLiteStatement DeleteOne;
+    std::vector<int> Assigned;                      // columns of the record being inserted
+    std::vector<TSQLiteScratch> Scratch;            // one a column
+};
+
+} // namespace kv
