@@ -59,6 +59,7 @@ const std::vector<TForeignHeaders>& Foreign()
         {"GLib", "(glib|gmodule|gobject|gio)([-./].*)?", {"platform/access"}},
         {"iconv", "iconv\\.h", {"platform/runtime/KvCodePage"}},
         {"CLI11", "CLI/.*", {"apps"}},
+        {"nlohmann-json", "nlohmann/.*", {"apps"}},
         {"Qt", "(Qt\\w*/.*|Q[A-Z]\\w*|q[a-z]+\\.h|ui_\\w+\\.h)",
          {"wizard", "design", "platform/qt", "apps/kvwizard", "*Form"}},
         {"POSIX",
