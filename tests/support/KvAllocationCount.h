@@ -1,0 +1,11 @@
+// KvAllocationCount - counts calls of operator new in programs that ask for the count.
+#pragma once
+
+#include <cstddef>
+
+namespace kv {
+
+/// Allocations of this process so far.
+std::size_t AllocationCount();
+
+} // namespace kv

@@ -1,0 +1,70 @@
+// KvScriptedImport - an import whose records a test wrote down.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "KvCallLog.h"
+#include "Kvibase.h"
+
+namespace kv {
+
+/// Column N of a row is called "Field<N>", from 1; any other column is a constant. Texts are loans that
+/// end with GoNext. Notes every call of the protocol by its name, GetFieldValue with the column.
+class TScriptedImport : public TKvImportBaseComponent
+{
+public:
+    explicit TScriptedImport(TCallLog& Calls) : Log(Calls) {}
+
+    std::string_view ClassName() const override { return "TScriptedImport"; }
+
+    std::vector<std::vector<TVariant>> Rows;
+    bool NamesAreShort = false;                     ///< What FieldIsTruncated answers.
+
+    // What sources see, for tests.
+    using TKvImportBaseComponent::Fixed;
+    using TKvImportBaseComponent::RowFirst;
+    using TKvImportBaseComponent::RowLast;
+    using TKvImportBaseComponent::SourceFileName;
+    using TKvImportBaseComponent::TableType;
+    using TKvImportBaseComponent::GetFieldDelimiter;
+    using TKvImportBaseComponent::GetFieldDelimiterCustom;
+    using TKvImportBaseComponent::GetRecordSeparator;
+    using TKvImportBaseComponent::GetRecordSeparatorCustom;
+    using TKvImportBaseComponent::GetTextQualifier;
+    using TKvImportBaseComponent::GetTextQualifierCustom;
+    using TKvImportBaseComponent::SetFieldDelimiter;
+    using TKvImportBaseComponent::SetFieldDelimiterCustom;
+    using TKvImportBaseComponent::SetRecordSeparator;
+    using TKvImportBaseComponent::SetRecordSeparatorCustom;
+    using TKvImportBaseComponent::SetTextQualifier;
+    using TKvImportBaseComponent::SetTextQualifierCustom;
+    using TKvImportBaseComponent::GetFieldItem;
+    using TKvImportBaseComponent::GetParsedValue;
+    using TKvImportBaseComponent::GetValues;
+    using TKvImportBaseComponent::UECode;
+
+protected:
+    void BeforeImport() override;
+    void AfterImport() override;
+    void BuildArrayIntersection() override;
+    void BuildFieldMapping() override;
+    bool LoadRecord() override;
+    void GoFirst() override;
+    void GoNext() override;
+    bool NeedMore() override;
+    int GetTotalCount() override;
+    TVariant GetFieldValue(const TVariant& Source) override;
+    bool FieldIsTruncated() const override { return NamesAreShort; }
+    bool NotDefined(std::string& PropName) override;
+    void DetectAutoMapping() override;
+
+private:
+    void TakeRow();
+
+    TCallLog& Log;
+    std::size_t Row = 0;
+    std::vector<TVariant> Current;                  // owns what the values of this record lend
+};
+
+} // namespace kv
