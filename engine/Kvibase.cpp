@@ -40,6 +40,26 @@ public:
     ~TBusyCursor() { UserInterface().SetBusyCursor(false); }
 };
 
+/// An automatic mapping never survives its run, however the run ends.
+class TRunMappings
+{
+public:
+    explicit TRunMappings(TStrings& Mappings) : Lines(Mappings), Automatic(Mappings.IsEmpty()) {}
+    TRunMappings(const TRunMappings&) = delete;
+    TRunMappings& operator=(const TRunMappings&) = delete;
+    ~TRunMappings()
+    {
+        if (Automatic)
+            Lines.Clear();
+    }
+
+    bool IsAutomatic() const { return Automatic; }
+
+private:
+    TStrings& Lines;
+    const bool Automatic;
+};
+
 } // namespace
 
 TKvImportBaseComponent::TKvImportBaseComponent(TComponent* Owner)
@@ -123,21 +143,22 @@ std::string TKvImportBaseComponent::Run()
         if (AnimatedStatus)
             CreateProgressDlg(TitleStatus, MsgImporting, "&Cancel", "Processed:", "Errors:", "Added:", "Updated:",
                               "Deleted:", Options.Contains(soExtendedStatistic));
-        const bool AutoMapping = FMappings.IsEmpty();
-        if (AutoMapping)
+        const TRunMappings Mapped(FMappings);
+        if (Mapped.IsAutomatic())
             DetectAutoMapping();
         Prepare();
-        if (AutoMapping)
-            FMappings.Clear();
         const bool Canceled = ProgressCanceled() || Aborted;
         Statistic.Result = Canceled ? irCanceled : irExecuted;
         return Canceled ? MsgCanceled : MsgExecuted;
     }
     catch (const std::exception& Error) {
         FErrorMessage = Error.what();
-        Statistic.Result = irFailed;
-        return MsgFailed;
     }
+    catch (...) {                                   // handlers may throw anything
+        FErrorMessage = "Unknown error";
+    }
+    Statistic.Result = irFailed;
+    return MsgFailed;
 }
 
 void TKvImportBaseComponent::SetDataSet(TDataSet* Value)

@@ -98,31 +98,31 @@ public:
     std::string GetTableName() const;
 
 protected:
-    // The source protocol, in the order in which a run calls it.
-    /// True when a required property is missing, which `PropName` then names.
-    virtual bool NotDefined(std::string& PropName);
-    virtual void DetectAutoMapping();               ///< Fills Mappings; called when they are empty.
+    // The source protocol and the run. A run calls NotDefined, DetectAutoMapping when Mappings are empty,
+    // and Prepare, which calls BeforeImport, BuildFieldMapping, BuildArrayIntersection, GoFirst and
+    // GetTotalCount; for each record NeedMore, LoadRecord and GoNext; at last AfterImport.
+    virtual void Prepare();                         ///< The whole loop.
     virtual void BeforeImport() {}                  ///< Opens and loads the source.
-    virtual void GoFirst() {}
-    virtual int GetTotalCount() { return 0; }       ///< Records available; the run clips it by RowFirst and RowLast.
-    virtual bool NeedMore() { return false; }       ///< True while there is a current record.
+    virtual void AfterImport() {}                   ///< Frees what BeforeImport loaded; skipped by an exception.
+    virtual void BuildArrayIntersection();
+    virtual void BuildFieldMapping();
     virtual bool LoadRecord();                      ///< Fetches and converts the mapped values; false skips the record.
+    virtual void GoFirst() {}
+    virtual void GoNext() {}
+    virtual bool NeedMore() { return false; }       ///< True while there is a current record.
+    virtual int GetTotalCount() { return 0; }       ///< Records available; the run clips it by RowFirst and RowLast.
+    virtual TVariant GetValues(std::string_view) { return Null; }
     /// The value that `Source`, the right side of a mapping line, names in the current record. Text may
     /// be a loan that holds until GoNext.
     virtual TVariant GetFieldValue(const TVariant& Source) { return Source; }
     /// The same, converted to the type of the destination field `FieldIndex` (-1: none).
     virtual TVariant GetParsedValue(const TVariant& Source, int FieldIndex);
-    virtual void GoNext() {}
-    virtual void AfterImport() {}                   ///< Frees what BeforeImport loaded; skipped by an exception.
-
-    // Asked while the run is prepared.
     virtual bool FieldIsTruncated() const { return false; } ///< Source names hold 10 characters at most.
-    virtual TVariant GetValues(std::string_view) { return Null; }
+    /// True when a required property is missing, which `PropName` then names.
+    virtual bool NotDefined(std::string& PropName);
+    virtual void DetectAutoMapping();               ///< Fills Mappings.
 
-    // The run itself.
-    virtual void Prepare();                         ///< The whole loop.
-    virtual void BuildFieldMapping();
-    virtual void BuildArrayIntersection();
+    // What the run uses.
     void FillKey4Locate();
     void FillKey4Values();
     /// Position of the first mapped field whose source column is `Source`, or -1.

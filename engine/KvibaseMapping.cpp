@@ -3,13 +3,21 @@
 
 #include <algorithm>
 
+#include "KvFieldConvert.h"
 #include "KvText.h"
 
 namespace kv {
 
 namespace {
 
-constexpr std::size_t TruncatedNameSize = 10;       // what sources with short field names keep of one
+constexpr std::size_t TruncatedNameSize = 10;       // characters that sources with short names keep of one
+
+std::string_view FirstCharacters(std::string_view Text, std::size_t Count)
+{
+    while (CharacterCount(Text) > Count)
+        Text.remove_suffix(1);
+    return Text;
+}
 
 template <class TFields> auto FindByName(TFields& Fields, std::string_view Name)
 {
@@ -53,7 +61,7 @@ TKvImportBaseComponent::TMappedFields TKvImportBaseComponent::MappedFields() con
         if (Source.empty())
             continue;
         if (FieldIsTruncated())
-            Source = Source.substr(0, TruncatedNameSize);
+            Source = FirstCharacters(Source, TruncatedNameSize);
         Result.push_back({.Name = UpperCase(Trim(FMappings.NameAt(Line))), .Source = Source, .Value = Null});
     }
     return Result;
