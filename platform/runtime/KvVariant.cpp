@@ -8,7 +8,6 @@
 #include "KvDateText.h"
 #include "KvException.h"
 #include "KvNumberText.h"
-#include "KvText.h"
 
 namespace kv {
 
@@ -71,19 +70,6 @@ TCurrency TCurrency::FromDouble(double Value)
     return {static_cast<std::int64_t>(Scaled)};
 }
 
-TVariant TVariant::Borrow(std::string_view Text) noexcept
-{
-    TVariant Result;
-    if (Text.size() <= ShortTextMax) {
-        Result.SetShortText(Text);
-    } else {
-        Result.Store(TLongText{Text.data(), Text.size(), 0});
-        Result.FKind = vkString;
-        Result.FShortSize = LongMark;
-    }
-    return Result;
-}
-
 TVariant TVariant::Array(int Low, int High)
 {
     const auto Size = static_cast<std::int64_t>(High) - Low + 1;
@@ -133,8 +119,8 @@ void TVariant::Free() noexcept
 {
     if (FKind == vkArray)
         delete Load<TVariantArray*>();
-    else if (const auto Long = LongText(); Long.Capacity != 0)
-        delete[] Long.Data;
+    else
+        delete[] LongText().Data;
 }
 
 std::string TVariant::ToText() const
@@ -151,11 +137,6 @@ std::string TVariant::ToText() const
     case vkArray:    break;
     }
     throw EConvertError("A variant array has no text form");
-}
-
-bool TVariant::IsBlank() const
-{
-    return FKind <= vkNull || (FKind == vkString && Trim(Text()).empty());
 }
 
 const TVariantArray& TVariant::Elements() const

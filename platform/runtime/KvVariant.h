@@ -14,6 +14,8 @@
 #include <string_view>
 #include <utility>
 
+#include "KvText.h"
+
 namespace kv {
 
 /// What a variant holds.
@@ -82,7 +84,12 @@ public:
 
     /// A text that the giver keeps, for handing on without a copy: valid as long as its characters are.
     /// Copying the variant makes a text of its own; moving it keeps the loan.
-    static TVariant Borrow(std::string_view Text) noexcept;
+    static TVariant Borrow(std::string_view Text) noexcept
+    {
+        TVariant Result(vkString, TLongText{Text.data(), Text.size(), 0});
+        Result.FShortSize = LoanMark;
+        return Result;
+    }
 
     /// An array with the bounds Low..High, its elements empty. An empty array has High = Low - 1.
     static TVariant Array(int Low, int High);
@@ -91,7 +98,7 @@ public:
     TVariant(TVariant&& Other) noexcept { TakeFrom(Other); }
     TVariant& operator=(const TVariant& Other)
     {
-        if (OwnsMemory() || Other.OwnsMemory())
+        if (OwnsMemory() || !Other.IsWhole())
             Assign(Other);
         else if (this != &Other)
             CopyBytes(Other);
@@ -145,7 +152,10 @@ public:
     std::string ToText() const;
 
     /// True when the text form holds nothing but blanks (characters up to 32).
-    bool IsBlank() const;
+    bool IsBlank() const noexcept
+    {
+        return FKind == vkString ? Trim(Text()).empty() : FKind <= vkNull;
+    }
 
     // Arrays. An index outside the bounds raises EConvertError "Variant array index out of bounds".
     int LowBound() const;
@@ -163,9 +173,11 @@ private:
     {
         const char* Data;
         std::size_t Size;
-        std::size_t Capacity;                       // bytes owned at Data; 0 for a loan
+        std::size_t Capacity;                       // bytes at Data; 0 for a loan
     };
-    static constexpr std::uint8_t LongMark = 255;   // FShortSize of a text that stands elsewhere
+    // FShortSize of a text that stands elsewhere:
+    static constexpr std::uint8_t LoanMark = 254;   // in storage of its giver
+    static constexpr std::uint8_t LongMark = 255;   // in storage of its own
 
     template <class T>
     TVariant(TVariantKind Kind, T Value) noexcept : FKind(Kind), FShortSize(0)
@@ -186,6 +198,8 @@ private:
     }
     TLongText LongText() const noexcept { return Load<TLongText>(); }
     const char* Short() const noexcept { return reinterpret_cast<const char*>(FBytes); }
+    /// True when the 32 bytes are all that there is, and a copy of them is a copy of the value.
+    bool IsWhole() const noexcept { return FKind != vkArray && FShortSize <= ShortTextMax; }
     bool OwnsMemory() const noexcept { return FKind == vkArray || FShortSize == LongMark; }
     void CopyBytes(const TVariant& Other) noexcept
     {
