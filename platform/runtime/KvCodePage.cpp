@@ -280,7 +280,7 @@ private:
             AppendUtf8(Utf8, StandInFor(Byte));
         HasAscii = HasAscii && (Byte >= 0x80 || (Utf8.size() == 1 && Utf8[0] == Char));
         // EINVAL marks the first of several bytes, and nothing or several characters a page with states.
-        return Error != EINVAL && !Utf8.empty() && SequenceSize(Utf8.data(), Utf8.data() + Utf8.size()) == Utf8.size();
+        return Error != EINVAL && !Utf8.empty() && Utf8.size() == SequenceSize(Utf8.data(), Utf8.data() + Utf8.size());
     }
 
     void SortBytes()
@@ -323,7 +323,10 @@ private:
     TConversion ToUtf8, FromUtf8;
 };
 
-bool NamesUtf8(std::string_view Name) { return SameText(Name, "UTF-8") || SameText(Name, "UTF8") || Name == "65001"; }
+bool NamesUtf8(std::string_view Name)
+{
+    return SameText(Name, "UTF-8") || SameText(Name, "UTF8") || Name == "65001";
+}
 
 std::unique_ptr<TPage> CreatePage(std::string_view Name)
 {

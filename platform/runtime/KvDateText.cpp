@@ -42,9 +42,9 @@ TDateTime Join(TDayTime Parts)
 TDayTime Split(TDateTime Value)
 {
     if (Value.Days > FirstDay - 1 && Value.Days < LastDay + 1) {
-        const double Day = std::trunc(Value.Days);
+        const int Day = static_cast<int>(Value.Days);
         const double Fraction = std::fabs(Value.Days - Day);
-        TDayTime Parts{static_cast<int>(Day), static_cast<int>(Fraction * MsPerDay + 0.5)};
+        TDayTime Parts{Day, static_cast<int>(Fraction * MsPerDay + 0.5)};
         if (Parts.Ms == MsPerDay)
             Parts = {Parts.Day + 1, 0};
         if (Parts.Day <= LastDay)
@@ -57,7 +57,7 @@ std::optional<int> DayOf(int Year, int Month, int Day)
 {
     if (Year < 1 || Year > 9999 || Month < 1 || Month > 12 || Day < 1 || Day > 31)
         return {};
-    const year_month_day Date{year{Year}, month{static_cast<unsigned>(Month)}, day{static_cast<unsigned>(Day)}};
+    const auto Date = year{Year} / Month / Day;
     if (!Date.ok())
         return {};
     return (sys_days{Date} - DayZero).count();
@@ -67,7 +67,7 @@ year_month_day DateOf(int Day) { return DayZero + days{Day}; }
 
 std::optional<int> MsOf(int Hour, int Minute, int Second)
 {
-    if (Hour > 23 || Minute > 59 || Second > 59)
+    if (Hour < 0 || Hour > 23 || Minute < 0 || Minute > 59 || Second < 0 || Second > 59)
         return {};
     return Hour * MsPerHour + Minute * MsPerMinute + Second * MsPerSecond;
 }
@@ -79,6 +79,8 @@ struct TDigits
 {
     int Value = 0;
     int Count = 0;                                  // 0 when there is no digit
+
+    bool HasCount(int Min, int Max) const { return Count >= Min && Count <= Max; }
 };
 
 /// Reads `Text` from its front; what does not match is left standing.
@@ -184,7 +186,7 @@ std::optional<int> TakeDate(TDateCursor& In)
     }
     const auto Order = OrderOf(Settings.ShortDateFormat);
     const auto Year = Parts[Order.Year], Month = Parts[Order.Month], Day = Parts[Order.Day];
-    if (Year.Count < 1 || Year.Count > 4 || Month.Count < 1 || Month.Count > 2 || Day.Count < 1 || Day.Count > 2)
+    if (!Year.HasCount(1, 4) || !Month.HasCount(1, 2) || !Day.HasCount(1, 2))
         return {};
     return DayOf(FullYear(Year), Month.Value, Day.Value);
 }
@@ -196,64 +198,63 @@ int RoundedMs(TDigits Fraction)
     return static_cast<int>(Fraction.Value * MsPerUnit[Fraction.Count] + 0.5);
 }
 
-/// The hour of a clock of 24 hours, or 24 when there is no such hour on one of 12.
-int HourOf12(int Hour, bool AfterNoon)
+/// The hour on a clock of 24 after "AM" or "PM", if either follows; 24 when a clock of 12 has no such hour.
+int TakeHalf(TDateCursor& In, int Hour)
 {
+    In.SkipBlanks();
+    const bool AfterNoon = In.TakeWord("PM");
+    if (!AfterNoon && !In.TakeWord("AM"))
+        return Hour;
     return Hour < 1 || Hour > 12 ? 24 : Hour % 12 + (AfterNoon ? 12 : 0);
 }
 
 struct TTimeForm
 {
     char Separator;
-    int MinDigits;                                  // of each number
+    int MinDigits;                                  // of each number; the most is 2
     bool HasHalves;                                 // AM or PM may follow
 };
-
-bool IsTimePart(TDigits Part, const TTimeForm& Form) { return Part.Count >= Form.MinDigits && Part.Count <= 2; }
 
 /// Milliseconds since midnight; MsPerDay when the fraction rounds up to it.
 std::optional<int> TakeTime(TDateCursor& In, const TTimeForm& Form)
 {
-    auto Hour = In.TakeDigits();
-    if (!IsTimePart(Hour, Form) || !In.Take(Form.Separator))
+    const auto Hour = In.TakeDigits();
+    if (!Hour.HasCount(Form.MinDigits, 2) || !In.Take(Form.Separator))
         return {};
     const auto Minute = In.TakeDigits();
-    if (!IsTimePart(Minute, Form))
+    if (!Minute.HasCount(Form.MinDigits, 2))
         return {};
     TDigits Second, Fraction;
     if (In.Take(Form.Separator)) {
         Second = In.TakeDigits();
-        if (!IsTimePart(Second, Form))
+        if (!Second.HasCount(Form.MinDigits, 2))
             return {};
         if (In.Take('.') && (Fraction = In.TakeDigits()).Count == 0)
             return {};
     }
-    if (Form.HasHalves && !In.AtEnd()) {
-        In.SkipBlanks();
-        const bool AfterNoon = In.TakeWord("PM");
-        if (AfterNoon || In.TakeWord("AM"))
-            Hour.Value = HourOf12(Hour.Value, AfterNoon);
-    }
-    auto Ms = MsOf(Hour.Value, Minute.Value, Second.Value);
+    auto Ms = MsOf(Form.HasHalves ? TakeHalf(In, Hour.Value) : Hour.Value, Minute.Value, Second.Value);
     if (Ms)
         *Ms += RoundedMs(Fraction);
     return Ms;
 }
 
-std::optional<int> TakeProcessTime(TDateCursor& In) { return TakeTime(In, {FormatSettings().TimeSeparator, 1, true}); }
+std::optional<int> TakeProcessTime(TDateCursor& In)
+{
+    return TakeTime(In, {FormatSettings().TimeSeparator, 1, true});
+}
 
 std::optional<int> TakeIsoTime(TDateCursor& In) { return TakeTime(In, {':', 2, false}); }
 
 std::optional<int> TakeIsoDate(TDateCursor& In)
 {
     const auto Year = In.TakeDigits();
-    if (Year.Count != 4 || !In.Take('-'))
+    if (!Year.HasCount(4, 4) || !In.Take('-'))
         return {};
     const auto Month = In.TakeDigits();
-    if (Month.Count != 2 || !In.Take('-'))
+    if (!Month.HasCount(2, 2) || !In.Take('-'))
         return {};
     const auto Day = In.TakeDigits();
-    if (Day.Count != 2)
+    if (!Day.HasCount(2, 2))
         return {};
     return DayOf(Year.Value, Month.Value, Day.Value);
 }
@@ -359,10 +360,8 @@ std::string FormatDate(int Day)
 std::optional<TDateTime> EncodeDateTime(const TCalendar& Point)
 {
     const auto Day = DayOf(Point.Year, Point.Month, Point.Day);
-    if (!Day || std::min({Point.Hour, Point.Minute, Point.Second, Point.Millisecond}) < 0 || Point.Millisecond > 999)
-        return {};
     const auto Ms = MsOf(Point.Hour, Point.Minute, Point.Second);
-    if (!Ms)
+    if (!Day || !Ms || Point.Millisecond < 0 || Point.Millisecond >= MsPerSecond)
         return {};
     return Join({*Day, *Ms + Point.Millisecond});
 }

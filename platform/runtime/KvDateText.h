@@ -15,6 +15,8 @@ struct TCalendar
 {
     int Year = 1, Month = 1, Day = 1;
     int Hour = 0, Minute = 0, Second = 0, Millisecond = 0;
+
+    friend bool operator==(const TCalendar&, const TCalendar&) = default;
 };
 
 /// Nothing when there is no such day or time.

@@ -1,0 +1,95 @@
+#include "KvPublish.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "KvSettingsGuard.h"
+
+namespace kv {
+namespace {
+
+enum TColor { clRed, clGreen };
+constexpr std::string_view ColorNames[] = {"clRed", "clGreen"};
+
+class TSample : public TPersistent
+{
+public:
+    int Number = 1;
+    bool Flag = false;
+    char Letter = ',';
+    std::string Caption = "caption";
+    TColor Color = clGreen;
+    TSet<TColor> Colors{clRed};
+    TStrings Lines{"a"};
+
+    int GetDouble() const { return 2 * Number; }
+    void SetDouble(int Value) { Number = Value / 2; }
+
+    TPublishedProperties PublishedProperties() const override
+    {
+        return {Publish("Number", &TSample::Number),
+                Publish("Flag", &TSample::Flag),
+                Publish("Letter", &TSample::Letter),
+                Publish("Caption", &TSample::Caption),
+                Publish("Color", &TSample::Color, ColorNames),
+                Publish("Colors", &TSample::Colors, ColorNames),
+                PublishStrings("Lines", &TSample::Lines),
+                NotStored(Publish<TSample>("Double", &TSample::GetDouble, &TSample::SetDouble)),
+                PublishObject<TSample>("Self", [](const TSample& Self) { return const_cast<TSample*>(&Self); }),
+                PublishEvent("OnChange")};
+    }
+};
+
+TEST(KvPublish, ReadsAndWritesMembers)
+{
+    struct TRow
+    {
+        const char* Name;
+        TPropertyKind Kind;
+        TVariant Before, After;
+    };
+    const TRow Rows[] = {
+        {"Number", pkInteger, 1, -7},
+        {"Flag", pkBoolean, false, true},
+        {"Letter", pkChar, ",", ";"},
+        {"Caption", pkString, "caption", ""},
+        {"Color", pkEnumeration, 1, 0},
+        {"Colors", pkSet, 1, 3},
+        {"Lines", pkStrings, "a\r\n", "b\r\nc\r\n"},
+        {"Double", pkInteger, 2, 10},
+    };
+    for (const auto& Row : Rows) {
+        TSample Sample;
+        EXPECT_EQ(FindProperty(Sample.PublishedProperties(), Row.Name)->Kind, Row.Kind) << Row.Name;
+        EXPECT_EQ(GetPropValue(Sample, Row.Name), Row.Before) << Row.Name;
+        SetPropValue(Sample, Row.Name, Row.After);
+        EXPECT_EQ(GetPropValue(Sample, Row.Name), Row.After) << Row.Name;
+    }
+}
+
+TEST(KvPublish, RefusesIntegersThatTheMemberCannotHold)
+{
+    TSample Sample;
+    EXPECT_NE(MessageOf<EPropertyError>([&] { SetPropValue(Sample, "Number", std::int64_t{1} << 40); }), "");
+    EXPECT_EQ(Sample.Number, 1);
+}
+
+TEST(KvPublish, GivesTheObjectOfAReference)
+{
+    const TSample Sample;
+    const auto Properties = Sample.PublishedProperties();
+    const auto* const Self = FindProperty(Properties, "Self");
+    EXPECT_EQ(Self->Kind, pkObject);
+    EXPECT_EQ(Self->GetObject(Sample), &Sample);
+}
+
+TEST(KvPublish, TellsWhatIsSavedWithTheObject)
+{
+    const auto Properties = TSample().PublishedProperties();
+    EXPECT_TRUE(FindProperty(Properties, "Number")->Stored);
+    EXPECT_FALSE(FindProperty(Properties, "Double")->Stored);
+}
+
+} // namespace
+} // namespace kv
