@@ -80,7 +80,11 @@ int main(int Count, char** Arguments)
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);  // whoever waits sees each line as it comes
     std::printf("The least of %d runs each, in turn, on fresh databases.\n", Settings.Repetitions);
     try {
+        CatchInterrupts();
         return Compare(Settings) ? 0 : 1;
+    }
+    catch (const TInterrupted&) {
+        return 130;
     }
     catch (const std::exception& Error) {
         std::fprintf(stderr, "kv_compare: %s\n", Error.what());

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <stdexcept>
 #include <system_error>
 
@@ -64,12 +65,19 @@ pid_t Spawn(const TCommand& Command, int StandardError)
     return Process;
 }
 
+volatile std::sig_atomic_t Interrupted = 0;
+
 double Seconds(const timeval& Time)
 {
     return static_cast<double>(Time.tv_sec) + static_cast<double>(Time.tv_usec) / 1e6;
 }
 
 } // namespace
+
+void CatchInterrupts()
+{
+    std::signal(SIGINT, [](int) { Interrupted = 1; });
+}
 
 TFigures RunProcess(const TCommand& Command)
 {
@@ -82,6 +90,8 @@ TFigures RunProcess(const TCommand& Command)
         if (errno != EINTR)
             throw std::system_error(errno, std::generic_category(), "wait4");
     const std::chrono::duration<double> Wall = std::chrono::steady_clock::now() - Start;
+    if (Interrupted)
+        throw TInterrupted();
     if (Status != 0)
         throw std::runtime_error(CommandText(Command) + "\n" + StandardError.Text());
     return {Wall.count(), Seconds(Usage.ru_utime) + Seconds(Usage.ru_stime),

@@ -18,6 +18,15 @@ struct TFigures
     std::uint64_t PeakBytes = 0;                    ///< The most memory that was resident at once.
 };
 
+/// Raised instead of going on after Ctrl+C; no std::exception, so that nobody takes it for a failed run.
+struct TInterrupted
+{
+};
+
+/// From now on Ctrl+C raises TInterrupted at the next RunProcess, which lets the caller clean up, instead
+/// of ending the program.
+void CatchInterrupts();
+
 /// Runs `Command` to its end, its standard output thrown away. Raises std::runtime_error with the command
 /// and what it wrote to standard error when it cannot be started or does not exit with status 0.
 /// The peak is never below that of the calling process, which should therefore stay small.

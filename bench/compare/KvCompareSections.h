@@ -17,7 +17,7 @@ namespace kv::bench {
 struct TCompareSettings
 {
     TPrograms Programs;
-    std::uint64_t Rows = 1'000'000; ///< Of a file to append and of the table that keyed records change.
+    std::uint64_t Rows = 1'000'000;                 ///< To append, and of the table that records change.
     std::uint64_t KeyedRows = 200'000;
     int Repetitions = 5;
     bool Full = false;                              ///< Growth up to 5,000,000 rows instead of 1,000,000.

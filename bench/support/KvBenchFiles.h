@@ -10,7 +10,7 @@ namespace kv::bench {
 /// How the lines of a file of orders look.
 enum TOrderLines
 {
-    olDelimited, ///< A header, commas, CUSTOMER in doubled quotation marks.
+    olDelimited,                                    ///< A header, commas, CUSTOMER in quotation marks.
     olFixedWidth                                    ///< No header; values padded with blanks to OrderColumns.
 };
 

@@ -7,7 +7,7 @@
 namespace kv::bench {
 
 /// Parameter n gets column n, counted from 1: numbers as numbers, dates as ISO text, True and False as 1
-/// and 0, anything empty as NULL. Raises std::runtime_error with the text of a value that is none of its kind.
+/// and 0, anything empty as NULL. Raises std::runtime_error with a value that is none of its kind.
 class TOrderBinder
 {
 public:
