@@ -15,11 +15,11 @@ void TDataSet::Open()
         InternalOpen();
         FState = dsBrowse;
         Record.Values.assign(FFields.size(), Null);
-        Record.Assigned.assign(FFields.size(), false);
+        Record.Assigned.assign(FFields.size(), 0);
         InternalFirst();
     }
     catch (...) {
-        Close();
+        Shut();
         throw;
     }
     DataChanged();
@@ -27,13 +27,19 @@ void TDataSet::Open()
 
 void TDataSet::Close()
 {
+    if (Active())
+        Shut();
+}
+
+void TDataSet::Shut()
+{
+    InternalClose();                                // first: when it raises, the dataset stays open
     FState = dsInactive;
     Modified = false;
     LocateNames.clear();
     LocateFields.clear();
     LocateValues.clear();
     FFields.clear();
-    InternalClose();
 }
 
 TField* TDataSet::FindField(std::string_view FieldName) const
@@ -198,7 +204,7 @@ void TDataSet::CheckRequired() const
 
 void TDataSet::BeginRecord(TDataSetState State)
 {
-    std::fill(Record.Assigned.begin(), Record.Assigned.end(), false);
+    std::ranges::fill(Record.Assigned, std::uint8_t{0});
     Modified = false;
     FState = State;
 }
@@ -223,36 +229,26 @@ TVariant TDataSet::FieldValue(const TField& Field)
     return InternalEof() ? TVariant(Null) : InternalGetValue(Field);
 }
 
-TVariant& TDataSet::WritableSlot(const TField& Field)
+void TDataSet::RaiseNotWritable(const TField& Field) const
 {
-    if (FState != dsEdit && FState != dsInsert)
+    if (FState < dsEdit)
         Fail("not in edit or insert mode");
-    if (Field.ReadOnly())
-        throw EDatabaseError("Field '" + Field.FieldName() + "' cannot be modified");
-    const auto I = static_cast<std::size_t>(Field.Index());
-    Record.Assigned[I] = false;
-    return Record.Values[I];
-}
-
-void TDataSet::MarkAssigned(const TField& Field)
-{
-    Record.Assigned[static_cast<std::size_t>(Field.Index())] = true;
-    Modified = true;
+    throw EDatabaseError("Field '" + Field.FieldName() + "' cannot be modified");
 }
 
 const std::vector<TField*>& TDataSet::ResolveKeys(std::string_view KeyFields)
 {
     if (KeyFields == LocateNames && !LocateFields.empty())
         return LocateFields;
-    LocateNames.clear();
-    LocateFields.clear();
+    std::vector<TField*> Found;
     for (std::size_t From = 0; From <= KeyFields.size();) {
         const auto To = std::min(KeyFields.find(';', From), KeyFields.size());
-        LocateFields.push_back(&FieldByName(Trim(KeyFields.substr(From, To - From))));
+        Found.push_back(&FieldByName(Trim(KeyFields.substr(From, To - From))));
         From = To + 1;
     }
-    LocateValues.resize(LocateFields.size());
     LocateNames = KeyFields;
+    LocateFields = std::move(Found);
+    LocateValues.resize(LocateFields.size());
     return LocateFields;
 }
 

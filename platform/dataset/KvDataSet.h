@@ -5,6 +5,7 @@
 // dataset opens, moves, reads a value, inserts, updates, deletes and locates.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <span>
@@ -32,7 +33,7 @@ using TLocateOptions = TSet<TLocateOption>;
 struct TRecordBuffer
 {
     std::vector<TVariant> Values;                   ///< By field index; of meaning where assigned.
-    std::vector<bool> Assigned;                     ///< By field index.
+    std::vector<std::uint8_t> Assigned;             ///< By field index: 1 when the field was assigned.
 };
 
 class TDataSet : public TComponent
@@ -110,13 +111,27 @@ protected:
 private:
     friend class TField;
 
+    void Shut();
     void CheckBrowseMode();
     void CheckRequired() const;
     void BeginRecord(TDataSetState State);
     void EndRecord();
     TVariant FieldValue(const TField& Field);
-    TVariant& WritableSlot(const TField& Field);    // to be filled; counts as assigned after MarkAssigned
-    void MarkAssigned(const TField& Field);
+    /// The place of the field's value, to be filled; it counts as assigned after MarkAssigned.
+    TVariant& WritableSlot(const TField& Field)
+    {
+        if (FState < dsEdit || Field.ReadOnly())
+            RaiseNotWritable(Field);
+        const auto I = static_cast<std::size_t>(Field.Index());
+        Record.Assigned[I] = 0;
+        return Record.Values[I];
+    }
+    void MarkAssigned(const TField& Field)
+    {
+        Record.Assigned[static_cast<std::size_t>(Field.Index())] = 1;
+        Modified = true;
+    }
+    [[noreturn]] void RaiseNotWritable(const TField& Field) const;
     const std::vector<TField*>& ResolveKeys(std::string_view KeyFields);
     void DataChanged();
 

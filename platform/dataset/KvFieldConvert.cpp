@@ -95,6 +95,13 @@ std::optional<TDateTime> AsDateTime(const TVariant& Value)
     }
 }
 
+/// Years 1 to 9999, the days that a calendar can show.
+bool InCalendar(TDateTime Value)
+{
+    constexpr double FirstDay = -693593, LastDay = 2958465;
+    return Value.Days > FirstDay - 1 && Value.Days < LastDay + 1;
+}
+
 bool HasTimeOnly(TDateTime Value)
 {
     return Value.Days >= 0 && Value.Days < 1;
@@ -143,7 +150,7 @@ bool GiveCurrency(const TVariant& Value, TVariant& Result)
 bool GiveDateTime(TFieldType Type, const TVariant& Value, TVariant& Result)
 {
     const auto Point = AsDateTime(Value);
-    if (!Point)
+    if (!Point || !InCalendar(*Point))
         return false;
     if (Type == ftDate && Point->Days != std::floor(Point->Days))
         return false;
@@ -209,9 +216,12 @@ bool ConvertFieldValue(TFieldType Type, const TVariant& Value, TVariant& Result)
         Result = Null;
         return true;
     }
-    if (IsIntegerField(Type))
-        return GiveInteger(Type, Value, Result);
     switch (Type) {
+    case ftSmallint:
+    case ftInteger:
+    case ftWord:
+    case ftAutoInc:
+    case ftLargeint: return GiveInteger(Type, Value, Result);
     case ftBoolean:  return Give(AsBoolean(Value), Result);
     case ftFloat:    return Give(AsFloat(Value), Result);
     case ftCurrency: return GiveCurrency(Value, Result);

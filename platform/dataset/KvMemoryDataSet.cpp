@@ -126,7 +126,8 @@ void TMemoryDataSet::InternalDelete()
     for (auto& Index : Indexes)
         RemoveFromIndex(Index, HashOfRow(Index, Current), Current);
     Rows[Current] = nullptr;
-    --LiveRows;
+    if (--LiveRows == 0)
+        Rows.clear();                               // numbers begin anew: a table refilled over and over stays small
     Current = NextRow(Current);
 }
 
