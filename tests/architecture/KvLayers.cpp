@@ -38,6 +38,7 @@ const std::vector<TLayer>& Layers()
         {"wizard", {"platform/*", "engine", "sources/*"}},
         {"design", {"platform/*", "engine", "sources/*", "wizard"}},
         {"apps/*", {"platform/*", "engine", "sources/*", "wizard", "design"}},
+        {"examples", {"platform/*", "engine", "sources/*"}},
     };
     return Table;
 }
@@ -59,6 +60,7 @@ const std::vector<TForeignHeaders>& Foreign()
         {"GLib", "(glib|gmodule|gobject|gio)([-./].*)?", {"platform/access"}},
         {"iconv", "iconv\\.h", {"platform/runtime/KvCodePage"}},
         {"CLI11", "CLI/.*", {"apps"}},
+        {"nlohmann-json", "nlohmann/.*", {"apps"}},
         {"nlohmann-json", "nlohmann/.*", {"apps"}},
         {"Qt", "(Qt\\w*/.*|Q[A-Z]\\w*|q[a-z]+\\.h|ui_\\w+\\.h)",
          {"wizard", "design", "platform/qt", "apps/kvwizard", "*Form"}},

@@ -1,0 +1,81 @@
+#include "KvCommandLine.h"
+
+#include <exception>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "KvDisplayText.h"
+#include "KvExitStatus.h"
+#include "KvFormatsCommand.h"
+#include "KvHelpFormatter.h"
+#include "KvImportCommand.h"
+#include "KvPreviewCommand.h"
+#include "KvTerminalText.h"
+
+#ifndef KV_VERSION
+#define KV_VERSION "unknown"
+#endif
+
+namespace kv {
+
+namespace {
+
+void SetUp(CLI::App& Program)
+{
+    Program.name("kvimport");
+    Program.formatter(std::make_shared<THelpFormatter>());
+    Program.set_version_flag("--version", "kvimport " KV_VERSION);
+    Program.require_subcommand(1);
+    Program.failure_message(CLI::FailureMessage::simple);
+    Program.footer("Examples:\n"
+                   "  kvimport preview orders.csv\n"
+                   "  kvimport import orders.csv --to shop.db --table orders\n"
+                   "\n"
+                   "kvimport COMMAND --help tells more.");
+}
+
+int Explain(TExitStatus Status, const std::string& Message)
+{
+    std::cerr << "kvimport: " << VisibleText(ToDisplay(Message)) << '\n';
+    if (Status == esUsage)
+        std::cerr << "Run with --help for more information.\n";
+    return Status;
+}
+
+/// Help and version are no errors, though they arrive as exceptions.
+int Leave(const CLI::App& Program, const CLI::ParseError& Error)
+{
+    if (Error.get_exit_code() == 0)
+        return Program.exit(Error);
+    return Explain(esUsage, Error.what());
+}
+
+} // namespace
+
+int RunCommandLine(int ArgumentCount, const char* const* Arguments)
+{
+    CLI::App Program("Imports files into the tables of a database.");
+    SetUp(Program);
+    auto Status = esDone;
+    AddImportCommand(Program, Status);
+    AddPreviewCommand(Program, Status);
+    AddFormatsCommand(Program, Status);
+    try {
+        Program.parse(ArgumentCount, Arguments);
+        return Status;
+    }
+    catch (const CLI::ParseError& Error) {
+        return Leave(Program, Error);
+    }
+    catch (const EUsageError& Error) {
+        return Explain(esUsage, Error.Message);
+    }
+    catch (const std::exception& Error) {
+        return Explain(esFailed, Error.what());
+    }
+}
+
+} // namespace kv

@@ -1,0 +1,137 @@
+#include "KvImportOptions.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include <CLI/CLI.hpp>
+
+#include "KvExitStatus.h"
+#include "KvOptionCheck.h"
+#include "KvOptionText.h"
+
+namespace kv {
+
+namespace {
+
+constexpr char ExtraHelp[] =
+    "Examples:\n"
+    "  kvimport import orders.csv --to shop.db --table orders\n"
+    "      Adds every record; columns go to the fields that line 1 names.\n"
+    "  kvimport import orders.csv --to shop.db --table orders --mode append-update --keys ID\n"
+    "      Changes the orders that are there and adds the others.\n"
+    "  kvimport import old.txt --to shop.db --table orders --fixed --columns ID=1-9,CITY=10-29 --charset msdos\n"
+    "      A file of fixed width from an MS-DOS program.\n"
+    "  zcat orders.csv.gz | kvimport import - --to shop.db --table orders --delimiter comma --json\n"
+    "      Standard input; what was done goes to standard output as one JSON object.\n"
+    "\n"
+    "The run is one transaction: when it fails or is cancelled nothing of it stays. Records that cannot be stored\n"
+    "are reported and left out, the others are kept. With --batch every N records are kept for good.\n"
+    "\n"
+    "Exit status: 0 done, 1 done but some records were not stored, 2 wrong usage, 3 failed, 130 cancelled.";
+
+void AddDestinationOptions(CLI::App& Command, TDestinationOptions& Options)
+{
+    Command.add_option("--to", Options.FileName, "SQLite database to import into")->required()->type_name("FILE");
+    Command.add_option("--table", Options.Table, "Table to import into")->type_name("NAME");
+    AddChecked(Command, "--batch", "N", "Keep every N records for good (default: one transaction for the run)",
+               [&Options](const std::string& Text) { Options.Batch = ReadCount(Text, 1); });
+    AddChecked(Command, "--busy-timeout", "MS", "Milliseconds to wait for other programs' locks (default: 5000)",
+               [&Options](const std::string& Text) { Options.BusyTimeout = ReadCount(Text, 0); });
+    AddChecked(Command, "--cache-size", "KIB", "Page cache of the database (default: its own)",
+               [&Options](const std::string& Text) { Options.CacheSize = ReadCount(Text, 0); });
+}
+
+void AddMappingOptions(CLI::App& Command, TImportOptions& Options)
+{
+    AddChoice(Command, "--mode", "What a record does to the table: append (default), update, append-update, delete, or copy, "
+              "which empties the table first",
+              {{"append", [&Options] { Options.Mode = imAppend; }},
+               {"update", [&Options] { Options.Mode = imUpdate; }},
+               {"append-update", [&Options] { Options.Mode = imAppendUpdate; }},
+               {"delete", [&Options] { Options.Mode = imDelete; }},
+               {"copy", [&Options] { Options.Mode = imCopy; }}});
+    AddChecked(Command, "--keys", "LIST", "Fields that tell records apart, such as 'ID' or 'ID;CITY' (default: the primary key)",
+               [&Options](const std::string& Text) { Options.Keys = ReadNames(Text); });
+    Command.add_option("--map", Options.Map, "A field and its column, such as CITY=Field3 (may be repeated; only these are used)")
+        ->type_name("FIELD=COLUMN")
+        ->allow_extra_args(false);
+    Command.add_flag("--by-position", Options.ByPosition, "First column to first field, and so on, instead of by name");
+}
+
+void AddRunOptions(CLI::App& Command, TImportOptions& Options)
+{
+    Command.add_flag("--abort-on-error", Options.AbortOnError, "Fail at the first record that cannot be stored");
+    AddChecked(Command, "--max-errors", "N", "Errors of records to show (default: 20); all are counted",
+               [&Options](const std::string& Text) { Options.MaxErrors = ReadCount(Text, 0); });
+    Command.add_flag("-q,--quiet", Options.Quiet, "Print nothing but errors");
+    Command.add_flag("--json", Options.Json, "Print what was done as one JSON object");
+    Command.add_flag("--classic", Options.Source.Classic,
+                     "Read as the components do by themselves: doubled qualifiers stay doubled, lines have at most 9999 "
+                     "characters, a byte order mark is text");
+}
+
+bool IsSameFile(const std::string& A, const std::string& B)
+{
+    std::error_code Error;
+    return std::filesystem::equivalent(A, B, Error) && !Error;
+}
+
+} // namespace
+
+bool NeedsKeys(TImportMode Mode)
+{
+    return Mode == imUpdate || Mode == imAppendUpdate || Mode == imDelete;
+}
+
+std::string NameOfMode(TImportMode Mode)
+{
+    switch (Mode) {
+    case imAppend:       return "append";
+    case imUpdate:       return "update";
+    case imAppendUpdate: return "append-update";
+    case imDelete:       return "delete";
+    case imCopy:         return "copy";
+    }
+    return {};
+}
+
+void AddImportOptions(CLI::App& Command, TImportOptions& Options)
+{
+    Command.footer(ExtraHelp);
+    Command.add_option("source", Options.Source.FileName, "File to import; - is standard input")->required()->type_name("FILE");
+    Command.add_option("--from", Options.Source.Kind, "Kind of the source, as kvimport formats lists them (default: told by the file's name)")
+        ->type_name("KIND");
+    Command.option_defaults()->group("Destination");
+    AddDestinationOptions(Command, Options.Destination);
+    Command.option_defaults()->group("Records and columns");
+    AddMappingOptions(Command, Options);
+    Command.option_defaults()->group("Layout of a text file");
+    AddTextOptions(Command, Options.Source.Text);
+    Command.option_defaults()->group("How values are written");
+    AddFormatOptions(Command, Options.Formats);
+    AddCodePageOptions(Command, Options.Formats);
+    Command.option_defaults()->group("The run");
+    AddRunOptions(Command, Options);
+}
+
+void CheckImportOptions(TImportOptions& Options)
+{
+    auto& Text = Options.Source.Text;
+    if (!Options.Keys.empty() && !NeedsKeys(Options.Mode))
+        throw EUsageError("--keys has no meaning with --mode " + NameOfMode(Options.Mode) +
+                          "; records are found by keys with update, append-update and delete");
+    if (!Options.Map.empty() && Options.ByPosition)
+        throw EUsageError("--map and --by-position exclude each other");
+    if (!Text.FixedColumns.empty() && !Text.Fixed)
+        throw EUsageError("--columns is for --fixed");
+    if (!Text.FixedColumns.empty() && Options.ByPosition)
+        throw EUsageError("--columns names its fields; --by-position has no meaning with it");
+    if (Text.Fixed && Text.FixedColumns.empty() && Options.Map.empty())
+        throw EUsageError("--fixed needs --columns, such as ID=1-9,CITY=10-29, or --map, such as ID=Text1-9");
+    if (IsSameFile(Options.Source.FileName, Options.Destination.FileName))
+        throw EUsageError("the source and --to are the same file, " + Options.Destination.FileName);
+    Options.Source.FindNames = Options.Map.empty() && !Options.ByPosition && !Text.Fixed;
+    Options.Map.insert(Options.Map.end(), Text.FixedColumns.begin(), Text.FixedColumns.end());
+}
+
+} // namespace kv

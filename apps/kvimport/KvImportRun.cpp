@@ -1,0 +1,175 @@
+#include "KvImportRun.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "KvCancelSignals.h"
+#include "KvColumnMap.h"
+#include "KvDisplayText.h"
+#include "KvExitStatus.h"
+#include "KvOptionText.h"
+#include "KvTerminalText.h"
+#include "Kvibase.h"
+
+namespace kv {
+
+namespace {
+
+constexpr int RefreshEvery = 64;                    // records; a refresh that draws nothing costs next to nothing
+
+} // namespace
+
+TImportRun::TImportRun(const TImportOptions& Given, TConsoleInterface& Terminal, TImportReport& Target)
+    : Options(Given), Console(Terminal), Report(Target)
+{
+}
+
+TImportRun::~TImportRun() = default;
+
+void TImportRun::Prepare()
+{
+    Report.SourceName = Options.Source.FileName;
+    Source = MakeSource(Options.Source);
+    Report.SourceName = Source->DisplayName();
+    Report.Findings = Source->Findings();
+    Destination = std::make_unique<TDestination>(Options.Destination);
+    Report.Columns = MapColumns();
+    SetUp(Source->Component());
+    SetKeys();
+}
+
+TColumnMap TImportRun::MapColumns()
+{
+    const auto Columns = Source->Columns();
+    if (!Options.Map.empty())
+        return MapAsGiven(Options.Map, Columns, Destination->Table());
+    if (Options.ByPosition)
+        return MapByPosition(Columns, Destination->Table());
+    if (Columns.empty())
+        throw Exception(Source->DisplayName() + " has no header line to find the columns by name");
+    return MapByName(Columns, Destination->Table());
+}
+
+/// The engine wants the names without blanks and as mapped; a record is never looked for by fewer keys
+/// than were asked for.
+void TImportRun::SetKeys()
+{
+    if (!NeedsKeys(Options.Mode))
+        return;
+    Report.Keys = Options.Keys.empty() ? Destination->PrimaryKey() : Options.Keys;
+    if (Report.Keys.empty())
+        throw Exception("--keys is missing: --mode " + NameOfMode(Options.Mode) + " finds records by keys, and the table has no primary key");
+    const auto List = KeyList(Report.Keys, Report.Columns, Destination->Table());
+    Source->Component().DatasetKeys = List;
+    Report.Keys = ReadNames(ToDisplay(List));
+}
+
+void TImportRun::SetUp(TKvImportBaseComponent& Component)
+{
+    Component.SetDataSet(&Destination->Table());
+    for (const auto& Line : Report.Columns.Lines)
+        Component.Mappings().Add(Line);
+    Component.Mode = Options.Mode;
+    SetFormats(Options.Formats, Component.DataFormats);
+    Component.TitleStatus = Source->DisplayName();
+    Component.Statistic.UpdateStep = RefreshEvery;
+    Component.OnErrorEvent = [this](auto&, const Exception& Error, bool& Abort) { RecordFailed(Error, Abort); };
+    Component.OnBeforeUpdate = [this](auto&) { Stored = true; };
+    Component.OnAfterRecordEvent = [this](auto&, bool&) { RecordDone(); };
+}
+
+void TImportRun::RecordFailed(const Exception& Error, bool& Abort)
+{
+    ++Failed;
+    Abort = Options.AbortOnError;
+    if (Abort || Report.ErrorsMet++ >= Options.MaxErrors) // the error that ends the run is told with its outcome
+        return;
+    const auto Place = Source->Component().RecordPlace();
+    Report.Errors.push_back({.Place = Place, .Message = Error.Message});
+    Console.PrintLine(Source->DisplayName() + ", " + Place + ": " + ToDisplay(Error.Message));
+}
+
+void TImportRun::RecordDone()
+{
+    if (Source->Component().Statistic.LastAction == iaUnknown)
+        ++(Stored ? NotFound : Refused);
+    Stored = false;
+    Destination->RecordDone();
+}
+
+void TImportRun::Execute()
+{
+    Report.Ran = true;
+    Console.ShowsMessages = false;                  // RecordFailed tells them, with the place
+    try {
+        if (Options.Mode == imCopy)
+            Report.Emptied = Destination->Table().RecordCount();
+        Destination->Begin();
+        Source->Component().Execute();
+    }
+    catch (const Exception& Error) {
+        Report.Failure = ToDisplay(Error.Message);
+    }
+    Console.ShowsMessages = true;
+    Settle();
+}
+
+void TImportRun::Settle()
+{
+    CountFigures();
+    const auto Result = Source->Component().Statistic.Result;
+    if (Result == irFailed)
+        Report.Failure = FailureText();
+    if (Result == irCanceled || (TCancelSignals::Requested() && Result != irExecuted))
+        Report.Status = esCancelled;
+    else if (!Report.Failure.empty())
+        Report.Status = esFailed;
+    else
+        Report.Status = Failed > 0 ? esRecordErrors : esDone;
+    SettleTransaction();
+    if (Report.Status == esCancelled)
+        Report.Failure.clear();                     // giving up a wait for a lock looks like a failure
+    Report.Warnings = Source->Warnings();
+}
+
+void TImportRun::CountFigures()
+{
+    const auto& Counted = Source->Component().Statistic;
+    auto& Figures = Report.Figures;
+    Figures = {.Read = Counted.TotalImported,
+               .Added = Counted.TotalAdded,
+               .Updated = Counted.TotalUpdated,
+               .Deleted = Counted.TotalDeleted,
+               .Refused = Refused,
+               .Failed = Failed,
+               .NotFound = NotFound};
+    // The record at which a run broke off was read, and came to nothing else.
+    if (Counted.Result == irFailed)
+        Figures.Failed = Figures.Read - Figures.Added - Figures.Updated - Figures.Deleted - Refused - NotFound;
+}
+
+/// With the place of the record at which the run broke off.
+std::string TImportRun::FailureText() const
+{
+    const auto& Component = Source->Component();
+    const auto Message = Source->Explain(ToDisplay(Component.ErrorMessage()));
+    const bool TellsPlace = Message.find(Source->DisplayName()) != Message.npos || Component.Statistic.TotalImported == 0;
+    return TellsPlace ? Message : Source->DisplayName() + ", " + Component.RecordPlace() + ": " + Message;
+}
+
+void TImportRun::SettleTransaction()
+{
+    const bool Done = Report.Status == esDone || Report.Status == esRecordErrors;
+    try {
+        Report.Transaction = Done ? Destination->Commit() : Destination->Rollback();
+        return;
+    }
+    catch (const Exception& Error) {
+        if (Report.Failure.empty())
+            Report.Failure = ToDisplay(Error.Message);
+    }
+    Report.Status = TCancelSignals::Requested() ? esCancelled : esFailed;
+    Report.Transaction = Destination->Rollback();
+}
+
+} // namespace kv

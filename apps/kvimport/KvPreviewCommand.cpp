@@ -1,0 +1,135 @@
+#include "KvPreviewCommand.h"
+
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include "KvConsoleLine.h"
+#include "KvFormatOptions.h"
+#include "KvOptionCheck.h"
+#include "KvSource.h"
+#include "KvTerminalText.h"
+#include "KvTextTable.h"
+
+namespace kv {
+
+namespace {
+
+constexpr int UsualRows = 20;
+constexpr int StandardOutput = 1;
+
+struct TPreviewOptions
+{
+    TSourceOptions Source;
+    TFormatOptions Formats;
+    int Rows = UsualRows;
+    bool Json = false;
+};
+
+void AddPreviewOptions(CLI::App& Command, TPreviewOptions& Options)
+{
+    Command.footer("Examples:\n"
+                   "  kvimport preview orders.csv\n"
+                   "  kvimport preview orders.csv --first-row 1       line 1 is no header\n"
+                   "  kvimport preview old.txt --fixed --columns ID=1-9,CITY=10-29 --charset msdos");
+    Command.add_option("source", Options.Source.FileName, "File to show; - is standard input")->required()->type_name("FILE");
+    Command.add_option("--from", Options.Source.Kind, "Kind of the source, as kvimport formats lists them (default: told by the file's name)")
+        ->type_name("KIND");
+    AddChecked(Command, "--rows", "N", "Rows to show (default: 20)",
+               [&Options](const std::string& Text) { Options.Rows = ReadCount(Text, 1); });
+    Command.add_flag("--json", Options.Json, "Print the rows as one JSON object");
+    Command.add_flag("--classic", Options.Source.Classic, "Read as the components do by themselves; see kvimport import --help");
+    Command.option_defaults()->group("Layout of a text file");
+    AddTextOptions(Command, Options.Source.Text);
+    AddCodePageOptions(Command, Options.Formats);
+}
+
+/// As wide as the screen; what goes into a pipe is not cut.
+int OutputWidth()
+{
+    const TConsoleLine Output(StandardOutput);
+    return Output.IsTerminal() ? Output.Width() : 0;
+}
+
+/// The source's own names stand above those that mappings use.
+void PrintTable(const TSourceRows& Rows, bool HasNames)
+{
+    TTextTable Table;
+    std::vector<std::string> Names{"line"}, Sources{HasNames ? "" : "line"};
+    for (const auto& Column : Rows.Columns) {
+        Names.push_back(Column.Name);
+        Sources.push_back(Column.Source);
+    }
+    if (HasNames)
+        Table.AddHeading(Names);
+    Table.AddHeading(Sources);
+    for (std::size_t I = 0; I < Rows.Rows.size(); ++I) {
+        std::vector<std::string> Cells{Rows.Places[I]};
+        Cells.insert(Cells.end(), Rows.Rows[I].begin(), Rows.Rows[I].end());
+        Table.AddRow(std::move(Cells));
+    }
+    Table.Print(std::cout, OutputWidth());
+}
+
+void PrintTable(TSource& Source, const TSourceRows& Rows)
+{
+    for (const auto& Finding : Source.Findings())
+        std::cout << "(" << VisibleText(Finding) << ")\n";
+    bool HasNames = false;
+    for (const auto& Column : Rows.Columns)
+        HasNames = HasNames || !Column.Name.empty();
+    PrintTable(Rows, HasNames);
+    if (Rows.Rows.empty())
+        std::cout << "There are no rows.\n";
+    else if (Rows.HasMore)
+        std::cout << "There are more rows; --rows N shows N of them.\n";
+}
+
+void PrintJson(TSource& Source, const TSourceRows& Rows)
+{
+    using TJson = nlohmann::ordered_json;
+    auto Columns = TJson::array(), Lines = TJson::array();
+    for (const auto& Column : Rows.Columns)
+        Columns.push_back({{"column", Column.Source}, {"name", Column.Name.empty() ? TJson() : TJson(Column.Name)}});
+    for (std::size_t I = 0; I < Rows.Rows.size(); ++I)
+        Lines.push_back({{"line", std::stoi(Rows.Places[I])}, {"values", Rows.Rows[I]}});
+    const TJson Object = {{"source", Source.DisplayName()},
+                          {"columns", Columns},
+                          {"rows", Lines},
+                          {"hasMore", Rows.HasMore},
+                          {"findings", Source.Findings()}};
+    std::cout << Object.dump(-1, ' ', false, TJson::error_handler_t::replace) << '\n';
+}
+
+void Preview(TPreviewOptions& Options)
+{
+    UseFormats(Options.Formats);
+    const auto& Text = Options.Source.Text;
+    Options.Source.FindNames = !Text.Fixed && Text.RowFirst.value_or(2) > 1;
+    const auto Source = MakeSource(Options.Source);
+    const auto Rows = Source->FirstRows(Options.Rows);
+    if (Options.Json)
+        PrintJson(*Source, Rows);
+    else
+        PrintTable(*Source, Rows);
+    std::cout.flush();
+}
+
+} // namespace
+
+void AddPreviewCommand(CLI::App& Program, TExitStatus& Status)
+{
+    const auto Options = std::make_shared<TPreviewOptions>();
+    auto* const Command = Program.add_subcommand("preview", "Show the first rows of a file");
+    AddPreviewOptions(*Command, *Options);
+    Command->callback([Options, &Status] {
+        Preview(*Options);
+        Status = esDone;
+    });
+}
+
+} // namespace kv

@@ -1,0 +1,79 @@
+// KvSource - a source of records as the command line sees it: whatever kind it is, it has columns with
+// names, shows its first rows, and has a component that imports it.
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvTextOptions.h"
+
+namespace kv {
+
+class TKvImportBaseComponent;
+
+/// A column that the source offers.
+struct TSourceColumn
+{
+    std::string Source;                             ///< As mapping lines name it: "Field3".
+    std::string Name;                               ///< As the source itself calls it, UTF-8; empty when it does not.
+};
+
+/// Rows as they stand in the source, before any conversion. UTF-8.
+struct TSourceRows
+{
+    std::vector<TSourceColumn> Columns;
+    std::vector<std::vector<std::string>> Rows;     ///< A row may be longer or shorter than Columns.
+    std::vector<std::string> Places;                ///< Of each row: "2" for line 2.
+    bool HasMore = false;                           ///< There are rows after these.
+};
+
+class TSource
+{
+public:
+    virtual ~TSource() = default;
+
+    /// Set up as the options have it; mappings, keys and destination are the caller's.
+    virtual TKvImportBaseComponent& Component() = 0;
+    /// What messages call the source: the file as the user named it.
+    virtual std::string DisplayName() const = 0;
+    /// True when the source itself names its columns.
+    virtual bool HasNames() const = 0;
+    virtual std::vector<TSourceColumn> Columns() = 0;
+    virtual TSourceRows FirstRows(int Count) = 0;
+    /// `Text` of an error, in which the source goes by its display name.
+    virtual std::string Explain(std::string Text) const { return Text; }
+    /// How the source was read, where the command line left it open: "delimiter: semicolon".
+    virtual std::vector<std::string> Findings() const { return {}; }
+    /// What the last run met that the user should know, such as lines with too many values.
+    virtual std::vector<std::string> Warnings() const { return {}; }
+};
+
+/// What the command line says about the source, whatever its kind.
+struct TSourceOptions
+{
+    std::string FileName;                           ///< "-": standard input.
+    std::string Kind;                               ///< Empty: told by the file's name.
+    bool Classic = false;                           ///< Without the extensions of the components.
+    bool FindNames = false;                         ///< The source shall name its columns, in a header if need be.
+    TTextOptions Text;
+};
+
+/// A kind of source that this program can read.
+struct TSourceKind
+{
+    std::string_view Name;                          ///< As option --from has it.
+    std::string_view Title;
+    std::vector<std::string_view> Extensions;       ///< In lower case, with the dot.
+    std::unique_ptr<TSource> (*Make)(const TSourceOptions&);
+};
+
+/// All of them; the first also takes files with unknown extensions.
+std::span<const TSourceKind> SourceKinds();
+
+/// Raises EUsageError for an unknown kind, EFileError when the file cannot be read.
+std::unique_ptr<TSource> MakeSource(const TSourceOptions& Options);
+
+} // namespace kv

@@ -1,0 +1,232 @@
+#include "KvTextSource.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <limits>
+#include <optional>
+#include <utility>
+
+#include "KvCancelSignals.h"
+#include "KvCodePage.h"
+#include "KvDisplayText.h"
+#include "KvExitStatus.h"
+#include "KvOptionText.h"
+#include "KvSpooledFile.h"
+#include "KvTerminalText.h"
+#include "KvText.h"
+#include "KvTextProbe.h"
+#include "Kvi2txt.h"
+
+namespace kv {
+
+namespace {
+
+constexpr TKvITextExtensions AllExtensions{xtDoubledQualifiers, xtLongLines, xtByteOrderMark};
+
+class TTextSource final : public TSource
+{
+public:
+    explicit TTextSource(const TSourceOptions& Given);
+
+    TKvImportBaseComponent& Component() override { return Import; }
+    std::string DisplayName() const override { return FromPipe() ? "standard input" : Options.FileName; }
+    bool HasNames() const override { return HeaderLine > 0; }
+    std::vector<TSourceColumn> Columns() override;
+    TSourceRows FirstRows(int Count) override;
+    std::string Explain(std::string Text) const override;
+    std::vector<std::string> Findings() const override;
+    std::vector<std::string> Warnings() const override;
+
+private:
+    bool FromPipe() const { return Options.FileName == "-"; }
+    void OpenFile();
+    void SetLayout();
+    void FindDelimiter();
+    std::string ToUtf8(std::string_view Text) const;
+    TProbedText Probe(int First, int Last);
+    std::vector<TSourceColumn> DelimitedColumns(const TProbedLine& Line) const;
+    std::vector<TSourceColumn> FixedColumns() const;
+    std::vector<std::string> FixedValues(const std::string& Line) const;
+
+    const TSourceOptions Options;
+    std::optional<TSpooledFile> Spooled;
+    TKvImportFromText Import;
+    int HeaderLine = 0;                             // 0: none
+    bool DelimiterFound = false;                    // in the header, against the habit of the file's name
+};
+
+TTextSource::TTextSource(const TSourceOptions& Given) : Options(Given)
+{
+    SetLayout();
+    OpenFile();
+    FindDelimiter();
+}
+
+void TTextSource::OpenFile()
+{
+    const auto FileName = FromPipe() ? std::string(TSpooledFile::StandardInput) : Options.FileName;
+    Import.SourceFileName = FileName;
+    if (!IsReadOnce(FileName))
+        return;
+    Spooled.emplace(FileName, [] { return !TCancelSignals::Requested(); });
+    Import.SourceFileName = Spooled->Name();
+}
+
+void TTextSource::SetLayout()
+{
+    const auto& Text = Options.Text;
+    const auto Extension = UpperCase(std::filesystem::path(Options.FileName).extension().string());
+    Import.Fixed = Text.Fixed;
+    Import.SetFieldDelimiterCustom(Text.Delimiter.value_or(Text.Fixed ? '\0' : Extension == ".CSV" ? ',' : '\t'));
+    Import.SetTextQualifierCustom(Text.Qualifier);
+    Import.SetRecordSeparatorCustom(Text.RecordSeparator);
+    Import.CharacterSet = Text.MsDos ? csiASCII_MSDOS : csiANSI_WINDOWS;
+    if (!Options.Classic)
+        Import.Extensions = AllExtensions;
+
+    Import.RowFirst = Text.RowFirst.value_or(Options.FindNames ? 2 : 1);
+    Import.RowLast = Text.RowLast.value_or(RowLastMax);
+    if (Import.RowLast < Import.RowFirst)
+        throw EUsageError("--last-row " + std::to_string(Import.RowLast) + " lies before --first-row " +
+                          std::to_string(Import.RowFirst));
+    if (Options.FindNames && Import.RowFirst == 1)
+        throw EUsageError("--first-row 1 leaves no header line to find the columns by name; use --by-position or --map");
+    HeaderLine = Options.FindNames ? Import.RowFirst - 1 : 0;
+}
+
+/// A header that holds no delimiter as the file's name promises it, but another of the usual ones, is
+/// believed. Values are not: a comma in "1,5" delimits nothing.
+void TTextSource::FindDelimiter()
+{
+    if (Options.Text.Delimiter || Import.Fixed || HeaderLine == 0)
+        return;
+    const char Usual = Import.GetFieldDelimiterCustom();
+    for (const char Delimiter : {Usual, ';', ',', '\t'}) {
+        Import.SetFieldDelimiterCustom(Delimiter);
+        const auto Header = Probe(HeaderLine, HeaderLine).Lines;
+        DelimiterFound = Delimiter != Usual;
+        if (!Header.empty() && Header.front().Values.size() > 1)
+            return;
+    }
+    DelimiterFound = false;
+    Import.SetFieldDelimiterCustom(Usual);
+}
+
+std::string TTextSource::ToUtf8(std::string_view Text) const
+{
+    return ToDisplay(Import.CharacterSet == csiASCII_MSDOS ? OemToAnsi(Text) : std::string(Text));
+}
+
+TProbedText TTextSource::Probe(int First, int Last)
+{
+    try {
+        return ProbeText(Import, First, Last);
+    }
+    catch (const EFileError& Error) {
+        throw EFileError(Explain(Error.Message));
+    }
+    catch (const Exception& Error) {
+        throw Exception(DisplayName() + ", " + Explain(Error.Message));
+    }
+}
+
+std::vector<TSourceColumn> TTextSource::DelimitedColumns(const TProbedLine& Line) const
+{
+    std::vector<TSourceColumn> Result;
+    for (const auto& Value : Line.Values)
+        Result.push_back({.Source = "Field" + std::to_string(Result.size() + 1),
+                          .Name = HasNames() ? ToUtf8(Trim(Value)) : std::string()});
+    return Result;
+}
+
+std::vector<TSourceColumn> TTextSource::FixedColumns() const
+{
+    std::vector<TSourceColumn> Result;
+    for (const auto& Line : Options.Text.FixedColumns) {
+        const auto Equal = Line.rfind('=');
+        Result.push_back({.Source = Line.substr(Equal + 1), .Name = Line.substr(0, Equal)});
+    }
+    return Result;
+}
+
+std::vector<TSourceColumn> TTextSource::Columns()
+{
+    if (Import.Fixed)
+        return FixedColumns();
+    const int Line = HasNames() ? HeaderLine : Import.RowFirst;
+    const auto Probed = Probe(Line, Line).Lines;
+    return Probed.empty() ? std::vector<TSourceColumn>() : DelimitedColumns(Probed.front());
+}
+
+std::vector<std::string> TTextSource::FixedValues(const std::string& Line) const
+{
+    if (Options.Text.FixedColumns.empty())
+        return {Line};
+    std::vector<std::string> Values;
+    for (const auto& Column : FixedColumns()) {
+        const auto Dash = Column.Source.find('-');
+        const auto First = std::stoul(Column.Source.substr(4)) - 1, Last = std::stoul(Column.Source.substr(Dash + 1));
+        Values.push_back(First < Line.size() ? Line.substr(First, Last - First) : std::string());
+    }
+    return Values;
+}
+
+TSourceRows TTextSource::FirstRows(int Count)
+{
+    TSourceRows Result;
+    const auto Last = std::min(std::int64_t{Import.RowFirst} + Count - 1, std::int64_t{Import.RowLast});
+    auto Probed = Probe(Import.RowFirst, static_cast<int>(Last));
+    Result.Columns = Columns();
+    Result.HasMore = Probed.HasMore && Last < Import.RowLast;
+    for (auto& Line : Probed.Lines) {
+        auto& Row = Result.Rows.emplace_back(Import.Fixed ? FixedValues(Line.Values.front()) : std::move(Line.Values));
+        for (auto& Value : Row)
+            Value = ToUtf8(Value);
+        Result.Places.push_back(std::to_string(Line.Number));
+        while (!Import.Fixed && Result.Columns.size() < Row.size())
+            Result.Columns.push_back({.Source = "Field" + std::to_string(Result.Columns.size() + 1), .Name = {}});
+    }
+    return Result;
+}
+
+std::string TTextSource::Explain(std::string Text) const
+{
+    return FromPipe() || Spooled ? ReplaceAll(std::move(Text), Import.SourceFileName, DisplayName()) : Text;
+}
+
+std::vector<std::string> TTextSource::Findings() const
+{
+    if (!DelimiterFound)
+        return {};
+    return {"delimiter " + NameOfCharacter(Import.GetFieldDelimiterCustom()) + ", as line " + std::to_string(HeaderLine) + " has it"};
+}
+
+std::string LinesFrom(int Count, int First)
+{
+    return Count == 1 ? "line " + std::to_string(First) + " has"
+                      : GroupDigits(Count) + " lines, the first of them line " + std::to_string(First) + ", have";
+}
+
+std::vector<std::string> TTextSource::Warnings() const
+{
+    std::vector<std::string> Result;
+    const auto& Counts = Import.FieldCounts();
+    if (Import.RowFirst > 2)                        // line 1 is a title: the lines need not be like it
+        return {};
+    if (Counts.MoreLines > 0)
+        Result.push_back(LinesFrom(Counts.MoreLines, Counts.FirstMore) +
+                         " more values than line 1: the extra ones were not imported");
+    if (Counts.FewerLines > 0)
+        Result.push_back(LinesFrom(Counts.FewerLines, Counts.FirstFewer) +
+                         " fewer values than line 1: the missing ones count as empty");
+    return Result;
+}
+
+} // namespace
+
+std::unique_ptr<TSource> MakeTextSource(const TSourceOptions& Options)
+{
+    return std::make_unique<TTextSource>(Options);
+}
+
+} // namespace kv
