@@ -67,7 +67,7 @@ void AddRunOptions(CLI::App& Command, TImportOptions& Options)
     Command.add_flag("--json", Options.Json, "Print what was done as one JSON object");
     Command.add_flag("--classic", Options.Source.Classic,
                      "Read as the components do by themselves: doubled qualifiers stay doubled, lines have at most 9999 "
-                     "characters, a byte order mark is text");
+                     "characters, a byte order mark is text, fixed values keep their blanks");
 }
 
 bool IsSameFile(const std::string& A, const std::string& B)

@@ -21,7 +21,7 @@ void AddTextOptions(CLI::App& Command, TTextOptions& Options)
                [&Options](const std::string& Text) { Options.RowFirst = ReadCount(Text, 1); });
     AddChecked(Command, "--last-row", "N", "Last line to import (default: the last)",
                [&Options](const std::string& Text) { Options.RowLast = ReadCount(Text, 1); });
-    Command.add_flag("--fixed", Options.Fixed, "Values stand at fixed positions, told by --columns or --map");
+    Command.add_flag("--fixed", Options.Fixed, "Values stand at fixed positions, told by --columns or --map; blanks at their ends are no part of them");
     AddChecked(Command, "--columns", "LIST", "Fields and their bytes in a line, from 1: ID=1-9,CITY=10-29 (with --fixed)",
                [&Options](const std::string& Text) { Options.FixedColumns = ReadFixedColumns(Text); });
     AddChoice(Command, "--charset", "ansi or msdos: text is in the ANSI code page (default) or in the OEM code page",

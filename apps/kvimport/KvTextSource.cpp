@@ -23,6 +23,20 @@ namespace {
 
 constexpr TKvITextExtensions AllExtensions{xtDoubledQualifiers, xtLongLines, xtByteOrderMark};
 
+/// Without the blanks that fill a fixed column.
+std::string_view WithoutPadding(std::string_view Text)
+{
+    return Text.substr(0, Text.find_last_not_of(' ') + 1);
+}
+
+void RemovePadding(TVariant& Value)
+{
+    if (!Value.IsString() || !Value.Text().ends_with(' '))
+        return;
+    const std::string Kept(WithoutPadding(Value.Text()));
+    Value.SetText(Kept);
+}
+
 class TTextSource final : public TSource
 {
 public:
@@ -39,6 +53,7 @@ public:
 
 private:
     bool FromPipe() const { return Options.FileName == "-"; }
+    bool TrimsColumns() const { return Options.Text.Fixed && !Options.Classic; }
     void OpenFile();
     void SetLayout();
     void FindDelimiter();
@@ -83,6 +98,8 @@ void TTextSource::SetLayout()
     Import.CharacterSet = Text.MsDos ? csiASCII_MSDOS : csiANSI_WINDOWS;
     if (!Options.Classic)
         Import.Extensions = AllExtensions;
+    if (TrimsColumns())
+        Import.OnGetCellParams = [](auto&, TField*, TVariant& Value) { RemovePadding(Value); };
 
     Import.RowFirst = Text.RowFirst.value_or(Options.FindNames ? 2 : 1);
     Import.RowLast = Text.RowLast.value_or(RowLastMax);
@@ -166,7 +183,8 @@ std::vector<std::string> TTextSource::FixedValues(const std::string& Line) const
     for (const auto& Column : FixedColumns()) {
         const auto Dash = Column.Source.find('-');
         const auto First = std::stoul(Column.Source.substr(4)) - 1, Last = std::stoul(Column.Source.substr(Dash + 1));
-        Values.push_back(First < Line.size() ? Line.substr(First, Last - First) : std::string());
+        const auto Value = std::string_view(Line).substr(std::min(First, Line.size()), Last - First);
+        Values.emplace_back(TrimsColumns() ? WithoutPadding(Value) : Value);
     }
     return Values;
 }

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
 
-#include "KvNumberText.h"
 #include "KvTerminalText.h"
 #include "KvText.h"
 
@@ -11,7 +11,13 @@ namespace kv {
 
 namespace {
 
-constexpr int Gap = 2, MinWidth = 6, MaxWidth = 60;
+constexpr int Gap = 2, MinWidth = 6, MaxWidth = 200;
+
+/// Digits with whatever stands between them: dates and amounts line up as well.
+bool LooksLikeNumber(std::string_view Text)
+{
+    return Text.find_first_of("0123456789") != Text.npos && Text.find_first_not_of("0123456789.,+-/: ") == Text.npos;
+}
 
 } // namespace
 
@@ -34,7 +40,7 @@ std::vector<TTextTable::TColumn> TTextTable::Measure() const
             if (Trim(Row[I]).empty())
                 continue;
             Column.IsEmpty = false;
-            Column.IsNumber = Column.IsNumber && TryTextToFloat(Row[I]).has_value();
+            Column.IsNumber = Column.IsNumber && LooksLikeNumber(Row[I]);
         }
     return Columns;
 }
