@@ -104,16 +104,21 @@ TEST(KvProperties, TakeValuesThatSuitTheirKind)
 
 TEST(KvProperties, RefuseValuesThatDoNotSuit)
 {
-    const std::pair<const char*, TVariant> Rows[] = {
+    struct TRow
+    {
+        const char* Name;
+        TVariant Value;
+    };
+    const TRow Rows[] = {
         {"Number", "five"}, {"Number", 1.5},  {"Number", Null}, {"Number", ""},    {"Flag", "yes"},
         {"Flag", 2},        {"Flag", Null},   {"Letter", ""},   {"Letter", ",;"},  {"Letter", 1},
         {"Color", 3},       {"Color", -1},    {"Color", "cl"},  {"Color", true},   {"Colors", 8},
         {"Colors", -1},     {"Colors", "x"},
     };
-    for (const auto& [Name, Value] : Rows) {
+    for (const auto& Row : Rows) {
         TSample Sample;
-        EXPECT_EQ(MessageOf<EPropertyError>([&] { SetPropValue(Sample, Name, Value); }),
-                  "'" + Value.ToText() + "' is not a valid value for property TSample." + Name);
+        EXPECT_EQ(MessageOf<EPropertyError>([&] { SetPropValue(Sample, Row.Name, Row.Value); }),
+                  "'" + Row.Value.ToText() + "' is not a valid value for property TSample." + Row.Name);
         EXPECT_TRUE(Sample.Value.IsEmpty());
     }
     TSample Sample;
