@@ -27,8 +27,8 @@ private:
 };
 
 /// The first `MaxSize` bytes of the file `FileName`, or all of it. Pipes are read to their end.
-/// `Continue`, when given, is asked between pieces of a few megabytes; false stops the reading and
-/// gives nothing.
+/// `Continue`, when given, is asked between pieces of a few megabytes and while a pipe has nothing to
+/// read; false stops the reading and gives nothing.
 /// Raises EFileError "Cannot open file "%s": %s" (no such file, permission denied, is a directory, ...)
 /// or "Cannot read file "%s": %s".
 TKvFileBytes ReadFileBytes(const std::string& FileName,
