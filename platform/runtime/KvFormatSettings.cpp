@@ -74,6 +74,13 @@ void TakeNumbers(locale_t Locale, TFormatSettings& Settings)
     Settings.ThousandSeparator = SeparatorOr(nl_langinfo_l(THOUSEP, Locale), Fallback);
 }
 
+void TakeTimes(locale_t Locale, TFormatSettings& Settings)
+{
+    const std::string_view Format = nl_langinfo_l(T_FMT, Locale);   // "%H.%M.%S", or "%T" with colons
+    if (Format.size() > 2 && Format.starts_with("%H") && Format[2] != '%' && IsAsciiPunctuation(Format[2]))
+        Settings.TimeSeparator = Format[2];
+}
+
 void TakeDates(locale_t Locale, TFormatSettings& Settings)
 {
     auto Format = ShortDateFormatOf(nl_langinfo_l(D_FMT, Locale));
@@ -116,8 +123,10 @@ TFormatSettings LocaleFormatSettings()
         return Settings;
     if (NamesCountry(Locale.get(), LC_NUMERIC))
         TakeNumbers(Locale.get(), Settings);
-    if (NamesCountry(Locale.get(), LC_TIME))
+    if (NamesCountry(Locale.get(), LC_TIME)) {
         TakeDates(Locale.get(), Settings);
+        TakeTimes(Locale.get(), Settings);
+    }
     return Settings;
 }
 
