@@ -37,15 +37,16 @@ std::string_view TextOf(const TVariant& Value, std::string& Storage)
     return Storage;
 }
 
-TVariant ParseBoolean(TVariant Value, const TKvIDataFormats& Formats)
+// Each turns `Value` into one of its kind or, where it has no meaning in it, leaves it as it is.
+
+void ParseBoolean(TVariant& Value, const TKvIDataFormats& Formats)
 {
     std::string Storage;
     const auto Text = TextOf(Value, Storage);
     if (Text == Formats.BooleanTrue)
-        return true;
-    if (Text == Formats.BooleanFalse)
-        return false;
-    return Value;
+        Value = true;
+    else if (Text == Formats.BooleanFalse)
+        Value = false;
 }
 
 /// `Text` without `Separator`; a copy, in `Storage`, is made only where there is one to remove.
@@ -58,29 +59,42 @@ std::string_view WithoutSeparator(std::string_view Text, char Separator, std::st
     return Storage;
 }
 
-TVariant ParseFloat(TVariant Value, const TKvIDataFormats& Formats)
+void ParseFloat(TVariant& Value, const TKvIDataFormats& Formats)
 {
     if (Value.Kind() == vkInteger || Value.Kind() == vkDouble || Value.Kind() == vkCurrency)
-        return Value;                               // its text would only lose digits
+        return;                                     // its text would only lose digits
     const TSeparatorInForce Decimal(FormatSettings().DecimalSeparator, Formats.DecimalSeparator);
     std::string Whole, Digits;
     const auto Text = WithoutSeparator(TextOf(Value, Whole), Formats.ThousandSeparator, Digits);
     if (const auto Number = TryTextToFloat(Text))
-        return *Number;
-    UserInterface().ShowMessage(mkError, "'" + std::string(Text) + "' is not a valid floating point value");
-    return Value;
+        Value = *Number;
+    else
+        UserInterface().ShowMessage(mkError, "'" + std::string(Text) + "' is not a valid floating point value");
 }
 
-TVariant ParseDateTime(TVariant Value, const TKvIDataFormats& Formats)
+void ParseDateTime(TVariant& Value, const TKvIDataFormats& Formats)
 {
     if (Value.Kind() == vkDateTime)
-        return Value;
+        return;
     const TSeparatorInForce Date(FormatSettings().DateSeparator, Formats.DateSeparator);
     const TSeparatorInForce Time(FormatSettings().TimeSeparator, Formats.TimeSeparator);
     std::string Storage;
     if (const auto Point = TryTextToDateTime(TextOf(Value, Storage)))
-        return *Point;
-    return Value;
+        Value = *Point;
+}
+
+void ParseFor(TFieldType Type, TVariant& Value, const TKvIDataFormats& Formats)
+{
+    switch (Type) {
+    case ftBoolean:  return ParseBoolean(Value, Formats);
+    case ftFloat:
+    case ftCurrency:
+    case ftBCD:      return ParseFloat(Value, Formats);
+    case ftDate:
+    case ftTime:
+    case ftDateTime: return ParseDateTime(Value, Formats);
+    default:         return;                        // integers too: the field's assignment decides on them
+    }
 }
 
 TVariant ToArray(const std::string& Name, const TVariant& Source, const TVariant& Value, int Index)
@@ -99,23 +113,10 @@ TVariant TKvImportBaseComponent::GetParsedValue(const TVariant& Source, int Fiel
 {
     TVariant Value = GetFieldValue(Source);
     if (Value.IsBlank())
-        return Null;
-    if (FieldIndex < 0)
-        return Value;
-    switch (FDataSet->Fields(FieldIndex).DataType()) {
-    case ftBoolean:
-        return ParseBoolean(std::move(Value), DataFormats);
-    case ftFloat:
-    case ftCurrency:
-    case ftBCD:
-        return ParseFloat(std::move(Value), DataFormats);
-    case ftDate:
-    case ftTime:
-    case ftDateTime:
-        return ParseDateTime(std::move(Value), DataFormats);
-    default:
-        return Value;                               // integers too: the field's assignment decides on them
-    }
+        Value = Null;
+    else if (FieldIndex >= 0)
+        ParseFor(FDataSet->Fields(FieldIndex).DataType(), Value, DataFormats);
+    return Value;
 }
 
 bool TKvImportBaseComponent::LoadRecord()

@@ -39,6 +39,7 @@ void TDataSet::Shut()
     LocateNames.clear();
     LocateFields.clear();
     LocateValues.clear();
+    RequiredFields.clear();
     FFields.clear();
 }
 
@@ -164,7 +165,9 @@ std::string TDataSet::DisplayName() const
 
 void TDataSet::AddField(TFieldDef Def)
 {
-    FFields.push_back(std::make_unique<TField>(*this, FieldCount(), std::move(Def)));
+    const auto& Field = *FFields.emplace_back(std::make_unique<TField>(*this, FieldCount(), std::move(Def)));
+    if (Field.Required())
+        RequiredFields.push_back(&Field);
 }
 
 void TDataSet::CheckActive() const
@@ -191,9 +194,7 @@ void TDataSet::CheckBrowseMode()
 
 void TDataSet::CheckRequired() const
 {
-    for (const auto& Field : FFields) {
-        if (!Field->Required())
-            continue;
+    for (const auto* const Field : RequiredFields) {
         const auto I = static_cast<std::size_t>(Field->Index());
         const bool Missing = Record.Assigned[I] ? !Record.Values[I].HasValue()
                                                 : FState == dsInsert && !Field->HasDefault();

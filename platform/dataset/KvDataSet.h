@@ -139,6 +139,7 @@ private:
     std::vector<std::unique_ptr<TField>> FFields;
     TRecordBuffer Record;
     bool Modified = false;                          // a field of Record was assigned
+    std::vector<const TField*> RequiredFields;
     int DisableCount = 0;
     std::string LocateNames;                        // key list of the last Locate ...
     std::vector<TField*> LocateFields;              // ... and its fields

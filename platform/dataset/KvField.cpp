@@ -79,7 +79,8 @@ void TField::SetValue(const TVariant& Value)
 {
     TVariant& Slot = FDataSet.WritableSlot(*this);
     Convert(Value, Slot);
-    CheckFieldSize(*this, Slot);
+    if (Def.Size > 0 && Slot.IsString() && Slot.Text().size() > static_cast<std::size_t>(Def.Size))
+        CheckFieldSize(*this, Slot);
     FDataSet.MarkAssigned(*this);
 }
 

@@ -245,12 +245,8 @@ std::size_t CharacterCount(std::string_view Text)
 
 void CheckFieldSize(const TField& Field, const TVariant& Value)
 {
-    if (Field.Size() <= 0 || !Value.IsString())
-        return;
     const auto Limit = static_cast<std::size_t>(Field.Size());
     const auto Text = Value.Text();
-    if (Text.size() <= Limit)
-        return;
     const bool Binary = IsBinaryField(Field.DataType());
     const auto Length = Binary ? Text.size() : CharacterCount(Text);
     if (Length > Limit && (Binary || IsTextField(Field.DataType())))

@@ -13,7 +13,7 @@ bool IsIntegerField(TFieldType Type);
 /// exact meaning in the type or leaves its range; `Result` is then undefined.
 bool ConvertFieldValue(TFieldType Type, const TVariant& Value, TVariant& Result);
 
-/// Raises EConvertError when the text is longer than the field.
+/// For text of more bytes than the size of the field: raises EConvertError when it also has more characters.
 void CheckFieldSize(const TField& Field, const TVariant& Value);
 
 /// Raises EConvertError "'abc' is not a valid integer value for field 'QTY'" and the like.
