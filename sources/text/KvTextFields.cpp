@@ -7,15 +7,14 @@ namespace kv {
 TKvTextFields::TKvTextFields(char TheDelimiter, char TheQualifier, bool Doubled)
     : Delimiter(TheDelimiter),
       Qualifier(TheQualifier),
-      DoubledQualifiers(Doubled),
-      Stops(std::string{TheDelimiter, TheQualifier == '\0' ? TheDelimiter : TheQualifier})
+      DoubledQualifiers(Doubled)
 {
 }
 
 void TKvTextFields::Split(std::string_view TheLine)
 {
     Line = TheLine;
-    Fields.clear();
+    FCount = 0;
     if (Line.empty())
         return;
     if (DoubledQualifiers)
@@ -28,21 +27,30 @@ void TKvTextFields::SplitByParity()
 {
     const char* const Last = End();
     const char* First = Begin();
-    bool Quoted = false;
-    for (const char* P = First;; ++P) {
-        P = Quoted ? FindChar(P, Last, Qualifier) : Stops.FindIn(P, Last);
-        if (P == Last)
-            break;
-        if (IsQualifier(*P))
-            Quoted = !Quoted;
-        if (*P == Delimiter && !Quoted && P + 1 != Last) {
-            AddTrimmed(First, P);
-            First = P + 1;
+    const char* Open = FindQualifier(First);        // the next one that is odd in number
+    for (;;) {
+        const char* Stop = FindChar(First, Last, Delimiter);
+        while (Open <= Stop && Open != Last) {
+            const char* const Close = FindQualifier(Open + 1);
+            if (Close > Stop)                       // the delimiter is hidden; a closing qualifier may be the next
+                Stop = FindChar(Close, Last, Delimiter);
+            Open = Close == Last ? Last : FindQualifier(Close + 1);
         }
+        if (Last - Stop < 2)
+            break;
+        AddTrimmed(First, Stop);
+        First = Stop + 1;
     }
-    AddTrimmed(First, Last);                        // with the delimiter that ends the line, quoted or not ...
-    if (Last[-1] == Delimiter)
-        Fields.push_back({Line.size(), Line.size() + 1, false}); // ... and the empty value after it
+    AddTrimmed(First, Last);                        // with the delimiter that ends the line, hidden or not ...
+    if (Last[-1] == Delimiter) {
+        Add(Last, Last, false);                     // ... and the empty value after it
+        ++Fields[FCount - 1].Stop;
+    }
+}
+
+const char* TKvTextFields::FindQualifier(const char* From) const
+{
+    return Qualifier == '\0' ? End() : FindChar(From, End(), Qualifier);
 }
 
 /// The value between two delimiters, which stand before First and at Last.
@@ -91,23 +99,16 @@ const char* TKvTextFields::AddQualified(const char* Open)
 
 void TKvTextFields::Add(const char* First, const char* Last, bool Rewritten)
 {
-    Fields.push_back(
-        {static_cast<std::size_t>(First - Begin()), static_cast<std::size_t>(Last - Begin()), Rewritten});
-}
-
-std::string_view TKvTextFields::Value(std::size_t Index)
-{
-    const auto& Field = Fields[Index];
-    if (Field.Start >= Field.Stop)
-        return {};
-    return Field.Rewritten ? WithoutQualifiers(Index) : Line.substr(Field.Start, Field.Stop - Field.Start);
+    if (FCount == Fields.size())
+        Fields.resize(2 * FCount + 8);
+    Fields[FCount++] = {static_cast<std::size_t>(First - Begin()), static_cast<std::size_t>(Last - Begin()), Rewritten};
 }
 
 /// A qualified value that holds doubled qualifiers, or text after the closing one.
 std::string_view TKvTextFields::WithoutQualifiers(std::size_t Index)
 {
-    if (Texts.size() < Fields.size())               // once a line: short texts move when the list grows
-        Texts.resize(Fields.size());
+    if (Texts.size() < FCount)                      // once a line: short texts move when the list grows
+        Texts.resize(FCount);
     auto& Text = Texts[Index];
     Text.clear();
     const char* const Last = Begin() + Fields[Index].Stop;

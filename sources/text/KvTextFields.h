@@ -6,8 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "KvByteScan.h"
-
 namespace kv {
 
 /// Where a value stands in its line: bytes [Start, Stop) from 0. An empty value may have Start past
@@ -36,15 +34,22 @@ public:
     /// Keeps a view of `Line` until the next call. An empty line has no value.
     void Split(std::string_view Line);
 
-    std::size_t Count() const { return Fields.size(); }
+    std::size_t Count() const { return FCount; }
     const TKvTextField& operator[](std::size_t Index) const { return Fields[Index]; }
     /// The text of value `Index` from 0, valid until the next Split. By default the last value of a line
     /// that ends in a delimiter still has that delimiter before the empty value that follows it.
-    std::string_view Value(std::size_t Index);
+    std::string_view Value(std::size_t Index)
+    {
+        const auto& Field = Fields[Index];
+        if (Field.Rewritten)
+            return WithoutQualifiers(Index);
+        return Field.Start < Field.Stop ? Line.substr(Field.Start, Field.Stop - Field.Start) : std::string_view();
+    }
 
 private:
     void SplitByParity();
     void SplitByValues();
+    const char* FindQualifier(const char* From) const;
     void AddTrimmed(const char* First, const char* Last);
     const char* AddQualified(const char* Open);
     void Add(const char* First, const char* Last, bool Rewritten);
@@ -56,9 +61,9 @@ private:
     const char Delimiter;
     const char Qualifier;
     const bool DoubledQualifiers;
-    const TKvByteSet Stops;                         // delimiter and qualifier
     std::string_view Line;
-    std::vector<TKvTextField> Fields;
+    std::size_t FCount = 0;
+    std::vector<TKvTextField> Fields;               // the first FCount; the rest waits for longer lines
     std::vector<std::string> Texts;                 // of rewritten values, by index
 };
 

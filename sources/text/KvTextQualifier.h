@@ -10,6 +10,8 @@ namespace kv {
 /// The first `Value` in [First, Last), or Last.
 inline const char* FindChar(const char* First, const char* Last, char Value)
 {
+    if (First >= Last)
+        return Last;
     const auto* const Found = std::memchr(First, Value, static_cast<std::size_t>(Last - First));
     return Found ? static_cast<const char*>(Found) : Last;
 }

@@ -68,6 +68,19 @@ std::string FileAndLine(const std::string& FileName, std::size_t Number)
     return "Line " + std::to_string(Number) + " of " + FileName + " ";
 }
 
+/// How many lines to make room for, going by the start of the text. An index that grows from nothing to
+/// millions of lines copies itself over and over; a wrong guess costs no more room than the text takes.
+std::size_t EstimateLines(std::string_view Text, std::string_view Separator)
+{
+    constexpr std::size_t SampleBytes = 64 << 10;
+    const auto Sample = Text.substr(0, SampleBytes);
+    if (Sample.empty() || Separator.empty())
+        return 0;
+    const auto InSample = static_cast<std::size_t>(std::ranges::count(Sample, Separator.back())) + 1;
+    const auto Samples = Text.size() / Sample.size() + 1;
+    return std::min(InSample * Samples, Text.size() / sizeof(std::string_view));
+}
+
 /// Cuts lines up to number `RowLast`: the first becomes `FirstLine`, those from `RowFirst` on go to
 /// `Keep`. `Continue`, when given, is asked every few megabytes; false ends it with answer false.
 template <class TKeep>
@@ -262,6 +275,8 @@ void TKvImportFromText::CutLines(int LastLine)
     if (Doubled && (Fixed || Qualifier == '\0'))
         Rules.Qualifier = {};
     TKvTextLines Cutter(Text, Rules);
+    if (LastLine == RowLastMax)
+        Lines.reserve(EstimateLines(Text, Rules.Separator));
     const bool Complete = SelectLines(Cutter, RowFirst, LastLine, FirstLine, [this] { return KeepsRunning(); },
                                       [this](std::string_view Line) { Lines.push_back(Line); });
     if (!Complete)

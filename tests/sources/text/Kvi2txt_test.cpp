@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "KvAllocationCount.h"
 #include "KvTextImport.h"
 #include "KvUserInterface.h"
 
@@ -340,6 +341,32 @@ TEST(Kvi2txt, AConstantOfOneLineIsAValueOfAnother)
     TTextImport Import("1,2,3\r\n4\r\n");
     Import.MapTo({"Field1", "Hello2"});
     EXPECT_THAT(Import.Run(), ElementsAre("1|2|", "4|Hello2|"));
+}
+
+// What a run costs.
+
+/// Allocations of a run that reads `Count` lines and stores none of them.
+std::size_t AllocationsFor(int Count, TKvITextExtensions Extensions)
+{
+    std::string Text;
+    for (int I = 0; I < Count; ++I)
+        Text += "12345,\"a longer value, in \"\"qualifiers\"\", that no short text holds\",another\r\n";
+    TTextImport Import(Text);
+    Import.MapTo({"Field1", "Field2", "A constant that no short text holds"});
+    Import.Extensions = Extensions;
+    Import.Mode = imUpdate;                         // of an empty table: every key is missing
+    Import.DatasetKeys = "A";
+    const auto Before = AllocationCount();
+    Import.Execute();
+    const auto Result = AllocationCount() - Before;
+    EXPECT_EQ(Import.Statistic.TotalImported, Count) << Import.ErrorMessage();
+    return Result;
+}
+
+TEST(Kvi2txt, AllocatesNothingForARecord)
+{
+    for (const auto Extensions : {TKvITextExtensions(), TKvITextExtensions{xtDoubledQualifiers}})
+        EXPECT_LE(AllocationsFor(10000, Extensions), AllocationsFor(10, Extensions) + 20); // the index of lines grows
 }
 
 // Messages.
