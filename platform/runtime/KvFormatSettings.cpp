@@ -1,6 +1,5 @@
 #include "KvFormatSettings.h"
 
-#include <clocale>
 #include <langinfo.h>
 #include <locale.h>
 #include <memory>
