@@ -9,6 +9,8 @@ std::size_t Count = 0;
 
 } // namespace
 
+#ifndef __SANITIZE_ADDRESS__                        // which keeps books on operator new itself
+
 void* operator new(std::size_t Size)
 {
     ++Count;
@@ -19,5 +21,7 @@ void* operator new(std::size_t Size)
 
 void operator delete(void* Memory) noexcept { std::free(Memory); }
 void operator delete(void* Memory, std::size_t) noexcept { std::free(Memory); }
+
+#endif
 
 std::size_t kv::AllocationCount() { return Count; }
