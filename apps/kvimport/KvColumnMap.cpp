@@ -50,7 +50,7 @@ private:
             return "computed by the database";
         if (Field.HasDefault())
             return "default of the database";
-        return Field.Required() ? "must have a value: new records are refused" : "";
+        return Field.Required() ? "new records must have a value" : "";
     }
 
     const TDataSet& DataSet;
@@ -170,12 +170,12 @@ TColumnMap MapAsGiven(const std::vector<std::string>& Lines, const std::vector<T
         const std::string Name(Trim(Line.substr(0, Equal)));
         const std::string Source(Equal == Line.npos ? "" : Trim(std::string_view(Line).substr(Equal + 1)));
         if (Name.empty() || Source.empty())
-            throw Exception("--map '" + Line + "' is no pair such as ID=Field1: a field and a column");
-        const auto& Field = FieldNamed(Name, "--map '" + Line + "'", Destination);
+            throw Exception("--map: '" + Line + "' is no pair such as ID=Field1: a field and a column");
+        const auto& Field = FieldNamed(Name, "'" + Line + "'", Destination);
         if (Builder.IsTaken(Field))
-            throw Exception("--map '" + Line + "': the field has a column already");
+            throw Exception("'" + Line + "': the field has a column already");
         if (const auto Reason = Obstacle(Field); !Reason.empty())
-            throw Exception("--map '" + Line + "': " + Reason);
+            throw Exception("'" + Line + "': " + Reason);
         const auto Column = std::ranges::find_if(
             Columns, [&Source](const TSourceColumn& Each) { return Each.Source == Source; });
         const bool Known = Column != Columns.end();
@@ -187,6 +187,13 @@ TColumnMap MapAsGiven(const std::vector<std::string>& Lines, const std::vector<T
         if (std::ranges::count(Used, Column.Source) == 0)
             Builder.LeaveOut(Column, "no --map names it: not imported");
     return Builder.Build();
+}
+
+bool LooksLikeHeader(const std::vector<std::string>& Values, const TDataSet& Destination)
+{
+    const auto Names = std::ranges::count_if(
+        Values, [&Destination](const std::string& Value) { return Destination.FindField(Trim(Value)) != nullptr; });
+    return 2 * Names > std::ssize(Values);
 }
 
 std::string KeyList(const std::vector<std::string>& Keys, const TColumnMap& Map, const TDataSet& Destination)

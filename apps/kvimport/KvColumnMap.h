@@ -46,6 +46,9 @@ TColumnMap MapByPosition(const std::vector<TSourceColumn>& Columns, const TDataS
 TColumnMap MapAsGiven(const std::vector<std::string>& Lines, const std::vector<TSourceColumn>& Columns,
                       const TDataSet& Destination);
 
+/// True when most of `Values` are names of fields: a line of them is a header.
+bool LooksLikeHeader(const std::vector<std::string>& Values, const TDataSet& Destination);
+
 /// The engine's list of key fields, as the destination spells them. Raises Exception for a name that is
 /// no field, and for a field that gets no column.
 std::string KeyList(const std::vector<std::string>& Keys, const TColumnMap& Map, const TDataSet& Destination);

@@ -19,11 +19,6 @@ void AddSeparator(CLI::App& Command, const std::string& Name, const std::string&
     AddChecked(Command, Name, "CHAR", Help, [&Target](const std::string& Text) { Target = ReadCharacter(Text); });
 }
 
-char ThousandSeparator(const TFormatOptions& Options)
-{
-    return Options.ThousandSeparator.value_or(Options.DecimalSeparator == ',' ? '.' : ',');
-}
-
 std::string ShortDateFormat(const TFormatOptions& Options)
 {
     const std::string Separator(1, Options.DateSeparator);
@@ -73,6 +68,11 @@ void AddCodePageOptions(CLI::App& Command, TFormatOptions& Options)
     Command.add_option("--legacy-code-page", Options.LegacyCodePage,
                        "Code page of values that are no UTF-8 although the text should be (default: windows-1252)")
         ->type_name("NAME");
+}
+
+char ThousandSeparator(const TFormatOptions& Options)
+{
+    return Options.ThousandSeparator.value_or(Options.DecimalSeparator == ',' ? '.' : ',');
 }
 
 void UseFormats(const TFormatOptions& Options)

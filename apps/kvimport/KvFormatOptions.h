@@ -33,6 +33,9 @@ struct TFormatOptions
 void AddFormatOptions(CLI::App& Command, TFormatOptions& Options); ///< --date-order, --date-separator, ...
 void AddCodePageOptions(CLI::App& Command, TFormatOptions& Options); ///< --code-page, --oem-code-page, ...
 
+/// The separator that is removed from numbers.
+char ThousandSeparator(const TFormatOptions& Options);
+
 /// Puts the process-wide settings in force. Raises EUsageError for an unknown code page or when the
 /// decimal and the thousand separator are the same.
 void UseFormats(const TFormatOptions& Options);

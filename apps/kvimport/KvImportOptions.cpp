@@ -98,7 +98,7 @@ std::string NameOfMode(TImportMode Mode)
 void AddImportOptions(CLI::App& Command, TImportOptions& Options)
 {
     Command.footer(ExtraHelp);
-    Command.add_option("source", Options.Source.FileName, "File to import; - is standard input")->required()->type_name("FILE");
+    Command.add_option("FILE", Options.Source.FileName, "File to import; - is standard input")->required()->type_name("");
     Command.add_option("--from", Options.Source.Kind, "Kind of the source, as kvimport formats lists them (default: told by the file's name)")
         ->type_name("KIND");
     Command.option_defaults()->group("Destination");

@@ -8,6 +8,7 @@
 #include "KvDisplayText.h"
 #include "KvExitStatus.h"
 #include "KvOptionText.h"
+#include "KvSeparatorCheck.h"
 #include "KvTerminalText.h"
 #include "Kvibase.h"
 
@@ -34,8 +35,12 @@ void TImportRun::Prepare()
     Report.Findings = Source->Findings();
     Destination = std::make_unique<TDestination>(Options.Destination);
     Report.Columns = MapColumns();
+    LookForHeader();
     SetUp(Source->Component());
     SetKeys();
+    if (!Options.Formats.ThousandSeparator)         // what nobody has asked for must fit
+        CheckThousandSeparators(*Source, Report.Columns, Destination->Table(), ThousandSeparator(Options.Formats),
+                                Options.Formats.DecimalSeparator);
 }
 
 TColumnMap TImportRun::MapColumns()
@@ -48,6 +53,17 @@ TColumnMap TImportRun::MapColumns()
     if (Columns.empty())
         throw Exception(Source->DisplayName() + " has no header line to find the columns by name");
     return MapByName(Columns, Destination->Table());
+}
+
+/// Imported as a record the header would be an error, or worse, none.
+void TImportRun::LookForHeader()
+{
+    if (Source->HasNames())
+        return;
+    const auto First = Source->FirstRows(1);
+    if (!First.Rows.empty() && LooksLikeHeader(First.Rows.front(), Destination->Table()))
+        Report.Findings.push_back("line " + First.Places.front() + " looks like a header; --first-row " +
+                                  std::to_string(std::stoi(First.Places.front()) + 1) + " skips it");
 }
 
 /// The engine wants the names without blanks and as mapped; a record is never looked for by fewer keys

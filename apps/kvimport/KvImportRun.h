@@ -30,6 +30,7 @@ public:
 
 private:
     TColumnMap MapColumns();
+    void LookForHeader();
     void SetKeys();
     void SetUp(TKvImportBaseComponent& Component);
     void RecordFailed(const Exception& Error, bool& Abort);

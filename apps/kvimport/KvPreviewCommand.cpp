@@ -36,7 +36,7 @@ void AddPreviewOptions(CLI::App& Command, TPreviewOptions& Options)
                    "  kvimport preview orders.csv\n"
                    "  kvimport preview orders.csv --first-row 1       line 1 is no header\n"
                    "  kvimport preview old.txt --fixed --columns ID=1-9,CITY=10-29 --charset msdos");
-    Command.add_option("source", Options.Source.FileName, "File to show; - is standard input")->required()->type_name("FILE");
+    Command.add_option("FILE", Options.Source.FileName, "File to show; - is standard input")->required()->type_name("");
     Command.add_option("--from", Options.Source.Kind, "Kind of the source, as kvimport formats lists them (default: told by the file's name)")
         ->type_name("KIND");
     AddChecked(Command, "--rows", "N", "Rows to show (default: 20)",
