@@ -1,13 +1,10 @@
 #include "Kvi2txt.h"
 
 #include <algorithm>
-#include <limits>
 
-#include "KvCodePage.h"
 #include "KvNumberText.h"
 #include "KvPublish.h"
 #include "KvText.h"
-#include "KvTextLines.h"
 #include "KvUserInterface.h"
 #include "Kvistat.h"
 
@@ -26,23 +23,14 @@ constexpr char MsgUnclosed[] = "begins a value that no text qualifier closes";
 
 constexpr std::size_t MaxLineSize = 9999;           // two positions share one number
 constexpr int PositionScale = 10000;
+constexpr std::size_t HeaderBytes = 64 << 10;       // hold line 1 of most files
 constexpr std::size_t PreviewBytes = 102400;
 constexpr int PreviewRows = 20;
 constexpr int PreviewRowFirstMax = 9;               // a later first row may lie beyond PreviewBytes
 constexpr std::size_t PollBytes = 4 << 20;          // between two looks at the Cancel button
 
-constexpr std::size_t WholeFile = std::numeric_limits<std::size_t>::max();
-
 constexpr std::string_view TextPrefix = "Text";
 constexpr std::string_view FieldPrefix = "Field";
-
-struct TByteOrderMark
-{
-    std::string_view Bytes;
-    std::string_view CodePage;
-};
-constexpr TByteOrderMark ByteOrderMarks[] = {
-    {"\xEF\xBB\xBF", "UTF-8"}, {"\xFF\xFE", "UTF-16LE"}, {"\xFE\xFF", "UTF-16BE"}};
 
 /// The positive number that `Text` is, else 0.
 std::size_t PositionOf(std::string_view Text)
@@ -193,7 +181,7 @@ bool TKvImportFromText::NotDefined(std::string& PropName)
 
 void TKvImportFromText::BeforeImport()
 {
-    Load(RowLast);
+    Load(RowLast, TKvTextFile::WholeFile);
 }
 
 void TKvImportFromText::AfterImport()
@@ -205,28 +193,36 @@ void TKvImportFromText::Unload()
 {
     FieldPositions.reset();
     Lines = {};
-    CurrentLine = FirstLine = Text = {};
-    Decoded = {};
-    File = {};
+    CurrentLine = FirstLine = {};
+    File.reset();
 }
 
-void TKvImportFromText::Load(int LastLine)
+void TKvImportFromText::Load(int LastLine, std::size_t MaxSize)
 {
     Unload();                                       // a run that an exception ended left its lines behind
     Columns.Clear();
     CurrentRow = 0;
     HeaderFields = 0;
     FFieldCounts = {};
-    ReadText();
-    CutLines(LastLine);
+    const auto Mark = Extensions.Contains(xtByteOrderMark) ? bmTellsEncoding : bmIsText;
+    File.emplace(SourceFileName, Mark, MaxSize, [this] { return KeepsRunning(); });
+    LoadLines(LastLine);
     if (Fixed)
         return;
-    FieldPositions.emplace(GetFieldDelimiterCustom(), GetTextQualifierCustom(),
-                           Extensions.Contains(xtDoubledQualifiers));
+    FieldPositions.emplace(FieldCutter());
     if (RowFirst > 1) {
         FieldPositions->Split(FirstLine);
         HeaderFields = FieldPositions->Count();
     }
+}
+
+/// For automatic mapping line 1 is enough: the run that follows reads the file anyway.
+void TKvImportFromText::LoadFirstLine()
+{
+    Load(1, HeaderBytes);
+    const bool MayGoOn = FirstLine.data() + FirstLine.size() == File->Text().data() + File->Text().size();
+    if (MayGoOn && !File->IsWhole())
+        Load(1, TKvTextFile::WholeFile);
 }
 
 bool TKvImportFromText::KeepsRunning() const
@@ -236,35 +232,7 @@ bool TKvImportFromText::KeepsRunning() const
     return !ProgressCanceled();
 }
 
-void TKvImportFromText::ReadText()
-{
-    File = ReadFileBytes(SourceFileName, WholeFile, [this] { return KeepsRunning(); });
-    Text = File.View();
-    if (Extensions.Contains(xtByteOrderMark))
-        DecodeText();
-}
-
-void TKvImportFromText::DecodeText()
-{
-    const auto Mark = std::ranges::find_if(
-        ByteOrderMarks, [this](const TByteOrderMark& Each) { return Text.starts_with(Each.Bytes); });
-    if (Mark == std::end(ByteOrderMarks))
-        return;
-    Text.remove_prefix(Mark->Bytes.size());
-    if (Mark->CodePage == AnsiCodePage())
-        return;
-    try {
-        Decoded = Utf8ToAnsi(CodePageToUtf8(Text, Mark->CodePage));
-    }
-    catch (const EConvertError&) {          // its message would show the whole text
-        throw EConvertError(FormatText("Cannot convert the text of file \"%s\" from %s to %s",
-                                       {SourceFileName, Mark->CodePage, AnsiCodePage()}));
-    }
-    Text = Decoded;
-    File = {};
-}
-
-void TKvImportFromText::CutLines(int LastLine)
+TKvTextLines TKvImportFromText::LineCutter(std::string_view Text) const
 {
     const char Qualifier = GetTextQualifierCustom();
     const bool Doubled = Extensions.Contains(xtDoubledQualifiers);
@@ -274,14 +242,24 @@ void TKvImportFromText::CutLines(int LastLine)
                            .Delimiter = GetFieldDelimiterCustom()};
     if (Doubled && (Fixed || Qualifier == '\0'))
         Rules.Qualifier = {};
-    TKvTextLines Cutter(Text, Rules);
+    return TKvTextLines(Text, Rules);
+}
+
+TKvTextFields TKvImportFromText::FieldCutter() const
+{
+    return TKvTextFields(GetFieldDelimiterCustom(), GetTextQualifierCustom(), Extensions.Contains(xtDoubledQualifiers));
+}
+
+void TKvImportFromText::LoadLines(int LastLine)
+{
+    auto Cutter = LineCutter(File->Text());
     if (LastLine == RowLastMax)
-        Lines.reserve(EstimateLines(Text, Rules.Separator));
+        Lines.reserve(EstimateLines(File->Text(), GetRecordSeparatorCustom()));
     const bool Complete = SelectLines(Cutter, RowFirst, LastLine, FirstLine, [this] { return KeepsRunning(); },
                                       [this](std::string_view Line) { Lines.push_back(Line); });
     if (!Complete)
         Lines.clear();                              // cancelled: nothing of the file is imported
-    else if (Cutter.Unclosed())
+    else if (Cutter.Unclosed() && File->IsWhole())
         throw Exception(FileAndLine(SourceFileName, Cutter.Number()) + MsgUnclosed);
 }
 
@@ -386,7 +364,7 @@ std::string_view TKvImportFromText::WithoutDelimiter(std::string_view Value) con
 
 void TKvImportFromText::DetectAutoMapping()
 {
-    Load(1);
+    LoadFirstLine();
     if (RowFirst > 1)
         Fixed ? MapHeaderBreaks() : MapHeaderFields();
     else
@@ -462,8 +440,8 @@ void LoadTextFile(bool IsPreview, std::string& FirstLine, TStrings& Lines, const
     Lines.Clear();
     FirstLine.clear();
     const bool ReadsStart = IsPreview && RowFirst <= PreviewRowFirstMax;
-    const auto File = ReadFileBytes(FileName, ReadsStart ? PreviewBytes : WholeFile);
-    TKvTextLines Cutter(File.View(), {.Separator = RecordSeparator, .Qualifier = TextQualifier});
+    const TKvTextFile File(FileName, bmIsText, ReadsStart ? PreviewBytes : TKvTextFile::WholeFile);
+    TKvTextLines Cutter(File.Text(), {.Separator = RecordSeparator, .Qualifier = TextQualifier});
     std::string_view Header;
     SelectLines(Cutter, RowFirst, IsPreview ? std::min(RowLast, PreviewRows) : RowLast, Header, {},
                 [&Lines](std::string_view Line) { Lines.Add(Line); });

@@ -9,9 +9,10 @@
 #include <string_view>
 #include <vector>
 
-#include "KvFile.h"
 #include "KvSet.h"
 #include "KvTextFields.h"
+#include "KvTextFile.h"
+#include "KvTextLines.h"
 #include "Kvibase.h"
 #include "KviSourceColumns.h"
 
@@ -77,6 +78,11 @@ public:
     const TKvITextFieldCounts& FieldCounts() const { return FFieldCounts; }
     std::string RecordPlace() const override;       ///< "line 18"
 
+    /// Cuts `Text`, which must outlive the result, into lines as a run does.
+    TKvTextLines LineCutter(std::string_view Text) const;
+    /// Cuts lines into values as a run does.
+    TKvTextFields FieldCutter() const;
+
     static std::string Extension() { return ".TXT"; }
     static std::string FillFileFilters();
 
@@ -101,12 +107,11 @@ private:
         bool NamesField = false;                    // a name that stands for nothing else
     };
 
-    void Load(int LastLine);
+    void Load(int LastLine, std::size_t MaxSize);
+    void LoadLines(int LastLine);
+    void LoadFirstLine();
     void Unload();
     bool KeepsRunning() const;                      // false: the user has cancelled
-    void ReadText();
-    void DecodeText();
-    void CutLines(int LastLine);
     void CheckLength(std::string_view Line, std::size_t Number) const;
     void CountFields();
     std::size_t LineNumber() const;
@@ -121,9 +126,7 @@ private:
     void MapFieldWidths();
 
     // One run, from BeforeImport to AfterImport.
-    TKvFileBytes File;
-    std::string Decoded;                            // the text of a file in another encoding
-    std::string_view Text;                          // of File or Decoded; all below view it
+    std::optional<TKvTextFile> File;                // all below view it
     std::string_view FirstLine;
     std::vector<std::string_view> Lines;            // those from RowFirst to RowLast
     std::optional<TKvTextFields> FieldPositions;    // of the current line; none for fixed lines

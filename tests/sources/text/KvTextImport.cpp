@@ -9,7 +9,7 @@
 
 namespace kv {
 
-TTextFile::TTextFile(std::string_view Text) : FName((std::filesystem::temp_directory_path() / "kvtextXXXXXX").string())
+TTemporaryFile::TTemporaryFile(std::string_view Text) : FName((std::filesystem::temp_directory_path() / "kvtextXXXXXX").string())
 {
     const int Descriptor = mkstemp(FName.data());
     EXPECT_GE(Descriptor, 0);
@@ -17,7 +17,7 @@ TTextFile::TTextFile(std::string_view Text) : FName((std::filesystem::temp_direc
     std::ofstream(FName, std::ios::binary) << Text;
 }
 
-TTextFile::~TTextFile()
+TTemporaryFile::~TTemporaryFile()
 {
     std::filesystem::remove(FName);
 }

@@ -11,13 +11,13 @@
 namespace kv {
 
 /// A file that lives as long as the object.
-class TTextFile
+class TTemporaryFile
 {
 public:
-    explicit TTextFile(std::string_view Text);
-    TTextFile(const TTextFile&) = delete;
-    TTextFile& operator=(const TTextFile&) = delete;
-    ~TTextFile();
+    explicit TTemporaryFile(std::string_view Text);
+    TTemporaryFile(const TTemporaryFile&) = delete;
+    TTemporaryFile& operator=(const TTemporaryFile&) = delete;
+    ~TTemporaryFile();
 
     const std::string& Name() const { return FName; }
 
@@ -50,7 +50,7 @@ public:
     TMemoryDataSet Destination;
 
 private:
-    TTextFile File;
+    TTemporaryFile File;
 };
 
 } // namespace kv

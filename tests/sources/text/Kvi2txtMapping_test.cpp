@@ -65,6 +65,14 @@ TEST(Kvi2txtMapping, AHeaderOver9999CharactersIsRefused)
     EXPECT_EQ(Import.RunAndFail(), "Line 1 of FILE is longer than 9999 characters");
 }
 
+TEST(Kvi2txtMapping, AHeaderMayBeLongerThanWhatIsReadAtFirst)
+{
+    TTextImport Import("A,\"" + std::string(200000, 'x') + "\",B\r\n1,2,3\r\n");
+    Import.RowFirst = 2;
+    Import.Extensions = {xtDoubledQualifiers, xtLongLines};
+    EXPECT_THAT(Import.DetectedMappings(), ElementsAre("A=Field1", "B=Field3"));
+}
+
 TEST(Kvi2txtMapping, FixedWithoutAHeaderMapsByTheWidthsOfTheFields)
 {
     TTextImport Import("\r\n");

@@ -25,7 +25,7 @@ struct TLoaded
 
 void Load(TLoaded& Loaded, std::string_view Text, bool IsPreview = false, int RowFirst = 1, int RowLast = RowLastMax)
 {
-    const TTextFile File(Text);
+    const TTemporaryFile File(Text);
     LoadTextFile(IsPreview, Loaded.FirstLine, Loaded.Lines, File.Name(), "\r\n", "\"", RowFirst, RowLast);
 }
 

@@ -1,0 +1,47 @@
+// KvTextFile - the text of a file.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <limits>
+#include <string>
+#include <string_view>
+
+#include "KvFile.h"
+
+namespace kv {
+
+/// What to make of a byte order mark at the start of a file.
+enum TKvByteOrderMark {
+    bmIsText,                                       ///< It is text like any other.
+    bmTellsEncoding                                 ///< It is no text; UTF-8 and UTF-16 become process text.
+};
+
+/// The text of a file, or its beginning, in memory.
+class TKvTextFile
+{
+public:
+    static constexpr std::size_t WholeFile = std::numeric_limits<std::size_t>::max();
+
+    /// Reads the first `MaxSize` bytes, of UTF-16 always all: half a character could not be converted.
+    /// `Continue` as ReadFileBytes has it. Raises EFileError, or EConvertError when the mark belies the
+    /// text or a character does not exist in the process's code page.
+    TKvTextFile(const std::string& FileName, TKvByteOrderMark Mark, std::size_t MaxSize = WholeFile,
+                const std::function<bool()>& Continue = {});
+    TKvTextFile(const TKvTextFile&) = delete;
+    TKvTextFile& operator=(const TKvTextFile&) = delete;
+
+    std::string_view Text() const { return FText; } ///< Views the object.
+    bool IsWhole() const { return FIsWhole; }       ///< False when the file may hold more.
+
+private:
+    void Read(const std::string& FileName, std::size_t MaxSize, const std::function<bool()>& Continue);
+    void Decode(const std::string& FileName, std::string_view CodePage);
+
+    TKvFileBytes Bytes;
+    std::string Decoded;                            // instead of Bytes, for another encoding
+    std::string_view FText;
+    bool FIsWhole = false;
+};
+
+} // namespace kv
