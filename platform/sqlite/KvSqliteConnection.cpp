@@ -130,6 +130,9 @@ void TSQLiteConnection::BeforeForeignSql()
 
 void TSQLiteConnection::Begin(TTransactionOwner NewOwner)
 {
+    // For a database that it cannot write SQLite begins as if it were asked to read.
+    if (!Settings.ReadOnly && sqlite3_db_readonly(Handle(), "main") == 1)
+        Fail("the database is read-only");
     // The right to write is taken at once: a transaction that reads first can find it gone for good.
     Execute(Settings.ReadOnly ? "BEGIN" : "BEGIN IMMEDIATE");
     Owner = NewOwner;

@@ -64,10 +64,10 @@ bool TSQLiteCursor::Eof()
     return Place == plEnd;
 }
 
-void TSQLiteCursor::MoveTo(const TSQLiteKey& NewKey)
+void TSQLiteCursor::MoveTo(TSQLiteKey& NewKey)
 {
     EndStatements();
-    CurrentKey = NewKey;
+    CurrentKey.swap(NewKey);
     KeyKnown = true;
     Place = HasKey() ? plRecord : plEnd;
 }
@@ -106,10 +106,9 @@ const TSQLiteKey& TSQLiteCursor::Key()
 
 void TSQLiteCursor::Release()
 {
-    if (!HasKey())
+    if (!Row || !HasKey())
         return;
-    if (Place == plRecord)
-        Key();
+    Key();
     EndStatements();
 }
 

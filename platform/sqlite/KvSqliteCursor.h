@@ -47,8 +47,9 @@ public:
     void First();
     void Next();                                    ///< Only when not Eof.
     bool Eof();
-    /// Makes the record with this key current, which exists; without a key none.
-    void MoveTo(const TSQLiteKey& Key);
+    /// Makes the record with this key current, which exists; without a key none. Takes the key and
+    /// leaves storage to be used again.
+    void MoveTo(TSQLiteKey& Key);
     /// The current record was deleted: the one after it becomes current.
     void Deleted();
 

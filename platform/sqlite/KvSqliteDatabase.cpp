@@ -9,6 +9,11 @@
 
 namespace kv {
 
+void StopSqliteMemoryCount()
+{
+    sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+}
+
 TSQLiteDatabase::TSQLiteDatabase(TComponent* Owner) : TComponent(Owner) {}
 
 TSQLiteDatabase::~TSQLiteDatabase()
@@ -16,7 +21,7 @@ TSQLiteDatabase::~TSQLiteDatabase()
     try {
         Close();
     }
-    catch (const Exception&) {                      // a last batch that cannot be committed: nobody is left to be told
+    catch (...) {                                   // a last batch that cannot be committed, and nobody left to tell
         FConnection->Rollback();
         Close();
     }

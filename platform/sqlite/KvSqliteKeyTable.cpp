@@ -49,7 +49,7 @@ std::string TSQLiteKeyTable::RowOf(const std::string& Prefix) const
     std::string Nulls = "0", Values, RecordKey;
     for (std::size_t I = 0; I < FColumns.size(); ++I) {
         const auto Name = Prefix + QuoteName(Table.Columns[static_cast<std::size_t>(FColumns[I])].Name);
-        Nulls += " | (" + Name + " IS NULL) << " + std::to_string(I);
+        Nulls += " | ((" + Name + " IS NULL) << " + std::to_string(I) + ")";
         Values += ", ifnull(" + Name + ", 0)";
     }
     for (const auto& Column : Table.Key)

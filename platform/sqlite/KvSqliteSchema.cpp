@@ -83,14 +83,11 @@ void TSchemaReader::ReadColumns()
         if (Hidden == hdOfVirtualTable)             // no SELECT * shows them either
             continue;
         const auto Declared = Select.Column(2).Bytes;
-        const auto Type = Strict ? ReadStrictType(Declared) : ReadDeclaredType(Declared);
         const auto Default = Select.Column(4);
         TSQLiteColumn Column;
         Column.Name = Select.Column(1).Bytes;
-        Column.Affinity = Type.Affinity;
+        Column.SetType(Strict ? ReadStrictType(Declared) : ReadDeclaredType(Declared));
         Column.Def.Name = Utf8ToAnsi(Column.Name);
-        Column.Def.DataType = Type.Field;
-        Column.Def.Size = Type.Size;
         Column.Def.ReadOnly = Table.IsView || Hidden == hdVirtual || Hidden == hdStored;
         Column.Def.Required = Select.Column(3).Integer != 0 && !Column.Def.ReadOnly;
         Column.Def.HasDefault = Default.Storage != ssNull && !SameText(Default.Bytes, "NULL");

@@ -13,15 +13,19 @@ std::string_view BytesOf(const void* Data, int Size)
 
 } // namespace
 
-TSQLiteStatement::TSQLiteStatement(TSQLiteConnection& Owner, std::string_view Sql, std::string_view About)
+TSQLiteStatement::TSQLiteStatement(TSQLiteConnection& Owner, std::string_view Sql, std::string_view About,
+                                   std::string_view* Rest)
     : Connection(&Owner), Subject(About)
 {
     sqlite3_stmt* Statement = nullptr;
+    const char* End = nullptr;
     const int Code = sqlite3_prepare_v3(Owner.Handle(), Sql.data(), static_cast<int>(Sql.size()),
-                                        SQLITE_PREPARE_PERSISTENT, &Statement, nullptr);
+                                        SQLITE_PREPARE_PERSISTENT, &Statement, &End);
     Handle.reset(Statement);
     if (Code != SQLITE_OK)
         RaiseError();
+    if (Rest)
+        *Rest = Sql.substr(static_cast<std::size_t>(End - Sql.data()));
 }
 
 bool TSQLiteStatement::Step()

@@ -20,8 +20,10 @@ class TSQLiteStatement
 public:
     TSQLiteStatement() = default;
     /// Every error is an EDatabaseError that begins with the file and `Subject`, if any: the table or
-    /// query that the statement is about.
-    TSQLiteStatement(TSQLiteConnection& Connection, std::string_view Sql, std::string_view Subject = {});
+    /// query that the statement is about. `Rest`, when given, gets what follows the first statement of
+    /// `Sql`, which is otherwise ignored. A text without a statement gives none.
+    TSQLiteStatement(TSQLiteConnection& Connection, std::string_view Sql, std::string_view Subject = {},
+                     std::string_view* Rest = nullptr);
 
     explicit operator bool() const { return Handle != nullptr; }
     sqlite3_stmt* Get() const { return Handle.get(); }

@@ -145,7 +145,7 @@ bool TSQLiteTable::InternalLocate(std::span<TField* const> Keys, std::span<const
     Cursor().MoveTo(FoundKey);
     Known.resize(std::max(Known.size(), Keys.size()));
     for (KnownCount = 0; KnownCount < Keys.size(); ++KnownCount) {
-        Known[KnownCount].Column = Keys[KnownCount]->Index();
+        Known[KnownCount].Column = static_cast<std::size_t>(Keys[KnownCount]->Index());
         Known[KnownCount].Value = Values[KnownCount];
     }
     return true;
@@ -175,11 +175,11 @@ void TSQLiteTable::InternalInsert(const TRecordBuffer& Written)
 
 void TSQLiteTable::InternalUpdate(const TRecordBuffer& Written)
 {
-    Changed.clear();
-    for (std::size_t I = 0; I < Written.Assigned.size(); ++I)
-        if (Written.Assigned[I] && !IsKnown(Written, static_cast<int>(I)))
-            Changed.push_back(static_cast<int>(I));
-    if (Changed.empty())
+    Changed = Written.Assigned;
+    for (std::size_t I = 0; I < KnownCount; ++I)
+        if (IsUnchanged(Known[I], Written))
+            Changed[Known[I].Column] = false;
+    if (std::ranges::count(Changed, false) == std::ssize(Changed))
         return;
     BeginChange();
     WrittenKey = Cursor().Key();
@@ -197,13 +197,10 @@ void TSQLiteTable::InternalDelete()
 }
 
 /// True when the record has that value already.
-bool TSQLiteTable::IsKnown(const TRecordBuffer& Written, int Column) const
+bool TSQLiteTable::IsUnchanged(const TKnownValue& Known, const TRecordBuffer& Written)
 {
-    const auto& Value = Written.Values[static_cast<std::size_t>(Column)];
-    for (std::size_t I = 0; I < KnownCount; ++I)
-        if (Known[I].Column == Column)
-            return Known[I].Value.Kind() == Value.Kind() && Known[I].Value == Value;
-    return false;
+    const auto& Value = Written.Values[Known.Column];
+    return Known.Value.Kind() == Value.Kind() && Known.Value == Value;
 }
 
 } // namespace kv

@@ -76,11 +76,11 @@ private:
     /// A field of the current record whose stored value is known without reading it.
     struct TKnownValue
     {
-        int Column;
+        std::size_t Column;
         TVariant Value;
     };
 
-    bool IsKnown(const TRecordBuffer& Written, int Column) const;
+    static bool IsUnchanged(const TKnownValue& Known, const TRecordBuffer& Written);
     void BeginChange();
     void EndChange();
 
@@ -89,7 +89,7 @@ private:
     std::unique_ptr<TSQLiteLookup> Lookup;
     std::vector<TKnownValue> Known;                 // what the last Locate has found
     std::size_t KnownCount = 0;                     // of Known; its entries are used again
-    std::vector<int> Changed;                       // columns that an update writes
+    decltype(TRecordBuffer::Assigned) Changed;      // columns that an update writes
     std::vector<TSQLiteOwnValue> FoundKey;          // of the record found ...
     std::vector<TSQLiteOwnValue> WrittenKey;        // ... or written last
 };

@@ -5,13 +5,14 @@
 #include <cmath>
 #include <optional>
 
-#include "KvCodePage.h"
 #include "KvException.h"
 #include "KvText.h"
 
 namespace kv {
 
 namespace {
+
+constexpr double CurrencyMax = 9e14;                // within 2^63 ten-thousandths
 
 [[noreturn]] void Refuse(const TSQLiteColumn& Column, const TVariant& Value, std::string_view Reason)
 {
@@ -31,7 +32,7 @@ TSQLiteValue EncodeCurrency(const TSQLiteColumn& Column, const TVariant& Value)
     if (Amount.Scaled % TCurrency::Scale == 0)
         return TSQLiteValue::OfInteger(Amount.Scaled / TCurrency::Scale);
     const double Real = Amount.ToDouble();
-    if (TCurrency::FromDouble(Real) != Amount)
+    if (std::fabs(Real) > CurrencyMax || TCurrency::FromDouble(Real) != Amount)
         Refuse(Column, Value, "it has more digits than SQLite keeps");
     return TSQLiteValue::OfReal(Real);
 }
@@ -111,11 +112,11 @@ TVariant DecodeText(TFieldType Type, std::string_view Text)
 
 TVariant DecodeInteger(TFieldType Type, std::int64_t Value)
 {
-    constexpr std::int64_t CurrencyMax = INT64_MAX / TCurrency::Scale;
+    constexpr std::int64_t WholeMax = INT64_MAX / TCurrency::Scale;
     constexpr std::int64_t ExactDouble = std::int64_t{1} << 53;
     if (Type == ftBoolean && (Value == 0 || Value == 1))
         return Value == 1;
-    if (Type == ftCurrency && Value <= CurrencyMax && Value >= -CurrencyMax)
+    if (Type == ftCurrency && Value <= WholeMax && Value >= -WholeMax)
         return TCurrency{Value * TCurrency::Scale};
     if (Type == ftFloat && Value <= ExactDouble && Value >= -ExactDouble)
         return static_cast<double>(Value);
@@ -126,7 +127,6 @@ TVariant DecodeInteger(TFieldType Type, std::int64_t Value)
 
 TVariant DecodeReal(TFieldType Type, double Value)
 {
-    constexpr double CurrencyMax = 9e14;            // within 2^63 ten-thousandths
     if (Type == ftCurrency && std::fabs(Value) <= CurrencyMax) {
         const auto Amount = TCurrency::FromDouble(Value);
         if (Amount.ToDouble() == Value)
@@ -137,7 +137,15 @@ TVariant DecodeReal(TFieldType Type, double Value)
 
 } // namespace
 
-TSQLiteValue EncodeValue(const TSQLiteColumn& Column, const TVariant& Value, TSQLiteScratch& Scratch)
+void TSQLiteColumn::SetType(const TSQLiteType& Type)
+{
+    Def.DataType = Type.Field;
+    Def.Size = Type.Size;
+    Affinity = Type.Affinity;
+    KeepsText = !IsNumericAffinity(Affinity) && !IsBinaryField(Type.Field);
+}
+
+TSQLiteValue EncodeOtherValue(const TSQLiteColumn& Column, const TVariant& Value, TSQLiteScratch& Scratch)
 {
     switch (Value.Kind()) {
     case vkEmpty:

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "KvCodePage.h"
 #include "KvDateText.h"
 #include "KvSqliteType.h"
 #include "KvVariant.h"
@@ -42,17 +43,21 @@ public:
     void Set(const TSQLiteValue& Value)
     {
         Head = Value;
-        Bytes.assign(Value.Bytes);
+        if (HasBytes())
+            Bytes.assign(Value.Bytes);
     }
     TSQLiteValue Get() const
     {
         auto Value = Head;
-        Value.Bytes = Bytes;
+        if (HasBytes())
+            Value.Bytes = Bytes;
         return Value;
     }
 
 private:
-    TSQLiteValue Head;
+    bool HasBytes() const { return Head.Storage >= ssText; }
+
+    TSQLiteValue Head;                              // its Bytes may view what is long gone
     std::string Bytes;
 };
 
@@ -65,6 +70,9 @@ struct TSQLiteColumn
     std::string Name;                               ///< As the database spells it, UTF-8.
     TFieldDef Def;                                  ///< As the dataset declares it.
     TSQLiteAffinity Affinity = saBlob;
+    bool KeepsText = false;                         ///< Stores text as it is: no number, no bytes.
+
+    void SetType(const TSQLiteType& Type);
 };
 
 /// Where the converted form of one value lives until the statement has run.
@@ -78,10 +86,24 @@ struct TSQLiteScratch
 /// as ISO 8601 text, booleans as 0 and 1, text as UTF-8.
 /// The result views `Value` and `Scratch`. Raises EConvertError when SQLite would not keep the value:
 /// not a number, digits beyond its precision, text that the column's affinity turns into a number.
-TSQLiteValue EncodeValue(const TSQLiteColumn& Column, const TVariant& Value, TSQLiteScratch& Scratch);
+inline TSQLiteValue EncodeValue(const TSQLiteColumn& Column, const TVariant& Value, TSQLiteScratch& Scratch);
 
 /// A stored value as the field type reads it; as what it is when it does not fit that type.
 /// Text in the process's code page, as a loan of `Stored` where it needs no conversion.
 TVariant DecodeValue(TFieldType Type, const TSQLiteValue& Stored);
+
+// --- What runs once per value -------------------------------------------------------------------------
+
+/// The kinds that need more than a look.
+TSQLiteValue EncodeOtherValue(const TSQLiteColumn& Column, const TVariant& Value, TSQLiteScratch& Scratch);
+
+inline TSQLiteValue EncodeValue(const TSQLiteColumn& Column, const TVariant& Value, TSQLiteScratch& Scratch)
+{
+    if (Value.IsString() && Column.KeepsText)
+        return TSQLiteValue::OfText(AnsiToUtf8(Value.Text(), Scratch.Utf8));
+    if (Value.Kind() == vkInteger)
+        return TSQLiteValue::OfInteger(Value.Integer());
+    return EncodeOtherValue(Column, Value, Scratch);
+}
 
 } // namespace kv

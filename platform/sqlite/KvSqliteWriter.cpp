@@ -47,30 +47,26 @@ void TSQLiteWriter::Insert(const TRecordBuffer& Record, TSQLiteKey& Key)
 {
     if (Table.IsView)
         Fail("records cannot be added to a view");
-    Assigned.clear();
-    for (std::size_t I = 0; I < Record.Assigned.size(); ++I)
-        if (Record.Assigned[I])
-            Assigned.push_back(static_cast<int>(I));
-    auto& Statement = Prepared(Inserts, Assigned, &TSQLiteWriter::InsertSql);
-    BindColumns(Statement, Record, Assigned);
-    Run(Statement, Record, Assigned, &Key);
+    auto& Write = Prepared(Inserts, Record.Assigned, &TSQLiteWriter::InsertSql);
+    BindColumns(Write, Record);
+    Run(Write.Statement, Record, Write.Columns, &Key);
     CheckChanged("a trigger has ignored the record");
     if (!Table.WithoutRowid && !Key.empty())
         Key.front().Set(TSQLiteValue::OfInteger(sqlite3_last_insert_rowid(Connection.Handle())));
-    else if (!ReturnsKey(Assigned))
-        TakeKey(Record, Assigned, Key);
+    else if (!ReturnsKey(Write.Columns))
+        TakeKey(Record, Write.Columns, Key);
 }
 
-void TSQLiteWriter::Update(const TRecordBuffer& Record, std::span<const int> Columns, TSQLiteKey& Key)
+void TSQLiteWriter::Update(const TRecordBuffer& Record, const TSQLiteColumnSet& Set, TSQLiteKey& Key)
 {
     if (Table.Key.empty())
         Fail("its records have no key and cannot be changed");
-    auto& Statement = Prepared(Updates, Columns, &TSQLiteWriter::UpdateSql);
-    BindColumns(Statement, Record, Columns);
-    BindKey(Statement, static_cast<int>(Columns.size()) + 1, Key);
-    Run(Statement, Record, Columns, nullptr);
+    auto& Write = Prepared(Updates, Set, &TSQLiteWriter::UpdateSql);
+    BindColumns(Write, Record);
+    BindKey(Write.Statement, static_cast<int>(Write.Columns.size()) + 1, Key);
+    Run(Write.Statement, Record, Write.Columns);
     CheckChanged("the record has been deleted, or a trigger has ignored the change");
-    TakeKey(Record, Columns, Key);
+    TakeKey(Record, Write.Columns, Key);
 }
 
 void TSQLiteWriter::Delete(const TSQLiteKey& Key)
@@ -81,25 +77,28 @@ void TSQLiteWriter::Delete(const TSQLiteKey& Key)
         DeleteOne = TSQLiteStatement(Connection, "DELETE FROM " + Table.QualifiedName() + " WHERE " + KeyCondition(Table, 1),
                                      Table.Title);
     BindKey(DeleteOne, 1, Key);
-    Run(DeleteOne, {}, {}, nullptr);
+    Run(DeleteOne, {}, {});
     CheckChanged("the record has been deleted already, or a trigger keeps it");
 }
 
 // --- Statements -------------------------------------------------------------------------------------
 
-TSQLiteStatement& TSQLiteWriter::Prepared(TWrites& Writes, std::span<const int> Columns, TMakeSql MakeSql)
+TSQLiteWriter::TWrite& TSQLiteWriter::Prepared(TWrites& Writes, const TSQLiteColumnSet& Set, TMakeSql MakeSql)
 {
-    const auto Found = std::ranges::find_if(
-        Writes, [Columns](const TWrite& Write) { return std::ranges::equal(Write.Columns, Columns); });
+    const auto Found = std::ranges::find(Writes, Set, &TWrite::Set);
     if (Found != Writes.end()) {
         std::rotate(Writes.begin(), Found, Found + 1);
-        return Writes.front().Statement;
+        return Writes.front();
     }
+    TColumns Columns;
+    for (std::size_t I = 0; I < Set.size(); ++I)
+        if (Set[I])
+            Columns.push_back(static_cast<int>(I));
     TSQLiteStatement Statement(Connection, (this->*MakeSql)(Columns), Table.Title);
     if (Writes.size() == MaxPrepared)
         Writes.pop_back();
-    Writes.insert(Writes.begin(), TWrite{{Columns.begin(), Columns.end()}, std::move(Statement)});
-    return Writes.front().Statement;
+    Writes.insert(Writes.begin(), TWrite{Set, std::move(Columns), std::move(Statement)});
+    return Writes.front();
 }
 
 /// A constraint declared ON CONFLICT IGNORE or REPLACE would drop records in silence; an explicit
@@ -109,7 +108,7 @@ std::string TSQLiteWriter::ConflictClause() const
     return Table.DeclaresConflicts ? " OR ABORT" : "";
 }
 
-std::string TSQLiteWriter::InsertSql(std::span<const int> Columns) const
+std::string TSQLiteWriter::InsertSql(const TColumns& Columns) const
 {
     auto Sql = "INSERT" + ConflictClause() + " INTO " + Table.QualifiedName();
     if (Columns.empty())
@@ -131,7 +130,7 @@ std::string TSQLiteWriter::InsertSql(std::span<const int> Columns) const
     return Sql;
 }
 
-std::string TSQLiteWriter::UpdateSql(std::span<const int> Columns) const
+std::string TSQLiteWriter::UpdateSql(const TColumns& Columns) const
 {
     std::string Sets;
     int Param = 0;
@@ -142,9 +141,9 @@ std::string TSQLiteWriter::UpdateSql(std::span<const int> Columns) const
 }
 
 /// A primary key that the record does not give whole has to be asked for.
-bool TSQLiteWriter::ReturnsKey(std::span<const int> Columns) const
+bool TSQLiteWriter::ReturnsKey(const TColumns& Columns) const
 {
-    return Table.WithoutRowid && std::ranges::any_of(Table.Key, [Columns](const TSQLiteKeyColumn& Key) {
+    return Table.WithoutRowid && std::ranges::any_of(Table.Key, [&Columns](const TSQLiteKeyColumn& Key) {
                return std::ranges::find(Columns, Key.Column) == Columns.end();
            });
 }
@@ -157,11 +156,11 @@ TSQLiteValue TSQLiteWriter::Encoded(const TRecordBuffer& Record, int Index)
     return EncodeValue(Table.Columns[I], Record.Values[I], Scratch[I]);
 }
 
-void TSQLiteWriter::BindColumns(TSQLiteStatement& Statement, const TRecordBuffer& Record, std::span<const int> Columns)
+void TSQLiteWriter::BindColumns(TWrite& Write, const TRecordBuffer& Record)
 {
     int Param = 0;
-    for (const int Index : Columns)
-        Statement.Bind(++Param, Encoded(Record, Index));
+    for (const int Index : Write.Columns)
+        Write.Statement.Bind(++Param, Encoded(Record, Index));
 }
 
 void TSQLiteWriter::BindKey(TSQLiteStatement& Statement, int FirstParam, const TSQLiteKey& Key)
@@ -194,7 +193,7 @@ void TSQLiteWriter::Run(TSQLiteStatement& Statement, const TRecordBuffer& Record
 }
 
 /// Follows the key columns that were written.
-void TSQLiteWriter::TakeKey(const TRecordBuffer& Record, std::span<const int> Columns, TSQLiteKey& Key)
+void TSQLiteWriter::TakeKey(const TRecordBuffer& Record, const TColumns& Columns, TSQLiteKey& Key)
 {
     for (std::size_t I = 0; I < Key.size(); ++I)
         if (const int Index = Table.Key[I].Column; std::ranges::find(Columns, Index) != Columns.end())

@@ -12,6 +12,9 @@
 
 namespace kv {
 
+/// For every column whether it is meant.
+using TSQLiteColumnSet = decltype(TRecordBuffer::Assigned);
+
 /// One statement for every set of columns that is written: the last ones stay prepared, so that a run
 /// which fills the same columns again and again prepares once and looks up nothing.
 /// A statement that fails is undone by SQLite alone and leaves the transaction as it was.
@@ -25,33 +28,36 @@ public:
     /// Adds a record from the columns of `Record` that are assigned; the database fills the others.
     /// Afterwards `Key` is that of the new record.
     void Insert(const TRecordBuffer& Record, TSQLiteKey& Key);
-    /// Writes `Columns` of `Record` to the record with `Key`, which follows when they belong to it.
-    void Update(const TRecordBuffer& Record, std::span<const int> Columns, TSQLiteKey& Key);
+    /// Writes the columns `Set` of `Record` to the record with `Key`, which follows when they belong to it.
+    void Update(const TRecordBuffer& Record, const TSQLiteColumnSet& Set, TSQLiteKey& Key);
     void Delete(const TSQLiteKey& Key);
 
 private:
+    using TColumns = std::vector<int>;
+
     /// A statement that writes certain columns.
     struct TWrite
     {
-        std::vector<int> Columns;
+        TSQLiteColumnSet Set;
+        TColumns Columns;                           // those of Set
         TSQLiteStatement Statement;
     };
     using TWrites = std::vector<TWrite>;            // the last used one at the front
 
-    using TMakeSql = std::string (TSQLiteWriter::*)(std::span<const int> Columns) const;
+    using TMakeSql = std::string (TSQLiteWriter::*)(const TColumns& Columns) const;
 
-    TSQLiteStatement& Prepared(TWrites& Writes, std::span<const int> Columns, TMakeSql MakeSql);
-    std::string InsertSql(std::span<const int> Columns) const;
-    std::string UpdateSql(std::span<const int> Columns) const;
+    TWrite& Prepared(TWrites& Writes, const TSQLiteColumnSet& Set, TMakeSql MakeSql);
+    std::string InsertSql(const TColumns& Columns) const;
+    std::string UpdateSql(const TColumns& Columns) const;
     std::string ConflictClause() const;
     const TSQLiteColumn& Column(int Index) const { return Table.Columns[static_cast<std::size_t>(Index)]; }
     TSQLiteValue Encoded(const TRecordBuffer& Record, int Index);
-    void BindColumns(TSQLiteStatement& Statement, const TRecordBuffer& Record, std::span<const int> Columns);
+    void BindColumns(TWrite& Write, const TRecordBuffer& Record);
     void BindKey(TSQLiteStatement& Statement, int FirstParam, const TSQLiteKey& Key);
     void Run(TSQLiteStatement& Statement, const TRecordBuffer& Record, std::span<const int> Columns,
-             TSQLiteKey* Returned);
-    void TakeKey(const TRecordBuffer& Record, std::span<const int> Columns, TSQLiteKey& Key);
-    bool ReturnsKey(std::span<const int> Columns) const;
+             TSQLiteKey* Returned = nullptr);
+    void TakeKey(const TRecordBuffer& Record, const TColumns& Columns, TSQLiteKey& Key);
+    bool ReturnsKey(const TColumns& Columns) const;
     void CheckChanged(std::string_view Otherwise) const;
     [[noreturn]] void Fail(std::string_view Text) const;
 
@@ -59,7 +65,6 @@ private:
     const TSQLiteTableSchema& Table;
     TWrites Inserts, Updates;
     TSQLiteStatement DeleteOne;
-    std::vector<int> Assigned;                      // columns of the record being inserted
     std::vector<TSQLiteScratch> Scratch;            // one a column
 };
 
