@@ -1,9 +1,11 @@
 #include "KvCommandLine.h"
 
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -12,6 +14,7 @@
 #include "KvFormatsCommand.h"
 #include "KvHelpFormatter.h"
 #include "KvImportCommand.h"
+#include "KvOptionText.h"
 #include "KvPreviewCommand.h"
 #include "KvTerminalText.h"
 
@@ -28,7 +31,6 @@ void SetUp(CLI::App& Program)
     Program.name("kvimport");
     Program.formatter(std::make_shared<THelpFormatter>());
     Program.set_version_flag("--version", "kvimport " KV_VERSION);
-    Program.require_subcommand(1);
     Program.failure_message(CLI::FailureMessage::simple);
     Program.footer("Examples:\n"
                    "  kvimport preview orders.csv\n"
@@ -43,6 +45,19 @@ int Explain(TExitStatus Status, const std::string& Message)
     if (Status == esUsage)
         std::cerr << "Run with --help for more information.\n";
     return Status;
+}
+
+/// The parser would only say that a command is missing, whatever stands in its place.
+void CheckCommand(const CLI::App& Program, int ArgumentCount, const char* const* Arguments)
+{
+    std::vector<std::string> Names;
+    for (const auto* const Command : Program.get_subcommands({}))
+        Names.push_back(Command->get_name());
+    if (ArgumentCount < 2)
+        throw EUsageError("a command is missing; there are " + JoinNames(Names));
+    const std::string Given = Arguments[1];
+    if (!Given.starts_with('-') && std::ranges::count(Names, Given) == 0)
+        throw EUsageError("'" + Given + "' is no command; there are " + JoinNames(Names));
 }
 
 /// Help and version are no errors, though they arrive as exceptions.
@@ -64,6 +79,7 @@ int RunCommandLine(int ArgumentCount, const char* const* Arguments)
     AddPreviewCommand(Program, Status);
     AddFormatsCommand(Program, Status);
     try {
+        CheckCommand(Program, ArgumentCount, Arguments);
         Program.parse(ArgumentCount, Arguments);
         return Status;
     }
