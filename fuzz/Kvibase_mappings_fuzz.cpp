@@ -32,9 +32,9 @@ protected:
     TVariant GetFieldValue(const TVariant& Source) override
     {
         static constexpr std::array<std::string_view, 4> Values = {"1", "Ada", "12/31/2002", ""};
-        const auto Name = Source.Text();
-        return Name.size() == 1 && Name[0] >= '0' && Name[0] <= '3'
-                   ? TVariant::Borrow(Values[static_cast<std::size_t>(Name[0] - '0')])
+        const auto Digit = Source.Text();
+        return Digit.size() == 1 && Digit[0] >= '0' && Digit[0] <= '3'
+                   ? TVariant::Borrow(Values[static_cast<std::size_t>(Digit[0] - '0')])
                    : Source;
     }
 
