@@ -39,6 +39,7 @@ const std::vector<TLayer>& Layers()
         {"design", {"platform/*", "engine", "sources/*", "wizard"}},
         {"apps/*", {"platform/*", "engine", "sources/*", "wizard", "design"}},
         {"examples", {"platform/*", "engine", "sources/*"}},
+        {"examples", {"platform/*", "engine", "sources/*"}},
     };
     return Table;
 }
