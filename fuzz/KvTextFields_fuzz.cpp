@@ -29,7 +29,8 @@ void CheckLine(std::string_view Line, char Delimiter, char Qualifier)
     for (std::size_t I = 0; I < Fields.Count(); ++I) {
         Require(Fields[I].Start + 1 == Expected[I].first && Fields[I].Stop == Expected[I].second);
         const auto Value = Fields.Value(I);
-        Require(Value.empty() || (Value.data() >= Line.data() && Value.data() + Value.size() <= Line.data() + Line.size()));
+        const char* const LineEnd = Line.data() + Line.size();
+        Require(Value.empty() || (Value.data() >= Line.data() && Value.data() + Value.size() <= LineEnd));
     }
 }
 

@@ -9,7 +9,8 @@
 
 namespace kv {
 
-TTemporaryFile::TTemporaryFile(std::string_view Text) : FName((std::filesystem::temp_directory_path() / "kvtextXXXXXX").string())
+TTemporaryFile::TTemporaryFile(std::string_view Text)
+    : FName((std::filesystem::temp_directory_path() / "kvtextXXXXXX").string())
 {
     const int Descriptor = mkstemp(FName.data());
     EXPECT_GE(Descriptor, 0);
