@@ -83,17 +83,21 @@ void ParseDateTime(TVariant& Value, const TKvIDataFormats& Formats)
         Value = *Point;
 }
 
-void ParseFor(TFieldType Type, TVariant& Value, const TKvIDataFormats& Formats)
+using TParse = void (*)(TVariant& Value, const TKvIDataFormats& Formats);
+
+/// How a value gets the kind of a field's type. None for texts and bytes, which stay as they are, and for
+/// integers, on which the field's assignment decides.
+TParse ParserFor(TFieldType Type)
 {
     switch (Type) {
-    case ftBoolean:  return ParseBoolean(Value, Formats);
+    case ftBoolean:  return ParseBoolean;
     case ftFloat:
     case ftCurrency:
-    case ftBCD:      return ParseFloat(Value, Formats);
+    case ftBCD:      return ParseFloat;
     case ftDate:
     case ftTime:
-    case ftDateTime: return ParseDateTime(Value, Formats);
-    default:         return;                        // integers too: the field's assignment decides on them
+    case ftDateTime: return ParseDateTime;
+    default:         return nullptr;
     }
 }
 
@@ -114,8 +118,8 @@ TVariant TKvImportBaseComponent::GetParsedValue(const TVariant& Source, int Fiel
     TVariant Value = GetFieldValue(Source);
     if (Value.IsBlank())
         Value = Null;
-    else if (FieldIndex >= 0)
-        ParseFor(FDataSet->Fields(FieldIndex).DataType(), Value, DataFormats);
+    else if (const auto Parse = FieldIndex >= 0 ? ParserFor(FDataSet->Fields(FieldIndex).DataType()) : nullptr)
+        Parse(Value, DataFormats);
     return Value;
 }
 

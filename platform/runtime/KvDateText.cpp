@@ -125,13 +125,15 @@ public:
 
     TDigits TakeDigits()
     {
-        constexpr int MaxCount = 9;
+        constexpr std::size_t MaxCount = 9;
         TDigits Result;
-        while (!Text.empty() && Text[0] >= '0' && Text[0] <= '9' && Result.Count < MaxCount) {
-            Result.Value = Result.Value * 10 + (Text[0] - '0');
+        for (const char Char : Text.substr(0, MaxCount)) {
+            if (Char < '0' || Char > '9')
+                break;
+            Result.Value = Result.Value * 10 + (Char - '0');
             ++Result.Count;
-            Text.remove_prefix(1);
         }
+        Text.remove_prefix(static_cast<std::size_t>(Result.Count));
         return Result;
     }
 

@@ -26,9 +26,9 @@ bool TakeSign(std::string_view& Text)
 }
 
 /// The whole of `Text` as a number, or nothing.
-template <class T> std::optional<T> FromChars(std::string_view Text)
+std::optional<double> FromChars(std::string_view Text)
 {
-    T Value;
+    double Value;
     const auto* const End = Text.data() + Text.size();
     const auto [Stop, Error] = std::from_chars(Text.data(), End, Value);
     if (Error != std::errc() || Stop != End)
@@ -36,13 +36,36 @@ template <class T> std::optional<T> FromChars(std::string_view Text)
     return Value;
 }
 
+/// A number without exponent and of so few digits that it takes one division, which rounds once.
+std::optional<double> ParseShortFloat(std::string_view Text)
+{
+    static constexpr double Powers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14};
+    constexpr std::size_t MaxSize = 15;             // digits of an integer that a double always holds
+    if (Text.size() > MaxSize)
+        return {};
+    std::int64_t Digits = 0;
+    std::size_t Period = Text.size();
+    for (std::size_t I = 0; I < Text.size(); ++I) {
+        if (IsDigit(Text[I]))
+            Digits = Digits * 10 + (Text[I] - '0');
+        else if (Text[I] == '.' && Period == Text.size())
+            Period = I;
+        else
+            return {};
+    }
+    const auto Decimals = Period == Text.size() ? 0 : Text.size() - Period - 1;
+    return static_cast<double>(Digits) / Powers[Decimals];
+}
+
 /// A number whose fraction follows a period.
 std::optional<double> ParseFloat(std::string_view Text)
 {
     const bool Negative = TakeSign(Text);
-    if (Text.empty() || !(IsDigit(Text[0]) || Text[0] == '.'))  // from_chars would take "inf" and a second sign
+    if (Text.empty() || Text == "." || !(IsDigit(Text[0]) || Text[0] == '.')) // nor "inf" and a second sign
         return {};
-    auto Value = FromChars<double>(Text);
+    auto Value = ParseShortFloat(Text);
+    if (!Value)
+        Value = FromChars(Text);
     if (Value && Negative)
         *Value = -*Value;
     return Value;
@@ -88,9 +111,16 @@ std::string ScientificForUsers(std::string_view Text)
 std::optional<std::int64_t> TryTextToInt(std::string_view Text)
 {
     Text = Trim(Text);
-    if (Text.size() > 1 && Text[0] == '+' && IsDigit(Text[1]))
-        Text.remove_prefix(1);
-    return FromChars<std::int64_t>(Text);
+    const bool Negative = TakeSign(Text);
+    if (Text.empty())
+        return {};
+    std::int64_t Value = 0;                         // negated
+    for (const char Char : Text)
+        if (!IsDigit(Char) || !AppendDigit(Value, Char - '0'))
+            return {};
+    if (!Negative && __builtin_sub_overflow(0, Value, &Value))
+        return {};
+    return Value;
 }
 
 std::int64_t TextToInt(std::string_view Text)

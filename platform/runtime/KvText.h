@@ -17,6 +17,14 @@ inline std::string_view Trim(std::string_view Text)
         Text.remove_suffix(1);
     return Text;
 }
+/// Nothing but characters up to 32.
+inline bool IsBlank(std::string_view Text)
+{
+    for (const char Char : Text)
+        if (static_cast<unsigned char>(Char) > ' ')
+            return false;
+    return true;
+}
 /// ASCII letters only, and the same bytes otherwise: text of any code page keeps its other letters.
 std::string UpperCase(std::string_view Text);
 bool SameText(std::string_view A, std::string_view B);  ///< Equal but for the case of ASCII letters.

@@ -106,9 +106,13 @@ public:
     }
     TVariant& operator=(TVariant&& Other) noexcept
     {
-        if (this != &Other) {
+        if (this == &Other)
+            return *this;
+        if (OwnsMemory()) {
             TVariant Old;                           // dies last: Other may be an element of this array
             Old.TakeFrom(*this);
+            TakeFrom(Other);
+        } else {
             TakeFrom(Other);
         }
         return *this;
@@ -154,7 +158,7 @@ public:
     /// True when the text form holds nothing but blanks (characters up to 32).
     bool IsBlank() const noexcept
     {
-        return FKind == vkString ? Trim(Text()).empty() : FKind <= vkNull;
+        return FKind == vkString ? kv::IsBlank(Text()) : FKind <= vkNull;
     }
 
     // Arrays. An index outside the bounds raises EConvertError "Variant array index out of bounds".

@@ -4,6 +4,7 @@
 
 #include <bit>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <random>
 #include <string>
@@ -87,6 +88,20 @@ TEST_F(KvNumberText, ReadsNumbersOfAnyLength)
 {
     EXPECT_EQ(TryTextToFloat("1." + std::string(1000, '0')), 1.0);
     EXPECT_EQ(TryTextToFloat("0." + std::string(1000, '0') + "1e1001"), 1.0);
+}
+
+TEST_F(KvNumberText, NumbersOfAnyLengthAreTheNearestDoubles)
+{
+    std::mt19937 Random(1);
+    for (int Round = 0; Round < 100000; ++Round) {
+        std::string Text(1 + Random() % 20, '0');
+        for (auto& Digit : Text)
+            Digit = static_cast<char>('0' + Random() % 10);
+        Text[Random() % Text.size()] = Random() % 2 ? '.' : '7';
+        if (Text == ".")
+            continue;
+        ASSERT_EQ(TryTextToFloat(Text), std::strtod(Text.c_str(), nullptr)) << Text;
+    }
 }
 
 TEST_F(KvNumberTextGerman, FractionFollowsTheDecimalSeparator)
