@@ -1,5 +1,7 @@
 #include "KvSqliteCursor.h"
 
+#include <utility>
+
 #include "KvSqliteConnection.h"
 
 namespace kv {
@@ -45,17 +47,18 @@ TSQLiteCursor::TSQLiteCursor(TSQLiteConnection& Owner, const TSQLiteRowSource& R
 
 void TSQLiteCursor::First()
 {
-    EndStatements();
+    EndScan();
     Place = plBeforeFirst;
 }
 
 void TSQLiteCursor::Next()
 {
-    if (Row && Row == Scan)
-        return StepScan();
-    Key();                                          // from which it goes on
-    EndStatements();
-    Place = plAfterKey;
+    if (Scan) {
+        Place = plEnd;                              // where an error leaves it
+        StepScan();
+    }
+    else
+        Place = plAfterKey;
 }
 
 bool TSQLiteCursor::Eof()
@@ -66,7 +69,7 @@ bool TSQLiteCursor::Eof()
 
 void TSQLiteCursor::MoveTo(TSQLiteKey& NewKey)
 {
-    EndStatements();
+    EndScan();
     CurrentKey.swap(NewKey);
     KeyKnown = true;
     Place = HasKey() ? plRecord : plEnd;
@@ -83,22 +86,19 @@ TSQLiteValue TSQLiteCursor::Value(int Column)
     Resolve();
     if (Place != plRecord)
         return {};
-    if (!Row) {
-        Prepare(Fetch, " WHERE " + KeyCondition(Source, 1));
-        Bind(Fetch, CurrentKey);
-        if (!Fetch.Step())
-            return {};
-        Row = &Fetch;
-    }
-    return Row->Column(static_cast<int>(Source.Key.size()) + Column);
+    if (Scan)
+        return Scan->Column(static_cast<int>(Source.Key.size()) + Column);
+    if (!IsFetched)
+        FetchRecord();
+    return Fetched[static_cast<std::size_t>(Column)].Get();
 }
 
 const TSQLiteKey& TSQLiteCursor::Key()
 {
     Resolve();
-    if (!KeyKnown && Row) {
+    if (!KeyKnown && Scan) {
         for (std::size_t I = 0; I < CurrentKey.size(); ++I)
-            CurrentKey[I].Set(Row->Column(static_cast<int>(I)));
+            CurrentKey[I].Set(Scan->Column(static_cast<int>(I)));
         KeyKnown = true;
     }
     return CurrentKey;
@@ -106,19 +106,19 @@ const TSQLiteKey& TSQLiteCursor::Key()
 
 void TSQLiteCursor::Release()
 {
-    if (!Row || !HasKey())
+    if (!HasKey())
         return;
-    Key();
-    EndStatements();
+    if (Scan)
+        Key();
+    EndScan();
 }
 
-void TSQLiteCursor::EndStatements()
+void TSQLiteCursor::EndScan()
 {
     if (Scan)
         Scan->Reset();
-    if (Row && Row != Scan)
-        Row->Reset();
-    Scan = Row = nullptr;
+    Scan = nullptr;
+    IsFetched = false;
 }
 
 /// Reads the record that First, Next or Deleted asked for.
@@ -141,12 +141,24 @@ void TSQLiteCursor::Resolve()
 
 void TSQLiteCursor::StepScan()
 {
-    KeyKnown = false;
-    const bool Found = Scan->Step();
-    Place = Found ? plRecord : plEnd;
-    if (!Found)
-        Scan = nullptr;
-    Row = Scan;
+    KeyKnown = IsFetched = false;
+    auto* const Stepped = std::exchange(Scan, nullptr); // none when it raises
+    if (Stepped->Step())
+        Scan = Stepped;
+    Place = Scan ? plRecord : plEnd;
+}
+
+/// Copies the record, so that no statement stays open for it. A record that has vanished reads as null.
+void TSQLiteCursor::FetchRecord()
+{
+    Prepare(Fetch, " WHERE " + KeyCondition(Source, 1));
+    Bind(Fetch, CurrentKey);
+    const bool Found = Fetch.Step();
+    Fetched.resize(Source.Columns.size());
+    for (std::size_t I = 0; I < Fetched.size(); ++I)
+        Fetched[I].Set(Found ? Fetch.Column(static_cast<int>(Source.Key.size() + I)) : TSQLiteValue{});
+    Fetch.Reset();
+    IsFetched = true;
 }
 
 void TSQLiteCursor::Prepare(TSQLiteStatement& Statement, const std::string& Condition)

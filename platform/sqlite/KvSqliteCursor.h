@@ -35,9 +35,10 @@ std::string KeyOrder(const TSQLiteRowSource& Source);
 /// "KEY1 COLLATE ... = ?N AND ...": one record; its parameters count from `FirstParam`.
 std::string KeyCondition(const TSQLiteRowSource& Source, int FirstParam);
 
-/// The records run in the order of the key. Nothing is read before it is asked for, and no statement
-/// stays open longer than reading goes on: a cursor with a key finds its place again by it.
-/// Without a key a statement runs from First to the end, and only what it reads can be current.
+/// The records run in the order of the key. Nothing is read before it is asked for. Reading one record
+/// after the other keeps a statement open, and with it a lock that others cannot write through, until
+/// the last record or Release; a cursor with a key finds its place again by it. Without a key the
+/// statement runs from First to the end, and only what it reads can be current.
 class TSQLiteCursor
 {
 public:
@@ -59,7 +60,7 @@ public:
     /// Identifies the current record; empty without a key.
     const TSQLiteKey& Key();
 
-    void Release();                                 ///< Ends open statements but for one without a key.
+    void Release();                                 ///< Ends the open statement unless there is no key.
 
 private:
     enum TPlace {
@@ -73,7 +74,8 @@ private:
     void Prepare(TSQLiteStatement& Statement, const std::string& Condition);
     void Bind(TSQLiteStatement& Statement, const TSQLiteKey& Values);
     void StepScan();
-    void EndStatements();
+    void FetchRecord();
+    void EndScan();
     bool HasKey() const { return !Source.Key.empty(); }
 
     TSQLiteConnection& Connection;
@@ -81,12 +83,13 @@ private:
     TSQLiteStatement ScanAll;                       // all records in order
     TSQLiteStatement ScanAfter;                     // those after a key
     TSQLiteStatement Fetch;                         // the one with a key
-    TSQLiteStatement* Scan = nullptr;               // which of the first two is open ...
-    TSQLiteStatement* Row = nullptr;                // ... and which of the three stands on the current record
+    TSQLiteStatement* Scan = nullptr;               // the one of the first two that stands on the current record
     TPlace Place = plEnd;
     TSQLiteKey CurrentKey;                          // of the current record ...
-    bool KeyKnown = false;                          // ... unless it is still to be read from Row
+    bool KeyKnown = false;                          // ... unless it is still to be read from Scan
     TSQLiteKey SeekKey;                             // what ScanAfter is bound to
+    std::vector<TSQLiteOwnValue> Fetched;           // the current record ...
+    bool IsFetched = false;                         // ... when it was read through Fetch
 };
 
 } // namespace kv

@@ -59,9 +59,9 @@ TSQLiteValue TSQLiteStatement::Column(int Index) const
 
 void TSQLiteStatement::RaiseError()
 {
-    const auto Text = Connection->ErrorText();
     if (Handle)
-        Reset();
+        Reset();                                    // keeps the error
+    const auto Text = Connection->ErrorText();
     Connection->Fail(Subject.empty() ? Text : Subject + ": " + Text);
 }
 

@@ -181,15 +181,11 @@ void TSQLiteWriter::Run(TSQLiteStatement& Statement, const TRecordBuffer& Record
             (*Returned)[I].Set(Statement.Column(static_cast<int>(I)));
         Code = Statement.TryStep();
     }
-    if (Code == SQLITE_DONE) {
-        Statement.Reset();
-        if (Savepoint)
-            Savepoint->Keep();
-        return;
-    }
-    auto Reason = Connection.ErrorText();
-    Statement.Reset();
-    Fail(DescribeRefusal(Connection, Table, std::move(Reason), Record, Columns));
+    Statement.Reset();                              // keeps the error
+    if (Code != SQLITE_DONE)
+        Fail(DescribeRefusal(Connection, Table, Connection.ErrorText(), Record, Columns));
+    if (Savepoint)
+        Savepoint->Keep();
 }
 
 /// Follows the key columns that were written.

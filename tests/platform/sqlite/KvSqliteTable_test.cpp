@@ -1,0 +1,96 @@
+#include "KvSqliteTable.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "KvProperties.h"
+#include "KvSqliteDatabase.h"
+#include "KvSqliteTestTable.h"
+
+namespace kv {
+
+namespace {
+
+TEST(KvSqliteTable, PublishesWhatIdentifiesIt)
+{
+    TTestTable Open;
+    EXPECT_EQ(GetPropValue(Open.Table, "TableName").ToText(), "orders");
+    EXPECT_EQ(GetPropValue(Open.Table, "DatabaseName").ToText(), Open.File.FileName());
+    EXPECT_EQ(GetPropValue(Open.Table, "IndexFieldName").ToText(), "id");
+    EXPECT_THROW(SetPropValue(Open.Table, "IndexFieldName", "name"), EPropertyError);
+    TSQLiteTable Other;
+    SetPropValue(Other, "DatabaseName", Open.File.FileName());
+    SetPropValue(Other, "TableName", "orders");
+    SetPropValue(Other, "CommitEvery", 5);
+    Other.Open();
+    EXPECT_EQ(Other.FieldCount(), 3);
+    EXPECT_EQ(Other.CommitEvery, 5);
+}
+
+TEST(KvSqliteTable, NeedsANameOfATable)
+{
+    TTestFile File;
+    TSQLiteTable Table;
+    Table.DatabaseName = File.FileName();
+    EXPECT_EQ(MessageOf(File.FileName(), [&] { Table.Open(); }), "Property TableName wasn't specified.");
+    EXPECT_FALSE(Table.Active());
+}
+
+TEST(KvSqliteTable, MessagesNameFileAndTable)
+{
+    TTestTable Open;
+    EXPECT_EQ(Open.MessageOf([&] { Open.Table.FieldByName("nothing"); }), "orders: field 'nothing' not found");
+}
+
+TEST(KvSqliteTable, MayBeOpenedAgainAndElsewhere)
+{
+    TTestTable Open;
+    TTestFile Other("CREATE TABLE people (name TEXT)");
+    AppendRecord(Open.Table, {{"name", "Ada"}});
+    Open.Table.Close();
+    Open.Table.Close();
+    Open.Table.Open();
+    EXPECT_EQ(AllOf(Open.Table, "name"), TTexts{"Ada"});
+    Open.Table.Close();
+    Open.Table.DatabaseName = Other.FileName();
+    Open.Table.TableName = "people";
+    Open.Table.Open();
+    EXPECT_EQ(Open.Table.FieldCount(), 1);
+    EXPECT_TRUE(Open.Table.Eof());
+}
+
+TEST(KvSqliteTable, OpensAgainAfterAFailure)
+{
+    TTestTable Open;
+    Open.Table.Close();
+    Open.Table.TableName = "nothing";
+    EXPECT_THROW(Open.Table.Open(), EDatabaseError);
+    Open.Table.TableName = "orders";
+    Open.Table.Open();
+    EXPECT_EQ(Open.Table.RecordCount(), 0);
+}
+
+TEST(KvSqliteTable, TransactionsNeedAnOpenTable)
+{
+    TTestTable Open;
+    Open.Table.Close();
+    EXPECT_THROW(Open.Table.StartTransaction(), EDatabaseError);
+}
+
+TEST(KvSqliteTable, StoredValuesThatDoNotFitReadAsTheyAre)
+{
+    TTestTable Open("CREATE TABLE orders (id INTEGER PRIMARY KEY, qty INTEGER, day DATE, name TEXT);"
+                    "INSERT INTO orders VALUES (1, 'abc', 'tomorrow', x'FF00'), (2, 1.5, 2460000.5, 'x')");
+    Open.Table.First();
+    EXPECT_EQ(Open.Table.FieldByName("qty").Value(), TVariant("abc"));
+    EXPECT_EQ(Open.Table.FieldByName("day").Value(), TVariant("tomorrow"));
+    EXPECT_EQ(Open.Table.FieldByName("name").AsString(), std::string("\xFF\0", 2));
+    Open.Table.Next();
+    EXPECT_EQ(Open.Table.FieldByName("qty").Value(), TVariant(1.5));
+    EXPECT_EQ(Open.Table.FieldByName("day").Value(), TVariant(2460000.5));
+}
+
+} // namespace
+
+} // namespace kv
