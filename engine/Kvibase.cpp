@@ -76,11 +76,7 @@ TKvImportBaseComponent::TKvImportBaseComponent(TComponent* Owner, TTableTypeImpo
 {
 }
 
-TKvImportBaseComponent::~TKvImportBaseComponent()
-{
-    if (FDataSet)
-        FDataSet->RemoveFreeNotification(*this);
-}
+TKvImportBaseComponent::~TKvImportBaseComponent() = default;
 
 TPublishedProperties TKvImportBaseComponent::PublishedProperties() const
 {
@@ -165,8 +161,6 @@ void TKvImportBaseComponent::SetDataSet(TDataSet* Value)
 {
     // Assigning a destination never changes DatasetKeys: the key list of the dataset would replace
     // them only where both are equal already.
-    if (FDataSet && FDataSet != Value)
-        FDataSet->RemoveFreeNotification(*this);
     FDataSet = Value;
     if (Value)
         Value->FreeNotification(*this);

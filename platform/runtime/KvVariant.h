@@ -86,7 +86,14 @@ public:
     /// Copying the variant makes a text of its own; moving it keeps the loan.
     static TVariant Borrow(std::string_view Text) noexcept
     {
-        TVariant Result(vkString, TLongText{Text.data(), Text.size(), 0});
+        // Member by member: copying a TLongText that was just made would read its bytes wider than they
+        // were written, which processors answer with a stall.
+        TVariant Result;
+        const std::size_t NoCapacity = 0;
+        Result.StoreAt(offsetof(TLongText, Data), Text.data());
+        Result.StoreAt(offsetof(TLongText, Size), Text.size());
+        Result.StoreAt(offsetof(TLongText, Capacity), NoCapacity);
+        Result.FKind = vkString;
         Result.FShortSize = LoanMark;
         return Result;
     }
@@ -188,7 +195,11 @@ private:
     {
         Store(Value);
     }
-    template <class T> void Store(const T& Value) noexcept { std::memcpy(FBytes, &Value, sizeof Value); }
+    template <class T> void StoreAt(std::size_t Offset, const T& Value) noexcept
+    {
+        std::memcpy(FBytes + Offset, &Value, sizeof Value);
+    }
+    template <class T> void Store(const T& Value) noexcept { StoreAt(0, Value); }
     template <class T> T Load() const noexcept
     {
         T Value;

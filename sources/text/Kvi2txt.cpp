@@ -162,9 +162,9 @@ TPublishedProperties TKvImportFromText::PublishedProperties() const
 
 std::string TKvImportFromText::FillFileFilters()
 {
-    return "Text file (*.txt)|*.TXT|Comma-delimited file (*.csv)|*.CSV|Data file (*.dat)|*.DAT|"
-           "Text file (*.prn)|*.PRN|Tabular file (*.tab)|*.TAB|ASCII file (*.asc)|*.ASC|" +
-           TKvImportBaseComponent::FillFileFilters();
+    return TKvImportBaseComponent::FillFileFilters() +
+           "|Text file (*.txt)|*.TXT|Comma-delimited file (*.csv)|*.CSV|Data file (*.dat)|*.DAT|"
+           "Text file (*.prn)|*.PRN|Tabular file (*.tab)|*.TAB|ASCII file (*.asc)|*.ASC|";
 }
 
 bool TKvImportFromText::NotDefined(std::string& PropName)

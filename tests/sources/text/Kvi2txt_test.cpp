@@ -67,12 +67,12 @@ TEST(Kvi2txt, PublishedPairsStayInStep)
     EXPECT_EQ(Import.Extensions, (TKvITextExtensions{xtLongLines, xtByteOrderMark}));
 }
 
-TEST(Kvi2txt, OffersTextFilesAheadOfAllFiles)
+TEST(Kvi2txt, OffersTextFilesAfterAllFiles)
 {
     EXPECT_EQ(TKvImportFromText::Extension(), ".TXT");
     EXPECT_EQ(TKvImportFromText::FillFileFilters(),
-              "Text file (*.txt)|*.TXT|Comma-delimited file (*.csv)|*.CSV|Data file (*.dat)|*.DAT|"
-              "Text file (*.prn)|*.PRN|Tabular file (*.tab)|*.TAB|ASCII file (*.asc)|*.ASC|All files (*.*)|*.*");
+              "All files (*.*)|*.*|Text file (*.txt)|*.TXT|Comma-delimited file (*.csv)|*.CSV|"
+              "Data file (*.dat)|*.DAT|Text file (*.prn)|*.PRN|Tabular file (*.tab)|*.TAB|ASCII file (*.asc)|*.ASC|");
 }
 
 TEST(Kvi2txt, RefusesToRunWithoutADestinationOrAFile)
