@@ -326,6 +326,18 @@ TEST_F(KvibaseRun, LargeIntegersPassAsText)
                                        "7;currency"));
 }
 
+TEST_F(KvibaseRun, LargeIntegersTakeNoValueWhoseTextIsNoInteger)
+{
+    Table.SetFieldDefs({{.Name = "ID", .DataType = ftLargeint}, {.Name = "QTY", .DataType = ftInteger}});
+    Table.Open();
+    Import.SetMappings({"ID=Field1", "QTY=Field2"});
+    Import.Rows = {{5, true}, {true, 5}};
+    NoteEvents();
+    Execute();
+    EXPECT_THAT(Log.Of("OnErrorEvent"), ElementsAre("OnErrorEvent 'True' is not a valid integer value for field 'ID'"));
+    EXPECT_THAT(Records(), ElementsAre("5;1"));
+}
+
 // --- Errors of a record -----------------------------------------------------------------------------
 
 TEST_F(KvibaseRun, FailedPostWithoutAHandlerStaysCountedAsAdded)
