@@ -195,6 +195,10 @@ function(kv_add_fuzzer Unit)
     endif()
     set(Target "${Unit}_fuzz")
     add_executable(${Target} ${Unit}_fuzz.cpp)
+    if(NOT TARGET fuzzers)
+        add_custom_target(fuzzers)                  # all of them, without the programs
+    endif()
+    add_dependencies(fuzzers ${Target})
     target_link_libraries(${Target} PRIVATE ${Arg_LINK})
     kv_configure_target(${Target})
 
