@@ -83,7 +83,7 @@ void PrintFigures(std::ostream& Out, const TImportFigures& Figures)
         Titles += PadToWidth(Each.Title, Width, true);
         Values += PadToWidth(Value, Width, true);
     }
-    Out << Titles << '\n' << Values << '\n';
+    Out << '\n' << Titles << '\n' << Values << '\n';
 }
 
 /// What the records that were kept did to the table.

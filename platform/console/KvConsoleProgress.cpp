@@ -54,8 +54,8 @@ std::string Percent(const TConsoleProgress& Progress)
 std::string Counted(const TConsoleProgress& Progress)
 {
     auto Result = GroupDigits(Progress.Position);
-    if (IsSizeKnown(Progress))
-        Result += " of " + GroupDigits(Progress.Max);
+    if (IsSizeKnown(Progress))                      // an expectation, which the work may exceed
+        Result += " of " + GroupDigits(std::max(Progress.Max, Progress.Position));
     return Result;
 }
 
