@@ -48,6 +48,7 @@ TSQLiteConnection::TSQLiteConnection(const TSQLiteDatabase& Wanted) : Settings(W
 void TSQLiteConnection::Configure()
 {
     sqlite3_busy_handler(Handle(), &WaitForLock, this);
+    sqlite3_rollback_hook(Handle(), &TellRolledBack, this);
     if (Settings.CacheSize > 0)
         Execute("PRAGMA cache_size = -" + std::to_string(Settings.CacheSize));
     Execute("SELECT 1 FROM sqlite_schema LIMIT 1"); // opening alone does not look into the file
@@ -105,7 +106,6 @@ std::string TSQLiteConnection::LossAfterFailure()
     Lost = Owner == toProgram;                      // until the program ends it; a batch is just gone
     if (!Lost)
         Owner = toNobody;
-    TellRolledBack();
     return "; the transaction was rolled back and its " + CountOf(Changes, "change") + " are lost";
 }
 
@@ -181,7 +181,6 @@ void TSQLiteConnection::Rollback()
 {
     if (!TryEnd("ROLLBACK"))
         Fail(ErrorText());
-    TellRolledBack();
 }
 
 void TSQLiteConnection::CommitBatch()
@@ -221,10 +220,14 @@ void TSQLiteConnection::ReleaseCursors()
         DataSet->ReleaseCursor();
 }
 
-void TSQLiteConnection::TellRolledBack()
+/// Called by SQLite for every rollback, also that of a single statement outside a transaction, which
+/// takes nothing with it that anybody prepared before.
+void TSQLiteConnection::TellRolledBack(void* Self)
 {
-    for (auto* const DataSet : FDataSets)
-        DataSet->TransactionRolledBack();
+    const auto& Connection = *static_cast<TSQLiteConnection*>(Self);
+    if (Connection.InTransaction())
+        for (auto* const DataSet : Connection.FDataSets)
+            DataSet->TransactionRolledBack();
 }
 
 // --- Datasets ---------------------------------------------------------------------------------------

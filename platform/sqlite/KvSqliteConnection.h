@@ -71,13 +71,13 @@ private:
 
     static int WaitForLock(void* Self, int Tries);
     bool WaitForLock(int Tries);
+    static void TellRolledBack(void* Self);
     void Configure();
     void Begin(TTransactionOwner NewOwner);
     bool TryEnd(const char* Sql);
     void CheckNotLost();
     std::string LossAfterFailure();
     void ReleaseCursors();
-    void TellRolledBack();
 
     const TSQLiteDatabase& Settings;
     std::string FFileName;

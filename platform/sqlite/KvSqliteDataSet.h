@@ -44,9 +44,10 @@ protected:
     bool InternalLocate(std::span<TField* const> Keys, std::span<const TVariant> Values,
                         TLocateOptions Options) override;
 
-    /// Gives up open read statements, and with them their lock, but not the current record.
-    void ReleaseCursor();
-    /// Everything since the transaction began is undone, temporary tables too.
+    /// Gives up an open read statement, and with it its lock, but not the current record.
+    virtual void ReleaseCursor();
+    /// Everything since the transaction began is undone, temporary tables too. Called from within
+    /// SQLite: no time to ask it anything.
     virtual void TransactionRolledBack() {}
 
     /// The database that is used while the dataset is open: the shared one or its own.

@@ -29,6 +29,9 @@ TSQLiteKeyTable::~TSQLiteKeyTable()
 
 void TSQLiteKeyTable::Create()
 {
+    // Rows come in any order: with the 2 MB that SQLite takes by itself an appending run needs a third more.
+    constexpr int CacheSize = 8000;                 // KiB, for all temporary tables of the connection
+    Connection.Execute("PRAGMA temp.cache_size = -" + std::to_string(CacheSize));
     std::string Columns = "nulls INTEGER", Names = "nulls";
     const auto Add = [&](const std::string& Name, TSQLiteAffinity Affinity) {
         Columns += ", " + Name + " " + std::string(AffinityWord(Affinity));

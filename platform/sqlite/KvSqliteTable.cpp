@@ -107,7 +107,12 @@ void TSQLiteTable::TransactionRolledBack()
 {
     if (Lookup)
         Lookup->Forget();
+}
+
+void TSQLiteTable::ReleaseCursor()
+{
     KnownCount = 0;
+    TSQLiteDataSet::ReleaseCursor();
 }
 
 // --- The cursor -------------------------------------------------------------------------------------
@@ -159,18 +164,12 @@ void TSQLiteTable::BeginChange()
     Connection().BeginChange(CommitEvery);
 }
 
-void TSQLiteTable::EndChange()
-{
-    KnownCount = 0;
-    Connection().EndChange(CommitEvery);
-}
-
 void TSQLiteTable::InternalInsert(const TRecordBuffer& Written)
 {
     BeginChange();
     Writer->Insert(Written, WrittenKey);
     Cursor().MoveTo(WrittenKey);
-    EndChange();
+    Connection().EndChange(CommitEvery);
 }
 
 void TSQLiteTable::InternalUpdate(const TRecordBuffer& Written)
@@ -185,7 +184,7 @@ void TSQLiteTable::InternalUpdate(const TRecordBuffer& Written)
     WrittenKey = Cursor().Key();
     Writer->Update(Written, Changed, WrittenKey);
     Cursor().MoveTo(WrittenKey);
-    EndChange();
+    Connection().EndChange(CommitEvery);
 }
 
 void TSQLiteTable::InternalDelete()
@@ -193,7 +192,7 @@ void TSQLiteTable::InternalDelete()
     BeginChange();
     Writer->Delete(Cursor().Key());
     Cursor().Deleted();
-    EndChange();
+    Connection().EndChange(CommitEvery);
 }
 
 /// True when the record has that value already.

@@ -69,6 +69,7 @@ protected:
     void InternalDelete() override;
     bool InternalLocate(std::span<TField* const> Keys, std::span<const TVariant> Values,
                         TLocateOptions Options) override;
+    void ReleaseCursor() override;
     void TransactionRolledBack() override;
     std::string DisplayName() const override;
 
@@ -82,12 +83,11 @@ private:
 
     static bool IsUnchanged(const TKnownValue& Known, const TRecordBuffer& Written);
     void BeginChange();
-    void EndChange();
 
     std::unique_ptr<TSQLiteTableSchema> Schema;     // these three while open
     std::unique_ptr<TSQLiteWriter> Writer;
     std::unique_ptr<TSQLiteLookup> Lookup;
-    std::vector<TKnownValue> Known;                 // what the last Locate has found
+    std::vector<TKnownValue> Known;                 // what Locate has found, until anything else happens
     std::size_t KnownCount = 0;                     // of Known; its entries are used again
     decltype(TRecordBuffer::Assigned) Changed;      // columns that an update writes
     std::vector<TSQLiteOwnValue> FoundKey;          // of the record found ...

@@ -199,6 +199,26 @@ TEST(KvSqliteLookup, TemporaryIndexFollowsARollback)
     EXPECT_EQ(Find(Table, "name", "Zoe"), "none");
 }
 
+TEST(KvSqliteLookup, TemporaryIndexFollowsTransactionsBySql)
+{
+    TTestFile File(People);
+    TSQLiteDatabase Database;
+    Database.DatabaseName = File.FileName();
+    TSQLiteTable Table;
+    Table.SetDatabase(&Database);
+    Table.TableName = "orders";
+    Table.Open();
+    Database.Execute("BEGIN");
+    ASSERT_EQ(Find(Table, "name", "Bob"), "4");
+    ASSERT_EQ(Find(Table, "name", "Bob"), "4");
+    Database.Execute("DELETE FROM orders WHERE name = 'Bob'; INSERT INTO orders(id, name) VALUES (9, 'Zoe')");
+    EXPECT_EQ(Find(Table, "name", "Bob"), "none");
+    EXPECT_EQ(Find(Table, "name", "Zoe"), "9");
+    Database.Execute("ROLLBACK");
+    EXPECT_EQ(Find(Table, "name", "Bob"), "4");
+    EXPECT_EQ(Find(Table, "name", "Zoe"), "none");
+}
+
 TEST(KvSqliteLookup, TemporaryIndexFollowsOtherConnections)
 {
     TTestTable Open(People);

@@ -94,6 +94,16 @@ TEST(KvSqliteWriter, EveryKindComesBackAsItWasGiven)
     EXPECT_EQ(Value("v"), TVariant(5));
 }
 
+TEST(KvSqliteWriter, DatabasesInUtf16HoldTheSame)
+{
+    TTestTable Open("PRAGMA encoding = 'UTF-16le'; CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT)");
+    const std::string Text("Zo\xC3\xAB \xF0\x9F\x98\x80\0.", 11);
+    AppendRecord(Open.Table, {{"name", Text}});
+    for (int Time = 0; Time < 3; ++Time)
+        EXPECT_TRUE(Open.Table.Locate("name", Text));
+    EXPECT_EQ(Open.Table.FieldByName("name").AsString(), Text);
+}
+
 /// The process's page for the length of a test.
 class TAnsiPage
 {
@@ -286,6 +296,22 @@ TEST(KvSqliteWriter, KeysThatWereJustFoundAreNotWrittenAgain)
     EXPECT_EQ(Open.Rows("SELECT id, qty FROM orders"), TRowTexts{"2|5"});
     EditRecord(Open.Table, {{"id", 2}});            // known no longer
     EXPECT_EQ(Open.Rows("SELECT what FROM log"), (TRowTexts{"qty", "id", "id"}));
+}
+
+TEST(KvSqliteWriter, KeysAreWrittenWhenSqlHasChangedThemMeanwhile)
+{
+    TTestFile File(Watched);
+    TSQLiteDatabase Database;
+    Database.DatabaseName = File.FileName();
+    TSQLiteTable Table;
+    Table.SetDatabase(&Database);
+    Table.TableName = "orders";
+    Table.Open();
+    for (int Time = 0; Time < 2; ++Time)
+        ASSERT_TRUE(Table.Locate("name", "Ada"));
+    Database.Execute("UPDATE orders SET name = 'other'");
+    EditRecord(Table, {{"name", "Ada"}});
+    EXPECT_EQ(File.Rows("SELECT name FROM orders"), TRowTexts{"Ada"});
 }
 
 TEST(KvSqliteWriter, SetsOfColumnsMayAlternate)
