@@ -9,6 +9,7 @@
 #include "KvException.h"
 #include "KvSqliteDataSet.h"
 #include "KvSqliteDatabase.h"
+#include "KvSqliteInsertQueue.h"
 
 namespace kv {
 
@@ -20,14 +21,16 @@ std::int64_t SteadyMilliseconds()
     return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
 }
 
-std::string CountOf(std::int64_t Count, const std::string& What)
+std::string LossOf(std::int64_t Changes)
 {
-    return std::to_string(Count) + " " + What + (Count == 1 ? "" : "s");
+    return "the transaction was rolled back and its " +
+           (Changes == 1 ? "change is lost" : std::to_string(Changes) + " changes are lost");
 }
 
 } // namespace
 
-TSQLiteConnection::TSQLiteConnection(const TSQLiteDatabase& Wanted) : Settings(Wanted), FFileName(Wanted.DatabaseName)
+TSQLiteConnection::TSQLiteConnection(const TSQLiteDatabase& Wanted)
+    : Settings(Wanted), FFileName(Wanted.DatabaseName)
 {
     if (FFileName.empty())
         throw EDatabaseError("Property DatabaseName wasn't specified.");
@@ -71,7 +74,8 @@ bool TSQLiteConnection::WaitForLock(int Tries)
     if (Left <= 0)
         return false;
     try {
-        if (Settings.OnBusy && !Settings.OnBusy())
+        // Asked only in the program's own thread; that of the insert queue just waits.
+        if (Settings.OnBusy && std::this_thread::get_id() == Thread && !Settings.OnBusy())
             return false;
     }
     catch (...) {                                   // must not cross SQLite's own frames
@@ -100,13 +104,28 @@ std::string TSQLiteConnection::ErrorText()
 /// A full disk, a failing device and some triggers end the whole transaction and not just a statement.
 std::string TSQLiteConnection::LossAfterFailure()
 {
-    if (Owner == toNobody || InTransaction() || Lost)
+    if (!std::exchange(RolledBack, false) || Owner == toNobody || InTransaction())
         return {};
     ++FTransactionSerial;
     Lost = Owner == toProgram;                      // until the program ends it; a batch is just gone
     if (!Lost)
         Owner = toNobody;
-    return "; the transaction was rolled back and its " + CountOf(Changes, "change") + " are lost";
+    return "; " + LossOf(Changes);
+}
+
+std::string TSQLiteConnection::AbandonTransaction()
+{
+    auto Text = ErrorText();
+    if (InTransaction()) {
+        sqlite3_exec(Handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+        Text += LossAfterFailure();
+    }
+    return Text;
+}
+
+void TSQLiteConnection::FinishQueue()
+{
+    Queue->Finish();
 }
 
 void TSQLiteConnection::Fail(std::string_view Text) const
@@ -116,12 +135,14 @@ void TSQLiteConnection::Fail(std::string_view Text) const
 
 void TSQLiteConnection::Execute(const std::string& Sql)
 {
+    Settle();
     if (sqlite3_exec(Handle(), Sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
         Fail(ErrorText());
 }
 
 void TSQLiteConnection::BeforeForeignSql()
 {
+    Settle();
     ReleaseCursors();
     ++FTransactionSerial;
 }
@@ -136,6 +157,7 @@ void TSQLiteConnection::Begin(TTransactionOwner NewOwner)
     // The right to write is taken at once: a transaction that reads first can find it gone for good.
     Execute(Settings.ReadOnly ? "BEGIN" : "BEGIN IMMEDIATE");
     Owner = NewOwner;
+    RolledBack = false;
     Changes = 0;
     ++FTransactionSerial;
 }
@@ -143,6 +165,7 @@ void TSQLiteConnection::Begin(TTransactionOwner NewOwner)
 /// False when the transaction is still open, for ErrorText to tell why.
 bool TSQLiteConnection::TryEnd(const char* Sql)
 {
+    Settle();
     ReleaseCursors();
     if (InTransaction()) {
         if (sqlite3_exec(Handle(), Sql, nullptr, nullptr, nullptr) != SQLITE_OK) {
@@ -170,8 +193,7 @@ void TSQLiteConnection::Commit()
 {
     if (std::exchange(Lost, false)) {
         Owner = toNobody;
-        Fail("there is nothing to commit: the transaction was rolled back and its " + CountOf(Changes, "change") +
-             " are lost");
+        Fail("there is nothing to commit: " + LossOf(Changes));
     }
     if (!TryEnd("COMMIT"))
         Fail(ErrorText());
@@ -224,10 +246,12 @@ void TSQLiteConnection::ReleaseCursors()
 /// takes nothing with it that anybody prepared before.
 void TSQLiteConnection::TellRolledBack(void* Self)
 {
-    const auto& Connection = *static_cast<TSQLiteConnection*>(Self);
-    if (Connection.InTransaction())
-        for (auto* const DataSet : Connection.FDataSets)
-            DataSet->TransactionRolledBack();
+    auto& Connection = *static_cast<TSQLiteConnection*>(Self);
+    if (!Connection.InTransaction())
+        return;
+    Connection.RolledBack = true;
+    for (auto* const DataSet : Connection.FDataSets)
+        DataSet->TransactionRolledBack();
 }
 
 // --- Datasets ---------------------------------------------------------------------------------------

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include <sqlite3.h>
@@ -15,6 +16,7 @@ namespace kv {
 
 class TSQLiteDatabase;
 class TSQLiteDataSet;
+class TSQLiteInsertQueue;
 
 class TSQLiteConnection
 {
@@ -53,6 +55,16 @@ public:
     void EndChange(int CommitEvery);
     void CommitBatch();                             ///< Nothing when there is none.
 
+    // Records that were taken and are not yet stored. Every statement settles them first.
+    void Settle()
+    {
+        if (Queue)
+            FinishQueue();
+    }
+    void SetQueue(TSQLiteInsertQueue* Active) { Queue = Active; }
+    /// Why a record could not be stored after all. The whole transaction is rolled back.
+    std::string AbandonTransaction();
+
     /// To be called before statements of the program's own, which may do anything.
     void BeforeForeignSql();
 
@@ -78,18 +90,22 @@ private:
     void CheckNotLost();
     std::string LossAfterFailure();
     void ReleaseCursors();
+    void FinishQueue();
 
     const TSQLiteDatabase& Settings;
     std::string FFileName;
     std::unique_ptr<sqlite3, TCloseHandle> FHandle;
     std::vector<TSQLiteDataSet*> FDataSets;
     TTransactionOwner Owner = toNobody;
-    bool Lost = false;                              // SQLite rolled back what the program began
+    bool RolledBack = false;                        // since the transaction began
+    bool Lost = false;                              // and this by SQLite, of what the program began
     std::int64_t Changes = 0;                       // since the transaction began
     std::int64_t FTransactionSerial = 0;
     std::int64_t WaitingSince = 0;                  // steady milliseconds
     std::exception_ptr BusyError;                   // what OnBusy raised inside a call of SQLite
     int Serial = 0;
+    TSQLiteInsertQueue* Queue = nullptr;            // while it takes records
+    const std::thread::id Thread = std::this_thread::get_id();
 };
 
 } // namespace kv

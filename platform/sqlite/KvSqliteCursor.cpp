@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "KvSqliteConnection.h"
+#include "KvSqliteName.h"
 
 namespace kv {
 
@@ -13,31 +14,38 @@ std::string Collated(const TSQLiteKeyColumn& Column)
     return Column.Sql + (Column.Collation.empty() ? "" : " COLLATE " + Column.Collation);
 }
 
-/// Records past a key: "KEY1 > ?1" or "(KEY1, KEY2) > (?1, ?2)".
-std::string KeyAfter(const TSQLiteRowSource& Source)
-{
-    std::string Params;
-    for (std::size_t I = 1; I <= Source.Key.size(); ++I)
-        Params += (I == 1 ? "?" : ", ?") + std::to_string(I);
-    return "(" + KeyOrder(Source) + ") > (" + Params + ")";
-}
-
 } // namespace
 
-std::string KeyOrder(const TSQLiteRowSource& Source)
+std::string TSQLiteRowSource::KeyList() const
 {
-    std::string Order;
-    for (const auto& Column : Source.Key)
-        Order += (Order.empty() ? "" : ", ") + Collated(Column);
-    return Order;
+    std::string List;
+    for (const auto& Part : Key)
+        AddToList(List, Part.Sql);
+    return List;
 }
 
-std::string KeyCondition(const TSQLiteRowSource& Source, int FirstParam)
+std::string TSQLiteRowSource::KeyOrder() const
+{
+    std::string List;
+    for (const auto& Part : Key)
+        AddToList(List, Collated(Part));
+    return List;
+}
+
+std::string TSQLiteRowSource::KeyCondition(int FirstParam) const
 {
     std::string Condition;
-    for (const auto& Column : Source.Key)
-        Condition += (Condition.empty() ? "" : " AND ") + Collated(Column) + " = ?" + std::to_string(FirstParam++);
+    for (const auto& Part : Key)
+        AddToList(Condition, Collated(Part) + " = ?" + std::to_string(FirstParam++), " AND ");
     return Condition;
+}
+
+std::string TSQLiteRowSource::KeyAfter() const
+{
+    std::string Params;
+    for (std::size_t I = 1; I <= Key.size(); ++I)
+        AddToList(Params, "?" + std::to_string(I));
+    return "(" + KeyOrder() + ") > (" + Params + ")";
 }
 
 TSQLiteCursor::TSQLiteCursor(TSQLiteConnection& Owner, const TSQLiteRowSource& Rows)
@@ -125,11 +133,13 @@ void TSQLiteCursor::EndScan()
 void TSQLiteCursor::Resolve()
 {
     if (Place == plBeforeFirst) {
-        Prepare(ScanAll, HasKey() ? " ORDER BY " + KeyOrder(Source) : "");
+        if (!ScanAll)
+            ScanAll = Prepared(HasKey() ? " ORDER BY " + Source.KeyOrder() : "");
         Scan = &ScanAll;
     }
     else if (Place == plAfterKey) {
-        Prepare(ScanAfter, " WHERE " + KeyAfter(Source) + " ORDER BY " + KeyOrder(Source));
+        if (!ScanAfter)
+            ScanAfter = Prepared(" WHERE " + Source.KeyAfter() + " ORDER BY " + Source.KeyOrder());
         SeekKey = CurrentKey;
         Bind(ScanAfter, SeekKey);
         Scan = &ScanAfter;
@@ -151,7 +161,8 @@ void TSQLiteCursor::StepScan()
 /// Copies the record, so that no statement stays open for it. A record that has vanished reads as null.
 void TSQLiteCursor::FetchRecord()
 {
-    Prepare(Fetch, " WHERE " + KeyCondition(Source, 1));
+    if (!Fetch)
+        Fetch = Prepared(" WHERE " + Source.KeyCondition(1));
     Bind(Fetch, CurrentKey);
     const bool Found = Fetch.Step();
     Fetched.resize(Source.Columns.size());
@@ -161,10 +172,9 @@ void TSQLiteCursor::FetchRecord()
     IsFetched = true;
 }
 
-void TSQLiteCursor::Prepare(TSQLiteStatement& Statement, const std::string& Condition)
+TSQLiteStatement TSQLiteCursor::Prepared(const std::string& Clauses) const
 {
-    if (!Statement)
-        Statement = TSQLiteStatement(Connection, Source.Select + Condition, Source.Title);
+    return TSQLiteStatement(Connection, Source.Select + Clauses, Source.Title);
 }
 
 void TSQLiteCursor::Bind(TSQLiteStatement& Statement, const TSQLiteKey& Values)

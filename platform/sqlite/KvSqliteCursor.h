@@ -28,12 +28,17 @@ struct TSQLiteRowSource
     std::string Select;                             ///< Key columns, then Columns; no WHERE, no ORDER BY.
     std::vector<TSQLiteKeyColumn> Key;              ///< None: read in the order in which the database gives them.
     std::vector<TSQLiteColumn> Columns;
-};
 
-/// "KEY1 COLLATE ..., KEY2 ...": the order of the dataset; empty without a key.
-std::string KeyOrder(const TSQLiteRowSource& Source);
-/// "KEY1 COLLATE ... = ?N AND ...": one record; its parameters count from `FirstParam`.
-std::string KeyCondition(const TSQLiteRowSource& Source, int FirstParam);
+    const TSQLiteColumn& Column(int Index) const { return Columns[static_cast<std::size_t>(Index)]; }
+    /// "KEY1, KEY2".
+    std::string KeyList() const;
+    /// "KEY1 COLLATE ..., KEY2 ...": the order of the dataset; empty without a key.
+    std::string KeyOrder() const;
+    /// "KEY1 COLLATE ... = ?N AND ...": one record; its parameters count from `FirstParam`.
+    std::string KeyCondition(int FirstParam) const;
+    /// "(KEY1 COLLATE ..., KEY2 ...) > (?1, ?2)": the records after one.
+    std::string KeyAfter() const;
+};
 
 /// The records run in the order of the key. Nothing is read before it is asked for. Reading one record
 /// after the other keeps a statement open, and with it a lock that others cannot write through, until
@@ -71,7 +76,7 @@ private:
     };
 
     void Resolve();
-    void Prepare(TSQLiteStatement& Statement, const std::string& Condition);
+    TSQLiteStatement Prepared(const std::string& Clauses) const;
     void Bind(TSQLiteStatement& Statement, const TSQLiteKey& Values);
     void StepScan();
     void FetchRecord();

@@ -32,16 +32,17 @@ void TSQLiteKeyTable::Create()
     // Rows come in any order: with the 2 MB that SQLite takes by itself an appending run needs a third more.
     constexpr int CacheSize = 8000;                 // KiB, for all temporary tables of the connection
     Connection.Execute("PRAGMA temp.cache_size = -" + std::to_string(CacheSize));
-    std::string Columns = "nulls INTEGER", Names = "nulls";
+    std::string Columns, Names;
     const auto Add = [&](const std::string& Name, TSQLiteAffinity Affinity) {
-        Columns += ", " + Name + " " + std::string(AffinityWord(Affinity));
-        Names += ", " + Name;
+        AddToList(Columns, Name + " " + std::string(AffinityWord(Affinity)));
+        AddToList(Names, Name);
     };
+    Add("nulls", saInteger);
     for (std::size_t I = 0; I < FColumns.size(); ++I)
-        Add(KeyName(I), Table.Columns[static_cast<std::size_t>(FColumns[I])].Affinity);
+        Add(KeyName(I), Table.Column(FColumns[I]).Affinity);
     for (std::size_t I = 0; I < Table.Key.size(); ++I) {
         const int Column = Table.Key[I].Column;
-        Add(RecordKeyName(I), Column < 0 ? saInteger : Table.Columns[static_cast<std::size_t>(Column)].Affinity);
+        Add(RecordKeyName(I), Column < 0 ? saInteger : Table.Column(Column).Affinity);
     }
     Connection.Execute("CREATE TEMP TABLE " + FName + " (" + Columns + ", PRIMARY KEY (" + Names + ")) WITHOUT ROWID");
 }
@@ -51,7 +52,7 @@ std::string TSQLiteKeyTable::RowOf(const std::string& Prefix) const
 {
     std::string Nulls = "0", Values, RecordKey;
     for (std::size_t I = 0; I < FColumns.size(); ++I) {
-        const auto Name = Prefix + QuoteName(Table.Columns[static_cast<std::size_t>(FColumns[I])].Name);
+        const auto Name = Prefix + QuoteName(Table.Column(FColumns[I]).Name);
         Nulls += " | ((" + Name + " IS NULL) << " + std::to_string(I) + ")";
         Values += ", ifnull(" + Name + ", 0)";
     }
@@ -66,33 +67,33 @@ void TSQLiteKeyTable::Fill()
     std::string Order;
     const auto Count = 1 + FColumns.size() + Table.Key.size();
     for (std::size_t I = 1; I <= Count; ++I)
-        Order += (I == 1 ? "" : ", ") + std::to_string(I);
+        AddToList(Order, std::to_string(I));
     Connection.Execute("INSERT INTO temp." + FName + " SELECT " + RowOf("") + " FROM " + Table.QualifiedName() +
                        " ORDER BY " + Order);
 }
 
 void TSQLiteKeyTable::CreateTriggers()
 {
-    const auto Add = FName + " SELECT " + RowOf("NEW.") + "; ";
-    std::string Remove = "DELETE FROM " + FName + " WHERE (nulls", Names;
+    std::string Names = "nulls";
     for (std::size_t I = 0; I < FColumns.size(); ++I)
-        Remove += ", " + KeyName(I);
+        AddToList(Names, KeyName(I));
     for (std::size_t I = 0; I < Table.Key.size(); ++I)
-        Remove += ", " + RecordKeyName(I);
-    Remove += ") = (" + RowOf("OLD.") + "); ";
+        AddToList(Names, RecordKeyName(I));
+    const auto Add = "INSERT INTO " + FName + " SELECT " + RowOf("NEW.") + "; ";
+    const auto Remove = "DELETE FROM " + FName + " WHERE (" + Names + ") = (" + RowOf("OLD.") + "); ";
 
     std::string Watched;
     for (const int Column : FColumns)
-        Watched += (Watched.empty() ? "" : ", ") + QuoteName(Table.Columns[static_cast<std::size_t>(Column)].Name);
+        AddToList(Watched, QuoteName(Table.Column(Column).Name));
     for (const auto& Column : Table.Key)
         if (Column.Column >= 0)
-            Watched += ", " + Column.Sql;
+            AddToList(Watched, Column.Sql);
 
     const auto On = " ON " + Table.QualifiedName() + " BEGIN ";
-    const auto Trigger = [&](const char* Event) { return "CREATE TEMP TRIGGER " + FName + Event; };
-    Connection.Execute(Trigger("_insert") + " AFTER INSERT" + On + "INSERT INTO " + Add + "END");
-    Connection.Execute(Trigger("_delete") + " AFTER DELETE" + On + Remove + "END");
-    Connection.Execute(Trigger("_update") + " AFTER UPDATE OF " + Watched + On + Remove + "INSERT INTO " + Add + "END");
+    const auto Create = "CREATE TEMP TRIGGER " + FName;
+    Connection.Execute(Create + "_insert AFTER INSERT" + On + Add + "END");
+    Connection.Execute(Create + "_delete AFTER DELETE" + On + Remove + "END");
+    Connection.Execute(Create + "_update AFTER UPDATE OF " + Watched + On + Remove + Add + "END");
 }
 
 } // namespace kv

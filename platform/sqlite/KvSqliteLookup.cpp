@@ -52,10 +52,10 @@ std::string Equals(const std::string& Column, std::string_view Collation, int Fi
         Term.append(" COLLATE ").append(Collation);
     if (Count == 1)
         return Term + " = ?" + std::to_string(FirstParam);
-    Term += " IN (";
+    std::string Params;
     for (int I = 0; I < Count; ++I)
-        Term += (I == 0 ? "?" : ", ?") + std::to_string(FirstParam + I);
-    return Term + ")";
+        AddToList(Params, "?" + std::to_string(FirstParam + I));
+    return Term + " IN (" + Params + ")";
 }
 
 } // namespace
@@ -151,10 +151,10 @@ const TSQLiteIndex* TSQLiteLookup::BestIndex(std::span<const int> Columns) const
 
 bool TSQLiteLookup::HasOtherSpellings(int Index) const
 {
-    const auto Name = QuoteName(Column(Index).Name);
+    const auto Name = QuoteName(Table.Column(Index).Name);
     const auto Like = [&Name](const char* Pattern) { return Name + " LIKE '" + Pattern + "'"; };
     std::string Ours;
-    switch (Column(Index).Def.DataType) {
+    switch (Table.Column(Index).Def.DataType) {
     case ftDate: Ours = Like("____-__-__"); break;
     case ftTime: Ours = Like("__:__:__") + " OR " + Like("__:__:__.___"); break;
     default:     Ours = Like("____-__-__ __:__:__") + " OR " + Like("____-__-__ __:__:__.___"); break;
@@ -212,35 +212,33 @@ TSQLiteStatement& TSQLiteLookup::SelectFor(TPlan& Plan, std::uint64_t Nulls)
 
 std::string TSQLiteLookup::IndexSql(const TPlan& Plan, std::uint64_t Nulls) const
 {
-    std::string List, Where;
-    for (const auto& Key : Table.Key)
-        List += (List.empty() ? "" : ", ") + Key.Sql;
+    std::string Where;
     int Param = 1;
     for (std::size_t I = 0; I < Plan.Columns.size(); ++I) {
-        const auto Name = QuoteName(Column(Plan.Columns[I]).Name);
-        Where += I == 0 ? "" : " AND ";
+        const auto Name = QuoteName(Table.Column(Plan.Columns[I]).Name);
         if (IsNull(Nulls, I)) {
-            Where += Name + " IS NULL";
+            AddToList(Where, Name + " IS NULL", " AND ");
             continue;
         }
         const auto Part = std::ranges::find(Plan.Index->Parts, Plan.Columns[I], &TSQLiteIndex::TPart::Column);
         const auto Collation = Part != Plan.Index->Parts.end() ? std::string_view(Part->Collation) : Bytewise;
         const int Count = Plan.ManySpellings[I] ? MaxSpellings : 1;
-        Where += Equals(Name, Collation, Param, Count);
+        AddToList(Where, Equals(Name, Collation, Param, Count), " AND ");
         if (!Collation.empty() && Collation != Bytewise)
-            Where += " AND " + Equals(Name, Bytewise, Param, Count);
+            AddToList(Where, Equals(Name, Bytewise, Param, Count), " AND ");
         Param += Count;
     }
     const auto& Index = Plan.Index->Name;
-    return "SELECT " + List + " FROM " + Table.QualifiedName() + (Index.empty() ? "" : " INDEXED BY " + Index) +
-           " WHERE " + Where + " ORDER BY " + KeyOrder(Table) + " LIMIT 1";
+    const auto From = Table.QualifiedName() + (Index.empty() ? "" : " INDEXED BY " + Index);
+    return "SELECT " + Table.KeyList() + " FROM " + From + " WHERE " + Where + " ORDER BY " + Table.KeyOrder() +
+           " LIMIT 1";
 }
 
 std::string TSQLiteLookup::KeyTableSql(const TPlan& Plan, std::uint64_t Nulls) const
 {
     std::string List, Where = "nulls = " + std::to_string(Nulls);
     for (std::size_t I = 0; I < Table.Key.size(); ++I)
-        List += (I == 0 ? "" : ", ") + TSQLiteKeyTable::RecordKeyName(I);
+        AddToList(List, TSQLiteKeyTable::RecordKeyName(I));
     int Param = 1;
     for (std::size_t I = 0; I < Plan.Columns.size(); ++I) {
         const int Count = Plan.ManySpellings[I] ? MaxSpellings : 1;
@@ -248,7 +246,8 @@ std::string TSQLiteLookup::KeyTableSql(const TPlan& Plan, std::uint64_t Nulls) c
                                              : Equals(TSQLiteKeyTable::KeyName(I), "", Param, Count));
         Param += IsNull(Nulls, I) ? 0 : Count;
     }
-    return "SELECT " + List + " FROM temp." + Plan.KeyTable->Name() + " WHERE " + Where + " ORDER BY " + List + " LIMIT 1";
+    return "SELECT " + List + " FROM temp." + Plan.KeyTable->Name() + " WHERE " + Where + " ORDER BY " + List +
+           " LIMIT 1";
 }
 
 void TSQLiteLookup::Bind(TSQLiteStatement& Statement, const TPlan& Plan, std::span<const TVariant> Values)
@@ -259,9 +258,9 @@ void TSQLiteLookup::Bind(TSQLiteStatement& Statement, const TPlan& Plan, std::sp
         if (!Values[I].HasValue())
             continue;
         if (Plan.ManySpellings[I])
-            Param = BindSpellings(Statement, Param, Column(Plan.Columns[I]), Values[I].DateTime());
+            Param = BindSpellings(Statement, Param, Table.Column(Plan.Columns[I]), Values[I].DateTime());
         else
-            Statement.Bind(Param++, EncodeValue(Column(Plan.Columns[I]), Values[I], Scratch[I]));
+            Statement.Bind(Param++, EncodeValue(Table.Column(Plan.Columns[I]), Values[I], Scratch[I]));
     }
 }
 
@@ -270,8 +269,12 @@ int TSQLiteLookup::BindSpellings(TSQLiteStatement& Statement, int Param, const T
 {
     const auto Texts = SpellingsOf(Column.Def.DataType, Value);
     Spellings.reserve(MaxSpellings * Scratch.size()); // what is bound must stay where it is
-    for (std::size_t I = 0; I < MaxSpellings; ++I)
-        Statement.Bind(Param++, I < Texts.size() ? TSQLiteValue::OfText(Spellings.emplace_back(Texts[I])) : TSQLiteValue{});
+    for (std::size_t I = 0; I < MaxSpellings; ++I) {
+        TSQLiteValue Text;
+        if (I < Texts.size())
+            Text = TSQLiteValue::OfText(Spellings.emplace_back(Texts[I]));
+        Statement.Bind(Param++, Text);
+    }
     return Param;
 }
 

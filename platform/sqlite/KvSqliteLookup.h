@@ -64,7 +64,6 @@ private:
     std::string KeyTableSql(const TPlan& Plan, std::uint64_t Nulls) const;
     void Bind(TSQLiteStatement& Statement, const TPlan& Plan, std::span<const TVariant> Values);
     int BindSpellings(TSQLiteStatement& Statement, int Param, const TSQLiteColumn& Column, TDateTime Value);
-    const TSQLiteColumn& Column(int Index) const { return Table.Columns[static_cast<std::size_t>(Index)]; }
 
     TSQLiteConnection& Connection;
     const TSQLiteTableSchema& Table;

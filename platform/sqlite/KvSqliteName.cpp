@@ -62,6 +62,13 @@ std::string QuoteName(std::string_view Name)
     return Result += '"';
 }
 
+void AddToList(std::string& List, std::string_view Item, std::string_view Separator)
+{
+    if (!List.empty())
+        List += Separator;
+    List += Item;
+}
+
 TSQLiteName ParseTableName(std::string_view Text)
 {
     auto First = TakePart(Text);

@@ -1,4 +1,4 @@
-// KvSqliteName - names of tables and columns as SQL wants them written.
+// KvSqliteName - names of tables and columns as SQL wants them written, and lists of them.
 #pragma once
 
 #include <string>
@@ -8,6 +8,9 @@ namespace kv {
 
 /// `Name` in double quotes, whatever characters it holds.
 std::string QuoteName(std::string_view Name);
+
+/// Appends `Item` to the text `List`, after `Separator` unless it is the first.
+void AddToList(std::string& List, std::string_view Item, std::string_view Separator = ", ");
 
 /// A table and the schema that holds it: "main", "temp" or the name of an attached database.
 struct TSQLiteName

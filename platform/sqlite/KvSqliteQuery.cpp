@@ -48,9 +48,10 @@ TSQLiteRowSource DescribeQuery(TSQLiteConnection& Connection, std::string_view S
         Connection.Fail("a query needs a statement that reads: " + std::string(Select));
     if (TSQLiteStatement(Connection, Rest))
         Connection.Fail("a query is one statement, without: " + std::string(Trim(Rest)));
-    if (sqlite3_bind_parameter_count(Handle) > 0)
-        Connection.Fail("a query has no parameters, but there is " +
-                        std::string(sqlite3_bind_parameter_name(Handle, 1) ? sqlite3_bind_parameter_name(Handle, 1) : "?"));
+    if (sqlite3_bind_parameter_count(Handle) > 0) {
+        const char* const Name = sqlite3_bind_parameter_name(Handle, 1);
+        Connection.Fail("a query has no parameters, but there is " + std::string(Name ? Name : "?"));
+    }
     TSQLiteRowSource Source;
     Source.Select = Select.ends_with(';') ? Select.substr(0, Select.size() - 1) : Select;
     for (int I = 0; I < sqlite3_column_count(Handle); ++I)

@@ -125,8 +125,7 @@ void TSchemaReader::ReadKey()
     if (!Select.Step())
         return;                                     // a virtual table with a key of its own kind
     for (const auto& Part : ReadParts(Select.Column(0).Bytes))
-        Table.Key.push_back({QuoteName(Table.Columns[static_cast<std::size_t>(Part.Column)].Name), Part.Collation,
-                             Part.Column});
+        Table.Key.push_back({QuoteName(Table.Column(Part.Column).Name), Part.Collation, Part.Column});
 }
 
 /// The rowid, by the name of the column that is an alias of it, if there is one: exactly then a single
@@ -202,11 +201,9 @@ bool TSchemaReader::HasFailingTrigger(std::string_view Schema) const
 
 void TSchemaReader::BuildSelect()
 {
-    std::string List;
-    for (const auto& Column : Table.Key)
-        List += (List.empty() ? "" : ", ") + Column.Sql;
+    auto List = Table.KeyList();
     for (const auto& Column : Table.Columns)
-        List += (List.empty() ? "" : ", ") + QuoteName(Column.Name);
+        AddToList(List, QuoteName(Column.Name));
     Table.Select = "SELECT " + List + " FROM " + Table.QualifiedName();
 }
 
@@ -221,7 +218,7 @@ std::string ListTables(TSQLiteConnection& Connection)
     for (int Count = 0; Select.Step(); ++Count) {
         if (Count == TablesInMessage)
             return Names + ", ...";
-        Names += (Count == 0 ? "" : ", ") + std::string(Select.Column(0).Bytes);
+        AddToList(Names, Select.Column(0).Bytes);
     }
     return Names;
 }

@@ -17,7 +17,7 @@ struct TSQLiteIndex
 {
     struct TPart
     {
-        int Column;                                 ///< In the dataset; -1 for the rowid, an expression or a hidden column.
+        int Column;                                 ///< In the dataset; -1: not there, or an expression.
         std::string Collation;
     };
 

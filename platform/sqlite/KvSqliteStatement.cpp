@@ -17,6 +17,7 @@ TSQLiteStatement::TSQLiteStatement(TSQLiteConnection& Owner, std::string_view Sq
                                    std::string_view* Rest)
     : Connection(&Owner), Subject(About)
 {
+    Owner.Settle();
     sqlite3_stmt* Statement = nullptr;
     const char* End = nullptr;
     const int Code = sqlite3_prepare_v3(Owner.Handle(), Sql.data(), static_cast<int>(Sql.size()),

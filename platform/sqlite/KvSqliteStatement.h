@@ -8,11 +8,14 @@
 
 #include <sqlite3.h>
 
+#include "KvSqliteConnection.h"
 #include "KvSqliteValue.h"
 
 namespace kv {
 
-class TSQLiteConnection;
+/// Binds `Value` to the parameter `Param`, from 1; its bytes must stay until the statement is reset.
+/// Gives SQLite's code.
+int BindValue(sqlite3_stmt* Statement, int Param, const TSQLiteValue& Value);
 
 /// Statements end before their connection does.
 class TSQLiteStatement
@@ -31,14 +34,19 @@ public:
     /// `Param` counts from 1. The bytes of `Value` must stay until the statement is reset.
     void Bind(int Param, const TSQLiteValue& Value)
     {
-        if (TryBind(Param, Value) != SQLITE_OK)
+        Connection->Settle();
+        if (BindValue(Handle.get(), Param, Value) != SQLITE_OK)
             RaiseError();
     }
 
     /// True when there is a row. False at the end, and then reset, as after an error.
     bool Step();
     /// SQLITE_ROW, SQLITE_DONE or an error code; nothing is reset.
-    int TryStep() { return sqlite3_step(Handle.get()); }
+    int TryStep()
+    {
+        Connection->Settle();
+        return sqlite3_step(Handle.get());
+    }
     void Reset() { sqlite3_reset(Handle.get()); }
 
     /// Column of the current row, from 0. Views memory of the statement until it moves.
@@ -50,7 +58,6 @@ private:
         void operator()(sqlite3_stmt* Statement) const { sqlite3_finalize(Statement); }
     };
 
-    int TryBind(int Param, const TSQLiteValue& Value);
     [[noreturn]] void RaiseError();
 
     TSQLiteConnection* Connection = nullptr;
@@ -58,9 +65,8 @@ private:
     std::unique_ptr<sqlite3_stmt, TFinalize> Handle;
 };
 
-inline int TSQLiteStatement::TryBind(int Param, const TSQLiteValue& Value)
+inline int BindValue(sqlite3_stmt* Statement, int Param, const TSQLiteValue& Value)
 {
-    auto* const Statement = Handle.get();
     switch (Value.Storage) {
     case ssNull:    return sqlite3_bind_null(Statement, Param);
     case ssInteger: return sqlite3_bind_int64(Statement, Param, Value.Integer);

@@ -8,7 +8,9 @@
 #include "KvSqliteConnection.h"
 #include "KvSqliteCursor.h"
 #include "KvSqliteDatabase.h"
+#include "KvSqliteInsertQueue.h"
 #include "KvSqliteLookup.h"
+#include "KvSqliteName.h"
 #include "KvSqliteSchema.h"
 #include "KvSqliteWriter.h"
 
@@ -46,7 +48,7 @@ std::string TSQLiteTable::PrimaryKeyFields() const
     std::string Names;
     if (Active())
         for (const int Column : Schema->PrimaryKey)
-            Names += (Names.empty() ? "" : ";") + Fields(Column).FieldName();
+            AddToList(Names, Fields(Column).FieldName(), ";");
     return Names;
 }
 
@@ -64,6 +66,7 @@ void TSQLiteTable::InternalOpen()
         throw EDatabaseError("Property TableName wasn't specified.");
     Schema = std::make_unique<TSQLiteTableSchema>(ReadTableSchema(Connection(), TableName));
     Writer = std::make_unique<TSQLiteWriter>(Connection(), *Schema);
+    Queue = std::make_unique<TSQLiteInsertQueue>(Connection(), *Schema);
     Lookup = std::make_unique<TSQLiteLookup>(Connection(), *Schema);
     FoundKey.resize(Schema->Key.size());
     WrittenKey.resize(Schema->Key.size());
@@ -72,9 +75,12 @@ void TSQLiteTable::InternalOpen()
 
 void TSQLiteTable::InternalClose()
 {
+    if (Queue)
+        Queue->Finish();
     if (IsConnected())
         Connection().CommitBatch();                 // may raise, and then everything stays for another try
     Lookup.reset();
+    Queue.reset();
     Writer.reset();
     TSQLiteDataSet::InternalClose();
     Schema.reset();
@@ -119,6 +125,7 @@ void TSQLiteTable::ReleaseCursor()
 
 void TSQLiteTable::InternalFirst()
 {
+    Queue->Finish();
     KnownCount = 0;
     TSQLiteDataSet::InternalFirst();
 }
@@ -139,6 +146,7 @@ int TSQLiteTable::InternalRecordCount()
 bool TSQLiteTable::InternalLocate(std::span<TField* const> Keys, std::span<const TVariant> Values,
                                   TLocateOptions Options)
 {
+    Queue->Finish();
     if (!Options.IsEmpty() || !Lookup->Prepare(Keys)) {
         const bool Found = TSQLiteDataSet::InternalLocate(Keys, Values, Options);
         if (Found)
@@ -166,14 +174,21 @@ void TSQLiteTable::BeginChange()
 
 void TSQLiteTable::InternalInsert(const TRecordBuffer& Written)
 {
-    BeginChange();
-    Writer->Insert(Written, WrittenKey);
+    const bool Queued = Queue->IsActive();          // then the transaction has begun and nothing is being read
+    if (!Queued)
+        BeginChange();
+    if (!Queue->TryAdd(Written, WrittenKey)) {
+        if (Queued)
+            BeginChange();
+        Writer->Insert(Written, WrittenKey);
+    }
     Cursor().MoveTo(WrittenKey);
     Connection().EndChange(CommitEvery);
 }
 
 void TSQLiteTable::InternalUpdate(const TRecordBuffer& Written)
 {
+    Queue->Finish();
     Changed = Written.Assigned;
     for (std::size_t I = 0; I < KnownCount; ++I)
         if (IsUnchanged(Known[I], Written))
@@ -189,6 +204,7 @@ void TSQLiteTable::InternalUpdate(const TRecordBuffer& Written)
 
 void TSQLiteTable::InternalDelete()
 {
+    Queue->Finish();
     BeginChange();
     Writer->Delete(Cursor().Key());
     Cursor().Deleted();

@@ -11,6 +11,7 @@
 
 namespace kv {
 
+class TSQLiteInsertQueue;
 class TSQLiteLookup;
 class TSQLiteOwnValue;
 class TSQLiteWriter;
@@ -84,8 +85,9 @@ private:
     static bool IsUnchanged(const TKnownValue& Known, const TRecordBuffer& Written);
     void BeginChange();
 
-    std::unique_ptr<TSQLiteTableSchema> Schema;     // these three while open
+    std::unique_ptr<TSQLiteTableSchema> Schema;     // these four while open
     std::unique_ptr<TSQLiteWriter> Writer;
+    std::unique_ptr<TSQLiteInsertQueue> Queue;
     std::unique_ptr<TSQLiteLookup> Lookup;
     std::vector<TKnownValue> Known;                 // what Locate has found, until anything else happens
     std::size_t KnownCount = 0;                     // of Known; its entries are used again

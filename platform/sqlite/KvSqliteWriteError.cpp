@@ -3,6 +3,7 @@
 #include <string_view>
 #include <vector>
 
+#include "KvSqliteName.h"
 #include "KvSqliteStatement.h"
 #include "KvText.h"
 
@@ -65,7 +66,7 @@ std::string DescribeRefusal(TSQLiteConnection& Connection, const TSQLiteTableSch
         const auto I = static_cast<std::size_t>(Index);
         const auto& Column = Table.Columns[I];
         if (HasWord(Named, Column.Name))
-            Values += (Values.empty() ? "" : ", ") + Column.Def.Name + " = " + ValueText(Record.Values[I]);
+            AddToList(Values, Column.Def.Name + " = " + ValueText(Record.Values[I]));
     }
     return Values.empty() ? Reason : Reason + " (" + Values + ")";
 }

@@ -74,8 +74,8 @@ void TSQLiteWriter::Delete(const TSQLiteKey& Key)
     if (Table.Key.empty())
         Fail("its records have no key and cannot be deleted");
     if (!DeleteOne)
-        DeleteOne = TSQLiteStatement(Connection, "DELETE FROM " + Table.QualifiedName() + " WHERE " + KeyCondition(Table, 1),
-                                     Table.Title);
+        DeleteOne = TSQLiteStatement(
+            Connection, "DELETE FROM " + Table.QualifiedName() + " WHERE " + Table.KeyCondition(1), Table.Title);
     BindKey(DeleteOne, 1, Key);
     Run(DeleteOne, {}, {});
     CheckChanged("the record has been deleted already, or a trigger keeps it");
@@ -116,18 +116,12 @@ std::string TSQLiteWriter::InsertSql(const TColumns& Columns) const
     else {
         std::string Names, Params;
         for (const int Index : Columns) {
-            Names += (Names.empty() ? "" : ", ") + QuoteName(Column(Index).Name);
-            Params += Params.empty() ? "?" : ", ?";
+            AddToList(Names, QuoteName(Table.Column(Index).Name));
+            AddToList(Params, "?");
         }
         Sql += " (" + Names + ") VALUES (" + Params + ")";
     }
-    if (ReturnsKey(Columns)) {
-        std::string Keys;
-        for (const auto& Key : Table.Key)
-            Keys += (Keys.empty() ? "" : ", ") + Key.Sql;
-        Sql += " RETURNING " + Keys;
-    }
-    return Sql;
+    return ReturnsKey(Columns) ? Sql + " RETURNING " + Table.KeyList() : Sql;
 }
 
 std::string TSQLiteWriter::UpdateSql(const TColumns& Columns) const
@@ -135,9 +129,9 @@ std::string TSQLiteWriter::UpdateSql(const TColumns& Columns) const
     std::string Sets;
     int Param = 0;
     for (const int Index : Columns)
-        Sets += (Sets.empty() ? "" : ", ") + QuoteName(Column(Index).Name) + " = ?" + std::to_string(++Param);
+        AddToList(Sets, QuoteName(Table.Column(Index).Name) + " = ?" + std::to_string(++Param));
     return "UPDATE" + ConflictClause() + " " + Table.QualifiedName() + " SET " + Sets + " WHERE " +
-           KeyCondition(Table, Param + 1);
+           Table.KeyCondition(Param + 1);
 }
 
 /// A primary key that the record does not give whole has to be asked for.

@@ -50,7 +50,6 @@ private:
     std::string InsertSql(const TColumns& Columns) const;
     std::string UpdateSql(const TColumns& Columns) const;
     std::string ConflictClause() const;
-    const TSQLiteColumn& Column(int Index) const { return Table.Columns[static_cast<std::size_t>(Index)]; }
     TSQLiteValue Encoded(const TRecordBuffer& Record, int Index);
     void BindColumns(TWrite& Write, const TRecordBuffer& Record);
     void BindKey(TSQLiteStatement& Statement, int FirstParam, const TSQLiteKey& Key);

@@ -338,7 +338,7 @@ TEST(KvSqliteConnection, BatchEndedByATriggerIsToldAndTheNextOneBegins)
     for (int I = 1; I <= 4; ++I)
         AppendRecord(Open.Table, {{"qty", I}});
     EXPECT_EQ(Open.MessageOf([&] { AppendRecord(Open.Table, {{"qty", -1}}); }),
-              "orders: out of stock; the transaction was rolled back and its 1 change are lost");
+              "orders: out of stock; the transaction was rolled back and its change is lost");
     Open.Table.Cancel();
     AppendRecord(Open.Table, {{"qty", 5}});
     Open.Table.Close();

@@ -74,7 +74,8 @@ TEST(KvSqliteSchema, GeneratedColumnsAreReadOnly)
 
 TEST(KvSqliteSchema, ColumnsOfViewsAreReadOnlyAndTypedAsTheirTables)
 {
-    TOpenTable Open("CREATE TABLE base (a INTEGER NOT NULL, n VARCHAR(5)); CREATE VIEW t AS SELECT a, n, a + 1 AS b FROM base");
+    TOpenTable Open("CREATE TABLE base (a INTEGER NOT NULL, n VARCHAR(5));"
+                    "CREATE VIEW t AS SELECT a, n, a + 1 AS b FROM base");
     EXPECT_EQ(FieldsOf(Open.Table), (TTexts{"a largeint read-only", "n string(5) read-only", "b variant read-only"}));
 }
 

@@ -17,11 +17,18 @@ namespace kv {
 /// The text "a|b|c" of each row, NULL for null.
 using TRowTexts = std::vector<std::string>;
 
+/// What most tests work on.
+inline const std::string OrdersTable =
+    "CREATE TABLE orders (id INTEGER PRIMARY KEY, name VARCHAR(20), qty INTEGER);";
+
 /// A connection of its own to a file, closed at the end.
 class TTestConnection
 {
 public:
-    explicit TTestConnection(const std::string& FileName) { EXPECT_EQ(sqlite3_open(FileName.c_str(), &Handle), SQLITE_OK); }
+    explicit TTestConnection(const std::string& FileName)
+    {
+        EXPECT_EQ(sqlite3_open(FileName.c_str(), &Handle), SQLITE_OK);
+    }
     TTestConnection(const TTestConnection&) = delete;
     TTestConnection& operator=(const TTestConnection&) = delete;
     ~TTestConnection() { sqlite3_close_v2(Handle); }
@@ -65,10 +72,7 @@ private:
 class TTestFile
 {
 public:
-    explicit TTestFile(const std::string& Sql = "CREATE TABLE orders (id INTEGER PRIMARY KEY, name VARCHAR(20), qty INTEGER)")
-    {
-        Run(Sql);
-    }
+    explicit TTestFile(const std::string& Sql = OrdersTable) { Run(Sql); }
     TTestFile(const TTestFile&) = delete;
     TTestFile& operator=(const TTestFile&) = delete;
     ~TTestFile()

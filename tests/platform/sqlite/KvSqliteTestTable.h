@@ -68,8 +68,7 @@ template <class TAction> std::string MessageOf(const std::string& FileName, TAct
 /// Table "orders" of a new file, which `Sql` creates.
 struct TTestTable
 {
-    explicit TTestTable(const std::string& Sql = "CREATE TABLE orders (id INTEGER PRIMARY KEY, name VARCHAR(20), qty INTEGER)")
-        : File(Sql)
+    explicit TTestTable(const std::string& Sql = OrdersTable) : File(Sql)
     {
         Table.DatabaseName = File.FileName();
         Table.TableName = "orders";
