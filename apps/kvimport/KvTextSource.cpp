@@ -21,20 +21,12 @@ namespace kv {
 
 namespace {
 
-constexpr TKvITextExtensions AllExtensions{xtDoubledQualifiers, xtLongLines, xtByteOrderMark};
+constexpr TKvITextExtensions AllExtensions{xtDoubledQualifiers, xtLongLines, xtByteOrderMark, xtFixedPadding};
 
 /// Without the blanks that fill a fixed column.
 std::string_view WithoutPadding(std::string_view Text)
 {
     return Text.substr(0, Text.find_last_not_of(' ') + 1);
-}
-
-void RemovePadding(TVariant& Value)
-{
-    if (!Value.IsString() || !Value.Text().ends_with(' '))
-        return;
-    const std::string Kept(WithoutPadding(Value.Text()));
-    Value.SetText(Kept);
 }
 
 class TTextSource final : public TSource
@@ -98,8 +90,6 @@ void TTextSource::SetLayout()
     Import.CharacterSet = Text.MsDos ? csiASCII_MSDOS : csiANSI_WINDOWS;
     if (!Options.Classic)
         Import.Extensions = AllExtensions;
-    if (TrimsColumns())
-        Import.OnGetCellParams = [](auto&, TField*, TVariant& Value) { RemovePadding(Value); };
 
     Import.RowFirst = Text.RowFirst.value_or(Options.FindNames ? 2 : 1);
     Import.RowLast = Text.RowLast.value_or(RowLastMax);

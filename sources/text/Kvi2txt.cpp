@@ -16,7 +16,8 @@ constexpr std::string_view FieldDelimiterNames[] = {"fdNone",  "fdCustom", "fdTa
                                                     "fdComma", "fdSpace"};
 constexpr std::string_view TextQualifierNames[] = {"tqNone", "tqCustom", "tqQuot", "tqApos"};
 constexpr std::string_view RecordSeparatorNames[] = {"rsCustom", "rsCRLF", "rsCR", "rsLF"};
-constexpr std::string_view ExtensionNames[] = {"xtDoubledQualifiers", "xtLongLines", "xtByteOrderMark"};
+constexpr std::string_view ExtensionNames[] = {"xtDoubledQualifiers", "xtLongLines", "xtByteOrderMark",
+                                               "xtFixedPadding"};
 
 constexpr char MsgLineTooLong[] = "is longer than 9999 characters";
 constexpr char MsgUnclosed[] = "begins a value that no text qualifier closes";
@@ -347,8 +348,10 @@ std::string_view TKvImportFromText::TextOf(const TColumn& Column, std::string_vi
     const bool InLine = Column.First > 0 && (Fixed || Column.First <= FieldPositions->Count());
     if (!InLine)
         return Column.NamesField ? std::string_view() : WithoutDelimiter(Source);
-    if (Fixed)
-        return WithoutDelimiter(Slice(CurrentLine, Column.First, Column.Last));
+    if (Fixed) {
+        const auto Bytes = WithoutDelimiter(Slice(CurrentLine, Column.First, Column.Last));
+        return Extensions.Contains(xtFixedPadding) ? Bytes.substr(0, Bytes.find_last_not_of(' ') + 1) : Bytes;
+    }
     const auto Value = FieldPositions->Value(Column.First - 1);
     return Extensions.Contains(xtDoubledQualifiers) ? Value : WithoutDelimiter(Value);
 }

@@ -29,7 +29,9 @@ enum TKvITextExtension {
     xtLongLines,
     /// A byte order mark is no part of the first value; one of UTF-16 also says how the text is to be
     /// read. Without it the mark is text.
-    xtByteOrderMark
+    xtByteOrderMark,
+    /// Blanks that fill a fixed column up are no part of its value. Without it they are.
+    xtFixedPadding
 };
 using TKvITextExtensions = TSet<TKvITextExtension>;
 

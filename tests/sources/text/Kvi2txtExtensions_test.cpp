@@ -190,4 +190,24 @@ TEST(Kvi2txtByteOrderMark, TextBecomesThatOfTheProcess)
     SetAnsiCodePage("UTF-8");
 }
 
+TEST(Kvi2txtFixedPadding, BlanksAfterAFixedValueAreNoPartOfIt)
+{
+    TTextImport Import(" Ada   Bern  \r\n");
+    Import.Fixed = true;
+    Import.SetFieldDelimiter(fdNone);
+    Import.MapTo({"Text1-7", "Text8-13"});
+    EXPECT_THAT(Import.Run(), ElementsAre(" Ada   |Bern  |"));
+    Import.Mode = imCopy;
+    Import.Extensions = {xtFixedPadding};
+    EXPECT_THAT(Import.Run(), ElementsAre(" Ada|Bern|"));
+}
+
+TEST(Kvi2txtFixedPadding, OfDelimitedValuesStays)
+{
+    TTextImport Import("Ada  ,Bern\r\n");
+    Import.MapTo({"Field1", "Field2"});
+    Import.Extensions = {xtFixedPadding};
+    EXPECT_THAT(Import.Run(), ElementsAre("Ada  |Bern|"));
+}
+
 } // namespace kv
