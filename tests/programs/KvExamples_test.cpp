@@ -25,11 +25,11 @@ TEST(KvExamples, OrdersGoIntoTheTableWhole)
                                                   "--delimiter", "comma", "--first-row", "2", "--mode", "append-update", "--keys", "ID"});
     EXPECT_EQ(Run["exitStatus"], 0);
     EXPECT_EQ(Run["added"], 16);
-    EXPECT_EQ(Shop.Ask("SELECT CUSTOMER, CITY, ORDERED, AMOUNT, QTY, PAID, NOTE FROM orders WHERE ID IN (10249, 10258, 10263)"),
-              "Müller, Söhne & Co.|Köln|2024-01-05|1863.4|9|1|Deliver to the yard, not to the shop\n"
+    EXPECT_EQ(Shop.Ask("SELECT CUSTOMER, CITY, ORDERED, AMOUNT, QTY, PAID, NOTE FROM orders WHERE ID IN (20249, 20258, 20263)"),
+              "Müller, Söhne & Co.|Köln|2024-01-05|1871.2|9|1|Deliver to the yard, not to the shop\n"
               "Smith, Jones and Daughters|Leeds|2024-01-17|1614.88|50|NULL|Second address:\n14 Canal Street\n"
-              "Ernst Handel|Graz|2024-03-05|NULL|NULL|0|Price on request");
-    EXPECT_EQ(Shop.Ask("SELECT sum(AMOUNT) FROM orders"), "17905.96");
+              "Murtal Handel|Graz|2024-03-05|NULL|NULL|0|Price on request");
+    EXPECT_EQ(Shop.Ask("SELECT sum(AMOUNT) FROM orders"), "17930.36");
 }
 
 TEST(KvExamples, OrdersOfFixedWidthGoIntoTheTableWhole)
@@ -40,7 +40,7 @@ TEST(KvExamples, OrdersOfFixedWidthGoIntoTheTableWhole)
                                                   "--date-order", "dmy", "--date-separator", ".", "--decimal-separator", ","});
     EXPECT_EQ(Run["exitStatus"], 0);
     EXPECT_EQ(Shop.Ask("SELECT CUSTOMER, CITY, ORDERED, AMOUNT FROM orders WHERE ID >= 10305"),
-              "Bólido Comidas|Madrid|2024-09-13|4157\nGrößte Auswahl|München|2024-09-16|498.5");
+              "Comidas Peñón|Madrid|2024-09-13|4157\nGrößte Auswahl|München|2024-09-16|498.5");
 }
 
 TEST(KvExamples, TheLibraryDoesTheSame)
@@ -50,7 +50,7 @@ TEST(KvExamples, TheLibraryDoesTheSame)
     EXPECT_EQ(First.Out + First.Err, "16 added, 0 updated, 0 errors\n");
     const auto Second = TRunningProgram(Shop.Folder, KV_LIBRARY_EXAMPLE, {Examples + "/orders.csv", Shop.Database()}).Wait();
     EXPECT_EQ(Second.Out + Second.Err, "0 added, 16 updated, 0 errors\n");
-    EXPECT_EQ(Shop.Ask("SELECT sum(AMOUNT) FROM orders"), "17905.96");
+    EXPECT_EQ(Shop.Ask("SELECT sum(AMOUNT) FROM orders"), "17930.36");
 }
 
 } // namespace
