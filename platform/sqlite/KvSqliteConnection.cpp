@@ -15,6 +15,8 @@ namespace kv {
 
 namespace {
 
+constexpr int StepsBetweenQuestions = 20000;        // of SQLite's virtual machine: about a millisecond
+
 std::int64_t SteadyMilliseconds()
 {
     using namespace std::chrono;
@@ -52,9 +54,18 @@ void TSQLiteConnection::Configure()
 {
     sqlite3_busy_handler(Handle(), &WaitForLock, this);
     sqlite3_rollback_hook(Handle(), &TellRolledBack, this);
+    if (Settings.OnWork)
+        sqlite3_progress_handler(Handle(), StepsBetweenQuestions, &AskToStop, this);
     if (Settings.CacheSize > 0)
         Execute("PRAGMA cache_size = -" + std::to_string(Settings.CacheSize));
     Execute("SELECT 1 FROM sqlite_schema LIMIT 1"); // opening alone does not look into the file
+}
+
+/// Not zero to stop. Asks only in the program's own thread.
+int TSQLiteConnection::AskToStop(void* Self)
+{
+    const auto& Connection = *static_cast<TSQLiteConnection*>(Self);
+    return std::this_thread::get_id() == Connection.Thread && !Connection.Settings.OnWork();
 }
 
 // --- Waiting for locks ------------------------------------------------------------------------------

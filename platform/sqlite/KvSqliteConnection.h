@@ -83,6 +83,7 @@ private:
 
     static int WaitForLock(void* Self, int Tries);
     bool WaitForLock(int Tries);
+    static int AskToStop(void* Self);
     static void TellRolledBack(void* Self);
     void Configure();
     void Begin(TTransactionOwner NewOwner);

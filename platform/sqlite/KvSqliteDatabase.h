@@ -40,6 +40,9 @@ public:
     int BusyTimeout = 5000;                         ///< Milliseconds to wait for other programs' locks.
     /// Asked between two tries while another program holds a lock; false gives up at once.
     std::function<bool()> OnBusy;
+    /// Asked every millisecond or so while a statement works, such as one that builds an index; false ends
+    /// it with an error. Set before Open. It must not raise.
+    std::function<bool()> OnWork;
 
     void Open();                                    ///< Does nothing when open.
     /// Closes the datasets that are open on it, then itself. A transaction that the program started and
