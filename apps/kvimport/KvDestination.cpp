@@ -25,19 +25,27 @@ void CheckDatabaseFile(const std::string& FileName)
 
 } // namespace
 
-TDestination::TDestination(const TDestinationOptions& Given) : Options(Given), Records(nullptr)
+void TEmptiableTable::InternalDelete()
+{
+    if (BeingEmptied && TCancelSignals::Requested())
+        throw Exception("Cancelled while the table was emptied");
+    TSQLiteTable::InternalDelete();
+}
+
+TDestination::TDestination(const TDestinationOptions& Given) : Options(Given)
 {
     CheckDatabaseFile(Options.FileName);
     Database.DatabaseName = Options.FileName;
     Database.BusyTimeout = Options.BusyTimeout;
     Database.CacheSize = Options.CacheSize;
-    Database.OnBusy = [] { return !TCancelSignals::Requested(); };
+    Database.OnBusy = Database.OnWork = [] { return !TCancelSignals::Requested(); };
     Database.Open();
     if (Options.Table.empty())
         throw Exception("--table is missing; the tables of " + Options.FileName + " are " +
                         JoinNames(Database.TableNames()));
     Records.SetDatabase(&Database);
     Records.TableName = FromDisplay(Options.Table);
+    Records.BeingEmptied = Options.Empties;
     Records.Open();
 }
 

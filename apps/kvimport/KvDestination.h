@@ -16,6 +16,7 @@ struct TDestinationOptions
     int Batch = 0;                                  ///< Records of one transaction; 0: all of them.
     int BusyTimeout = 5000;                         ///< Milliseconds to wait for other programs.
     int CacheSize = 0;                              ///< KiB; 0: as the database has it.
+    bool Empties = false;                           ///< All records of the table are removed first.
 };
 
 /// What became of the records of a run.
@@ -23,6 +24,17 @@ struct TTransactionOutcome
 {
     bool Complete = false;                          ///< All of them stand in the database.
     int KeptRecords = 0;                            ///< Records of the source up to which the table is changed.
+};
+
+/// A table that can be emptied record by record without keeping the user waiting who has cancelled: the
+/// engine asks between records that it reads, not between those that it removes before.
+class TEmptiableTable final : public TSQLiteTable
+{
+public:
+    bool BeingEmptied = false;                      ///< Removing raises once the user has cancelled.
+
+protected:
+    void InternalDelete() override;
 };
 
 /// Everything that waits for another program gives up as soon as the user cancels.
@@ -52,7 +64,7 @@ private:
 
     const TDestinationOptions Options;
     TSQLiteDatabase Database;
-    TSQLiteTable Records;
+    TEmptiableTable Records;
     int RecordsRead = 0, NextCommit = 0, Committed = 0;
 };
 

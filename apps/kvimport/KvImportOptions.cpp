@@ -13,6 +13,10 @@ namespace kv {
 
 namespace {
 
+// KiB. Keyed records come in any order: with the 2 MB that a database takes by itself pages are read and
+// written over and over, and many of the writes wait for the disk.
+constexpr int KeyedCacheSize = 16384;
+
 constexpr char ExtraHelp[] =
     "Examples:\n"
     "  kvimport import orders.csv --to shop.db --table orders\n"
@@ -37,7 +41,7 @@ void AddDestinationOptions(CLI::App& Command, TDestinationOptions& Options)
                [&Options](const std::string& Text) { Options.Batch = ReadCount(Text, 1); });
     AddChecked(Command, "--busy-timeout", "MS", "Milliseconds to wait for other programs' locks (default: 5000)",
                [&Options](const std::string& Text) { Options.BusyTimeout = ReadCount(Text, 0); });
-    AddChecked(Command, "--cache-size", "KIB", "Page cache of the database (default: its own)",
+    AddChecked(Command, "--cache-size", "KIB", "Page cache of the database (default: 16384 with keys, else its own)",
                [&Options](const std::string& Text) { Options.CacheSize = ReadCount(Text, 0); });
 }
 
@@ -130,6 +134,9 @@ void CheckImportOptions(TImportOptions& Options)
         throw EUsageError("--fixed needs --columns, such as ID=1-9,CITY=10-29, or --map, such as ID=Text1-9");
     if (IsSameFile(Options.Source.FileName, Options.Destination.FileName))
         throw EUsageError("the source and --to are the same file, " + Options.Destination.FileName);
+    Options.Destination.Empties = Options.Mode == imCopy;
+    if (NeedsKeys(Options.Mode) && Options.Destination.CacheSize == 0)
+        Options.Destination.CacheSize = KeyedCacheSize;
     Options.Source.FindNames = Options.Map.empty() && !Options.ByPosition && !Text.Fixed;
     Options.Map.insert(Options.Map.end(), Text.FixedColumns.begin(), Text.FixedColumns.end());
 }

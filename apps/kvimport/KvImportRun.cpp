@@ -155,13 +155,18 @@ void TImportRun::CountFigures()
     Figures = {.Read = Counted.TotalImported,
                .Added = Counted.TotalAdded,
                .Updated = Counted.TotalUpdated,
-               .Deleted = Counted.TotalDeleted,
+               .Deleted = Options.Mode == imCopy ? 0 : Counted.TotalDeleted, // there it counts what was removed before
                .Refused = Refused,
                .Failed = Failed,
                .NotFound = NotFound};
-    // The record at which a run broke off was read, and came to nothing else.
-    if (Counted.Result == irFailed)
-        Figures.Failed = Figures.Read - Figures.Added - Figures.Updated - Figures.Deleted - Refused - NotFound;
+    // The record at which a run broke off was read, and came to nothing else. Cancelling is no fault of it.
+    if (Counted.Result != irFailed)
+        return;
+    const int BrokenOff = Figures.Read - Figures.Added - Figures.Updated - Figures.Deleted - Refused - Failed - NotFound;
+    if (TCancelSignals::Requested())
+        Figures.Read -= BrokenOff;
+    else
+        Figures.Failed += BrokenOff;
 }
 
 /// With the place of the record at which the run broke off.

@@ -114,6 +114,37 @@ TEST_F(KvImportCancel, WhileAnotherProgramHoldsTheDatabase)
     EXPECT_EQ(Shop.Count(), 0);
 }
 
+/// A table that takes long to empty, and to index.
+void FillTable(const TShop& Shop)
+{
+    Shop.Ask("INSERT INTO orders (ID, CITY, NOTE) WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1000000) "
+             "SELECT i, 'City ' || i, 'note ' || i FROM n");
+}
+
+TEST_F(KvImportCancel, WhileTheTableIsEmptied)
+{
+    FillTable(Shop);
+    const auto File = Shop.Folder.Write("orders.csv", ManyOrders(300000));
+    TRunningProgram Program(Shop.Folder, KV_PROGRAM, ImportOf(File, {"--mode", "copy", "--json"}));
+    std::this_thread::sleep_for(500ms);
+    const auto Run = Cancel(Program).Json();
+    EXPECT_EQ(Run["read"], Run["added"]);
+    EXPECT_EQ(Run["failed"], 0);
+    EXPECT_EQ(Shop.Count(), 1000000);
+}
+
+TEST_F(KvImportCancel, WhileAnIndexIsBuilt)
+{
+    FillTable(Shop);
+    const auto File = Shop.Folder.Write("orders.csv", ManyOrders(300000));
+    TRunningProgram Program(Shop.Folder, KV_PROGRAM, ImportOf(File, {"--mode", "update", "--keys", "CITY", "--json"}));
+    std::this_thread::sleep_for(500ms);
+    const auto Run = Cancel(Program).Json();
+    EXPECT_EQ(Run["failed"], 0);
+    EXPECT_EQ(Run["message"], nullptr);
+    EXPECT_EQ(Shop.Ask("SELECT count(*) FROM orders WHERE QTY IS NOT NULL"), "0");
+}
+
 TEST_F(KvImportCancel, ASecondSignalEndsTheProgramTheUsualWay)
 {
     const auto File = Shop.Folder.Write("orders.csv", ManyOrders(300000));
