@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <thread>
 
@@ -37,6 +38,15 @@ protected:
         TArguments Arguments{"import", File, "--to", Shop.Database(), "--table", "orders"};
         Arguments.insert(Arguments.end(), More.begin(), More.end());
         return Arguments;
+    }
+
+    /// Until the first record is being written, and a little longer.
+    void WaitForWriting() const
+    {
+        const auto End = TClock::now() + 20s;
+        while (!std::filesystem::exists(Shop.Database() + "-journal") && TClock::now() < End)
+            std::this_thread::sleep_for(1ms);
+        std::this_thread::sleep_for(50ms);
     }
 
     /// Sends the signal and expects the end in time.
@@ -82,7 +92,7 @@ TEST_F(KvImportCancel, WhileRecordsAreStored)
 {
     const auto File = Shop.Folder.Write("orders.csv", ManyOrders(300000));
     TRunningProgram Program(Shop.Folder, KV_PROGRAM, ImportOf(File));
-    std::this_thread::sleep_for(400ms);
+    WaitForWriting();
     const auto Result = Cancel(Program);
     EXPECT_THAT(Result.Out, HasSubstr("Cancelled: nothing was imported (rolled back)."));
     EXPECT_EQ(Shop.Count(), 0);
@@ -93,7 +103,7 @@ TEST_F(KvImportCancel, KeepsWholeBatches)
 {
     const auto File = Shop.Folder.Write("orders.csv", ManyOrders(300000));
     TRunningProgram Program(Shop.Folder, KV_PROGRAM, ImportOf(File, {"--batch", "500", "--json"}));
-    std::this_thread::sleep_for(700ms);
+    WaitForWriting();
     const auto Run = Cancel(Program, SIGTERM).Json();
     EXPECT_EQ(Run["result"], "cancelled");
     EXPECT_EQ(Run["exitStatus"], 130);
@@ -126,7 +136,7 @@ TEST_F(KvImportCancel, WhileTheTableIsEmptied)
     FillTable(Shop);
     const auto File = Shop.Folder.Write("orders.csv", ManyOrders(300000));
     TRunningProgram Program(Shop.Folder, KV_PROGRAM, ImportOf(File, {"--mode", "copy", "--json"}));
-    std::this_thread::sleep_for(500ms);
+    WaitForWriting();
     const auto Run = Cancel(Program).Json();
     EXPECT_EQ(Run["read"], Run["added"]);
     EXPECT_EQ(Run["failed"], 0);
@@ -149,7 +159,7 @@ TEST_F(KvImportCancel, ASecondSignalEndsTheProgramTheUsualWay)
 {
     const auto File = Shop.Folder.Write("orders.csv", ManyOrders(300000));
     TRunningProgram Program(Shop.Folder, KV_PROGRAM, ImportOf(File));
-    std::this_thread::sleep_for(300ms);
+    WaitForWriting();
     for (const int Signal : {SIGSTOP, SIGINT, SIGTERM, SIGCONT}) // stopped, it cannot act on the first before the second
         Program.Signal(Signal);
     EXPECT_EQ(Program.Wait().Status, 128 + SIGTERM);
