@@ -1,6 +1,7 @@
 #include "KvSqliteInsertQueue.h"
 
 #include <algorithm>
+#include <bit>
 #include <csignal>
 #include <limits>
 #include <utility>
@@ -44,6 +45,59 @@ TSQLiteInsertQueue::~TSQLiteInsertQueue()
     Thread.join();
 }
 
+// --- A block of records -----------------------------------------------------------------------------
+
+void TSQLiteInsertQueue::TBlock::Clear()
+{
+    Cells.clear();
+    Bytes.clear();
+    FRows = EndedCells = EndedBytes = 0;
+}
+
+void TSQLiteInsertQueue::TBlock::BeginRow()
+{
+    Cells.resize(EndedCells);
+    Bytes.resize(EndedBytes);
+}
+
+void TSQLiteInsertQueue::TBlock::EndRow()
+{
+    ++FRows;
+    EndedCells = Cells.size();
+    EndedBytes = Bytes.size();
+}
+
+void TSQLiteInsertQueue::TBlock::Add(const TSQLiteValue& Value)
+{
+    switch (Value.Storage) {
+    case ssNull:
+    case ssInteger: Cells.push_back({Value.Integer, 0, Value.Storage}); break;
+    case ssReal:    Cells.push_back({std::bit_cast<std::int64_t>(Value.Real), 0, ssReal}); break;
+    case ssText:
+    case ssBlob:
+        Cells.push_back({static_cast<std::int64_t>(Bytes.size()), static_cast<std::uint32_t>(Value.Bytes.size()),
+                         Value.Storage});
+        Bytes.append(Value.Bytes);
+        break;
+    }
+}
+
+TSQLiteValue TSQLiteInsertQueue::TBlock::Value(std::size_t Index) const
+{
+    const auto& Cell = Cells[Index];
+    switch (Cell.Storage) {
+    case ssNull:    break;
+    case ssInteger: return TSQLiteValue::OfInteger(Cell.Content);
+    case ssReal:    return TSQLiteValue::OfReal(std::bit_cast<double>(Cell.Content));
+    case ssText:
+    case ssBlob: {
+        const std::string_view Text(Bytes.data() + Cell.Content, Cell.Size);
+        return Cell.Storage == ssText ? TSQLiteValue::OfText(Text) : TSQLiteValue::OfBlob(Text);
+    }
+    }
+    return {};
+}
+
 // --- Taking records ---------------------------------------------------------------------------------
 
 bool TSQLiteInsertQueue::TryAdd(const TRecordBuffer& Record, TSQLiteKey& Key)
@@ -55,12 +109,14 @@ bool TSQLiteInsertQueue::TryAdd(const TRecordBuffer& Record, TSQLiteKey& Key)
         Finish();
         return false;
     }
-    Filling.Values[Filling.Rows * (Columns.size() + 1)].Set(TSQLiteValue::OfInteger(Rowid));
-    AddValues(Record);
+    Filling.BeginRow();
+    Filling.Add(TSQLiteValue::OfInteger(Rowid));
+    for (const auto Column : Columns)               // may raise: then the row is not ended
+        Filling.Add(EncodeValue(Table.Columns[Column], Record.Values[Column], Scratch[Column]));
+    Filling.EndRow();
     LastRowid = Rowid;
-    ++Filling.Rows;                                 // counts from here on: a value that is refused came before
     Key.front().Set(TSQLiteValue::OfInteger(Rowid));
-    if (Filling.Rows == BlockRows)
+    if (Filling.Rows() == BlockRows)
         HandOver();
     return true;
 }
@@ -116,8 +172,7 @@ void TSQLiteInsertQueue::Start(const TRecordBuffer& Record)
     }
     Insert = TSQLiteStatement(Connection, "INSERT INTO " + Table.QualifiedName() + " (" + Names + ") VALUES (" + Params + ")",
                               Table.Title);
-    for (auto* const Block : {&Filling, &Storing})
-        Block->Values.resize(BlockRows * (Columns.size() + 1));
+    Filling.Clear();
     if (!Thread.joinable())
         Thread = StartThread([this] { RunBlocks(); });
     Active = true;
@@ -141,13 +196,6 @@ std::int64_t TSQLiteInsertQueue::RowidFor(const TRecordBuffer& Record) const
     return LastRowid < std::numeric_limits<std::int64_t>::max() ? LastRowid + 1 : LastRowid;
 }
 
-void TSQLiteInsertQueue::AddValues(const TRecordBuffer& Record)
-{
-    auto Slot = Filling.Values.begin() + static_cast<std::ptrdiff_t>(Filling.Rows * (Columns.size() + 1));
-    for (const auto Column : Columns)
-        (++Slot)->Set(EncodeValue(Table.Columns[Column], Record.Values[Column], Scratch[Column]));
-}
-
 // --- Between the threads ----------------------------------------------------------------------------
 
 void TSQLiteInsertQueue::HandOver()
@@ -155,7 +203,7 @@ void TSQLiteInsertQueue::HandOver()
     Pause();
     CheckStored();
     std::swap(Filling, Storing);
-    Filling.Rows = 0;
+    Filling.Clear();
     {
         const std::lock_guard Lock(Mutex);
         HasWork = true;
@@ -188,17 +236,15 @@ void TSQLiteInsertQueue::RunBlocks()
 void TSQLiteInsertQueue::Store(TBlock& Block)
 {
     auto* const Statement = Insert.Get();
-    auto Value = Block.Values.begin();
-    for (std::size_t Row = 0; Row < Block.Rows; ++Row) {
-        for (int Param = 1; Param <= static_cast<int>(Columns.size()) + 1; ++Param)
-            BindValue(Statement, Param, (Value++)->Get());
+    for (std::size_t Row = 0; Row < Block.Rows(); ++Row) {
+        for (std::size_t I = 0; I < Width(); ++I)
+            BindValue(Statement, static_cast<int>(I) + 1, Block.Value(Row * Width() + I));
         if (sqlite3_step(Statement) != SQLITE_DONE) {
             Failed = true;
             break;
         }
         sqlite3_reset(Statement);
     }
-    Block.Rows = 0;
 }
 
 void TSQLiteInsertQueue::CheckStored()
@@ -218,6 +264,7 @@ void TSQLiteInsertQueue::Finish()
     Pause();
     CheckStored();
     Store(Filling);
+    Filling.Clear();
     CheckStored();
     Stop();
 }
@@ -230,7 +277,7 @@ void TSQLiteInsertQueue::Stop()
     Connection.SetQueue(nullptr);
     Active = false;
     Candidates = 0;
-    Filling.Rows = 0;
+    Filling.Clear();
     Insert.Reset();
 }
 

@@ -14,7 +14,7 @@ namespace kv {
 
 namespace {
 
-constexpr int Enough = 1000;                        // records: several blocks and an unfinished one
+constexpr int Enough = 3000;                        // records: some blocks and an unfinished one
 
 void AppendMany(TDataSet& DataSet, int First, int Last)
 {
@@ -59,9 +59,9 @@ TEST(KvSqliteInsertQueue, RollbackUndoesWhatWasTakenToo)
 TEST(KvSqliteInsertQueue, BatchesAreCommittedWhole)
 {
     TTestTable Open;
-    Open.Table.CommitEvery = 300;
+    Open.Table.CommitEvery = 1300;
     AppendMany(Open.Table, 1, Enough);
-    EXPECT_EQ(Open.Rows("SELECT count(*) FROM orders"), TRowTexts{"900"});
+    EXPECT_EQ(Open.Rows("SELECT count(*) FROM orders"), TRowTexts{"2600"});
     Open.Table.Close();
     EXPECT_EQ(Open.Rows(Figures), TRowTexts{FiguresUpTo(Enough)});
 }
@@ -71,11 +71,11 @@ TEST(KvSqliteInsertQueue, WhoeverReadsSeesAllThatWasPosted)
     TTestTable Open;
     Open.Table.StartTransaction();
     AppendMany(Open.Table, 1, Enough);
-    EXPECT_EQ(Open.Table.FieldByName("name").AsString(), "n1000");
+    EXPECT_EQ(Open.Table.FieldByName("name").AsString(), "n3000");
     AppendMany(Open.Table, Enough + 1, 2 * Enough);
     EXPECT_EQ(Open.Table.RecordCount(), 2 * Enough);
-    EXPECT_TRUE(Open.Table.Locate("id", 1999));
-    EXPECT_EQ(Open.Table.FieldByName("name").AsString(), "n1999");
+    EXPECT_TRUE(Open.Table.Locate("id", 5999));
+    EXPECT_EQ(Open.Table.FieldByName("name").AsString(), "n5999");
     AppendMany(Open.Table, 2 * Enough + 1, 3 * Enough);
     Open.Table.Delete();                            // the last
     Open.Table.First();
@@ -103,7 +103,7 @@ TEST(KvSqliteInsertQueue, AnotherDatasetOnTheConnectionSeesThemToo)
     AppendMany(Writer, 2 * Enough + 1, 3 * Enough);
     Reader.Close();                                 // while records wait
     Database.Commit();
-    EXPECT_EQ(File.Rows("SELECT count(*), sum(id <= 2000 AND qty <> 0) FROM orders"), TRowTexts{"3000|0"});
+    EXPECT_EQ(File.Rows("SELECT count(*), sum(id <= 6000 AND qty <> 0) FROM orders"), TRowTexts{"9000|0"});
 }
 
 TEST(KvSqliteInsertQueue, KeysThatTheDatabaseGivesGoOnFromTheHighest)
@@ -112,10 +112,10 @@ TEST(KvSqliteInsertQueue, KeysThatTheDatabaseGivesGoOnFromTheHighest)
     Open.Table.StartTransaction();
     for (int I = 0; I < Enough; ++I)
         AppendRecord(Open.Table, {{"name", "new"}});
-    EXPECT_EQ(Open.Table.FieldByName("id").AsString(), "6000");
+    EXPECT_EQ(Open.Table.FieldByName("id").AsString(), "8000");
     Open.Table.Commit();
     EXPECT_EQ(Open.Rows("SELECT min(id), max(id), count(DISTINCT id) FROM orders WHERE name = 'new'"),
-              TRowTexts{"5001|6000|1000"});
+              TRowTexts{"5001|8000|3000"});
 }
 
 TEST(KvSqliteInsertQueue, RecordRefusedIsRefusedAtItsOwnPost)
@@ -142,7 +142,7 @@ TEST(KvSqliteInsertQueue, RecordsInAnyOrderAndOfAnyColumnsAreStored)
     int Highest = 0, Count = 0;
     for (int Run = 0; Run < 20; ++Run) {
         const bool Named = Random() % 2 != 0;
-        for (int I = static_cast<int>(Random() % 400); I > 0; --I, ++Count) {
+        for (int I = static_cast<int>(Random() % 3000); I > 0; --I, ++Count) {
             Highest += 1 + static_cast<int>(Random() % 3);
             Named ? AppendRecord(Open.Table, {{"id", Highest}, {"name", "x"}}) : AppendRecord(Open.Table, {{"id", Highest}});
         }
@@ -165,7 +165,7 @@ TEST(KvSqliteInsertQueue, HighestRowidOfAllIsNoTrap)
     for (int I = 0; I < Enough; ++I)
         AppendRecord(Open.Table, {{"name", "elsewhere"}}); // the database looks for free numbers
     Open.Table.Commit();
-    EXPECT_EQ(Open.Rows("SELECT count(DISTINCT id) FROM orders"), TRowTexts{"2001"});
+    EXPECT_EQ(Open.Rows("SELECT count(DISTINCT id) FROM orders"), TRowTexts{"6001"});
 }
 
 TEST(KvSqliteInsertQueue, ValuesArriveAsTheyWere)
@@ -180,13 +180,13 @@ TEST(KvSqliteInsertQueue, ValuesArriveAsTheyWere)
     AppendRecord(Open.Table, {{"name", Huge}, {"raw", Null}, {"day", Null}, {"paid", false}, {"r", Null}});
     AppendRecord(Open.Table, {{"name", "M\xFCller"}, {"raw", Null}, {"day", Null}, {"paid", false}, {"r", Null}});
     Open.Table.Commit();
-    EXPECT_EQ(Open.Rows("SELECT count(*), hex(name), hex(raw), day, paid, r FROM orders WHERE id % 2 = 1 AND id < 2000"),
-              TRowTexts{"1000|610062|FF|2024-02-29|1|0.1"});
+    EXPECT_EQ(Open.Rows("SELECT count(*), hex(name), hex(raw), day, paid, r FROM orders WHERE id % 2 = 1 AND id < 6000"),
+              TRowTexts{"3000|610062|FF|2024-02-29|1|0.1"});
     EXPECT_EQ(Open.Rows("SELECT count(*), min(length(name)), count(raw), count(day), sum(paid), count(r)"
-                        " FROM orders WHERE id % 2 = 0 AND id <= 2000"),
-              TRowTexts{"1000|5000|0|0|0|0"});
-    EXPECT_EQ(Open.Rows("SELECT length(name) FROM orders WHERE id = 2001"), TRowTexts{"1048577"});
-    EXPECT_EQ(Open.Rows("SELECT name FROM orders WHERE id = 2002"), TRowTexts{"Müller"});
+                        " FROM orders WHERE id % 2 = 0 AND id <= 6000"),
+              TRowTexts{"3000|5000|0|0|0|0"});
+    EXPECT_EQ(Open.Rows("SELECT length(name) FROM orders WHERE id = 6001"), TRowTexts{"1048577"});
+    EXPECT_EQ(Open.Rows("SELECT name FROM orders WHERE id = 6002"), TRowTexts{"Müller"});
 }
 
 TEST(KvSqliteInsertQueue, FullDiskUndoesTheTransactionAndSaysSo)
