@@ -96,8 +96,12 @@ TVariant TMemoryDataSet::InternalGetValue(const TField& Field)
 void TMemoryDataSet::InternalInsert(const TRecordBuffer& Written)
 {
     auto Row = std::make_unique<TVariant[]>(Written.Values.size());
-    for (std::size_t I = 0; I < Written.Values.size(); ++I)
-        Row[I] = Written.Assigned[I] ? Written.Values[I] : TVariant(Null);
+    for (std::size_t I = 0; I < Written.Values.size(); ++I) {
+        if (Written.Assigned[I])
+            Row[I] = Written.Values[I];
+        else
+            Row[I] = Null;
+    }
     Rows.push_back(std::move(Row));
     ++LiveRows;
     Current = Rows.size() - 1;
