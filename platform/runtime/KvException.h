@@ -40,6 +40,13 @@ public:
     using Exception::Exception;
 };
 
+/// The bytes of a file are not what its format asks for. The message names the place in the file.
+class EFormatError : public Exception
+{
+public:
+    using Exception::Exception;
+};
+
 /// A published property is unknown or read-only, or the value does not suit it.
 class EPropertyError : public Exception
 {
