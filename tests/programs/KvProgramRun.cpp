@@ -2,10 +2,7 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
-#include <fstream>
-#include <iterator>
 #include <spawn.h>
 #include <stdexcept>
 #include <sys/wait.h>
@@ -16,20 +13,6 @@
 namespace kv {
 
 namespace {
-
-std::filesystem::path MakeFolder()
-{
-    auto Pattern = (std::filesystem::temp_directory_path() / "kvimport-test-XXXXXX").string();
-    if (!mkdtemp(Pattern.data()))
-        throw std::runtime_error("cannot make " + Pattern);
-    return Pattern;
-}
-
-std::string ReadFile(const std::filesystem::path& Path)
-{
-    std::ifstream File(Path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(File), std::istreambuf_iterator<char>()};
-}
 
 /// The result of waitpid as a shell shows it.
 int ShellStatus(int Status)
@@ -84,26 +67,6 @@ private:
 };
 
 } // namespace
-
-TTempFolder::TTempFolder() : Path(MakeFolder()) {}
-
-TTempFolder::~TTempFolder()
-{
-    std::error_code Ignored;
-    std::filesystem::remove_all(Path, Ignored);
-}
-
-std::string TTempFolder::Write(std::string_view Name, std::string_view Bytes) const
-{
-    std::ofstream File(Path / Name, std::ios::binary);
-    File.write(Bytes.data(), static_cast<std::streamsize>(Bytes.size()));
-    return *this / Name;
-}
-
-std::string TTempFolder::Read(std::string_view Name) const
-{
-    return ReadFile(Path / Name);
-}
 
 TRunningProgram::TRunningProgram(const TTempFolder& Place, const std::string& Program, const TArguments& Arguments,
                                  const std::string& Input)

@@ -2,35 +2,18 @@
 #pragma once
 
 #include <chrono>
-#include <filesystem>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <sys/types.h>
 
 #include <nlohmann/json.hpp>
 
+#include "KvTempFolder.h"
+
 namespace kv {
 
 using TArguments = std::vector<std::string>;
-
-/// A folder of its own that is gone with the object.
-class TTempFolder
-{
-public:
-    TTempFolder();
-    TTempFolder(const TTempFolder&) = delete;
-    TTempFolder& operator=(const TTempFolder&) = delete;
-    ~TTempFolder();
-
-    std::string operator/(std::string_view Name) const { return (Path / Name).string(); }
-    /// Writes a file and gives its path.
-    std::string Write(std::string_view Name, std::string_view Bytes) const;
-    std::string Read(std::string_view Name) const;
-
-    const std::filesystem::path Path;
-};
 
 /// How a program ended.
 struct TProgramResult
