@@ -8,11 +8,9 @@
 #include <poll.h>
 #include <string_view>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 
-#include "KvException.h"
-#include "KvText.h"
+#include "KvFile.h"
 
 namespace kv {
 
@@ -20,11 +18,6 @@ namespace {
 
 constexpr std::size_t PieceSize = std::size_t{256} << 10;
 constexpr int LookMilliseconds = 50;                // between two questions while nothing comes
-
-[[noreturn]] void RaiseFileError(std::string_view Action, const std::string& FileName, int Code)
-{
-    throw EFileError(FormatText("Cannot %s file \"%s\": %s", {Action, FileName, std::generic_category().message(Code)}));
-}
 
 class TDescriptor
 {

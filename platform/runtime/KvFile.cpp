@@ -22,12 +22,6 @@ namespace {
 constexpr std::size_t PieceSize = std::size_t{4} << 20;
 constexpr std::size_t FirstCapacity = std::size_t{64} << 10;    // of a file that does not tell its size
 
-[[noreturn]] void RaiseFileError(std::string_view Action, const std::string& FileName, int Code)
-{
-    const auto Reason = std::generic_category().message(Code);
-    throw EFileError(FormatText("Cannot %s file \"%s\": %s", {Action, FileName, Reason}));
-}
-
 /// Asks the system for large pages: filling a hundred megabytes page by page costs more than copying them.
 void PreferLargePages(char* Bytes, std::size_t Size)
 {
@@ -154,6 +148,12 @@ TKvFileBytes ReadToEnd(TOpenFile& File, std::size_t MaxSize, const std::function
 }
 
 } // namespace
+
+void RaiseFileError(std::string_view Action, const std::string& FileName, int Code)
+{
+    const auto Reason = std::generic_category().message(Code);
+    throw EFileError(FormatText("Cannot %s file \"%s\": %s", {Action, FileName, Reason}));
+}
 
 TKvFileBytes ReadFileBytes(const std::string& FileName, std::size_t MaxSize, const std::function<bool()>& Continue)
 {

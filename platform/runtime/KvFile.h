@@ -38,4 +38,8 @@ TKvFileBytes ReadFileBytes(const std::string& FileName,
 /// The size of a regular file in bytes, 0 for anything else that can be opened. Raises EFileError.
 std::uint64_t FileSize(const std::string& FileName);
 
+/// Raises EFileError "Cannot %s file "%s": %s" with `Action` ("open") and the system's word for `Code`,
+/// an errno.
+[[noreturn]] void RaiseFileError(std::string_view Action, const std::string& FileName, int Code);
+
 } // namespace kv
