@@ -1,0 +1,149 @@
+#include "KvCellRows.h"
+
+#include <algorithm>
+#include <cassert>
+
+namespace kv {
+
+namespace {
+
+const TVariant EmptyValue;
+const TVariant NullValue = Null;
+
+// Rows of a sheet are alike: a new one makes room for as many cells as the one before, within reason.
+constexpr std::size_t MaxReserved = 16;
+
+constexpr int MaxRowNumber = 0x7FFFFFFE;            // one more still is a number
+
+} // namespace
+
+// TSpreadSheetRow
+
+/// Where the cell of `Col` stands or would be inserted. Without gaps to its left, at position `Col`.
+std::size_t TSpreadSheetRow::PositionOf(int Col) const
+{
+    if (Cells.empty() || Cells.back().Col < Col)
+        return Cells.size();
+    const auto Guess = static_cast<std::size_t>(Col);
+    if (Guess < Cells.size() && Cells[Guess].Col == Col)
+        return Guess;
+    const auto Found = std::ranges::lower_bound(Cells, Col, {}, [](const TCell& Cell) { return int{Cell.Col}; });
+    return static_cast<std::size_t>(Found - Cells.begin());
+}
+
+const TSpreadSheetRow::TCell* TSpreadSheetRow::Find(int Col) const
+{
+    if (Col < 0)
+        return nullptr;
+    const auto Position = PositionOf(Col);
+    return Position < Cells.size() && Cells[Position].Col == Col ? &Cells[Position] : nullptr;
+}
+
+const TVariant& TSpreadSheetRow::Value(int Col) const
+{
+    const auto* const Cell = Find(Col);
+    return Cell ? Cell->Value : EmptyValue;
+}
+
+TAlignment TSpreadSheetRow::Alignment(int Col) const
+{
+    const auto* const Cell = Find(Col);
+    return Cell ? Cell->Alignment : taLeftJustify;
+}
+
+void TSpreadSheetRow::Set(int Col, const TVariant& Value, TAlignment Alignment)
+{
+    assert(Col >= 0 && Col < MaxColumns);
+    const auto Position = PositionOf(Col);
+    if (Position == Cells.size()) {
+        Cells.push_back({Value, static_cast<std::uint8_t>(Col), Alignment});
+    } else if (Cells[Position].Col == Col) {
+        Cells[Position].Value = Value;
+        Cells[Position].Alignment = Alignment;
+    } else {
+        Cells.insert(Cells.begin() + static_cast<std::ptrdiff_t>(Position),
+                     {Value, static_cast<std::uint8_t>(Col), Alignment});
+    }
+}
+
+// TSpreadSheetCells
+
+int TSpreadSheetCells::AddRow(int Row)
+{
+    const int Position = static_cast<int>(Rows.size());
+    const std::size_t Room = Rows.empty() ? 0 : std::min(Rows.back().CellCount(), MaxReserved);
+    Rows.emplace_back(Row).Reserve(Room);
+    Positions.try_emplace(Row, Position);
+    return Position;
+}
+
+int TSpreadSheetCells::GetRow(int Row) const
+{
+    const auto Last = static_cast<std::size_t>(LastFound);
+    if (Last < Rows.size() && Rows[Last].Row == Row)
+        return LastFound;
+    const auto Found = Positions.find(Row);
+    return Found == Positions.end() ? -1 : Found->second;
+}
+
+int TSpreadSheetCells::GetRow(int Row, bool Create)
+{
+    int Position = std::as_const(*this).GetRow(Row);
+    if (Position < 0 && Create)
+        Position = AddRow(Row);
+    if (Position >= 0)
+        LastFound = Position;
+    return Position;
+}
+
+void TSpreadSheetCells::RemoveRow(std::size_t Index)
+{
+    Rows.erase(Rows.begin() + static_cast<std::ptrdiff_t>(Index));
+    Positions.clear();
+    for (std::size_t I = 0; I < Rows.size(); ++I)
+        Positions.try_emplace(Rows[I].Row, static_cast<int>(I));
+    LastFound = 0;
+}
+
+void TSpreadSheetCells::Clear()
+{
+    *this = {};
+}
+
+const TVariant& TSpreadSheetCells::GetValue(int Col, int Row) const
+{
+    const int Position = GetRow(Row);
+    return Position < 0 ? NullValue : Rows[static_cast<std::size_t>(Position)].Value(Col);
+}
+
+TAlignment TSpreadSheetCells::GetAlignment(int Col, int Row) const
+{
+    const int Position = GetRow(Row);
+    return Position < 0 ? taLeftJustify : Rows[static_cast<std::size_t>(Position)].Alignment(Col);
+}
+
+void TSpreadSheetCells::SetValue(int Col, int Row, const TVariant& Value, TAlignment Alignment)
+{
+    if (Col < 0 || Col >= TSpreadSheetRow::MaxColumns) {
+        FCellsBeyond += Value.HasValue();
+        return;
+    }
+    const int Position = GetRow(Row, Value.HasValue());
+    if (Position < 0)
+        return;
+    Rows[static_cast<std::size_t>(Position)].Set(Col, Value, Alignment);
+    if (Col >= ColCount)
+        ColCount = static_cast<std::uint16_t>(Col + 1);
+    if (Row >= RowCount)
+        RowCount = static_cast<std::uint16_t>(Row + 1);
+    if (Value.HasValue())
+        CountCell(Col, Row);
+}
+
+void TSpreadSheetCells::CountCell(int Col, int Row)
+{
+    FCellColumns = std::max(FCellColumns, Col + 1);
+    FCellRows = std::max(FCellRows, std::min(Row, MaxRowNumber) + 1);
+}
+
+} // namespace kv

@@ -1,0 +1,100 @@
+#include "KvCells.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <system_error>
+
+#include "KvException.h"
+#include "KvPublish.h"
+#include "KvText.h"
+
+namespace kv {
+
+namespace {
+
+constexpr char MsgNotDefined[] = "File is not defined.";
+constexpr char MsgNotExists[] = "File is not exists.";
+
+/// False only for a name that stands for nothing: what cannot be looked at is for the reader to report.
+bool Exists(const std::string& FileName)
+{
+    std::error_code Error;
+    return std::filesystem::status(FileName, Error).type() != std::filesystem::file_type::not_found;
+}
+
+} // namespace
+
+// TSpreadSheets
+
+int TSpreadSheets::Add()
+{
+    auto Sheet = std::make_unique<TSpreadSheet>();
+    Sheet->Caption = "Sheet" + std::to_string(Sheets.size() + 1);
+    Sheets.push_back(std::move(Sheet));
+    return static_cast<int>(Sheets.size()) - 1;
+}
+
+TSpreadSheet& TSpreadSheets::Spreadsheet(int Index)
+{
+    const auto Position = static_cast<std::size_t>(std::max(Index, 0));
+    return *Sheets[Position < Sheets.size() ? Position : static_cast<std::size_t>(Add())];
+}
+
+void TSpreadSheets::Remove(int Index)
+{
+    const auto* const Sheet = &Spreadsheet(Index);
+    std::erase_if(Sheets, [Sheet](const auto& Each) { return Each.get() == Sheet; });
+}
+
+// TCustomSpreadSheetFile
+
+TPublishedProperties TCustomSpreadSheetFile::PublishedProperties() const
+{
+    auto Properties = TComponent::PublishedProperties();
+    const auto Own = {Publish("FileName", &TCustomSpreadSheetFile::FileName),
+                      PublishEvent("OnColumnWidth"),
+                      PublishEvent("OnRowHeight"),
+                      PublishEvent("OnDimensions"),
+                      PublishEvent("OnCellValue"),
+                      PublishEvent("OnSheet")};
+    Properties.insert(Properties.end(), Own.begin(), Own.end());
+    return Properties;
+}
+
+// TSpreadSheetFile
+
+void TSpreadSheetFile::LoadFromFile(const std::string& Path)
+{
+    Sheets.Clear();
+    if (IsBlank(Path))
+        throw Exception(MsgNotDefined);
+    if (!Exists(Path))
+        throw Exception(MsgNotExists);
+    FileName = Path;
+    OnSheet = std::bind_front(&TSpreadSheetFile::SheetEvent, this);
+    OnDimensions = std::bind_front(&TSpreadSheetFile::DimsEvent, this);
+    OnCellValue = std::bind_front(&TSpreadSheetFile::CellEvent, this);
+}
+
+void TSpreadSheetFile::SheetEvent(TCustomSpreadSheetFile&, const std::string& Caption, int, bool&)
+{
+    Sheets[static_cast<std::size_t>(Sheets.Add())].Caption = Caption;
+}
+
+void TSpreadSheetFile::DimsEvent(TCustomSpreadSheetFile&, int SheetIndex, int, int LastRow, int, int LastColumn)
+{
+    auto& Cells = Sheets.Spreadsheet(SheetIndex).Cells;
+    Cells.LastRow = static_cast<std::uint16_t>(LastRow);
+    Cells.LastColumn = static_cast<std::uint16_t>(LastColumn);
+}
+
+void TSpreadSheetFile::CellEvent(TCustomSpreadSheetFile&, int SheetIndex, int Row, int Column, const TVariant& Value,
+                                 TAlignment Alignment)
+{
+    auto& Cells = Sheets.Spreadsheet(SheetIndex).Cells;
+    if (Value.HasValue())
+        Cells.SetValue(Column, Row, Value, Alignment);
+}
+
+} // namespace kv

@@ -1,0 +1,32 @@
+// KvSpreadSheetExtensions - rules of today's spreadsheets that take the place of older ones.
+#pragma once
+
+#include "KvSet.h"
+
+namespace kv {
+
+/// Each element replaces the rule that its comment ends with.
+enum TSpreadSheetExtension {
+    /// Results of formulas that are text, a boolean or an error arrive as such, and formulas of
+    /// worksheets with the result that the file holds. Without it a workbook's formula is a number
+    /// whatever its result, and a worksheet's formula no cell.
+    seFormulaResults,
+    /// Cells whose number format is a user-defined date or time pattern are dates. Without it only the
+    /// built-in formats 14 to 22 make one.
+    seCustomDates,
+    /// The 1904 date mode of a workbook is applied. Without it serial numbers arrive as they stand.
+    seDateMode,
+    /// Rows and columns reach as far as cells hold values. Without it as far as the sheet declares.
+    seCellExtent,
+    /// Rows of WQ1 worksheets above 255 keep their number. Without it the two bytes are read in the
+    /// other order.
+    seWideRows,
+    /// The code page that a file names is used for its 8-bit text. Without it that text is taken as the
+    /// process's code page has it.
+    seFileCodePage,
+    /// Integers of worksheets are signed. Without it -1 is 65535.
+    seSignedIntegers
+};
+using TSpreadSheetExtensions = TSet<TSpreadSheetExtension>;
+
+} // namespace kv
