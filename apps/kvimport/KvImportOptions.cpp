@@ -15,7 +15,7 @@ namespace {
 
 // KiB. Keyed records come in any order: with the 2 MB that a database takes by itself pages are read and
 // written over and over, and many of the writes wait for the disk.
-constexpr int KeyedCacheSize = 20480;
+constexpr int KeyedCacheSize = 12288;
 
 constexpr char ExtraHelp[] =
     "Examples:\n"
@@ -41,7 +41,7 @@ void AddDestinationOptions(CLI::App& Command, TDestinationOptions& Options)
                [&Options](const std::string& Text) { Options.Batch = ReadCount(Text, 1); });
     AddChecked(Command, "--busy-timeout", "MS", "Milliseconds to wait for other programs' locks (default: 5000)",
                [&Options](const std::string& Text) { Options.BusyTimeout = ReadCount(Text, 0); });
-    AddChecked(Command, "--cache-size", "KIB", "Page cache of the database (default: 20480 with keys, else its own)",
+    AddChecked(Command, "--cache-size", "KIB", "Page cache of the database (default: 12288 with keys, else its own)",
                [&Options](const std::string& Text) { Options.CacheSize = ReadCount(Text, 0); });
 }
 

@@ -9,7 +9,7 @@
 #include "KvException.h"
 #include "KvSqliteDataSet.h"
 #include "KvSqliteDatabase.h"
-#include "KvSqliteInsertQueue.h"
+#include "KvSqliteQueue.h"
 
 namespace kv {
 
@@ -212,6 +212,8 @@ void TSQLiteConnection::Commit()
 
 void TSQLiteConnection::Rollback()
 {
+    if (Queue)
+        Queue->Forget();
     if (!TryEnd("ROLLBACK"))
         Fail(ErrorText());
 }

@@ -16,7 +16,7 @@ namespace kv {
 
 class TSQLiteDatabase;
 class TSQLiteDataSet;
-class TSQLiteInsertQueue;
+class TSQLiteQueue;
 
 class TSQLiteConnection
 {
@@ -55,14 +55,14 @@ public:
     void EndChange(int CommitEvery);
     void CommitBatch();                             ///< Nothing when there is none.
 
-    // Records that were taken and are not yet stored. Every statement settles them first.
+    // Changes that were taken and are not yet stored. Every statement settles them first.
     void Settle()
     {
         if (Queue)
             FinishQueue();
     }
-    void SetQueue(TSQLiteInsertQueue* Active) { Queue = Active; }
-    /// Why a record could not be stored after all. The whole transaction is rolled back.
+    void SetQueue(TSQLiteQueue* Active) { Queue = Active; }
+    /// Why a change could not be stored after all. The whole transaction is rolled back.
     std::string AbandonTransaction();
 
     /// To be called before statements of the program's own, which may do anything.
@@ -105,7 +105,7 @@ private:
     std::int64_t WaitingSince = 0;                  // steady milliseconds
     std::exception_ptr BusyError;                   // what OnBusy raised inside a call of SQLite
     int Serial = 0;
-    TSQLiteInsertQueue* Queue = nullptr;            // while it takes records
+    TSQLiteQueue* Queue = nullptr;            // while changes wait
     const std::thread::id Thread = std::this_thread::get_id();
 };
 

@@ -45,59 +45,6 @@ TSQLiteInsertQueue::~TSQLiteInsertQueue()
     Thread.join();
 }
 
-// --- A block of records -----------------------------------------------------------------------------
-
-void TSQLiteInsertQueue::TBlock::Clear()
-{
-    Cells.clear();
-    Bytes.clear();
-    FRows = EndedCells = EndedBytes = 0;
-}
-
-void TSQLiteInsertQueue::TBlock::BeginRow()
-{
-    Cells.resize(EndedCells);
-    Bytes.resize(EndedBytes);
-}
-
-void TSQLiteInsertQueue::TBlock::EndRow()
-{
-    ++FRows;
-    EndedCells = Cells.size();
-    EndedBytes = Bytes.size();
-}
-
-void TSQLiteInsertQueue::TBlock::Add(const TSQLiteValue& Value)
-{
-    switch (Value.Storage) {
-    case ssNull:
-    case ssInteger: Cells.push_back({Value.Integer, 0, Value.Storage}); break;
-    case ssReal:    Cells.push_back({std::bit_cast<std::int64_t>(Value.Real), 0, ssReal}); break;
-    case ssText:
-    case ssBlob:
-        Cells.push_back({static_cast<std::int64_t>(Bytes.size()), static_cast<std::uint32_t>(Value.Bytes.size()),
-                         Value.Storage});
-        Bytes.append(Value.Bytes);
-        break;
-    }
-}
-
-TSQLiteValue TSQLiteInsertQueue::TBlock::Value(std::size_t Index) const
-{
-    const auto& Cell = Cells[Index];
-    switch (Cell.Storage) {
-    case ssNull:    break;
-    case ssInteger: return TSQLiteValue::OfInteger(Cell.Content);
-    case ssReal:    return TSQLiteValue::OfReal(std::bit_cast<double>(Cell.Content));
-    case ssText:
-    case ssBlob: {
-        const std::string_view Text(Bytes.data() + Cell.Content, Cell.Size);
-        return Cell.Storage == ssText ? TSQLiteValue::OfText(Text) : TSQLiteValue::OfBlob(Text);
-    }
-    }
-    return {};
-}
-
 // --- Taking records ---------------------------------------------------------------------------------
 
 bool TSQLiteInsertQueue::TryAdd(const TRecordBuffer& Record, TSQLiteKey& Key)
@@ -125,31 +72,10 @@ bool TSQLiteInsertQueue::MayStart(const TRecordBuffer& Record)
 {
     if (Candidates == RecordsBeforeStart || ++Candidates < RecordsBeforeStart)
         return false;                               // asked once in a row of records
-    if (!Connection.InTransaction() || CanRefuse())
+    if (!Connection.InTransaction() || CanRefuse(Connection, Table))
         return false;
     Start(Record);
     return true;
-}
-
-/// Looks at the declaration as text: a word too many costs speed, one too few a wrong answer.
-bool TSQLiteInsertQueue::CanRefuse() const
-{
-    if (Table.IsView || Table.IsVirtual || Table.WithoutRowid || Table.Key.size() != 1)
-        return true;
-    TSQLiteStatement Select(Connection,
-                            "SELECT sql FROM " + QuoteName(Table.Schema) + ".sqlite_schema WHERE type = 'table' AND name = ?1"
-                            " AND NOT EXISTS (SELECT 1 FROM " + QuoteName(Table.Schema) + ".sqlite_schema"
-                            " WHERE type IN ('trigger', 'index') AND tbl_name = ?1 COLLATE NOCASE)"
-                            " AND NOT EXISTS (SELECT 1 FROM temp.sqlite_schema"
-                            " WHERE type = 'trigger' AND tbl_name = ?1 COLLATE NOCASE)");
-    Select.Bind(1, TSQLiteValue::OfText(Table.Name));
-    if (!Select.Step())
-        return true;
-    const auto Declaration = UpperCase(Select.Column(0).Bytes);
-    constexpr std::string_view Words[] = {"CHECK", "REFERENCES", "GENERATED", "AS (",    "AS(",
-                                          "STRICT", "CONFLICT",  "COLLATE",   "DEFAULT", "AUTOINCREMENT"};
-    const auto Names = [&Declaration](std::string_view Word) { return Declaration.find(Word) != std::string::npos; };
-    return std::ranges::any_of(Words, Names);
 }
 
 void TSQLiteInsertQueue::Start(const TRecordBuffer& Record)
@@ -181,10 +107,7 @@ void TSQLiteInsertQueue::Start(const TRecordBuffer& Record)
 
 bool TSQLiteInsertQueue::Suits(const TRecordBuffer& Record) const
 {
-    return Record.Assigned == Assigned && std::ranges::all_of(Columns, [&Record](std::size_t Column) {
-               const auto& Value = Record.Values[Column];
-               return !Value.IsString() || Value.Text().size() <= MaxTextSize;
-           });
+    return Record.Assigned == Assigned && FitsIntoQueue(Record, Columns);
 }
 
 /// The rowid that the record will have: its own, or the one after the last.
@@ -233,7 +156,7 @@ void TSQLiteInsertQueue::RunBlocks()
 }
 
 /// After an error the statement stays as it is, for CheckStored to ask why.
-void TSQLiteInsertQueue::Store(TBlock& Block)
+void TSQLiteInsertQueue::Store(TSQLiteRecordBlock& Block)
 {
     auto* const Statement = Insert.Get();
     for (std::size_t Row = 0; Row < Block.Rows(); ++Row) {

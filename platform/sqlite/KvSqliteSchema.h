@@ -39,6 +39,8 @@ struct TSQLiteTableSchema : TSQLiteRowSource
     bool TriggersLeaveTraces = false;               ///< One may RAISE(FAIL), which undoes nothing.
 
     std::string QualifiedName() const;              ///< As statements spell it.
+    /// The column that is another name of the rowid, -1 when there is none.
+    int RowidColumn() const { return WithoutRowid || Key.size() != 1 ? -1 : Key.front().Column; }
 };
 
 /// Reads the declaration of "table" or "schema.table". Raises EDatabaseError

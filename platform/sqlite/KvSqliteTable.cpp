@@ -5,6 +5,7 @@
 
 #include "KvException.h"
 #include "KvPublish.h"
+#include "KvSqliteChangeQueue.h"
 #include "KvSqliteConnection.h"
 #include "KvSqliteCursor.h"
 #include "KvSqliteDatabase.h"
@@ -67,6 +68,7 @@ void TSQLiteTable::InternalOpen()
     Schema = std::make_unique<TSQLiteTableSchema>(ReadTableSchema(Connection(), TableName));
     Writer = std::make_unique<TSQLiteWriter>(Connection(), *Schema);
     Queue = std::make_unique<TSQLiteInsertQueue>(Connection(), *Schema);
+    Waiting = std::make_unique<TSQLiteChangeQueue>(Connection(), *Schema);
     Lookup = std::make_unique<TSQLiteLookup>(Connection(), *Schema);
     FoundKey.resize(Schema->Key.size());
     WrittenKey.resize(Schema->Key.size());
@@ -77,9 +79,12 @@ void TSQLiteTable::InternalClose()
 {
     if (Queue)
         Queue->Finish();
+    if (Waiting)
+        Waiting->Finish();
     if (IsConnected())
         Connection().CommitBatch();                 // may raise, and then everything stays for another try
     Lookup.reset();
+    Waiting.reset();
     Queue.reset();
     Writer.reset();
     TSQLiteDataSet::InternalClose();
@@ -153,7 +158,7 @@ bool TSQLiteTable::InternalLocate(std::span<TField* const> Keys, std::span<const
             KnownCount = 0;
         return Found;
     }
-    if (!Lookup->Find(Values, FoundKey))
+    if (!Find(Keys, Values))
         return false;
     Cursor().MoveTo(FoundKey);
     Known.resize(std::max(Known.size(), Keys.size()));
@@ -162,6 +167,30 @@ bool TSQLiteTable::InternalLocate(std::span<TField* const> Keys, std::span<const
         Known[KnownCount].Value = Values[KnownCount];
     }
     return true;
+}
+
+bool TSQLiteTable::Find(std::span<TField* const> Keys, std::span<const TVariant> Values)
+{
+    const auto InDatabase = [&] { return Lookup->Find(Values, FoundKey); };
+    const auto Rowid = RowidAmong(Keys, Values);
+    return Rowid ? Waiting->Ask(*Rowid, InDatabase) : InDatabase();
+}
+
+/// What is looked for when that is nothing but a rowid.
+std::optional<std::int64_t> TSQLiteTable::RowidAmong(std::span<TField* const> Keys,
+                                                     std::span<const TVariant> Values) const
+{
+    if (Keys.size() == 1 && Keys.front()->Index() == Schema->RowidColumn() && Values.front().Kind() == vkInteger)
+        return Values.front().Integer();
+    return {};
+}
+
+/// Of a table that shows its rowid as a column.
+std::optional<std::int64_t> TSQLiteTable::CurrentRowid()
+{
+    if (Schema->RowidColumn() < 0)
+        return {};
+    return Cursor().Key().front().Get().Integer;
 }
 
 // --- Writing ----------------------------------------------------------------------------------------
@@ -174,6 +203,8 @@ void TSQLiteTable::BeginChange()
 
 void TSQLiteTable::InternalInsert(const TRecordBuffer& Written)
 {
+    if (QueueInsert(Written))
+        return;
     const bool Queued = Queue->IsActive();          // then the transaction has begun and nothing is being read
     if (!Queued)
         BeginChange();
@@ -186,6 +217,21 @@ void TSQLiteTable::InternalInsert(const TRecordBuffer& Written)
     Connection().EndChange(CommitEvery);
 }
 
+/// A record of which Locate has just found that it is not there.
+bool TSQLiteTable::QueueInsert(const TRecordBuffer& Written)
+{
+    const auto Column = static_cast<std::size_t>(Schema->RowidColumn());
+    if (Schema->RowidColumn() < 0 || !Written.Assigned[Column] || Written.Values[Column].Kind() != vkInteger)
+        return false;
+    const auto Rowid = Written.Values[Column].Integer();
+    if (!Waiting->TryInsert(Written, Rowid))
+        return false;
+    WrittenKey.front().Set(TSQLiteValue::OfInteger(Rowid));
+    Cursor().MoveTo(WrittenKey);
+    Connection().EndChange(CommitEvery);
+    return true;
+}
+
 void TSQLiteTable::InternalUpdate(const TRecordBuffer& Written)
 {
     Queue->Finish();
@@ -195,18 +241,25 @@ void TSQLiteTable::InternalUpdate(const TRecordBuffer& Written)
             Changed[Known[I].Column] = false;
     if (std::ranges::count(Changed, false) == std::ssize(Changed))
         return;
-    BeginChange();
-    WrittenKey = Cursor().Key();
-    Writer->Update(Written, Changed, WrittenKey);
-    Cursor().MoveTo(WrittenKey);
+    const auto Rowid = CurrentRowid();
+    const bool SameKey = Rowid && !Changed[static_cast<std::size_t>(Schema->RowidColumn())];
+    if (!SameKey || !Waiting->TryUpdate(Written, Changed, *Rowid)) {
+        BeginChange();
+        WrittenKey = Cursor().Key();
+        Writer->Update(Written, Changed, WrittenKey);
+        Cursor().MoveTo(WrittenKey);
+    }
     Connection().EndChange(CommitEvery);
 }
 
 void TSQLiteTable::InternalDelete()
 {
     Queue->Finish();
-    BeginChange();
-    Writer->Delete(Cursor().Key());
+    const auto Rowid = CurrentRowid();
+    if (!Rowid || !Waiting->TryDelete(*Rowid)) {
+        BeginChange();
+        Writer->Delete(Cursor().Key());
+    }
     Cursor().Deleted();
     Connection().EndChange(CommitEvery);
 }

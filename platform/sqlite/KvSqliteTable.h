@@ -1,7 +1,9 @@
 // KvSqliteTable - a table or view of an SQLite database as a dataset.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -11,6 +13,7 @@
 
 namespace kv {
 
+class TSQLiteChangeQueue;
 class TSQLiteInsertQueue;
 class TSQLiteLookup;
 class TSQLiteOwnValue;
@@ -83,11 +86,16 @@ private:
     };
 
     static bool IsUnchanged(const TKnownValue& Known, const TRecordBuffer& Written);
+    std::optional<std::int64_t> RowidAmong(std::span<TField* const> Keys, std::span<const TVariant> Values) const;
+    std::optional<std::int64_t> CurrentRowid();
+    bool Find(std::span<TField* const> Keys, std::span<const TVariant> Values);
+    bool QueueInsert(const TRecordBuffer& Written);
     void BeginChange();
 
-    std::unique_ptr<TSQLiteTableSchema> Schema;     // these four while open
+    std::unique_ptr<TSQLiteTableSchema> Schema;     // these five while open
     std::unique_ptr<TSQLiteWriter> Writer;
     std::unique_ptr<TSQLiteInsertQueue> Queue;
+    std::unique_ptr<TSQLiteChangeQueue> Waiting;
     std::unique_ptr<TSQLiteLookup> Lookup;
     std::vector<TKnownValue> Known;                 // what Locate has found, until anything else happens
     std::size_t KnownCount = 0;                     // of Known; its entries are used again

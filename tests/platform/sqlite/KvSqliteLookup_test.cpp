@@ -313,26 +313,26 @@ TEST(KvSqliteLookup, KeyedRunsStayLinearWithoutAnIndex)
     EXPECT_LT(Large, Small * 8 * 3) << Small;       // a quadratic run would take 64 times as long
 }
 
-TEST(KvSqliteLookup, FindingAndChangingAllocatesNothing)
+TEST(KvSqliteLookup, FindingAndChangingAllocatesNothingPerRecord)
 {
     TTestTable Open("CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty INT);"
-                    "WITH RECURSIVE n(i) AS (VALUES(1) UNION ALL SELECT i + 1 FROM n WHERE i < 100)"
+                    "WITH RECURSIVE n(i) AS (VALUES(1) UNION ALL SELECT i + 1 FROM n WHERE i < 1000)"
                     " INSERT INTO orders SELECT i, 'n' || i, i FROM n");
     auto& Table = Open.Table;
     auto& Qty = Table.FieldByName("qty");
     Table.StartTransaction();
     std::size_t Before = 0;
-    for (int I = 1; I <= 100; ++I) {
-        if (I == 50)
+    for (int I = 1; I <= 1000; ++I) {
+        if (I == 500)
             Before = AllocationCount();
         ASSERT_TRUE(Table.Locate("id", I));
         Table.Edit();
         Qty.SetValue(-I);
         Table.Post();
     }
-    EXPECT_EQ(AllocationCount(), Before);
+    EXPECT_LT(AllocationCount() - Before, 10);      // the storage of changes that wait doubles now and then
     Table.Commit();
-    EXPECT_EQ(Open.Rows("SELECT sum(qty) FROM orders"), TRowTexts{"-5050"});
+    EXPECT_EQ(Open.Rows("SELECT sum(qty) FROM orders"), TRowTexts{"-500500"});
 }
 
 } // namespace
