@@ -18,6 +18,7 @@
 
 namespace kv {
 
+class TIniFile;
 class TKvImportBaseComponent;
 
 using TKvIAbout = std::string;                      ///< Design-time information; holds no data of an import.
@@ -54,6 +55,18 @@ public:
     /// when a required property is missing; whatever goes wrong later is counted and reported through
     /// the events, Statistic and ErrorMessage.
     void Execute();
+
+    /// Writes the settings to the file `FileName` under the name `SpecName`; other sections and keys of
+    /// the file stay. With `ShowDialog` the user settles both names first. Does nothing when one of them
+    /// is empty. Raises EFileError when a setting or the file cannot be written; the file is then as it was.
+    void SaveSpecification(std::string SpecName, std::string FileName, bool ShowDialog);
+    /// Reads settings back; an empty `FileName` lets the user pick one. A key that the file lacks leaves
+    /// its setting alone, except that Mappings become those of the file, be they none. Raises EFileError
+    /// for the file, EConvertError at a value that has no meaning; what was read before it stays.
+    void LoadSpecification(std::string FileName);
+    /// The form in which specifications hold characters: with `ToHex` two digits a byte, else the reverse.
+    /// Raises EConvertError for what is not hexadecimal.
+    static std::string Translate(std::string_view S, bool ToHex);
 
     TKvIAbout About;
     bool AnimatedStatus = true;                     ///< Show the progress dialog during Execute.
@@ -174,6 +187,10 @@ private:
 
     bool IsKeyMode() const { return Mode == imUpdate || Mode == imAppendUpdate || Mode == imDelete; }
     std::string Run();                              // the guarded part of Execute; the final message
+    void WriteCommon(TIniFile& File, const std::string& SpecName) const;
+    void ReadCommon(const TIniFile& File);
+    void WriteLayout(TIniFile& File) const;
+    void ReadLayout(const TIniFile& File);
     TMappedFields MappedFields() const;             // the usable lines of Mappings
     void OfferCell(TMappedField& Mapped);
     bool OfferRecord();

@@ -186,7 +186,7 @@ bool TIniFile::ReadBool(std::string_view Section, std::string_view Key, bool Def
 
 void TIniFile::RefuseValue(std::string_view Section, std::string_view Key, std::string_view Reason) const
 {
-    throw EFileError(FormatText("Cannot read file \"%s\": [%s] %s: %s", {FFileName, Section, Key, Reason}));
+    throw EConvertError(FormatText("Cannot read file \"%s\": [%s] %s: %s", {FFileName, Section, Key, Reason}));
 }
 
 // Writing.

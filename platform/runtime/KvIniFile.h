@@ -38,7 +38,7 @@ public:
     std::vector<std::string> KeysOf(std::string_view Section) const;
 
     // A missing key yields `Default`; for numbers and truths so does a key without a value. What is
-    // neither raises EFileError that names file, section and key.
+    // neither raises EConvertError that names file, section and key.
     std::string ReadString(std::string_view Section, std::string_view Key, std::string_view Default) const;
     int ReadInteger(std::string_view Section, std::string_view Key, int Default) const;
     bool ReadBool(std::string_view Section, std::string_view Key, bool Default) const; ///< Any number but 0 is true.
@@ -54,7 +54,7 @@ public:
     /// Saves what was changed, all of it or nothing: see ReplaceFileBytes. Raises EFileError.
     void UpdateFile();
 
-    /// Raises EFileError "Cannot read file "%s": [%s] %s: %s", for a value that its reader cannot take.
+    /// Raises EConvertError "Cannot read file "%s": [%s] %s: %s", for a value that has no meaning.
     [[noreturn]] void RefuseValue(std::string_view Section, std::string_view Key, std::string_view Reason) const;
 
 private:

@@ -48,6 +48,7 @@ struct TSaveSpecificationRequest
     std::string Caption, NameLabel, FileLabel;
     std::string SpecName, FileName;                 ///< Proposed, and changed when the user confirms.
     std::string Filter;                             ///< "description|pattern" pairs, separated by "|".
+    std::string Ok, Cancel;                         ///< Of the buttons; "&" stands before the shortcut.
 };
 
 class TUserInterface

@@ -60,4 +60,20 @@ void TRecordingInterface::SetBusyCursor(bool Busy)
     Log.Call(Busy ? "busy" : "idle");
 }
 
+bool TRecordingInterface::PickFileToOpen(const std::string& Filter, std::string& FileName)
+{
+    Log.Call("pick " + Filter);
+    if (PickedFile.empty())
+        return false;
+    FileName = PickedFile;
+    return true;
+}
+
+bool TRecordingInterface::AskSaveSpecification(TSaveSpecificationRequest& Request)
+{
+    Log.Call("ask " + Request.SpecName + "|" + Request.FileName);
+    Asked = Request;
+    return OnAsk && OnAsk(Request);
+}
+
 } // namespace kv

@@ -160,11 +160,11 @@ TEST_F(KvIniFile, SaysWhichValueIsNoNumber)
 {
     const auto File = Open("[Text]\nRowFirst=abc\nRowLast=2147483648\nFixed=True\n");
     const auto Place = "Cannot read file \"" + File.FileName() + "\": [Text] ";
-    EXPECT_EQ(MessageOf<EFileError>([&] { File.ReadInteger("Text", "RowFirst", 1); }),
+    EXPECT_EQ(MessageOf<EConvertError>([&] { File.ReadInteger("Text", "RowFirst", 1); }),
               Place + "RowFirst: 'abc' is not a valid integer value");
-    EXPECT_EQ(MessageOf<EFileError>([&] { File.ReadInteger("Text", "RowLast", 1); }),
+    EXPECT_EQ(MessageOf<EConvertError>([&] { File.ReadInteger("Text", "RowLast", 1); }),
               Place + "RowLast: 2147483648 is out of range");
-    EXPECT_EQ(MessageOf<EFileError>([&] { File.ReadBool("Text", "Fixed", false); }),
+    EXPECT_EQ(MessageOf<EConvertError>([&] { File.ReadBool("Text", "Fixed", false); }),
               Place + "Fixed: 'True' is not a valid integer value");
 }
 

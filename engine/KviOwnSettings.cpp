@@ -1,0 +1,124 @@
+#include "KviOwnSettings.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "KvComponent.h"
+#include "KvIniFile.h"
+#include "KvProperties.h"
+#include "KvText.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::string_view Section = "Extensions";
+constexpr std::string_view SetProperty = "Extensions";
+constexpr std::string_view Places[] = {"SheetIndex", "TableName"}; // where in the file the records stand
+constexpr std::size_t PrefixSize = 2;               // of the name of an element
+
+const TPublishedProperty* FindSet(const TPublishedProperties& Properties)
+{
+    const auto* const Property = FindProperty(Properties, SetProperty);
+    return Property && Property->Kind == pkSet ? Property : nullptr;
+}
+
+std::string_view KeyOf(std::string_view Element)
+{
+    return Element.substr(PrefixSize);
+}
+
+constexpr std::int64_t BitOf(std::size_t Element)
+{
+    return std::int64_t{1} << Element;
+}
+
+void WriteSet(TIniFile& File, const TPublishedProperty& Set, const TPersistent& Component)
+{
+    const auto Bits = Set.Get(Component).Integer();
+    for (std::size_t I = 0; I < Set.Names.size(); ++I) {
+        const bool Contained = (Bits & BitOf(I)) != 0;
+        if (Contained || File.HasKey(Section, KeyOf(Set.Names[I])))
+            File.WriteBool(Section, KeyOf(Set.Names[I]), Contained);
+    }
+}
+
+void ReadSet(const TIniFile& File, const TPublishedProperty& Set, TPersistent& Component)
+{
+    std::int64_t Bits = 0;
+    for (std::size_t I = 0; I < Set.Names.size(); ++I)
+        if (File.ReadBool(Section, KeyOf(Set.Names[I]), false))
+            Bits |= BitOf(I);
+    Set.Set(Component, Bits);
+}
+
+void WritePlace(TIniFile& File, const TPublishedProperty& Place, const TPersistent& Component)
+{
+    const auto Value = Place.Get(Component);
+    const bool Usual = Value.Kind() == vkInteger ? Value.Integer() == 0 : Value.Text().empty();
+    if (!Usual || File.HasKey(Section, Place.Name))
+        File.WriteString(Section, Place.Name, Value.ToText());
+}
+
+void ReadPlace(const TIniFile& File, const TPublishedProperty& Place, TPersistent& Component)
+{
+    if (!File.HasKey(Section, Place.Name))
+        return;
+    if (Place.Kind == pkInteger)
+        Place.Set(Component, File.ReadInteger(Section, Place.Name, 0));
+    else
+        Place.Set(Component, File.ReadString(Section, Place.Name, {}));
+}
+
+/// Calls `Take` with each of the properties in `Places` that there are.
+template <class TTake> void ForEachPlace(const TPublishedProperties& Properties, TTake Take)
+{
+    for (const auto Name : Places)
+        if (const auto* const Property = FindProperty(Properties, Name))
+            Take(*Property);
+}
+
+bool IsKnown(std::string_view Key, const TPublishedProperties& Properties, const TPublishedProperty& Set)
+{
+    const auto IsKey = [Key](std::string_view Element) { return SameText(KeyOf(Element), Key); };
+    const auto IsPlace = [Key](std::string_view Name) { return SameText(Name, Key); };
+    return std::ranges::any_of(Set.Names, IsKey) ||
+           (std::ranges::any_of(Places, IsPlace) && FindProperty(Properties, Key));
+}
+
+void RefuseUnknown(const TIniFile& File, const TPublishedProperties& Properties, const TPublishedProperty& Set,
+                   const TPersistent& Component)
+{
+    for (const auto& Key : File.KeysOf(Section)) {
+        const auto Value = File.ReadString(Section, Key, {});
+        if (!Value.empty() && Value != "0" && !IsKnown(Key, Properties, Set))
+            File.RefuseValue(Section, Key, FormatText("%s has no such setting", {Component.ClassName()}));
+    }
+}
+
+} // namespace
+
+void WriteOwnSettings(TIniFile& File, const TPersistent& Component)
+{
+    const auto Properties = Component.PublishedProperties();
+    if (const auto* const Set = FindSet(Properties))
+        WriteSet(File, *Set, Component);
+    ForEachPlace(Properties, [&](const TPublishedProperty& Place) { WritePlace(File, Place, Component); });
+}
+
+void ReadOwnSettings(const TIniFile& File, TPersistent& Component)
+{
+    if (!File.HasSection(Section))
+        return;
+    const auto Properties = Component.PublishedProperties();
+    if (const auto* const Set = FindSet(Properties)) {
+        RefuseUnknown(File, Properties, *Set, Component);
+        ReadSet(File, *Set, Component);
+    }
+    ForEachPlace(Properties, [&](const TPublishedProperty& Place) { ReadPlace(File, Place, Component); });
+}
+
+} // namespace kv
