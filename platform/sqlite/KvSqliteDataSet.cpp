@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "KvDateText.h"
-#include "KvPublish.h"
 #include "KvSqliteConnection.h"
 #include "KvSqliteCursor.h"
 #include "KvSqliteDatabase.h"
@@ -33,30 +32,6 @@ TSQLiteDataSet::TSQLiteDataSet(TComponent* Owner) : TDataSet(Owner) {}
 
 TSQLiteDataSet::~TSQLiteDataSet() = default;
 
-TPublishedProperties TSQLiteDataSet::PublishedProperties() const
-{
-    auto Properties = TDataSet::PublishedProperties();
-    Properties.push_back(Publish("DatabaseName", &TSQLiteDataSet::DatabaseName));
-    return Properties;
-}
-
-void TSQLiteDataSet::SetDatabase(TSQLiteDatabase* Value)
-{
-    Close();
-    if (FDatabase)
-        FDatabase->RemoveFreeNotification(*this);
-    FDatabase = Value;
-    if (FDatabase)
-        FDatabase->FreeNotification(*this);
-}
-
-void TSQLiteDataSet::Notification(TComponent& Component, TOperation Operation)
-{
-    TDataSet::Notification(Component, Operation);
-    if (Operation == opRemove && &Component == FDatabase)
-        FDatabase = nullptr;                        // it has closed this dataset before
-}
-
 // --- Connection -------------------------------------------------------------------------------------
 
 TSQLiteDatabase& TSQLiteDataSet::UsedDatabase()
@@ -80,11 +55,6 @@ void TSQLiteDataSet::OpenConnection()
     }
     FConnection = &(FDatabase ? FDatabase : OwnDatabase.get())->Connection();
     FConnection->Attach(*this);
-}
-
-std::string TSQLiteDataSet::FileName() const
-{
-    return FDatabase ? FDatabase->DatabaseName : DatabaseName;
 }
 
 void TSQLiteDataSet::InternalClose()

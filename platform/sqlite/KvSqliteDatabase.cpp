@@ -2,7 +2,6 @@
 
 #include "KvCodePage.h"
 #include "KvException.h"
-#include "KvPublish.h"
 #include "KvSqliteConnection.h"
 #include "KvSqliteDataSet.h"
 #include "KvSqliteStatement.h"
@@ -25,17 +24,6 @@ TSQLiteDatabase::~TSQLiteDatabase()
         FConnection->Rollback();
         Close();
     }
-}
-
-TPublishedProperties TSQLiteDatabase::PublishedProperties() const
-{
-    auto Properties = TComponent::PublishedProperties();
-    Properties.push_back(Publish("DatabaseName", &TSQLiteDatabase::DatabaseName));
-    Properties.push_back(Publish("ReadOnly", &TSQLiteDatabase::ReadOnly));
-    Properties.push_back(Publish("CreateIfMissing", &TSQLiteDatabase::CreateIfMissing));
-    Properties.push_back(Publish("CacheSize", &TSQLiteDatabase::CacheSize));
-    Properties.push_back(Publish("BusyTimeout", &TSQLiteDatabase::BusyTimeout));
-    return Properties;
 }
 
 void TSQLiteDatabase::Open()

@@ -6,7 +6,6 @@
 
 #include "KvCodePage.h"
 #include "KvException.h"
-#include "KvPublish.h"
 #include "KvSqliteConnection.h"
 #include "KvSqliteCursor.h"
 #include "KvSqliteStatement.h"
@@ -66,18 +65,6 @@ TSQLiteQuery::TSQLiteQuery(TComponent* Owner) : TSQLiteDataSet(Owner) {}
 TSQLiteQuery::~TSQLiteQuery()
 {
     Close();
-}
-
-TPublishedProperties TSQLiteQuery::PublishedProperties() const
-{
-    auto Properties = TSQLiteDataSet::PublishedProperties();
-    Properties.push_back(PublishStrings("SQL", &TSQLiteQuery::SQL));
-    return Properties;
-}
-
-std::string TSQLiteQuery::DisplayName() const
-{
-    return FileName();
 }
 
 void TSQLiteQuery::InternalOpen()

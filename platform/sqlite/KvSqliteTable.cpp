@@ -4,7 +4,6 @@
 #include <limits>
 
 #include "KvException.h"
-#include "KvPublish.h"
 #include "KvSqliteChangeQueue.h"
 #include "KvSqliteConnection.h"
 #include "KvSqliteCursor.h"
@@ -30,20 +29,6 @@ TSQLiteTable::~TSQLiteTable()
     }
 }
 
-TPublishedProperties TSQLiteTable::PublishedProperties() const
-{
-    auto Properties = TSQLiteDataSet::PublishedProperties();
-    Properties.push_back(Publish("TableName", &TSQLiteTable::TableName));
-    auto& IndexFieldName = Properties.emplace_back();
-    IndexFieldName.Name = "IndexFieldName";
-    IndexFieldName.Get = [](const TPersistent& Object) {
-        return TVariant(dynamic_cast<const TSQLiteTable&>(Object).PrimaryKeyFields());
-    };
-    IndexFieldName.Stored = false;
-    Properties.push_back(Publish("CommitEvery", &TSQLiteTable::CommitEvery));
-    return Properties;
-}
-
 std::string TSQLiteTable::PrimaryKeyFields() const
 {
     std::string Names;
@@ -51,11 +36,6 @@ std::string TSQLiteTable::PrimaryKeyFields() const
         for (const int Column : Schema->PrimaryKey)
             AddToList(Names, Fields(Column).FieldName(), ";");
     return Names;
-}
-
-std::string TSQLiteTable::DisplayName() const
-{
-    return FileName() + ": " + TableName;
 }
 
 // --- Opening ----------------------------------------------------------------------------------------
