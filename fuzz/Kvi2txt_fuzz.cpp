@@ -5,34 +5,15 @@
 #include "Kvi2txt.h"
 
 #include <string>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include "KvException.h"
 #include "KvFuzz.h"
 #include "KvMemoryDataSet.h"
+#include "KvMemoryFile.h"
 
 namespace {
 
 using namespace kv;
-
-/// A file in memory that has a name.
-class TMemoryFile
-{
-public:
-    explicit TMemoryFile(std::string_view Text) : Descriptor(memfd_create("text", 0))
-    {
-        Require(write(Descriptor, Text.data(), Text.size()) == static_cast<ssize_t>(Text.size()));
-    }
-    TMemoryFile(const TMemoryFile&) = delete;
-    TMemoryFile& operator=(const TMemoryFile&) = delete;
-    ~TMemoryFile() { close(Descriptor); }
-
-    std::string Name() const { return "/proc/self/fd/" + std::to_string(Descriptor); }
-
-private:
-    int Descriptor;
-};
 
 void CheckLines(const TKvImportFromText& Import)
 {

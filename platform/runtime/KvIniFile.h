@@ -51,6 +51,8 @@ public:
     void WriteInteger(std::string_view Section, std::string_view Key, int Value);
     void WriteBool(std::string_view Section, std::string_view Key, bool Value); ///< "1" or "0"
 
+    /// The file as it stands here.
+    std::string Text() const;
     /// Saves what was changed, all of it or nothing: see ReplaceFileBytes. Raises EFileError.
     void UpdateFile();
 
@@ -74,7 +76,6 @@ private:
     void CheckText(std::string_view Section, std::string_view Key, std::string_view Value) const;
     TSection& SectionToWrite(std::string_view Name);
     void EndLastLine();
-    std::string Text() const;
 
     std::string FFileName;
     std::vector<TSection> Sections;                 // the first holds what stands before any heading
