@@ -34,6 +34,7 @@ const std::vector<TLayer>& Layers()
         {"engine", Ports},
         {"sources/spreadsheet",
          {"platform/runtime", "platform/dataset", "platform/ui", "platform/storage", "engine"}},
+        {"sources/factory", {"platform/runtime", "engine", "sources/*"}},
         {"sources/*", Engine},
         {"wizard", {"platform/*", "engine", "sources/*"}},
         {"design", {"platform/*", "engine", "sources/*", "wizard"}},

@@ -19,7 +19,7 @@ TKvLayers SmallTree()
     return TKvLayers({"platform/runtime/Runtime.h", "platform/dataset/DataSet.h", "platform/ui/Ui.h",
                       "platform/storage/Storage.h", "platform/sqlite/Sqlite.h", "platform/qt/QtUi.h",
                       "engine/Engine.h", "sources/text/Text.h", "sources/spreadsheet/Spreadsheet.h",
-                      "wizard/Wizard.h", "design/Design.h", "apps/kvimport/Program.h",
+                      "sources/factory/Factory.h", "wizard/Wizard.h", "design/Design.h", "apps/kvimport/Program.h",
                       "apps/kvwizard/Window.h"});
 }
 
@@ -73,7 +73,9 @@ INSTANTIATE_TEST_SUITE_P(WhatLiesBelow, KvLayersAllow, testing::Values(
     TIncludeRow{"sources/text/A.cpp", "Engine.h"},
     TIncludeRow{"sources/text/A.cpp", "DataSet.h"},
     TIncludeRow{"sources/spreadsheet/A.cpp", "Storage.h"},
+    TIncludeRow{"sources/factory/A.cpp", "Spreadsheet.h"},
     TIncludeRow{"wizard/A.cpp", "Text.h"},
+    TIncludeRow{"wizard/A.cpp", "Factory.h"},
     TIncludeRow{"design/A.cpp", "Wizard.h"},
     TIncludeRow{"apps/kvimport/A.cpp", "Sqlite.h"},
     TIncludeRow{"apps/kvwizard/A.cpp", "Wizard.h"}));
@@ -96,6 +98,7 @@ INSTANTIATE_TEST_SUITE_P(Neighbours, KvLayersRefuseOwn, testing::Values(
     TIncludeRow{"platform/console/A.h", "Sqlite.h"},
     TIncludeRow{"sources/text/A.cpp", "Spreadsheet.h"},
     TIncludeRow{"sources/spreadsheet/A.cpp", "Text.h"},
+    TIncludeRow{"sources/text/A.cpp", "Factory.h"},
     TIncludeRow{"apps/kvimport/A.cpp", "Window.h"}));
 
 INSTANTIATE_TEST_SUITE_P(Adapters, KvLayersRefuseOwn, testing::Values(

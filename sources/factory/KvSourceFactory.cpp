@@ -1,0 +1,32 @@
+#include "KvSourceFactory.h"
+
+#include "KvException.h"
+#include "KvIniFile.h"
+#include "KvText.h"
+#include "Kvi2txt.h"
+#include "KviTableType.h"
+
+namespace kv {
+
+std::unique_ptr<TKvImportBaseComponent> CreateImport(TTableTypeImport TableType, TComponent* Owner)
+{
+    switch (TableType) {
+    case teText: return std::make_unique<TKvImportFromText>(Owner);
+    default:     throw Exception(FormatText("There is no import of the kind %s", {TableTypeName(TableType)}));
+    }
+}
+
+std::unique_ptr<TKvImportBaseComponent> LoadImport(const std::string& FileName)
+{
+    const TIniFile File(FileName);
+    const auto Name = File.ReadString("Common", "TableType", {});
+    const auto TableType = TableTypeOfName(Name);
+    if (!TableType)
+        File.RefuseValue("Common", "TableType", Name.empty() ? "it does not say what kind of source it is about"
+                                                             : FormatText("'%s' is no kind of source", {Name}));
+    auto Import = CreateImport(*TableType);
+    Import->LoadSpecification(FileName);
+    return Import;
+}
+
+} // namespace kv

@@ -1,0 +1,21 @@
+// KvSourceFactory - the component for a kind of source, for programs that learn the kind at run time.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "Kvibase.h"
+
+namespace kv {
+
+/// A new component that imports sources of that kind, with its defaults. An `Owner` that outlives the
+/// pointer may be given; it deletes the component when the pointer was released.
+/// Raises Exception "There is no import of the kind %s" when no component reads such sources.
+std::unique_ptr<TKvImportBaseComponent> CreateImport(TTableTypeImport TableType, TComponent* Owner = nullptr);
+
+/// The component that the specification `FileName` is about, with its settings loaded; it only needs a
+/// destination. Raises what CreateImport and LoadSpecification raise, and EConvertError when the file
+/// does not say what kind of source it is about.
+std::unique_ptr<TKvImportBaseComponent> LoadImport(const std::string& FileName);
+
+} // namespace kv

@@ -1,0 +1,156 @@
+#include "KvSourceFactory.h"
+
+#include "KvException.h"
+#include "KvProperties.h"
+#include "KvTempFolder.h"
+#include "Kvi2ds.h"
+#include "KviTableType.h"
+
+namespace kv {
+
+namespace {
+
+using testing::HasSubstr;
+
+struct TKindRow
+{
+    TTableTypeImport TableType;
+    std::string_view ClassName;
+};
+
+std::ostream& operator<<(std::ostream& Out, const TKindRow& Row)
+{
+    return Out << Row.ClassName;
+}
+
+class KvSourceFactoryMakes : public testing::TestWithParam<TKindRow>
+{
+protected:
+    std::string Saved(TKvImportBaseComponent& Import)
+    {
+        Import.SaveSpecification("Orders", Folder / "orders.kvi", false);
+        return Folder.Read("orders.kvi");
+    }
+
+    const TTempFolder Folder;
+};
+
+/// Another value than `Property` has, of its kind. Rows, kinds and characters keep a meaning.
+TVariant OtherValue(const TPublishedProperty& Property, const TVariant& Value)
+{
+    switch (Property.Kind) {
+    case pkInteger:     return Value.Integer() == RowLastMax ? 17 : Value.Integer() + 2;
+    case pkBoolean:     return !Value.Boolean();
+    case pkChar:        return "|";
+    case pkEnumeration: return (Value.Integer() + 1) % std::ssize(Property.Names);
+    case pkSet:         return ((std::int64_t{1} << Property.Names.size()) - 1) & ~Value.Integer();
+    case pkStrings:     return "ID=Field1\r\n NAME = Field 2 \r\n";
+    default:            return Value.ToText() + " other";
+    }
+}
+
+/// Every property of the object, and of the objects in it, away from its default.
+void ChangeAll(TPersistent& Object)
+{
+    for (const auto& Property : Object.PublishedProperties()) {
+        if (Property.Set && Property.Stored)
+            Property.Set(Object, OtherValue(Property, Property.Get(Object)));
+        else if (auto* const Inner = Property.GetObject ? Property.GetObject(Object) : nullptr)
+            ChangeAll(*Inner);
+    }
+}
+
+TEST_P(KvSourceFactoryMakes, TheComponentOfTheKind)
+{
+    const auto Import = CreateImport(GetParam().TableType);
+    EXPECT_EQ(Import->ClassName(), GetParam().ClassName);
+    EXPECT_THAT(Saved(*Import), HasSubstr("\r\nTableType=" + std::string(TableTypeName(GetParam().TableType)) + "\r\n"));
+}
+
+TEST_P(KvSourceFactoryMakes, ComponentsWhoseSettingsSurviveSavingAndLoading)
+{
+    const auto Import = CreateImport(GetParam().TableType);
+    ChangeAll(*Import);
+    const auto First = Saved(*Import);
+    const auto Loaded = LoadImport(Folder / "orders.kvi");
+    EXPECT_EQ(Loaded->ClassName(), GetParam().ClassName);
+    std::filesystem::remove(Folder / "orders.kvi");
+    EXPECT_EQ(Saved(*Loaded), First);
+}
+
+TEST_P(KvSourceFactoryMakes, ComponentsThatAreLoadedAsTheyWereSaved)
+{
+    static constexpr std::string_view NotSaved[] = {"About", "AnimatedStatus", "Options", "TitleStatus"};
+    const auto Import = CreateImport(GetParam().TableType);
+    ChangeAll(*Import);
+    Saved(*Import);
+    const auto Loaded = LoadImport(Folder / "orders.kvi");
+    for (const auto& Property : Loaded->PublishedProperties()) {
+        if (!Property.Get || std::ranges::count(NotSaved, Property.Name) != 0)
+            continue;
+        EXPECT_EQ(Property.Get(*Loaded), Property.Get(*Import)) << Property.Name;
+    }
+}
+
+TEST_P(KvSourceFactoryMakes, ComponentsThatWriteNoExtensionsByThemselves)
+{
+    EXPECT_THAT(Saved(*CreateImport(GetParam().TableType)), testing::Not(HasSubstr("[Extensions]")));
+}
+
+INSTANTIATE_TEST_SUITE_P(, KvSourceFactoryMakes, testing::Values(
+    TKindRow{teText, "TKvImportFromText"}),
+    [](const auto& Row) { return std::string(Row.param.ClassName); });
+
+TEST(KvSourceFactory, AnOwnerOwnsTheComponent)
+{
+    TComponent Owner;
+    const auto Import = CreateImport(teText, &Owner);
+    EXPECT_EQ(Import->Owner(), &Owner);
+}
+
+TEST(KvSourceFactory, SaysWhichKindHasNoComponent)
+{
+    std::string Message;
+    try {
+        CreateImport(teAccess);
+    }
+    catch (const Exception& Error) {
+        Message = Error.Message;
+    }
+    EXPECT_EQ(Message, "There is no import of the kind Access");
+}
+
+TEST(KvSourceFactory, ASpecificationMustNameItsKind)
+{
+    const TTempFolder Folder;
+    const auto MessageFor = [&](std::string_view Text) -> std::string {
+        try {
+            LoadImport(Folder.Write("orders.kvi", Text));
+        }
+        catch (const EConvertError& Error) {
+            return Error.Message;
+        }
+        return {};
+    };
+    const auto Place = "Cannot read file \"" + Folder / "orders.kvi" + "\": [Common] TableType: ";
+    EXPECT_EQ(MessageFor("hello"), Place + "it does not say what kind of source it is about");
+    EXPECT_EQ(MessageFor("[Common]\nTableType=Oracle\n"), Place + "'Oracle' is no kind of source");
+    EXPECT_EQ(MessageFor("[Common]\nTableType=text\n"), "");
+}
+
+TEST(KvSourceFactory, TheSettingsOfADatasetCopySurviveToo)
+{
+    const TTempFolder Folder;
+    TKvImportFromDataSet Import;
+    ChangeAll(Import);
+    Import.SaveSpecification("Orders", Folder / "first.kvi", false);
+    TKvImportFromDataSet Loaded;
+    Loaded.LoadSpecification(Folder / "first.kvi");
+    Loaded.SaveSpecification("Orders", Folder / "second.kvi", false);
+    EXPECT_EQ(Folder.Read("second.kvi"), Folder.Read("first.kvi"));
+    EXPECT_EQ(Loaded.Mappings(), Import.Mappings());
+}
+
+} // namespace
+
+} // namespace kv
