@@ -7,7 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "KvOptionText.h"
-#include "KvSource.h"
+#include "KvSourceKinds.h"
 #include "KvTextTable.h"
 
 namespace kv {

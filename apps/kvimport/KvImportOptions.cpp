@@ -102,15 +102,12 @@ std::string NameOfMode(TImportMode Mode)
 void AddImportOptions(CLI::App& Command, TImportOptions& Options)
 {
     Command.footer(ExtraHelp);
-    Command.add_option("FILE", Options.Source.FileName, "File to import; - is standard input")->required()->type_name("");
-    Command.add_option("--from", Options.Source.Kind, "Kind of the source, as kvimport formats lists them (default: told by the file's name)")
-        ->type_name("KIND");
+    AddSourceFile(Command, Options.Source, "File to import; - is standard input");
     Command.option_defaults()->group("Destination");
     AddDestinationOptions(Command, Options.Destination);
     Command.option_defaults()->group("Records and columns");
     AddMappingOptions(Command, Options);
-    Command.option_defaults()->group("Layout of a text file");
-    AddTextOptions(Command, Options.Source.Text);
+    AddSourceOptions(Command, Options.Source);
     Command.option_defaults()->group("How values are written");
     AddFormatOptions(Command, Options.Formats);
     AddCodePageOptions(Command, Options.Formats);
@@ -120,18 +117,13 @@ void AddImportOptions(CLI::App& Command, TImportOptions& Options)
 
 void CheckImportOptions(TImportOptions& Options)
 {
-    auto& Text = Options.Source.Text;
+    const auto& Text = Options.Source.Text;
     if (!Options.Keys.empty() && !NeedsKeys(Options.Mode))
         throw EUsageError("--keys has no meaning with --mode " + NameOfMode(Options.Mode) +
                           "; records are found by keys with update, append-update and delete");
     if (!Options.Map.empty() && Options.ByPosition)
         throw EUsageError("--map and --by-position exclude each other");
-    if (!Text.FixedColumns.empty() && !Text.Fixed)
-        throw EUsageError("--columns is for --fixed");
-    if (!Text.FixedColumns.empty() && Options.ByPosition)
-        throw EUsageError("--columns names its fields; --by-position has no meaning with it");
-    if (Text.Fixed && Text.FixedColumns.empty() && Options.Map.empty())
-        throw EUsageError("--fixed needs --columns, such as ID=1-9,CITY=10-29, or --map, such as ID=Text1-9");
+    CheckTextOptions(Text, !Options.Map.empty(), Options.ByPosition);
     if (IsSameFile(Options.Source.FileName, Options.Destination.FileName))
         throw EUsageError("the source and --to are the same file, " + Options.Destination.FileName);
     Options.Destination.Empties = Options.Mode == imCopy;

@@ -6,7 +6,7 @@
 
 #include "KvDestination.h"
 #include "KvFormatOptions.h"
-#include "KvSource.h"
+#include "KvSourceOptions.h"
 #include "KviTypes.h"
 
 namespace CLI {

@@ -9,6 +9,7 @@
 #include "KvExitStatus.h"
 #include "KvOptionText.h"
 #include "KvSeparatorCheck.h"
+#include "KvSourceKinds.h"
 #include "KvTerminalText.h"
 #include "Kvibase.h"
 
@@ -51,7 +52,7 @@ TColumnMap TImportRun::MapColumns()
     if (Options.ByPosition)
         return MapByPosition(Columns, Destination->Table());
     if (Columns.empty())
-        throw Exception(Source->DisplayName() + " has no header line to find the columns by name");
+        throw Exception(Source->DisplayName() + " has no header " + std::string(Source->PlaceWord()) + " to find the columns by name");
     return MapByName(Columns, Destination->Table());
 }
 
@@ -62,7 +63,7 @@ void TImportRun::LookForHeader()
         return;
     const auto First = Source->FirstRows(1);
     if (!First.Rows.empty() && LooksLikeHeader(First.Rows.front(), Destination->Table()))
-        Report.Findings.push_back("line " + First.Places.front() + " looks like a header; --first-row " +
+        Report.Findings.push_back(std::string(Source->PlaceWord()) + " " + First.Places.front() + " looks like a header; --first-row " +
                                   std::to_string(std::stoi(First.Places.front()) + 1) + " skips it");
 }
 

@@ -12,6 +12,7 @@
 #include "KvFormatOptions.h"
 #include "KvOptionCheck.h"
 #include "KvSource.h"
+#include "KvSourceKinds.h"
 #include "KvTerminalText.h"
 #include "KvTextTable.h"
 
@@ -36,15 +37,12 @@ void AddPreviewOptions(CLI::App& Command, TPreviewOptions& Options)
                    "  kvimport preview orders.csv\n"
                    "  kvimport preview orders.csv --first-row 1       line 1 is no header\n"
                    "  kvimport preview old.txt --fixed --columns ID=1-9,CITY=10-29 --charset msdos");
-    Command.add_option("FILE", Options.Source.FileName, "File to show; - is standard input")->required()->type_name("");
-    Command.add_option("--from", Options.Source.Kind, "Kind of the source, as kvimport formats lists them (default: told by the file's name)")
-        ->type_name("KIND");
+    AddSourceFile(Command, Options.Source, "File to show; - is standard input");
     AddChecked(Command, "--rows", "N", "Rows to show (default: 20)",
                [&Options](const std::string& Text) { Options.Rows = ReadCount(Text, 1); });
     Command.add_flag("--json", Options.Json, "Print the rows as one JSON object");
     Command.add_flag("--classic", Options.Source.Classic, "Read as the components do by themselves; see kvimport import --help");
-    Command.option_defaults()->group("Layout of a text file");
-    AddTextOptions(Command, Options.Source.Text);
+    AddSourceOptions(Command, Options.Source);
     AddCodePageOptions(Command, Options.Formats);
 }
 
@@ -56,10 +54,10 @@ int OutputWidth()
 }
 
 /// The source's own names stand above those that mappings use.
-void PrintTable(const TSourceRows& Rows, bool HasNames)
+void PrintTable(const TSourceRows& Rows, const std::string& PlaceWord, bool HasNames)
 {
     TTextTable Table;
-    std::vector<std::string> Names{"line"}, Sources{HasNames ? "" : "line"};
+    std::vector<std::string> Names{PlaceWord}, Sources{HasNames ? "" : PlaceWord};
     for (const auto& Column : Rows.Columns) {
         Names.push_back(Column.Name);
         Sources.push_back(Column.Source);
@@ -82,7 +80,7 @@ void PrintTable(TSource& Source, const TSourceRows& Rows)
     bool HasNames = false;
     for (const auto& Column : Rows.Columns)
         HasNames = HasNames || !Column.Name.empty();
-    PrintTable(Rows, HasNames);
+    PrintTable(Rows, std::string(Source.PlaceWord()), HasNames);
     if (Rows.Rows.empty())
         std::cout << "There are no rows.\n";
     else if (Rows.HasMore)
@@ -92,11 +90,12 @@ void PrintTable(TSource& Source, const TSourceRows& Rows)
 void PrintJson(TSource& Source, const TSourceRows& Rows)
 {
     using TJson = nlohmann::ordered_json;
+    const std::string PlaceWord(Source.PlaceWord());
     auto Columns = TJson::array(), Lines = TJson::array();
     for (const auto& Column : Rows.Columns)
         Columns.push_back({{"column", Column.Source}, {"name", Column.Name.empty() ? TJson() : TJson(Column.Name)}});
     for (std::size_t I = 0; I < Rows.Rows.size(); ++I)
-        Lines.push_back({{"line", std::stoi(Rows.Places[I])}, {"values", Rows.Rows[I]}});
+        Lines.push_back({{PlaceWord, std::stoi(Rows.Places[I])}, {"values", Rows.Rows[I]}});
     const TJson Object = {{"source", Source.DisplayName()},
                           {"columns", Columns},
                           {"rows", Lines},
@@ -108,8 +107,7 @@ void PrintJson(TSource& Source, const TSourceRows& Rows)
 void Preview(TPreviewOptions& Options)
 {
     UseFormats(Options.Formats);
-    const auto& Text = Options.Source.Text;
-    Options.Source.FindNames = !Text.Fixed && Text.RowFirst.value_or(2) > 1;
+    Options.Source.FindNames = !Options.Source.Text.Fixed && Options.Source.RowFirst.value_or(2) > 1;
     const auto Source = MakeSource(Options.Source);
     const auto Rows = Source->FirstRows(Options.Rows);
     if (Options.Json)

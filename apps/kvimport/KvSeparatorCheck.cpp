@@ -86,7 +86,7 @@ void CheckThousandSeparators(TSource& Source, const TColumnMap& Map, const TData
     for (std::size_t Row = 0; Row < Rows.Rows.size(); ++Row)
         for (const auto Column : Columns)
             if (Column < Rows.Rows[Row].size() && !IsGroupedInThousands(Rows.Rows[Row][Column], Separator, DecimalSeparator))
-                Refuse(Source.DisplayName() + ", line " + Rows.Places[Row], Rows.Rows[Row][Column], Separator);
+                Refuse(Source.DisplayName() + ", " + std::string(Source.PlaceWord()) + " " + Rows.Places[Row], Rows.Rows[Row][Column], Separator);
 }
 
 } // namespace kv

@@ -2,13 +2,9 @@
 // names, shows its first rows, and has a component that imports it.
 #pragma once
 
-#include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "KvTextOptions.h"
 
 namespace kv {
 
@@ -39,6 +35,8 @@ public:
     virtual TKvImportBaseComponent& Component() = 0;
     /// What messages call the source: the file as the user named it.
     virtual std::string DisplayName() const = 0;
+    /// What a row of the source is called where its number follows: "line".
+    virtual std::string_view PlaceWord() const = 0;
     /// True when the source itself names its columns.
     virtual bool HasNames() const = 0;
     virtual std::vector<TSourceColumn> Columns() = 0;
@@ -50,30 +48,5 @@ public:
     /// What the last run met that the user should know, such as lines with too many values.
     virtual std::vector<std::string> Warnings() const { return {}; }
 };
-
-/// What the command line says about the source, whatever its kind.
-struct TSourceOptions
-{
-    std::string FileName;                           ///< "-": standard input.
-    std::string Kind;                               ///< Empty: told by the file's name.
-    bool Classic = false;                           ///< Without the extensions of the components.
-    bool FindNames = false;                         ///< The source shall name its columns, in a header if need be.
-    TTextOptions Text;
-};
-
-/// A kind of source that this program can read.
-struct TSourceKind
-{
-    std::string_view Name;                          ///< As option --from has it.
-    std::string_view Title;
-    std::vector<std::string_view> Extensions;       ///< In lower case, with the dot.
-    std::unique_ptr<TSource> (*Make)(const TSourceOptions&);
-};
-
-/// All of them; the first also takes files with unknown extensions.
-std::span<const TSourceKind> SourceKinds();
-
-/// Raises EUsageError for an unknown kind, EFileError when the file cannot be read.
-std::unique_ptr<TSource> MakeSource(const TSourceOptions& Options);
 
 } // namespace kv

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "KvExitStatus.h"
 #include "KvOptionCheck.h"
 #include "KvOptionText.h"
 
@@ -17,15 +18,20 @@ void AddTextOptions(CLI::App& Command, TTextOptions& Options)
     AddChecked(Command, "--record-separator", "TEXT", "What ends a record: crlf (default, also takes CR or LF alone), cr, lf or any "
                "characters, such as '\\x1E'",
                [&Options](const std::string& Text) { Options.RecordSeparator = ReadRecordSeparator(Text); });
-    AddChecked(Command, "--first-row", "N", "First line to import, from 1 (default: 2 when columns are found by name, else 1)",
-               [&Options](const std::string& Text) { Options.RowFirst = ReadCount(Text, 1); });
-    AddChecked(Command, "--last-row", "N", "Last line to import (default: the last)",
-               [&Options](const std::string& Text) { Options.RowLast = ReadCount(Text, 1); });
     Command.add_flag("--fixed", Options.Fixed, "Values stand at fixed positions, told by --columns or --map; blanks at their ends are no part of them");
     AddChecked(Command, "--columns", "LIST", "Fields and their bytes in a line, from 1: ID=1-9,CITY=10-29 (with --fixed)",
                [&Options](const std::string& Text) { Options.FixedColumns = ReadFixedColumns(Text); });
-    AddChoice(Command, "--charset", "ansi or msdos: text is in the ANSI code page (default) or in the OEM code page",
-              {{"ansi", [&Options] { Options.MsDos = false; }}, {"msdos", [&Options] { Options.MsDos = true; }}});
+}
+
+void CheckTextOptions(const TTextOptions& Options, bool HasMap, bool ByPosition)
+{
+    const bool HasColumns = !Options.FixedColumns.empty();
+    if (HasColumns && !Options.Fixed)
+        throw EUsageError("--columns is for --fixed");
+    if (HasColumns && ByPosition)
+        throw EUsageError("--columns names its fields; --by-position has no meaning with it");
+    if (Options.Fixed && !HasColumns && !HasMap)
+        throw EUsageError("--fixed needs --columns, such as ID=1-9,CITY=10-29, or --map, such as ID=Text1-9");
 }
 
 } // namespace kv

@@ -18,13 +18,17 @@ struct TTextOptions
     std::string RecordSeparator = "\r\n";
     bool Fixed = false;
     std::vector<std::string> FixedColumns;          ///< Mapping lines: "ID=Text1-9".
-    bool MsDos = false;                             ///< Text is in the OEM code page.
-    std::optional<int> RowFirst;                    ///< Not given: after the header, when there is one.
-    std::optional<int> RowLast;
 };
 
-/// Adds --delimiter, --qualifier, --record-separator, --fixed, --columns, --charset, --first-row and
-/// --last-row. `Options` must outlive the parsing.
+/// The heading above them in a help text.
+inline constexpr char TextOptionGroup[] = "Layout of a text file";
+
+/// Adds --delimiter, --qualifier, --record-separator, --fixed and --columns. `Options` must outlive the
+/// parsing.
 void AddTextOptions(CLI::App& Command, TTextOptions& Options);
+
+/// Raises EUsageError where --fixed and --columns contradict each other or how columns find their fields:
+/// by --map, by --by-position or, with neither, by name.
+void CheckTextOptions(const TTextOptions& Options, bool HasMap, bool ByPosition);
 
 } // namespace kv

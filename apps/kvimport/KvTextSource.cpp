@@ -2,16 +2,14 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <limits>
-#include <optional>
 #include <utility>
 
-#include "KvCancelSignals.h"
 #include "KvCodePage.h"
 #include "KvDisplayText.h"
-#include "KvExitStatus.h"
 #include "KvOptionText.h"
-#include "KvSpooledFile.h"
+#include "KvRowRange.h"
+#include "KvSourceFile.h"
+#include "KvSourceOptions.h"
 #include "KvTerminalText.h"
 #include "KvText.h"
 #include "KvTextProbe.h"
@@ -22,6 +20,8 @@ namespace kv {
 namespace {
 
 constexpr TKvITextExtensions AllExtensions{xtDoubledQualifiers, xtLongLines, xtByteOrderMark, xtFixedPadding};
+
+constexpr std::string_view RowWord = "line";
 
 /// Without the blanks that fill a fixed column.
 std::string_view WithoutPadding(std::string_view Text)
@@ -35,18 +35,17 @@ public:
     explicit TTextSource(const TSourceOptions& Given);
 
     TKvImportBaseComponent& Component() override { return Import; }
-    std::string DisplayName() const override { return FromPipe() ? "standard input" : Options.FileName; }
-    bool HasNames() const override { return HeaderLine > 0; }
+    std::string DisplayName() const override { return File.DisplayName(); }
+    std::string_view PlaceWord() const override { return RowWord; }
+    bool HasNames() const override { return Rows.Header > 0; }
     std::vector<TSourceColumn> Columns() override;
     TSourceRows FirstRows(int Count) override;
-    std::string Explain(std::string Text) const override;
+    std::string Explain(std::string Text) const override { return File.Explain(std::move(Text)); }
     std::vector<std::string> Findings() const override;
     std::vector<std::string> Warnings() const override;
 
 private:
-    bool FromPipe() const { return Options.FileName == "-"; }
     bool TrimsColumns() const { return Options.Text.Fixed && !Options.Classic; }
-    void OpenFile();
     void SetLayout();
     void FindDelimiter();
     std::string ToUtf8(std::string_view Text) const;
@@ -56,27 +55,17 @@ private:
     std::vector<std::string> FixedValues(const std::string& Line) const;
 
     const TSourceOptions Options;
-    std::optional<TSpooledFile> Spooled;
+    const TRowRange Rows;
+    const TSourceFile File;
     TKvImportFromText Import;
-    int HeaderLine = 0;                             // 0: none
     bool DelimiterFound = false;                    // in the header, against the habit of the file's name
 };
 
-TTextSource::TTextSource(const TSourceOptions& Given) : Options(Given)
+TTextSource::TTextSource(const TSourceOptions& Given)
+    : Options(Given), Rows(RowRangeOf(Options, RowWord)), File(Options.FileName)
 {
     SetLayout();
-    OpenFile();
     FindDelimiter();
-}
-
-void TTextSource::OpenFile()
-{
-    const auto FileName = FromPipe() ? std::string(TSpooledFile::StandardInput) : Options.FileName;
-    Import.SourceFileName = FileName;
-    if (!IsReadOnce(FileName))
-        return;
-    Spooled.emplace(FileName, [] { return !TCancelSignals::Requested(); });
-    Import.SourceFileName = Spooled->Name();
 }
 
 void TTextSource::SetLayout()
@@ -87,30 +76,25 @@ void TTextSource::SetLayout()
     Import.SetFieldDelimiterCustom(Text.Delimiter.value_or(Text.Fixed ? '\0' : Extension == ".CSV" ? ',' : '\t'));
     Import.SetTextQualifierCustom(Text.Qualifier);
     Import.SetRecordSeparatorCustom(Text.RecordSeparator);
-    Import.CharacterSet = Text.MsDos ? csiASCII_MSDOS : csiANSI_WINDOWS;
+    Import.CharacterSet = Options.MsDos ? csiASCII_MSDOS : csiANSI_WINDOWS;
     if (!Options.Classic)
         Import.Extensions = AllExtensions;
 
-    Import.RowFirst = Text.RowFirst.value_or(Options.FindNames ? 2 : 1);
-    Import.RowLast = Text.RowLast.value_or(RowLastMax);
-    if (Import.RowLast < Import.RowFirst)
-        throw EUsageError("--last-row " + std::to_string(Import.RowLast) + " lies before --first-row " +
-                          std::to_string(Import.RowFirst));
-    if (Options.FindNames && Import.RowFirst == 1)
-        throw EUsageError("--first-row 1 leaves no header line to find the columns by name; use --by-position or --map");
-    HeaderLine = Options.FindNames ? Import.RowFirst - 1 : 0;
+    Import.SourceFileName = File.Name();
+    Import.RowFirst = Rows.First;
+    Import.RowLast = Rows.Last;
 }
 
 /// A header that holds no delimiter as the file's name promises it, but another of the usual ones, is
 /// believed. Values are not: a comma in "1,5" delimits nothing.
 void TTextSource::FindDelimiter()
 {
-    if (Options.Text.Delimiter || Import.Fixed || HeaderLine == 0)
+    if (Options.Text.Delimiter || Import.Fixed || Rows.Header == 0)
         return;
     const char Usual = Import.GetFieldDelimiterCustom();
     for (const char Delimiter : {Usual, ';', ',', '\t'}) {
         Import.SetFieldDelimiterCustom(Delimiter);
-        const auto Header = Probe(HeaderLine, HeaderLine).Lines;
+        const auto Header = Probe(Rows.Header, Rows.Header).Lines;
         DelimiterFound = Delimiter != Usual;
         if (!Header.empty() && Header.front().Values.size() > 1)
             return;
@@ -160,7 +144,7 @@ std::vector<TSourceColumn> TTextSource::Columns()
 {
     if (Import.Fixed)
         return FixedColumns();
-    const int Line = HasNames() ? HeaderLine : Import.RowFirst;
+    const int Line = HasNames() ? Rows.Header : Import.RowFirst;
     const auto Probed = Probe(Line, Line).Lines;
     return Probed.empty() ? std::vector<TSourceColumn>() : DelimitedColumns(Probed.front());
 }
@@ -197,16 +181,11 @@ TSourceRows TTextSource::FirstRows(int Count)
     return Result;
 }
 
-std::string TTextSource::Explain(std::string Text) const
-{
-    return FromPipe() || Spooled ? ReplaceAll(std::move(Text), Import.SourceFileName, DisplayName()) : Text;
-}
-
 std::vector<std::string> TTextSource::Findings() const
 {
     if (!DelimiterFound)
         return {};
-    return {"delimiter " + NameOfCharacter(Import.GetFieldDelimiterCustom()) + ", as line " + std::to_string(HeaderLine) + " has it"};
+    return {"delimiter " + NameOfCharacter(Import.GetFieldDelimiterCustom()) + ", as line " + std::to_string(Rows.Header) + " has it"};
 }
 
 std::string LinesFrom(int Count, int First)

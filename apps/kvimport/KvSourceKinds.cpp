@@ -1,0 +1,97 @@
+#include "KvSourceKinds.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstddef>
+#include <filesystem>
+#include <string>
+
+#include "KvExitStatus.h"
+#include "KvFile.h"
+#include "KvOptionText.h"
+#include "KvSpooledFile.h"
+#include "KvText.h"
+#include "KvTextSource.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::size_t BeginningSize = 512;          // bytes in which a kind shows itself
+
+/// In lower case.
+std::string ExtensionOf(const std::string& FileName)
+{
+    auto Extension = std::filesystem::path(FileName).extension().string();
+    std::ranges::transform(Extension, Extension.begin(),
+                           [](unsigned char Char) { return static_cast<char>(std::tolower(Char)); });
+    return Extension;
+}
+
+/// Nothing of what can be read only once.
+TKvFileBytes ReadBeginning(const std::string& FileName)
+{
+    const bool CanBeReadAgain = FileName != "-" && !IsReadOnce(FileName);
+    return CanBeReadAgain ? ReadFileBytes(FileName, BeginningSize) : TKvFileBytes();
+}
+
+std::string NamesOf(std::span<const TSourceKind> Kinds, std::string_view OptionGroup)
+{
+    std::vector<std::string> Names;
+    for (const auto& Kind : Kinds)
+        if (OptionGroup.empty() || Kind.OptionGroup == OptionGroup)
+            Names.emplace_back(Kind.Name);
+    return JoinNames(Names);
+}
+
+const TSourceKind& KindNamed(const std::string& Name)
+{
+    const auto Kinds = SourceKinds();
+    const auto Found = std::ranges::find_if(Kinds, [&Name](const TSourceKind& Kind) { return SameText(Kind.Name, Name); });
+    if (Found == Kinds.end())
+        throw EUsageError("--from: '" + Name + "' is none of " + NamesOf(Kinds, {}));
+    return *Found;
+}
+
+/// Bytes that no other kind begins with tell more than the name of the file.
+const TSourceKind& KindOfFile(const std::string& FileName)
+{
+    const auto Kinds = SourceKinds();
+    const auto Bytes = ReadBeginning(FileName);
+    for (const auto& Kind : Kinds)
+        if (Kind.Recognizes && Kind.Recognizes(Bytes.View()))
+            return Kind;
+    const auto Extension = ExtensionOf(FileName);
+    for (const auto& Kind : Kinds)
+        if (std::ranges::count(Kind.Extensions, Extension) > 0)
+            return Kind;
+    return Kinds.front();
+}
+
+void CheckOptions(const TSourceKind& Kind, const std::vector<TGivenOption>& Given)
+{
+    for (const auto& Option : Given)
+        if (Option.Group != Kind.OptionGroup)
+            throw EUsageError(Option.Name + " has no meaning for a source of kind " + std::string(Kind.Name) +
+                              "; it is for " + NamesOf(SourceKinds(), Option.Group));
+}
+
+} // namespace
+
+std::span<const TSourceKind> SourceKinds()
+{
+    static const TSourceKind Kinds[] = {
+        {"text", "Text, delimited or of fixed width", {".csv", ".txt", ".tab", ".tsv", ".dat", ".prn", ".asc"},
+         TextOptionGroup, nullptr, &MakeTextSource},
+    };
+    return Kinds;
+}
+
+std::unique_ptr<TSource> MakeSource(const TSourceOptions& Options)
+{
+    const auto& Kind = Options.Kind.empty() ? KindOfFile(Options.FileName) : KindNamed(Options.Kind);
+    CheckOptions(Kind, Options.Given);
+    return Kind.Make(Options);
+}
+
+} // namespace kv
