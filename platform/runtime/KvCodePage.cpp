@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "KvByteCursor.h"
 #include "KvException.h"
 #include "KvText.h"
 
@@ -105,6 +106,18 @@ void AppendUtf8(std::string& Text, char32_t Point)
 /// The number of a byte without a character: among the controls, and past them, where they end, in the
 /// private use area, so that no letter appears that nobody wrote.
 constexpr char32_t StandInFor(unsigned char Byte) { return Byte < 0xA0 ? Byte : 0xF700 + Byte; }
+
+// --- UTF-16 ------------------------------------------------------------------------------------------
+
+constexpr bool IsLead(char32_t Unit) { return Unit >= 0xD800 && Unit <= 0xDBFF; }
+constexpr bool IsTrail(char32_t Unit) { return Unit >= 0xDC00 && Unit <= 0xDFFF; }
+constexpr bool IsSurrogate(char32_t Unit) { return IsLead(Unit) || IsTrail(Unit); }
+constexpr char32_t PointOf(char32_t Lead, char32_t Trail)
+{
+    return 0x10000 + ((Lead - 0xD800) << 10) + (Trail - 0xDC00);
+}
+
+constexpr char32_t UnpairedStandIns = 0x100000;     // a plane of private use: no letter that nobody wrote
 
 // --- iconv -------------------------------------------------------------------------------------------
 
@@ -408,13 +421,13 @@ char32_t TakePoint(std::u16string_view& Text)
 {
     const char32_t First = Text[0];
     Text.remove_prefix(1);
-    if (First < 0xD800 || First > 0xDFFF)
+    if (!IsSurrogate(First))
         return First;
-    const char32_t Second = First < 0xDC00 && !Text.empty() ? Text[0] : 0;
-    if (Second < 0xDC00 || Second > 0xDFFF)
+    const char32_t Second = IsLead(First) && !Text.empty() ? Text[0] : 0;
+    if (!IsTrail(Second))
         RaiseNoText("UTF-16");
     Text.remove_prefix(1);
-    return 0x10000 + ((First - 0xD800) << 10) + (Second - 0xDC00);
+    return PointOf(First, Second);
 }
 
 /// UTF-8 as process text; when that is UTF-8 too, nothing happens to it.
@@ -433,6 +446,39 @@ std::string ToAnsi(std::string Utf8)
 }
 
 } // namespace
+
+bool AnsiIsUtf8() { return Ansi().Page().IsUtf8(); }
+
+void AppendLatin1AsUtf8(std::string_view Text, std::string& Utf8)
+{
+    const char* First = Text.data();
+    const char* const Last = First + Text.size();
+    while (First != Last) {
+        const char* const Stop = SkipAscii(First, Last);
+        Utf8.append(First, Stop);
+        First = Stop;
+        for (; First != Last && static_cast<signed char>(*First) < 0; ++First)
+            AppendUtf8(Utf8, static_cast<unsigned char>(*First));
+    }
+}
+
+void AppendUtf16AsUtf8(std::string_view Bytes, std::string& Utf8)
+{
+    for (std::size_t I = 0; I + 1 < Bytes.size(); I += 2) {
+        const char32_t Unit = LoadLittleEndian<std::uint16_t>(Bytes.data() + I);
+        if (!IsSurrogate(Unit)) {
+            AppendUtf8(Utf8, Unit);
+            continue;
+        }
+        const char32_t Next = I + 3 < Bytes.size() ? LoadLittleEndian<std::uint16_t>(Bytes.data() + I + 2) : 0;
+        if (IsLead(Unit) && IsTrail(Next)) {
+            AppendUtf8(Utf8, PointOf(Unit, Next));
+            I += 2;
+        } else {
+            AppendUtf8(Utf8, UnpairedStandIns + Unit);
+        }
+    }
+}
 
 bool IsValidUtf8(std::string_view Text) { return ValidSize(Text) == Text.size(); }
 

@@ -146,6 +146,47 @@ TEST_F(KvCodePage, ConvertsUtf16ToTheAnsiPage)
               "'\xD0\x96' has a character that does not exist in code page 'windows-1252'");
 }
 
+TEST_F(KvCodePage, TellsWhetherTheAnsiPageIsUtf8)
+{
+    EXPECT_TRUE(AnsiIsUtf8());
+    SetAnsiCodePage("windows-1252");
+    EXPECT_FALSE(AnsiIsUtf8());
+    SetAnsiCodePage("65001");
+    EXPECT_TRUE(AnsiIsUtf8());
+}
+
+TEST_F(KvCodePage, AppendsLatin1AsUtf8)
+{
+    std::string Text = "x";
+    AppendLatin1AsUtf8("", Text);
+    AppendLatin1AsUtf8("caf\xE9, \x80\xFF and some more ASCII", Text);
+    EXPECT_EQ(Text, "xcaf\xC3\xA9, \xC2\x80\xC3\xBF and some more ASCII");
+    Text.clear();
+    AppendLatin1AsUtf8(AllBytes(), Text);
+    EXPECT_EQ(Text, CodePageToUtf8(AllBytes(), "ISO-8859-1"));
+}
+
+TEST_F(KvCodePage, AppendsUtf16AsUtf8)
+{
+    std::string Text = "x";
+    AppendUtf16AsUtf8(std::string_view("a\0\xE9\0\x16\x04\x3D\xD8\0\xDE" "b\0c", 13), Text);
+    EXPECT_EQ(Text, "xa\xC3\xA9\xD0\x96\xF0\x9F\x98\x80" "b");
+}
+
+TEST_F(KvCodePage, AnUnpairedSurrogateBecomesAPrivateUseCharacter)
+{
+    const auto Utf8Of = [](std::string_view Bytes) {
+        std::string Text;
+        AppendUtf16AsUtf8(Bytes, Text);
+        return Text;
+    };
+    EXPECT_EQ(Utf8Of("\x3D\xD8"), "\xF4\x8D\xA0\xBD");                    // U+10D83D
+    EXPECT_EQ(Utf8Of({"\0\xDE", 2}), "\xF4\x8D\xB8\x80");                 // U+10DE00
+    EXPECT_EQ(Utf8Of({"\x3D\xD8x\0", 4}), "\xF4\x8D\xA0\xBDx");
+    EXPECT_EQ(Utf8Of({"\0\xDE\x3D\xD8\0\xDE", 6}), "\xF4\x8D\xB8\x80\xF0\x9F\x98\x80");
+    EXPECT_TRUE(IsValidUtf8(Utf8Of({"\xFF\xDB\xFF\xDF\xFF\xDF", 6})));
+}
+
 TEST_F(KvCodePage, ConvertsOemToTheAnsiPage)
 {
     EXPECT_EQ(OemToAnsi("\x81 \xE1 \xC4"), "\xC3\xBC \xC3\x9F \xE2\x94\x80");
