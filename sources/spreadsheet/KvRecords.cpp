@@ -30,8 +30,10 @@ void TKvRecord::RaiseTooShort(std::size_t Needed) const
                                    std::to_string(Needed)}));
 }
 
-void TKvRecords::RaiseTruncatedHeader() const
+void TKvRecords::RequirePadding() const
 {
+    if (In.BytesAt(In.Position(), In.Remaining()).find_first_not_of('\0') == std::string_view::npos)
+        return;
     throw EFormatError(FormatText("File is truncated: it ends within the header of the record at offset %d",
                                   {std::to_string(In.Offset())}));
 }

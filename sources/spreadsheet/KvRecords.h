@@ -65,15 +65,15 @@ public:
     /// Keeps a view of `Stream`, which must outlive the object and the records.
     explicit TKvRecords(std::string_view Stream) : In(Stream) {}
 
-    /// Moves to the next record. False past the last one, and on every later call. Raises EFormatError
-    /// "File is truncated: ..." when the stream ends within a record.
+    /// Moves to the next record. False past the last one, and on every later call; up to three zeros after
+    /// it are padding. Raises EFormatError "File is truncated: ..." when the stream ends within a record.
     bool Next()
     {
-        if (In.AtEnd())
-            return false;
         const auto Offset = In.Position();
-        if (In.Remaining() < TKvRecord::HeaderSize)
-            RaiseTruncatedHeader();
+        if (In.Remaining() < TKvRecord::HeaderSize) {
+            RequirePadding();
+            return false;
+        }
         const auto Id = In.Take<std::uint16_t>();
         const auto Size = In.Take<std::uint16_t>();
         if (In.Remaining() < Size)
@@ -88,12 +88,13 @@ public:
     {
         return In.Remaining() >= TKvRecord::HeaderSize && In.At<std::uint16_t>(In.Position()) == Id;
     }
+    std::size_t Remaining() const { return In.Remaining(); }    ///< Bytes after the current record.
     /// Makes the record at `Offset` from the first byte of the stream the next one. Raises EFormatError
     /// when that is past the end.
     void Seek(std::size_t Offset) { In.Seek(Offset); }
 
 private:
-    [[noreturn]] void RaiseTruncatedHeader() const;
+    void RequirePadding() const;
     [[noreturn]] void RaiseTruncatedBody(std::uint16_t Id, std::size_t Size) const;
 
     TKvByteCursor In;

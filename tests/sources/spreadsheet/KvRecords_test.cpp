@@ -146,4 +146,17 @@ TEST(KvRecords, AStreamThatEndsWithinAHeaderIsTruncated)
     }
 }
 
+TEST(KvRecords, UpToThreeZerosAfterTheLastRecordArePadding)
+{
+    for (std::size_t Size = 1; Size < 4; ++Size) {
+        const auto Padded = std::string(TwoRecords) + std::string(Size, '\0');
+        TKvRecords Records(Padded);
+        EXPECT_EQ(Records.Remaining(), 11 + Size);
+        Records.Next();
+        EXPECT_TRUE(Records.Next());
+        EXPECT_EQ(Records.Remaining(), Size);
+        EXPECT_FALSE(Records.Next());
+    }
+}
+
 } // namespace kv

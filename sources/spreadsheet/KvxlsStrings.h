@@ -1,0 +1,79 @@
+// KvxlsStrings - strings of Excel 8, which run on from record to record.
+//
+//   string   := count:u16le  options:u8  [runs:u16le]  [extra:u32le]  characters  run:u8[4]*  extra:u8*
+//   options  := bit 0: characters have 16 bits   bit 2: extra (phonetic text)   bit 3: runs (rich text)
+//   SST      := total:u32le  unique:u32le  string[unique]
+//   CONTINUE := the rest of what the record before it holds; characters go on after an option byte of their
+//               own, 0 or 1
+//
+// Nothing but characters is kept.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvRecords.h"
+
+namespace kv {
+
+/// Reads the current record of a stream and the CONTINUE records after it, as far as they are needed. A
+/// record that ends early raises Exception "CONTINUE record missing" when no other follows.
+class TKvxlsStringReader
+{
+public:
+    /// Begins at `Position` of the body of the current record.
+    TKvxlsStringReader(TKvRecords& Records, std::size_t Position);
+
+    /// The next `Count` bytes of the record. Raises Exception "SST Buffer owerflow (%d)" with the position
+    /// that they end at when that is past it.
+    std::string_view TakeBytes(std::size_t Count);
+    /// The next number; all of it stands in the next record when it does not fit into this one.
+    template <CKvPlainNumber T> T Take()
+    {
+        return LoadLittleEndian<T>(TakeWhole(sizeof(T)).data());
+    }
+    /// The same for several numbers that stand together.
+    std::string_view TakeWhole(std::size_t Count);
+
+    /// Appends `Count` characters. Raises Exception "Unknown string [%x] in SST" for an option byte of a
+    /// CONTINUE that is neither 0 nor 1.
+    void TakeCharacters(std::size_t Count, bool AreWide, std::string& Text);
+    void Skip(std::size_t Count);
+
+private:
+    void NextRecord();
+    void TakeBrokenCharacters(std::size_t Count, bool AreWide, std::string& Text);
+    bool TakeOptionOfRest();
+
+    TKvRecords& Records;
+    TKvByteCursor In;                               // over the body of the current record
+};
+
+/// The shared strings of a workbook, by their index.
+class TKvxlsSharedStrings
+{
+public:
+    /// Reads the current record, an SST, and those that continue it, of which the last is current then.
+    /// Besides the errors of the reader raises Exception "Unhandled string in SST [%x]" for other options
+    /// than 0, 1 and rich text. `Phonetic` lets strings have phonetic text.
+    void Read(TKvRecords& Records, bool Phonetic);
+
+    std::size_t Count() const { return Ends.size(); }
+    /// Process text, valid until the next Read.
+    std::string_view operator[](std::size_t Index) const
+    {
+        const auto Begin = Index == 0 ? 0 : Ends[Index - 1];
+        return std::string_view(Characters).substr(Begin, Ends[Index] - Begin);
+    }
+
+private:
+    void ReadString(TKvxlsStringReader& In, bool Phonetic);
+
+    std::string Characters;                         // of all strings, one after the other
+    std::vector<std::size_t> Ends;
+};
+
+} // namespace kv
