@@ -177,6 +177,40 @@ TEST(KvSqliteDatabase, DatasetsShareItsTransaction)
     EXPECT_EQ(A.RecordCount() + B.RecordCount(), 0);
 }
 
+/// Counts for ever unless something ends it.
+const std::string EndlessInsert =
+    "INSERT INTO orders (qty) WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT i FROM n";
+
+TEST(KvSqliteDatabase, StatementThatWorksIsEndedByOnWork)
+{
+    TTestFile File;
+    TSQLiteDatabase Database;
+    Database.DatabaseName = File.FileName();
+    int Asked = 0;
+    Database.OnWork = [&Asked] { return ++Asked < 10; };
+    EXPECT_EQ(MessageOf(File.FileName(), [&] { Database.Execute(EndlessInsert); }), "interrupted");
+    EXPECT_EQ(Asked, 10);
+    Asked = 0;
+    Database.Execute("INSERT INTO orders VALUES (1, 'after', 1)");
+    EXPECT_EQ(File.Rows("SELECT name FROM orders"), TRowTexts{"after"});
+}
+
+TEST(KvSqliteDatabase, TransactionThatOnWorkEndsIsUndoneAndSaysSo)
+{
+    TTestFile File;
+    TSQLiteDatabase Database;
+    Database.DatabaseName = File.FileName();
+    bool GoesOn = true;
+    Database.OnWork = [&GoesOn] { return GoesOn; };
+    Database.StartTransaction();
+    Database.Execute("INSERT INTO orders VALUES (1, 'before', 1)");
+    GoesOn = false;
+    const auto Message = MessageOf(File.FileName(), [&] { Database.Execute(EndlessInsert); });
+    EXPECT_TRUE(Message.starts_with("interrupted; the transaction was rolled back")) << Message;
+    Database.Rollback();
+    EXPECT_EQ(File.Rows("SELECT count(*) FROM orders"), TRowTexts{"0"});
+}
+
 TEST(KvSqliteDatabase, JournalAndSynchronisationStayAsTheyAre)
 {
     TTestFile File("PRAGMA journal_mode = WAL; CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty INT)");
