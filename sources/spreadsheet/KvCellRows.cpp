@@ -56,13 +56,12 @@ void TSpreadSheetRow::Set(int Col, const TVariant& Value, TAlignment Alignment)
     assert(Col >= 0 && Col < MaxColumns);
     const auto Position = PositionOf(Col);
     if (Position == Cells.size()) {
-        Cells.push_back({Value, static_cast<std::uint8_t>(Col), Alignment});
+        Cells.emplace_back(Value, Col, Alignment);
     } else if (Cells[Position].Col == Col) {
         Cells[Position].Value = Value;
         Cells[Position].Alignment = Alignment;
     } else {
-        Cells.insert(Cells.begin() + static_cast<std::ptrdiff_t>(Position),
-                     {Value, static_cast<std::uint8_t>(Col), Alignment});
+        Cells.emplace(Cells.begin() + static_cast<std::ptrdiff_t>(Position), Value, Col, Alignment);
     }
 }
 

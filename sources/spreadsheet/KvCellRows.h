@@ -41,6 +41,11 @@ public:
 private:
     struct TCell
     {
+        TCell(const TVariant& Given, int Column, TAlignment Justify)
+            : Value(Given), Col(static_cast<std::uint8_t>(Column)), Alignment(Justify)
+        {
+        }
+
         TVariant Value;
         std::uint8_t Col;
         TAlignment Alignment;

@@ -50,8 +50,10 @@ class TCustomSpreadSheetFile;
 
 // Sheets, rows and columns count from 0. The extent of OnDimensions is what the file says, which one
 // format takes for the last numbers and another for counts.
-using TOnColumnWidth = std::function<void(TCustomSpreadSheetFile& Sender, int SheetIndex, int ColumnNo, int Width)>;
-using TOnRowHeight = std::function<void(TCustomSpreadSheetFile& Sender, int SheetIndex, int RowNo, int Height)>;
+using TOnColumnWidth =
+    std::function<void(TCustomSpreadSheetFile& Sender, int SheetIndex, int ColumnNo, int Width)>;
+using TOnRowHeight =
+    std::function<void(TCustomSpreadSheetFile& Sender, int SheetIndex, int RowNo, int Height)>;
 using TOnDimensions = std::function<void(TCustomSpreadSheetFile& Sender, int SheetIndex, int FirstRow, int LastRow,
                                          int FirstColumn, int LastColumn)>;
 /// `Value` lives as long as the call.

@@ -1,0 +1,159 @@
+#include "Kvi2cell.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "KvColumnLetters.h"
+#include "KvException.h"
+#include "KvPublish.h"
+#include "KvText.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::string_view ExtensionNames[] = {"seFormulaResults", "seCustomDates",  "seDateMode",
+                                               "seCellExtent",     "seWideRows",     "seFileCodePage",
+                                               "seSignedIntegers"};
+
+constexpr int HeaderRow = 0;
+
+/// The text is lent.
+TVariant Lend(const TVariant& Value)
+{
+    return Value.IsString() ? TVariant::Borrow(Value.Text()) : Value;
+}
+
+} // namespace
+
+int RowExtent(const TSpreadSheetCells& Cells, TSpreadSheetExtensions Extensions)
+{
+    return Extensions.Contains(seCellExtent) ? Cells.CellRows() : Cells.LastRow;
+}
+
+int ColumnExtent(const TSpreadSheetCells& Cells, TSpreadSheetExtensions Extensions)
+{
+    return Extensions.Contains(seCellExtent) ? Cells.CellColumns() : Cells.LastColumn;
+}
+
+TPublishedProperties TKvImportFromCell::PublishedProperties() const
+{
+    using T = TKvImportFromCell;
+    auto Properties = TKvImportBaseComponent::PublishedProperties();
+    const auto Own = {Publish("SheetIndex", &T::SheetIndex), Publish("SourceFileName", &T::SourceFileName),
+                      Publish("RowFirst", &T::RowFirst), Publish("RowLast", &T::RowLast),
+                      Publish("Extensions", &T::Extensions, ExtensionNames)};
+    Properties.insert(Properties.end(), Own.begin(), Own.end());
+    return Properties;
+}
+
+bool TKvImportFromCell::NotDefined(std::string& PropName)
+{
+    if (TKvImportBaseComponent::NotDefined(PropName))
+        return true;
+    if (!SourceFileName.empty())
+        return false;
+    PropName = "SourceFileName";
+    return true;
+}
+
+// Loading.
+
+TSpreadSheetFile& TKvImportFromCell::LoadWorkBook()
+{
+    Record = nullptr;
+    LoadedAhead = false;
+    if (!WorkBook)
+        WorkBook = WorkBookCreation();
+    if (!WorkBook)
+        throw Exception(std::string(ClassName()) + " has no reader of workbooks");
+    WorkBook->Extensions = Extensions;
+    WorkBook->LoadFromFile(SourceFileName);
+    LoadedAhead = true;
+    return *WorkBook;
+}
+
+void TKvImportFromCell::BeforeImport()
+{
+    Columns.Clear();
+    if (!LoadedAhead)
+        LoadWorkBook();
+    LoadedAhead = false;
+}
+
+void TKvImportFromCell::AfterImport()
+{
+    Record = nullptr;
+    WorkBook.reset();
+}
+
+// The records.
+
+std::string TKvImportFromCell::RecordPlace() const
+{
+    return "row " + std::to_string(std::int64_t{CurrentRow} + 1);
+}
+
+void TKvImportFromCell::GoFirst()
+{
+    CurrentRow = RowFirst - 1;
+}
+
+int TKvImportFromCell::GetTotalCount()
+{
+    return WorkBook ? RowExtent(Cells(), Extensions) : TKvImportBaseComponent::GetTotalCount();
+}
+
+bool TKvImportFromCell::NeedMore()
+{
+    return WorkBook && CurrentRow < RowExtent(Cells(), Extensions) && CurrentRow < RowLast;
+}
+
+bool TKvImportFromCell::LoadRecord()
+{
+    Record = nullptr;
+    if (WorkBook)
+        if (const int Position = Cells().GetRow(CurrentRow, false); Position >= 0)
+            Record = &Cells()[static_cast<std::size_t>(Position)];
+    return TKvImportBaseComponent::LoadRecord();
+}
+
+TVariant TKvImportFromCell::GetFieldValue(const TVariant& Source)
+{
+    if (!Record)
+        return Null;
+    return Lend(Record->Value(Columns.Find(Source, ColumnOfLetters)));
+}
+
+// Automatic mapping.
+
+/// By the names in the first row, when it is not imported. Otherwise by order, where the letters of the
+/// first field, number 0, name no column and each other field gets the column before: mappings that
+/// programs have stored stand on it.
+void TKvImportFromCell::DetectAutoMapping()
+{
+    BeforeImport();
+    const bool HasHeader = RowFirst > 1;
+    const auto Header = HasHeader ? HeaderTexts() : std::vector<std::string>();
+    for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
+        const auto& Field = GetDataSet()->Fields(I).FieldName();
+        const auto NamesField = [&Field](const std::string& Text) { return SameText(Text, Field); };
+        const auto Found = std::ranges::find_if(Header, NamesField);
+        if (!HasHeader)
+            Mappings().Add(Field + "=" + LettersOfColumn(I));
+        else if (Found != Header.end())
+            Mappings().Add(Field + "=" + LettersOfColumn(static_cast<int>(Found - Header.begin()) + 1));
+    }
+    AfterImport();
+}
+
+std::vector<std::string> TKvImportFromCell::HeaderTexts()
+{
+    std::vector<std::string> Result;
+    const auto& Sheet = Cells();
+    for (int Col = 0; Col < ColumnExtent(Sheet, Extensions); ++Col)
+        Result.push_back(Sheet.GetValue(Col, HeaderRow).ToText());
+    return Result;
+}
+
+} // namespace kv

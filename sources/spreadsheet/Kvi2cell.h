@@ -1,0 +1,95 @@
+// Kvi2cell - imports the rows of one sheet of a workbook, whatever format it has been read from.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvCells.h"
+#include "KvStringList.h"
+#include "Kvibase.h"
+#include "KviSourceColumns.h"
+
+namespace kv {
+
+/// Imports a sheet of the workbook that a subclass reads. Source columns are column letters: A is the first
+/// column, AA the 27th. A row without values is a record without values. This class itself has no reader:
+/// a run of it fails.
+class TKvImportFromCell : public TKvImportBaseComponent
+{
+public:
+    explicit TKvImportFromCell(TComponent* Owner = nullptr) : TKvImportBaseComponent(Owner) {}
+
+    std::string_view ClassName() const override { return "TKvImportFromCell"; }
+    TPublishedProperties PublishedProperties() const override;
+
+    int SheetIndex = 0;                             ///< From 0. Past the last sheet there are no records.
+    using TKvImportBaseComponent::RowFirst;         ///< First row to import, from 1.
+    using TKvImportBaseComponent::RowLast;          ///< Last row to import.
+    using TKvImportBaseComponent::SourceFileName;
+    TSpreadSheetExtensions Extensions;
+
+    std::string RecordPlace() const override;       ///< "row 18"
+
+    /// Loads the workbook ahead of a run, which then does not load it again: for programs that look at it
+    /// first. It is good until that run ends. Raises what the run would end by.
+    TSpreadSheetFile& LoadWorkBook();
+
+protected:
+    /// `Extension` is that of the files of the subclass.
+    TKvImportFromCell(TComponent* Owner, TTableTypeImport Type, std::string_view Extension)
+        : TKvImportBaseComponent(Owner, Type, Extension)
+    {
+    }
+
+    /// A new reader of the format.
+    virtual std::unique_ptr<TSpreadSheetFile> WorkBookCreation() { return nullptr; }
+
+    bool NotDefined(std::string& PropName) override;
+    void DetectAutoMapping() override;
+    void BeforeImport() override;
+    void GoFirst() override;
+    int GetTotalCount() override;
+    bool NeedMore() override;
+    bool LoadRecord() override;
+    TVariant GetFieldValue(const TVariant& Source) override;
+    void GoNext() override { ++CurrentRow; }
+    void AfterImport() override;
+
+private:
+    TSpreadSheetCells& Cells() { return WorkBook->Sheets.Spreadsheet(SheetIndex).Cells; }
+    std::vector<std::string> HeaderTexts();
+
+    std::unique_ptr<TSpreadSheetFile> WorkBook;     // until AfterImport
+    bool LoadedAhead = false;
+    int CurrentRow = 0;                             // from 0
+    const TSpreadSheetRow* Record = nullptr;        // the current row; none where it holds no value
+    TKvSourceColumns<int> Columns;                  // from 0
+};
+
+/// Rows and columns of a sheet that an import walks: as the sheet declares them, or with seCellExtent as
+/// far as it holds values.
+int RowExtent(const TSpreadSheetCells& Cells, TSpreadSheetExtensions Extensions);
+int ColumnExtent(const TSpreadSheetCells& Cells, TSpreadSheetExtensions Extensions);
+
+/// A column of a preview.
+struct TSpreadSheetColumn
+{
+    std::string Name;                               ///< Letters.
+    int Number = 0;                                 ///< From 0 for a column that was asked for, else from 1.
+};
+
+/// Shows the first rows of a sheet, 21 at most. `SpreadSheetType` is 1 for Excel, 2 for Lotus 1-2-3 and 3 for
+/// Quattro Pro; Exception "Incorrect type of spreadsheet" is raised for another one. `Sheets` receives the
+/// captions of all sheets, `Columns` those that `ColumnSpec` names, separated by ";", or all that were
+/// stored. Rows go from `FirstRow`, from 1, up to, and without, row `LastRow`, from 0. `Callback` gets
+/// `Sender`, the number of columns, the row of the preview, `Flag`, and an array that holds for each column
+/// an array of Null, its name and its value.
+void LoadSpreadSheetPreview(int SpreadSheetType, TPersistent* Sender, std::string_view ColumnSpec,
+                            const std::string& FileName, int SheetIndex, int FirstRow, int LastRow,
+                            TStrings& Sheets, bool Flag, std::vector<TSpreadSheetColumn>& Columns, const TPreviewCallback& Callback,
+                            TSpreadSheetExtensions Extensions = {});
+
+} // namespace kv
