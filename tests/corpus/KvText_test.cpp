@@ -3,17 +3,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "KvCodePage.h"
+#include "KvCorpus.h"
 #include "KvFile.h"
 #include "KvMemoryDataSet.h"
 #include "Kvi2txt.h"
@@ -34,16 +33,6 @@ constexpr std::string_view RuleTexts[RuleCount] = {
     "a first line \"sep=;\" is a record like any other",
     "UTF-16 without a byte order mark is not recognised (converted before the comparison)"};
 using TRuleCounts = std::map<TRule, int>;
-
-/// The folder of files, or nothing where it is absent.
-std::optional<fs::path> CorpusFolder()
-{
-    const char* const Named = std::getenv("KV_CORPUS");
-    const fs::path Folder = Named ? Named : KV_CORPUS_DEFAULT;
-    if (fs::is_directory(Folder / "text") && fs::is_directory(Folder / "expected" / "text"))
-        return Folder;
-    return {};
-}
 
 /// How Python read a file.
 struct TDump
@@ -159,7 +148,7 @@ void CompareFile(const fs::path& File, const TDump& Dump, TRuleCounts& Rules)
 
 TEST(KvText, AgreesWithPythonOnEveryFile)
 {
-    const auto Folder = CorpusFolder();
+    const auto Folder = CorpusFolder("text");
     if (!Folder)
         GTEST_SKIP() << "no files: KV_CORPUS names no folder with text/ and expected/text/";
     constexpr std::string_view DumpSuffix = ".pycsv.json";
