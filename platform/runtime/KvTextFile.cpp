@@ -18,22 +18,38 @@ struct TMark
 constexpr std::string_view Utf8 = "UTF-8";
 constexpr TMark Marks[] = {{"\xEF\xBB\xBF", Utf8}, {"\xFF\xFE", "UTF-16LE"}, {"\xFE\xFF", "UTF-16BE"}};
 
+/// The mark that a text begins with, or none.
+const TMark* FindMark(std::string_view Text)
+{
+    const auto Found = std::ranges::find_if(Marks, [Text](const TMark& Each) { return Text.starts_with(Each.Bytes); });
+    return Found == std::end(Marks) ? nullptr : Found;
+}
+
 } // namespace
 
 TKvTextFile::TKvTextFile(const std::string& FileName, TKvByteOrderMark Mark, std::size_t MaxSize,
                          const std::function<bool()>& Continue)
 {
     Read(FileName, MaxSize, Continue);
-    if (Mark == bmIsText)
-        return;
-    const auto Found = std::ranges::find_if(Marks, [this](const TMark& Each) { return FText.starts_with(Each.Bytes); });
-    if (Found == std::end(Marks))
+    const auto* const Found = Mark == bmTellsEncoding ? FindMark(FText) : nullptr;
+    if (!Found)
         return;
     if (!FIsWhole && Found->CodePage != Utf8)
         Read(FileName, WholeFile, Continue);
     FText.remove_prefix(std::min(FText.size(), Found->Bytes.size()));
-    if (Found->CodePage != AnsiCodePage())
-        Decode(FileName, Found->CodePage);
+    Decode(FileName, std::string(Found->CodePage));
+}
+
+TKvTextFile::TKvTextFile(const std::string& FileName, TKvFindEncoding Declared, const std::function<bool()>& Continue)
+{
+    Read(FileName, WholeFile, Continue);
+    if (const auto* const Found = FindMark(FText)) {
+        FText.remove_prefix(Found->Bytes.size());
+        Decode(FileName, std::string(Found->CodePage));
+    }
+    else if (const auto Name = Declared(FText); !Name.empty()) {
+        Decode(FileName, std::string(Name));
+    }
 }
 
 void TKvTextFile::Read(const std::string& FileName, std::size_t MaxSize, const std::function<bool()>& Continue)
@@ -43,8 +59,10 @@ void TKvTextFile::Read(const std::string& FileName, std::size_t MaxSize, const s
     FIsWhole = FText.size() < MaxSize;
 }
 
-void TKvTextFile::Decode(const std::string& FileName, std::string_view CodePage)
+void TKvTextFile::Decode(const std::string& FileName, const std::string& CodePage)
 {
+    if (SameText(CodePage, AnsiCodePage()))
+        return;
     try {
         Decoded = Utf8ToAnsi(CodePageToUtf8(FText, CodePage));
     }

@@ -17,6 +17,10 @@ enum TKvByteOrderMark {
     bmTellsEncoding                                 ///< It is no text; UTF-8 and UTF-16 become process text.
 };
 
+/// Looks in the beginning of a text for the name of its encoding: an answer that holds as long as the text,
+/// empty when there is none.
+using TKvFindEncoding = std::string_view (*)(std::string_view Text);
+
 /// The text of a file, or its beginning, in memory.
 class TKvTextFile
 {
@@ -28,6 +32,9 @@ public:
     /// text or a character does not exist in the process's code page.
     TKvTextFile(const std::string& FileName, TKvByteOrderMark Mark, std::size_t MaxSize = WholeFile,
                 const std::function<bool()>& Continue = {});
+    /// Reads all of a file whose text tells its encoding, in which it becomes process text: a byte order
+    /// mark comes first, then what `Declared` finds. Same errors.
+    TKvTextFile(const std::string& FileName, TKvFindEncoding Declared, const std::function<bool()>& Continue = {});
     TKvTextFile(const TKvTextFile&) = delete;
     TKvTextFile& operator=(const TKvTextFile&) = delete;
 
@@ -36,7 +43,7 @@ public:
 
 private:
     void Read(const std::string& FileName, std::size_t MaxSize, const std::function<bool()>& Continue);
-    void Decode(const std::string& FileName, std::string_view CodePage);
+    void Decode(const std::string& FileName, const std::string& CodePage);
 
     TKvFileBytes Bytes;
     std::string Decoded;                            // instead of Bytes, for another encoding
