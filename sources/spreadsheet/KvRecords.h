@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include "KvByteCursor.h"
@@ -83,11 +84,14 @@ public:
     }
 
     const TKvRecord& Record() const { return FRecord; }     ///< The current one.
-    /// True when a record with the id `Id` follows the current one.
-    bool IsNext(std::uint16_t Id) const
+    /// The id of the record that follows the current one; none when no header does.
+    std::optional<std::uint16_t> NextId() const
     {
-        return In.Remaining() >= TKvRecord::HeaderSize && In.At<std::uint16_t>(In.Position()) == Id;
+        if (In.Remaining() < TKvRecord::HeaderSize)
+            return {};
+        return In.At<std::uint16_t>(In.Position());
     }
+    bool IsNext(std::uint16_t Id) const { return NextId() == Id; }
     std::size_t Remaining() const { return In.Remaining(); }    ///< Bytes after the current record.
     /// Makes the record at `Offset` from the first byte of the stream the next one. Raises EFormatError
     /// when that is past the end.

@@ -21,11 +21,15 @@ enum TSpreadSheetExtension {
     /// Rows of WQ1 worksheets above 255 keep their number. Without it the two bytes are read in the
     /// other order.
     seWideRows,
-    /// The code page that a file names is used for its 8-bit text. Without it that text is taken as the
-    /// process's code page has it.
+    /// The code page that a file names is used for its 8-bit text, and Excel 8 sheets have names of Unicode.
+    /// Without it that text is taken as the process's code page has it.
     seFileCodePage,
     /// Integers of worksheets are signed. Without it -1 is 65535.
-    seSignedIntegers
+    seSignedIntegers,
+    /// Every cell record of an Excel file is read, by the layout that its version gives it, and so are
+    /// shared strings with phonetic text and all sheets of a workbook outside a compound document; sheets
+    /// that are no worksheets take no name from one that is. Without it Kvxls says what is read, and how.
+    seCellRecords
 };
 using TSpreadSheetExtensions = TSet<TSpreadSheetExtension>;
 

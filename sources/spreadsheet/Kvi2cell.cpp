@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::string_view ExtensionNames[] = {"seFormulaResults", "seCustomDates",  "seDateMode",
                                                "seCellExtent",     "seWideRows",     "seFileCodePage",
-                                               "seSignedIntegers"};
+                                               "seSignedIntegers", "seCellRecords"};
 
 constexpr int HeaderRow = 0;
 

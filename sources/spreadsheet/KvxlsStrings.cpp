@@ -10,8 +10,6 @@ namespace kv {
 
 namespace {
 
-constexpr std::uint16_t rcContinue = 0x003C;
-
 enum TStringOptions : std::uint8_t { soWide = 0x01, soPhonetic = 0x04, soRichText = 0x08 };
 
 constexpr std::size_t HeaderSize = 8;               // of an SST

@@ -19,6 +19,8 @@
 
 namespace kv {
 
+constexpr std::uint16_t rcContinue = 0x003C;        ///< The id of a CONTINUE record.
+
 /// Reads the current record of a stream and the CONTINUE records after it, as far as they are needed. A
 /// record that ends early raises Exception "CONTINUE record missing" when no other follows.
 class TKvxlsStringReader

@@ -64,12 +64,14 @@ TEST(KvRecords, GivesIdBodyAndOffsetOfEachRecord)
 TEST(KvRecords, TellsWhatFollows)
 {
     TKvRecords Records(TwoRecords);
+    EXPECT_EQ(Records.NextId(), 0x00FD);
     EXPECT_TRUE(Records.IsNext(0x00FD));
-    Records.Next();
-    EXPECT_TRUE(Records.IsNext(0x0809));
-    EXPECT_FALSE(Records.IsNext(0x00FD));
-    Records.Next();
     EXPECT_FALSE(Records.IsNext(0x0809));
+    Records.Next();
+    EXPECT_EQ(Records.NextId(), 0x0809);
+    Records.Next();
+    EXPECT_EQ(Records.NextId(), std::nullopt);
+    EXPECT_EQ(TKvRecords("\x09\x08"sv).NextId(), std::nullopt);
 }
 
 TEST(KvRecords, SeeksToARecord)

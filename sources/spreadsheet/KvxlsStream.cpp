@@ -1,0 +1,84 @@
+#include "KvxlsStream.h"
+
+#include "KvException.h"
+#include "KvxlsNumbers.h"
+
+namespace kv {
+
+namespace {
+
+constexpr char MsgEncrypted[] = "Can not read: file is encrypted";
+
+constexpr double DaysFrom1900To1904 = 1462;
+
+/// What the first of the 8 bytes of a result says when the last two are FF: they are no number then.
+enum TResultKind : std::uint8_t { rkText, rkBoolean, rkError, rkEmptyText };
+constexpr std::uint16_t NoNumber = 0xFFFF;
+
+} // namespace
+
+TKvxlsStream::TKvxlsStream(TMSExcel& TheFile, TKvxlsFormats& TheFormats, std::string_view Stream)
+    : File(TheFile),
+      Formats(TheFormats),
+      Records(Stream)
+{
+}
+
+void TKvxlsStream::RaiseBoolErr(const TPlace& Place, std::uint8_t Value, bool IsError)
+{
+    if (IsError)
+        Raise(Place, TVariant::Borrow(ExcelErrorText(Value)));
+    else
+        Raise(Place, Value != 0);
+}
+
+void TKvxlsStream::RaiseMulRk(const TKvRecord& Cells)
+{
+    constexpr std::size_t EntrySize = 6, Ends = 6;  // row, first column and last column
+    auto Place = PlaceOf(Cells);
+    Cells.Text(0, Ends);
+    for (std::size_t Position = 4; Position + EntrySize + 2 <= Cells.Size(); Position += EntrySize, ++Place.Column)
+        RaiseAligned(Place, RkNumber(Cells.At<std::uint32_t>(Position + 2)),
+                     Formats.IsDate(Cells.At<std::uint16_t>(Position)));
+}
+
+void TKvxlsStream::RaiseResult(const TPlace& Place, const TKvRecord& Formula, std::size_t Position, bool IsDate)
+{
+    TextResult.reset();
+    if (!Extends(seFormulaResults) || Formula.At<std::uint16_t>(Position + 6) != NoNumber) {
+        RaiseNumber(Place, Formula.At<double>(Position), IsDate);
+        return;
+    }
+    const auto Value = Formula.At<std::uint8_t>(Position + 2);
+    const TPlace Left{Place.Row, Place.Column, taLeftJustify};
+    switch (Formula.At<std::uint8_t>(Position)) {
+    case rkText:      TextResult = Left; break;
+    case rkBoolean:   RaiseBoolErr(Left, Value, false); break;
+    case rkError:     RaiseBoolErr(Left, Value, true); break;
+    case rkEmptyText: Raise(Left, ""); break;
+    default:          Formula.Raise("the kind of its result is unknown");
+    }
+}
+
+void TKvxlsStream::RaiseTextResult(std::string_view Bytes)
+{
+    if (TextResult)
+        RaiseText(*TextResult, Bytes);
+    TextResult.reset();
+}
+
+void TKvxlsStream::ReadDateMode(const TKvRecord& Record)
+{
+    if (Extends(seDateMode))
+        DateShift = Record.At<std::uint16_t>(0) == 1 ? DaysFrom1900To1904 : 0;
+}
+
+void TKvxlsStream::ReadCodePage(const TKvRecord& Record)
+{
+    if (Extends(seFileCodePage))
+        ByteText.SetCodePage(Record.At<std::uint16_t>(0));
+}
+
+void TKvxlsStream::RefuseEncrypted() { throw Exception(MsgEncrypted); }
+
+} // namespace kv

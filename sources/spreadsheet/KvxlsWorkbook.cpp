@@ -1,0 +1,318 @@
+#include "KvxlsWorkbook.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "KvText.h"
+#include "KvxlsNumbers.h"
+
+namespace kv {
+
+namespace {
+
+enum TWorkbookRecordId : std::uint16_t {
+    rcColumnWidths = 0x007D,
+    rcOldRk = 0x007E,
+    rcSheetEntry = 0x0085,
+    rcMulBlank = 0x00BE,
+    rcSharedStrings = 0x00FC,
+    rcSharedString = 0x00FD,
+    rcRow = 0x0208
+};
+
+constexpr std::uint16_t rcBof = 0x0809;
+constexpr std::uint16_t Excel8Number = 0x0600;      // in a BOF
+
+constexpr std::size_t MaxBody = 2080, MaxBodyOfExcel8 = 8224;
+
+constexpr std::uint8_t ekWorksheet = 0;             // kind of a sheet entry
+constexpr std::uint8_t soWide = 1;                  // options of a text: 16 bits a character
+
+constexpr int MaxColumn = TSpreadSheetRow::MaxColumns - 1;
+
+int ToInt(std::uint32_t Value)
+{
+    return static_cast<int>(std::min<std::uint32_t>(Value, std::numeric_limits<int>::max()));
+}
+
+} // namespace
+
+TKvxlsWorkbook::TKvxlsWorkbook(TMSExcel& TheFile, TKvxlsFormats& TheFormats, std::string_view Stream)
+    : TKvxlsStream(TheFile, TheFormats, Stream),
+      AllCells(Extends(seCellRecords))
+{
+}
+
+TExcelVersion TKvxlsWorkbook::VersionOf(std::string_view Stream)
+{
+    TKvRecords Records(Stream);
+    if (!Records.IsNext(rcBof))
+        return evUnknown;
+    Records.Next();
+    return Records.Record().At<std::uint16_t>(0) == Excel8Number ? evExcel8 : evExcel7;
+}
+
+bool TKvxlsWorkbook::Read()
+{
+    const auto MaxSize = IsExcel8() ? MaxBodyOfExcel8 : MaxBody;
+    while (Records.Next()) {
+        const auto& Record = Records.Record();
+        if (Record.Size() > MaxSize && Record.Id != rcSharedStrings)
+            continue;
+        if (!ReadRecord(Record))
+            return true;
+    }
+    return false;
+}
+
+/// False when that was the end of the last sheet.
+bool TKvxlsWorkbook::ReadRecord(const TKvRecord& Record)
+{
+    if ((Record.Id & 0xFF) == rcBofLow)
+        return ReadBof(Record);
+    if (Record.Id == rcEof)
+        return ReadEof();
+    if (OtherParts > 0)
+        return true;
+    switch (Record.Id) {
+    case rcFilePass:      RefuseEncrypted();
+    case rcSheetEntry:    ReadSheetEntry(Record); break;
+    case rcSharedStrings: Strings.Read(Records, AllCells); break;
+    case rcXf:            Formats.AddXf(Record.At<std::uint16_t>(2)); break;
+    case rcFormat:        ReadFormat(Record); break;
+    case rcDateMode:      ReadDateMode(Record); break;
+    case rcCodePage:      ReadCodePage(Record); break;
+    case rcDimensions:    ReadDimensions(Record); break;
+    case rcRow:           ReadRow(Record); break;
+    case rcColumnWidths:  ReadColumnWidths(Record); break;
+    default:
+        if (File.OnCellValue)
+            ReadCell(Record);
+    }
+    return true;
+}
+
+bool TKvxlsWorkbook::ReadBof(const TKvRecord& Record)
+{
+    const auto Part = Record.At<std::uint16_t>(2);
+    if (Part == xpWorksheet) {
+        OtherParts = 0;
+        return BeginSheet(Record);
+    }
+    if (Part != xpGlobals || OtherParts > 0)
+        ++OtherParts;
+    return true;
+}
+
+bool TKvxlsWorkbook::ReadEof()
+{
+    if (OtherParts > 0) {
+        --OtherParts;
+        return true;
+    }
+    return File.SheetIndex < 0 || !IsLastSheet();
+}
+
+bool TKvxlsWorkbook::IsLastSheet() const
+{
+    return File.SheetIndex >= static_cast<int>(Sheets.size()) - 1;
+}
+
+bool TKvxlsWorkbook::BeginSheet(const TKvRecord& Bof)
+{
+    ++File.SheetIndex;
+    TextResult.reset();
+    bool Skip = false;
+    if (File.OnSheet)
+        File.OnSheet(File, SheetName(Bof.Offset), File.SheetIndex, Skip);
+    if (!Skip)
+        return true;
+    if (IsLastSheet())
+        return false;
+    SeekSheet(static_cast<std::size_t>(File.SheetIndex) + 1, Bof);
+    return true;
+}
+
+/// Goes on with sheet `Index`, which must begin after the current one: else reading might never end.
+void TKvxlsWorkbook::SeekSheet(std::size_t Index, const TKvRecord& Bof)
+{
+    const auto Offset = Sheets[Index].Offset;
+    if (Offset <= Bof.Offset)
+        Bof.Raise(FormatText("the next sheet cannot begin before it, at offset %d", {std::to_string(Offset)}));
+    Records.Seek(Offset);
+}
+
+/// The name in the entry with the number of the sheet. Under the extension rather that of the entry that
+/// tells where it begins: entries of charts have numbers too.
+std::string TKvxlsWorkbook::SheetName(std::uint64_t BofOffset) const
+{
+    auto Entry = Sheets.end();
+    if (AllCells)
+        Entry = std::ranges::find(Sheets, BofOffset, &TSheetEntry::Offset);
+    const auto Index = static_cast<std::size_t>(File.SheetIndex);
+    if (Entry == Sheets.end() && Index < Sheets.size())
+        Entry = Sheets.begin() + File.SheetIndex;
+    return Entry != Sheets.end() ? Entry->Name : "Sheet" + std::to_string(Index + 1);
+}
+
+void TKvxlsWorkbook::ReadSheetEntry(const TKvRecord& Record)
+{
+    if (!AllCells || Record.At<std::uint8_t>(5) == ekWorksheet)
+        Sheets.push_back({EntryName(Record), Record.At<std::uint32_t>(0)});
+}
+
+std::string TKvxlsWorkbook::EntryName(const TKvRecord& Record)
+{
+    if (!IsExcel8())
+        return std::string(ByteText.Convert(Record.Text(7, Record.At<std::uint8_t>(6))));
+    if (Extends(seFileCodePage))
+        return std::string(TakeCharacters(8, Record.At<std::uint8_t>(6), Record.At<std::uint8_t>(7)));
+    // The length takes in the options byte after it, so that of a 16-bit name is past its end.
+    const std::size_t Length = Record.At<std::uint16_t>(6);
+    const bool IsWide = Record.At<std::uint8_t>(7) != 0;
+    return std::string(Record.Text(8, IsWide ? std::min(Length, Record.Size() - 8) : Length));
+}
+
+void TKvxlsWorkbook::ReadDimensions(const TKvRecord& Record)
+{
+    if (!File.OnDimensions)
+        return;
+    if (IsExcel8())
+        File.OnDimensions(File, File.SheetIndex, ToInt(Record.At<std::uint32_t>(0)), ToInt(Record.At<std::uint32_t>(4)),
+                          Record.At<std::uint16_t>(8), Record.At<std::uint16_t>(10));
+    else
+        File.OnDimensions(File, File.SheetIndex, Record.At<std::uint16_t>(0), Record.At<std::uint16_t>(2),
+                          Record.At<std::uint16_t>(4), Record.At<std::uint16_t>(6));
+}
+
+void TKvxlsWorkbook::ReadRow(const TKvRecord& Record)
+{
+    if (File.OnRowHeight)
+        File.OnRowHeight(File, File.SheetIndex, Record.At<std::uint16_t>(0), Record.At<std::uint16_t>(6));
+}
+
+void TKvxlsWorkbook::ReadColumnWidths(const TKvRecord& Record)
+{
+    if (!File.OnColumnWidth)
+        return;
+    const int Width = Record.At<std::uint16_t>(4);
+    // Excel writes 256 for "up to the end".
+    const int Last = std::min<int>(Record.At<std::uint16_t>(2), MaxColumn);
+    for (int Column = Record.At<std::uint16_t>(0); Column <= Last; ++Column)
+        File.OnColumnWidth(File, File.SheetIndex, Column, Width);
+}
+
+void TKvxlsWorkbook::ReadFormat(const TKvRecord& Record)
+{
+    if (!Extends(seCustomDates))
+        return;
+    const auto Format = Record.At<std::uint16_t>(0);
+    if (!IsExcel8()) {
+        Formats.SetPattern(Format, Record.Text(3, Record.At<std::uint8_t>(2)));
+        return;
+    }
+    Formats.SetPattern(Format, TakeText(2));
+}
+
+void TKvxlsWorkbook::ReadCell(const TKvRecord& Cell)
+{
+    switch (Cell.Id) {
+    case rcBlank2:
+    case rcInteger2:
+    case rcNumber2:
+    case rcLabel2:       ReadOldCell(Cell); break;
+    case rcBoolErr2:
+    case rcBoolErr:      RaiseBoolErr(PlaceOf(Cell), Cell.At<std::uint8_t>(6), Cell.At<std::uint8_t>(7) != 0); break;
+    case rcFormula:      ReadFormula(Cell); break;
+    case rcOldRk:
+    case rcRk:           RaiseNumberRecord(Cell, RkNumber(Cell.At<std::uint32_t>(6))); break;
+    case rcMulRk:        RaiseMulRk(Cell); break;
+    case rcMulBlank:     ReadBlanks(Cell); break;
+    case rcNumber:       RaiseNumberRecord(Cell, Cell.At<double>(6)); break;
+    case rcLabel:        ReadLabel(Cell); break;
+    case rcSharedString: ReadSharedString(Cell); break;
+    case rcRString:
+        if (AllCells)
+            ReadLabel(Cell);
+        break;
+    case rcString2:
+    case rcString: ReadFormulaText(Cell); break;
+    }
+}
+
+/// Cells in the records of Excel 2, where columns have 8 bits.
+void TKvxlsWorkbook::ReadOldCell(const TKvRecord& Cell)
+{
+    auto Place = PlaceOf(Cell, AttributeAlignment(Cell.At<std::uint8_t>(6)));
+    if (Cell.Id == rcBlank2)
+        return Raise(Place, Null);
+    Place.Column &= 0xFF;
+    switch (Cell.Id) {
+    case rcInteger2: Raise(Place, Cell.At<std::uint16_t>(7)); break;
+    case rcNumber2:  RaiseNumber(Place, Cell.At<double>(7), Formats.IsDate(Cell.At<std::uint16_t>(4))); break;
+    default:         RaiseText(Place, Cell.Text(8, Cell.At<std::uint8_t>(7)));
+    }
+}
+
+void TKvxlsWorkbook::ReadFormula(const TKvRecord& Cell)
+{
+    const bool IsDate = Formats.IsDate(Cell.At<std::uint16_t>(4));
+    RaiseResult(PlaceOf(Cell, IsDate ? taLeftJustify : taRightJustify), Cell, 6, IsDate);
+}
+
+void TKvxlsWorkbook::ReadBlanks(const TKvRecord& Cells)
+{
+    constexpr std::size_t Ends = 6;                 // row, first column and last column
+    auto Place = PlaceOf(Cells);
+    for (std::size_t Size = Ends; Size + 2 <= Cells.Size(); Size += 2, ++Place.Column)
+        Raise(Place, Null);
+}
+
+void TKvxlsWorkbook::ReadLabel(const TKvRecord& Cell)
+{
+    const auto Place = PlaceOf(Cell);
+    if (AllCells && IsExcel8())
+        Raise(Place, TVariant::Borrow(TakeText(6)));
+    else
+        RaiseText(Place, Cell.Text(8, Cell.At<std::uint16_t>(6)));
+}
+
+void TKvxlsWorkbook::ReadSharedString(const TKvRecord& Cell)
+{
+    const auto Index = Cell.At<std::uint32_t>(6);
+    if (Index >= Strings.Count())
+        Cell.Raise(FormatText("there is no shared string %d, only %d",
+                              {std::to_string(Index), std::to_string(Strings.Count())}));
+    Raise(PlaceOf(Cell), TVariant::Borrow(Strings[Index]));
+}
+
+void TKvxlsWorkbook::ReadFormulaText(const TKvRecord& Record)
+{
+    if (!TextResult)
+        return;
+    if (!IsExcel8())
+        return RaiseTextResult(Record.Text(2, Record.At<std::uint16_t>(0)));
+    Raise(*TextResult, TVariant::Borrow(TakeText(0)));
+    TextResult.reset();
+}
+
+/// The text of Excel 8 whose count of characters stands at `Position` of the current record.
+std::string_view TKvxlsWorkbook::TakeText(std::size_t Position)
+{
+    const auto& Record = Records.Record();
+    return TakeCharacters(Position + 3, Record.At<std::uint16_t>(Position), Record.At<std::uint8_t>(Position + 2));
+}
+
+/// Characters that begin at `Position` of the current record and may go on in others, of which the last is
+/// current then.
+std::string_view TKvxlsWorkbook::TakeCharacters(std::size_t Position, std::size_t Count, std::uint8_t Options)
+{
+    const bool AreWide = (Options & soWide) != 0;
+    if (!Records.IsNext(rcContinue))
+        Records.Record().Text(Position, AreWide ? 2 * Count : Count);
+    Text.clear();
+    TKvxlsStringReader(Records, Position).TakeCharacters(Count, AreWide, Text);
+    return Text;
+}
+
+} // namespace kv
