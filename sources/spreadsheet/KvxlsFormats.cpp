@@ -33,7 +33,9 @@ std::size_t SizeOfGeneral(std::string_view Pattern)
 /// What a bracket holds: "[h]" and "[mm]" show durations, "[Red]", "[$-409]" and "[<100]" nothing.
 bool IsElapsedTime(std::string_view Bracket)
 {
-    const auto IsTimeLetter = [](char Char) { return std::string_view("hHmMsS").find(Char) != std::string_view::npos; };
+    const auto IsTimeLetter = [](char Char) {
+        return std::string_view("hHmMsS").find(Char) != std::string_view::npos;
+    };
     return !Bracket.empty() && std::ranges::all_of(Bracket, IsTimeLetter);
 }
 

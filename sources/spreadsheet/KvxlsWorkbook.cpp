@@ -178,8 +178,9 @@ void TKvxlsWorkbook::ReadDimensions(const TKvRecord& Record)
     if (!File.OnDimensions)
         return;
     if (IsExcel8())
-        File.OnDimensions(File, File.SheetIndex, ToInt(Record.At<std::uint32_t>(0)), ToInt(Record.At<std::uint32_t>(4)),
-                          Record.At<std::uint16_t>(8), Record.At<std::uint16_t>(10));
+        File.OnDimensions(File, File.SheetIndex, ToInt(Record.At<std::uint32_t>(0)),
+                          ToInt(Record.At<std::uint32_t>(4)), Record.At<std::uint16_t>(8),
+                          Record.At<std::uint16_t>(10));
     else
         File.OnDimensions(File, File.SheetIndex, Record.At<std::uint16_t>(0), Record.At<std::uint16_t>(2),
                           Record.At<std::uint16_t>(4), Record.At<std::uint16_t>(6));
@@ -222,7 +223,9 @@ void TKvxlsWorkbook::ReadCell(const TKvRecord& Cell)
     case rcNumber2:
     case rcLabel2:       ReadOldCell(Cell); break;
     case rcBoolErr2:
-    case rcBoolErr:      RaiseBoolErr(PlaceOf(Cell), Cell.At<std::uint8_t>(6), Cell.At<std::uint8_t>(7) != 0); break;
+    case rcBoolErr:
+        RaiseBoolErr(PlaceOf(Cell), Cell.At<std::uint8_t>(6), Cell.At<std::uint8_t>(7) != 0);
+        break;
     case rcFormula:      ReadFormula(Cell); break;
     case rcOldRk:
     case rcRk:           RaiseNumberRecord(Cell, RkNumber(Cell.At<std::uint32_t>(6))); break;

@@ -110,7 +110,8 @@ TBiffBuilder& TBiffBuilder::BoolErr2(unsigned Row, unsigned Col, std::string_vie
     return Record(0x0005, OldCell(Row, Col, Attributes).U8(Value).U8(IsError));
 }
 
-TBiffBuilder& TBiffBuilder::Formula2(unsigned Row, unsigned Col, std::string_view Attributes, std::string_view Result)
+TBiffBuilder& TBiffBuilder::Formula2(unsigned Row, unsigned Col, std::string_view Attributes,
+                                     std::string_view Result)
 {
     return Record(0x0006, OldCell(Row, Col, Attributes).Text(Result).U8(0).U8(0));
 }

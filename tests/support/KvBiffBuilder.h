@@ -14,13 +14,21 @@ namespace kv {
 enum TBiffVersion { bv2, bv3, bv4, bv5, bv8 };
 
 /// What a BOF record begins.
-enum TBiffPart : std::uint16_t { bpGlobals = 0x0005, bpModule = 0x0006, bpSheet = 0x0010, bpChart = 0x0020, bpMacro = 0x0040 };
+enum TBiffPart : std::uint16_t
+{
+    bpGlobals = 0x0005,
+    bpModule = 0x0006,
+    bpSheet = 0x0010,
+    bpChart = 0x0020,
+    bpMacro = 0x0040
+};
 
 /// Records, one after the other. A cell's row, column and XF come first, its value last.
 class TBiffBuilder
 {
 public:
-    explicit TBiffBuilder(TBiffVersion TheVersion = bv8) : Version(TheVersion) {}
+    TBiffBuilder() : TBiffBuilder(bv8) {}
+    explicit TBiffBuilder(TBiffVersion TheVersion) : Version(TheVersion) {}
 
     TBiffBuilder& Record(std::uint16_t Id, std::string_view Body);
     TBiffBuilder& Add(const TBiffBuilder& Other);
@@ -47,7 +55,8 @@ public:
     // Cells from Excel 3 on.
     TBiffBuilder& Number(unsigned Row, unsigned Col, double Value, unsigned Xf = 0);
     TBiffBuilder& Rk(unsigned Row, unsigned Col, std::uint32_t Value, unsigned Xf = 0);
-    TBiffBuilder& Label(unsigned Row, unsigned Col, std::string_view Text, unsigned Xf = 0); ///< 8-bit, also in Excel 8.
+    TBiffBuilder& Label(unsigned Row, unsigned Col, std::string_view Text,
+                        unsigned Xf = 0); ///< 8-bit, also in Excel 8.
     TBiffBuilder& LabelSst(unsigned Row, unsigned Col, std::uint32_t Index, unsigned Xf = 0);
     TBiffBuilder& BoolErr(unsigned Row, unsigned Col, unsigned Value, bool IsError);
     /// In the version's own record. `Result` has 8 bytes: a double, or one of the functions below.

@@ -38,7 +38,8 @@ public:
         Reader.OnDimensions = [this](auto&, int Sheet, int FirstRow, int LastRow, int FirstCol, int LastCol) {
             Add("dimensions", Sheet, {FirstRow, LastRow, FirstCol, LastCol});
         };
-        Reader.OnCellValue = [this](auto&, int Sheet, int Row, int Col, const TVariant& Value, TAlignment Alignment) {
+        Reader.OnCellValue = [this](auto&, int Sheet, int Row, int Col, const TVariant& Value,
+                                    TAlignment Alignment) {
             constexpr std::string_view Sides[] = {" left", " right", " centre"};
             Add("cell", Sheet, {Row, Col});
             Lines.back().append(" ").append(Describe(Value)).append(Sides[Alignment]);
@@ -49,7 +50,9 @@ public:
     TRecordingExcel& WithSizes()
     {
         Reader.OnColumnWidth = [this](auto&, int Sheet, int Col, int Width) { Add("width", Sheet, {Col, Width}); };
-        Reader.OnRowHeight = [this](auto&, int Sheet, int Row, int Height) { Add("height", Sheet, {Row, Height}); };
+        Reader.OnRowHeight = [this](auto&, int Sheet, int Row, int Height) {
+            Add("height", Sheet, {Row, Height});
+        };
         return *this;
     }
     /// OnSheet answers Skip for this sheet.

@@ -26,12 +26,14 @@ TEST(KvxlsFormats, TextsOfTheBuiltInFormats)
     const std::vector<std::string> Expected = {
         "", "0", "0.00", "#,##0", "#,##0.00", "_($#,##0_);($#,##0)", "_($#,##0_);[Red]($#,##0)",
         "_($#,##0.00_);($#,##0.00)", "_($#,##0.00_);[Red]($#,##0.00)", "0%", "0.00%", "0.00E+00", "# ?/?",
-        "# ?" "?/?" "?", "m/d/yy", "d-mmm-y", "d-mmm", "mmmm-yy", "h:mm AM/PM", "h:mm:ss AM/PM", "h:mm", "h:mm:SS",
-        "m/d/yy h:mm", "", "", "", "", "", "", "", "", "", "", "", "", "", "", "(#,##0_);(#,##0)",
+        "# ?" "?/?" "?", "m/d/yy", "d-mmm-y", "d-mmm", "mmmm-yy", "h:mm AM/PM", "h:mm:ss AM/PM",
+        "h:mm", "h:mm:SS", "m/d/yy h:mm", "", "", "", "", "", "", "", "", "", "", "", "", "", "",
+        "(#,##0_);(#,##0)",
         "(#,##0_);[Red](#,##0)", "(#,##0.00_);(#,##0.00)", "(#,##0.00_);[Red](#,##0.00)",
         "_(* #,##0_);_(* (#,##0);_(* \"-\"_);_(@_)", "_($* #,##0_);_($* (#,##0);_($* \"-\"_);_(@_)",
         "_(* #,##0.00_);_(* (#,##0.00);_(* \"-\"?" "?_);_(@_)",
-        "_($* #,##0.00_);_($* (#,##0.00);_($* \"-\"?" "?_);_(@_)", "mm:ss", "[h]:mm:ss", "mm:ss.0", "# #0.0E+0", "@"};
+        "_($* #,##0.00_);_($* (#,##0.00);_($* \"-\"?" "?_);_(@_)",
+        "mm:ss", "[h]:mm:ss", "mm:ss.0", "# #0.0E+0", "@"};
     ASSERT_EQ(Expected.size(), BuiltInFormats.size());
     for (std::size_t I = 0; I < Expected.size(); ++I)
         EXPECT_EQ(BuiltInFormats[I], Expected[I]) << I;
@@ -47,7 +49,7 @@ TEST(KvxlsFormats, AnXfNamesItsFormat)
 {
     TKvxlsFormats Formats;
     EXPECT_FALSE(Formats.HasXfs());
-    for (const std::uint16_t Format : std::initializer_list<std::uint16_t>{0, 14, 13, 22, 23})
+    for (const auto Format : std::initializer_list<std::uint16_t>{0, 14, 13, 22, 23})
         Formats.AddXf(Format);
     EXPECT_TRUE(Formats.HasXfs());
     EXPECT_FALSE(Formats.IsDate(0));
@@ -111,16 +113,17 @@ TEST(KvxlsFormats, UnnumberedPatternsCountFromZero)
 TEST(KvxlsFormats, DatePatterns)
 {
     for (const auto* const Pattern :
-         {"d", "m/d/yy", "YYYY", "h:mm", "mm:ss.0", "[h]:mm", "[mm]", "[SS]", "\"am\" d", "0;d", "[Red]d", "[$-409]d\\ mmmm",
-          "[$-F800]dddd\\,\\ mmmm\\ dd", "yyyy\"year\"", "m/d/yy;@", "_(d_)", "*-d"})
+         {"d", "m/d/yy", "YYYY", "h:mm", "mm:ss.0", "[h]:mm", "[mm]", "[SS]", "\"am\" d", "0;d", "[Red]d",
+          "[$-409]d\\ mmmm", "[$-F800]dddd\\,\\ mmmm\\ dd", "yyyy\"year\"", "m/d/yy;@", "_(d_)", "*-d"})
         EXPECT_TRUE(IsDatePattern(Pattern)) << Pattern;
 }
 
 TEST(KvxlsFormats, PatternsThatAreNoDates)
 {
     for (const auto* const Pattern :
-         {"", "General", "GENERAL", "Standard", "0.00", "0.00E+00", "@", "# ?/?", "\"day\"", "\"open d", "\\d0", "0_d", "*d0", "[Red]0",
-          "[$-409]0", "[$DM-407]0", "[<100]0", "[]0", "[d", "0\\", "_", "#,##0\\ _D_M", "General\" days\"", "0\"%\""})
+         {"", "General", "GENERAL", "Standard", "0.00", "0.00E+00", "@", "# ?/?", "\"day\"", "\"open d", "\\d0",
+          "0_d", "*d0", "[Red]0", "[$-409]0", "[$DM-407]0", "[<100]0", "[]0", "[d", "0\\", "_",
+          "#,##0\\ _D_M", "General\" days\"", "0\"%\""})
         EXPECT_FALSE(IsDatePattern(Pattern)) << Pattern;
 }
 

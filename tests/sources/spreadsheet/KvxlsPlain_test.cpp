@@ -55,8 +55,8 @@ TEST(KvxlsPlain, AnUnknownBofIsNoExcelFile)
 
 TEST(KvxlsPlain, BytesWithoutABofAreNoExcelFile)
 {
-    for (const auto Bytes : {""sv, "\x09"sv, "\x09\0\0"sv, "<html><body>"sv, "\tname;value\r\n"sv, "name;value\r\n"sv,
-                             "\x0A\0\0\0"sv})
+    for (const auto Bytes : {""sv, "\x09"sv, "\x09\0\0"sv, "<html><body>"sv, "\tname;value\r\n"sv,
+                             "name;value\r\n"sv, "\x0A\0\0\0"sv})
         EXPECT_THAT(TRecordingExcel().Plain(Bytes), ElementsAre("error: File is not a Excel file")) << Bytes;
 }
 
@@ -89,9 +89,11 @@ TEST(KvxlsPlain, CellsFromExcel3On)
 TEST(KvxlsPlain, TheByteAt6AlignsWhateverItIs)
 {
     // In a label that is the length, in an RK the number, in a boolean the value.
-    EXPECT_THAT(Read(Declared().Label(0, 0, "ab").Label(0, 1, "abc").Rk(0, 2, RkOfInteger(4)).BoolErr(0, 3, 1, false)),
-                ElementsAre(DeclaredLine, "cell -1: 0 0 string ab centre", "cell -1: 0 1 string abc right",
-                            "cell -1: 0 2 double 4 centre", "cell -1: 0 3 boolean True left"));
+    EXPECT_THAT(
+        Read(
+            Declared().Label(0, 0, "ab").Label(0, 1, "abc").Rk(0, 2, RkOfInteger(4)).BoolErr(0, 3, 1, false)),
+        ElementsAre(DeclaredLine, "cell -1: 0 0 string ab centre", "cell -1: 0 1 string abc right",
+                    "cell -1: 0 2 double 4 centre", "cell -1: 0 3 boolean True left"));
 }
 
 TEST(KvxlsPlain, BooleansAndErrors)
@@ -152,7 +154,8 @@ TEST(KvxlsPlain, DimensionsAreOneMoreThanDeclared)
 TEST(KvxlsPlain, TheCellsGiveTheExtentWhenNoneIsDeclared)
 {
     EXPECT_THAT(Read(File(bv4)), ElementsAre("dimensions -1: 0 0 0 0"));
-    EXPECT_THAT(Read(File(bv2).Dimensions(0, 5, 0, 5)), ElementsAre("dimensions -1: 0 0 0 0")); // in another record
+    EXPECT_THAT(Read(File(bv2).Dimensions(0, 5, 0, 5)),
+                ElementsAre("dimensions -1: 0 0 0 0")); // in another record
 }
 
 TEST(KvxlsPlain, TheCellsGiveTheExtentWhenTheyExceedIt)
@@ -171,8 +174,9 @@ TEST(KvxlsPlain, ColumnWidthsAreRaisedInCharacters)
     EXPECT_THAT(TRecordingExcel().WithSizes().Plain(Stream.Str()),
                 ElementsAre(DeclaredLine, "width -1: 2 9", "width -1: 3 9", "width -1: 4 9"));
     EXPECT_THAT(Read(Stream), ElementsAre(DeclaredLine));
-    EXPECT_THAT(TRecordingExcel().WithSizes().Plain(Declared().Record(0x0024, TBytes().U8(4).U8(2).U16(256)).Str()),
-                ElementsAre(DeclaredLine));
+    EXPECT_THAT(
+        TRecordingExcel().WithSizes().Plain(Declared().Record(0x0024, TBytes().U8(4).U8(2).U16(256)).Str()),
+        ElementsAre(DeclaredLine));
 }
 
 TEST(KvxlsPlain, NothingIsRaisedThatIsNotBound)
@@ -233,10 +237,12 @@ TEST(KvxlsPlain, EveryRecordThatIsTooShortIsTold)
                                  Lines.back().find(" at offset 24 is too short: ") != std::string::npos;
             EXPECT_EQ(IsError, Size < Row.Needed) << Row.Id << ' ' << Size << ' ' << Lines.back();
         }
-    EXPECT_THAT(Read(Declared().Record(0x0004, TBytes().Zeros(7).U8(3).Text("ab"))),
-                ElementsAre(DeclaredLine, "error: Record 0x0004 at offset 24 is too short: 10 bytes, 11 are needed"));
+    EXPECT_THAT(
+        Read(Declared().Record(0x0004, TBytes().Zeros(7).U8(3).Text("ab"))),
+        ElementsAre(DeclaredLine, "error: Record 0x0004 at offset 24 is too short: 10 bytes, 11 are needed"));
     EXPECT_THAT(Read(Declared().Record(0x0204, TBytes().Zeros(6).U16(300).Text("ab"))),
-                ElementsAre(DeclaredLine, "error: Record 0x0204 at offset 24 is too short: 10 bytes, 308 are needed"));
+                ElementsAre(DeclaredLine,
+                            "error: Record 0x0204 at offset 24 is too short: 10 bytes, 308 are needed"));
 }
 
 // --- Extensions --------------------------------------------------------------------------------------
@@ -263,7 +269,8 @@ TEST(KvxlsPlain, ResultsOfFormulasArriveAsWhatTheyAre)
     auto Stream = File(bv2);
     Stream.Formula2(0, 0, Left, TextResult()).String("text").Formula2(0, 1, Left, BooleanResult(false));
     EXPECT_THAT(Read(Stream, {seFormulaResults}),
-                ElementsAre("cell -1: 0 0 string text left", "cell -1: 0 1 boolean False left", "dimensions -1: 0 1 0 2"));
+                ElementsAre("cell -1: 0 0 string text left", "cell -1: 0 1 boolean False left",
+                            "dimensions -1: 0 1 0 2"));
 }
 
 TEST(KvxlsPlain, FormatsOfCellsOfExcel2MakeDatesUnderTheExtension)
@@ -282,8 +289,9 @@ TEST(KvxlsPlain, XfsOfExcel2MakeDatesUnderTheExtension)
     Stream.Format(0, "General").Format(1, "d.m.yy").Xf(0).Xf(1);
     Stream.Number2(0, 0, "\x41\0\0"sv, 9).Number2(0, 1, "\0\1\0"sv, 9);
     Stream.Record(0x0044, TBytes().U16(1)).Number2(0, 2, "\x3F\0\0"sv, 9);
-    EXPECT_THAT(Read(Stream, {seCustomDates}), ElementsAre("cell -1: 0 0 date 9 left", "cell -1: 0 1 double 9 left",
-                                                          "cell -1: 0 2 date 9 left", "dimensions -1: 0 1 0 3"));
+    EXPECT_THAT(Read(Stream, {seCustomDates}),
+                ElementsAre("cell -1: 0 0 date 9 left", "cell -1: 0 1 double 9 left",
+                            "cell -1: 0 2 date 9 left", "dimensions -1: 0 1 0 3"));
 }
 
 TEST(KvxlsPlain, XfsOfExcel3To5MakeDatesUnderTheExtension)
@@ -316,8 +324,8 @@ TEST(KvxlsPlain, TheCodePageIsAppliedUnderTheExtension)
     auto Stream = Declared(bv4).CodePage(850);
     Stream.Label(0, 0, "Gr\x81\xE1").Label2(0, 1, Left, "\x81").Formula(0, 2, TextResult()).String("\x81");
     EXPECT_THAT(Read(Stream, {seFileCodePage, seFormulaResults}),
-                ElementsAre(DeclaredLine, "cell -1: 0 0 string Gr\xC3\xBC\xC3\x9F left", "cell -1: 0 1 string \xC3\xBC left",
-                            "cell -1: 0 2 string \xC3\xBC left"));
+                ElementsAre(DeclaredLine, "cell -1: 0 0 string Gr\xC3\xBC\xC3\x9F left",
+                            "cell -1: 0 1 string \xC3\xBC left", "cell -1: 0 2 string \xC3\xBC left"));
 }
 
 TEST(KvxlsPlain, AllCellsAreReadUnderTheExtension)
@@ -332,8 +340,9 @@ TEST(KvxlsPlain, AllCellsAreReadUnderTheExtension)
 
 TEST(KvxlsPlain, BooleansOfExcel2HaveTheirOwnLayoutUnderTheExtension)
 {
-    EXPECT_THAT(Read(Declared(bv4).BoolErr2(0, 0, Right, 1, false).BoolErr2(0, 1, Left, 0x24, true), {seCellRecords}),
-                ElementsAre(DeclaredLine, "cell -1: 0 0 boolean True right", "cell -1: 0 1 string #NUM! left"));
+    EXPECT_THAT(
+        Read(Declared(bv4).BoolErr2(0, 0, Right, 1, false).BoolErr2(0, 1, Left, 0x24, true), {seCellRecords}),
+        ElementsAre(DeclaredLine, "cell -1: 0 0 boolean True right", "cell -1: 0 1 string #NUM! left"));
 }
 
 TEST(KvxlsPlain, AnExcel4WorkbookHasSheetsUnderTheExtension)

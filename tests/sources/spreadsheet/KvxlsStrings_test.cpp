@@ -78,7 +78,8 @@ TEST(KvxlsStrings, SixteenBitCharacters)
 
 TEST(KvxlsStrings, RunsOfRichTextAreNoText)
 {
-    EXPECT_EQ(ReadAll(BiffSharedStrings({{.Text = u"rich", .Runs = 2}, {.Text = u"next"}})), (TTexts{"rich", "next"}));
+    EXPECT_EQ(ReadAll(BiffSharedStrings({{.Text = u"rich", .Runs = 2}, {.Text = u"next"}})),
+              (TTexts{"rich", "next"}));
 }
 
 TEST(KvxlsStrings, AnUnpairedSurrogateIsKeptAsAPrivateUseCharacter)
@@ -229,7 +230,8 @@ TEST(KvxlsStrings, AnUnknownOptionOfAContinueIsTold)
 
 TEST(KvxlsStrings, AHugeCountEndsWithTheBytes)
 {
-    EXPECT_EQ(MessageOf(Sst(TBytes().U32(0xFFFFFFFF).U32(0xFFFFFFFF).U16(1).U8(0).Text("a"))), "CONTINUE record missing");
+    EXPECT_EQ(MessageOf(Sst(TBytes().U32(0xFFFFFFFF).U32(0xFFFFFFFF).U16(1).U8(0).Text("a"))),
+              "CONTINUE record missing");
 }
 
 } // namespace kv

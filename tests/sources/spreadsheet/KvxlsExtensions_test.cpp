@@ -1,0 +1,225 @@
+// The extensions of workbooks; those of plain streams stand with their own tests.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "KvBiffBuilder.h"
+#include "KvBiffStrings.h"
+#include "KvxlsEvents.h"
+
+using testing::ElementsAre;
+
+namespace kv {
+
+namespace {
+
+/// The events of a workbook of one sheet.
+TEventLines Read(const TBiffBuilder& Globals, const TBiffBuilder& Sheet, TSpreadSheetExtensions Extensions)
+{
+    const auto Stream = TWorkbookBuilder(Sheet.Version).Globals(Globals).Sheet("S", Sheet).Build();
+    return TRecordingExcel(Extensions).Workbook(Stream, Sheet.Version == bv8 ? evExcel8 : evExcel7);
+}
+
+constexpr auto SheetLine = "sheet 0 \"S\"";
+
+/// A label of Excel 8 whose characters have 16 bits.
+std::string WideLabel(unsigned Row, unsigned Col, std::u16string_view Text)
+{
+    const auto Size = static_cast<unsigned>(Text.size());
+    return TBytes().U16(Row).U16(Col).U16(0).U16(Size).U8(1).Text(Text);
+}
+
+std::string CompressedLabel(unsigned Row, unsigned Col, std::string_view Text)
+{
+    const auto Size = static_cast<unsigned>(Text.size());
+    return TBytes().U16(Row).U16(Col).U16(0).U16(Size).U8(0).Text(Text);
+}
+
+} // namespace
+
+TEST(KvxlsExtensions, ResultsOfFormulasArriveAsWhatTheyAre)
+{
+    for (const auto Version : {bv5, bv8}) {
+        TBiffBuilder Sheet(Version);
+        Sheet.Formula(0, 0, TextResult()).Record(0x04BC, "shared formula").String("Gr\xFC\xDF");
+        Sheet.Formula(0, 1, BooleanResult(true))
+            .Formula(0, 2, BooleanResult(false))
+            .Formula(0, 3, ErrorResult(0x07));
+        Sheet.Formula(0, 4, EmptyResult()).Formula(0, 5, TBytes().F64(1.5)).Formula(0, 6, TBytes().F64(36526), 1);
+        const auto Text = Version == bv8 ? "Gr\xC3\xBC\xC3\x9F" : "Gr\xFC\xDF";
+        EXPECT_THAT(Read(TBiffBuilder(Version).Xf(0).Xf(14), Sheet, {seFormulaResults}),
+                    ElementsAre(SheetLine, "cell 0: 0 0 string " + std::string(Text) + " left",
+                                "cell 0: 0 1 boolean True left", "cell 0: 0 2 boolean False left",
+                                "cell 0: 0 3 string #DIV/0! left", "cell 0: 0 4 string  left",
+                                "cell 0: 0 5 double 1.5 right", "cell 0: 0 6 date 36526 left"));
+    }
+}
+
+TEST(KvxlsExtensions, TheTextOfAFormulaMayRunOnFromRecordToRecord)
+{
+    TBiffBuilder Sheet;
+    Sheet.Formula(0, 0, TextResult())
+        .Record(0x0207, TBytes().U16(4).U8(1).Text(u"\u0416"))
+        .Record(0x003C, TBytes().U8(0).Text("abc"));
+    EXPECT_THAT(Read({}, Sheet, {seFormulaResults}), ElementsAre(SheetLine, "cell 0: 0 0 string \xD0\x96"
+                                                                            "abc left"));
+}
+
+TEST(KvxlsExtensions, ATextBelongsToTheFormulaBeforeIt)
+{
+    TBiffBuilder Sheet;
+    Sheet.String("stray").Formula(0, 0, TextResult()).Formula(0, 1, TBytes().F64(1)).String("stray");
+    Sheet.Formula(0, 2, TextResult()).String("text").String("stray");
+    EXPECT_THAT(Read({}, Sheet, {seFormulaResults}),
+                ElementsAre(SheetLine, "cell 0: 0 1 double 1 right", "cell 0: 0 2 string text left"));
+}
+
+TEST(KvxlsExtensions, AResultOfUnknownKindIsTold)
+{
+    const auto Result = TBytes().U8(4).Zeros(5).U16(0xFFFF).Str();
+    EXPECT_THAT(Read({}, TBiffBuilder().Formula(0, 0, Result), {seFormulaResults}),
+                ElementsAre(SheetLine, "error: Record 0x0006 at offset 57: the kind of its result is unknown"));
+}
+
+TEST(KvxlsExtensions, DatePatternsMakeDates)
+{
+    for (const auto Version : {bv5, bv8}) {
+        const auto Globals = TBiffBuilder(Version)
+                                 .Format(164, "yyyy-mm-dd")
+                                 .Format(165, "0.00\" days\"")
+                                 .Xf(0)
+                                 .Xf(164)
+                                 .Xf(165)
+                                 .Xf(46);
+        TBiffBuilder Sheet(Version);
+        Sheet.Number(0, 0, 36526, 1).Number(0, 1, 36526, 2).Number(0, 2, 0.5, 3).Formula(0, 3, TBytes().F64(2), 1);
+        EXPECT_THAT(Read(Globals, Sheet, {seCustomDates}),
+                    ElementsAre(SheetLine, "cell 0: 0 0 date 36526 left", "cell 0: 0 1 double 36526 right",
+                                "cell 0: 0 2 date 0.5 left", "cell 0: 0 3 date 2 left"));
+    }
+}
+
+TEST(KvxlsExtensions, DatePatternsOfSixteenBitsAreUnderstood)
+{
+    const auto Pattern = std::u16string_view(u"yyyy\u5E74m\u6708d\u65E5");
+    const auto Size = static_cast<unsigned>(Pattern.size());
+    const auto Globals = TBiffBuilder().Record(0x041E, TBytes().U16(164).U16(Size).U8(1).Text(Pattern)).Xf(164);
+    EXPECT_THAT(Read(Globals, TBiffBuilder().Number(0, 0, 1), {seCustomDates}),
+                ElementsAre(SheetLine, "cell 0: 0 0 date 1 left"));
+}
+
+TEST(KvxlsExtensions, TheDateModeShiftsDatesOnly)
+{
+    const auto Globals = TBiffBuilder().DateMode(1).Xf(0).Xf(14);
+    const auto Sheet = TBiffBuilder().Number(0, 0, 0, 1).Number(0, 1, 0, 0);
+    EXPECT_THAT(Read(Globals, Sheet, {seDateMode}),
+                ElementsAre(SheetLine, "cell 0: 0 0 date 1462 left", "cell 0: 0 1 double 0 right"));
+    EXPECT_THAT(Read(TBiffBuilder().DateMode(0).Xf(0).Xf(14), Sheet, {seDateMode}),
+                ElementsAre(SheetLine, "cell 0: 0 0 date 0 left", "cell 0: 0 1 double 0 right"));
+}
+
+TEST(KvxlsExtensions, TheCodePageOfAFileIsUsed)
+{
+    const auto Stream = TWorkbookBuilder(bv5)
+                            .Globals(TBiffBuilder(bv5).CodePage(1251))
+                            .Sheet("\xCB\xE8\xF1\xF2", TBiffBuilder(bv5).Label(0, 0, "\xC6"))
+                            .Build();
+    EXPECT_THAT(TRecordingExcel({seFileCodePage}).Workbook(Stream, evExcel7),
+                ElementsAre("sheet 0 \"\xD0\x9B\xD0\xB8\xD1\x81\xD1\x82\"", "cell 0: 0 0 string \xD0\x96 left"));
+}
+
+TEST(KvxlsExtensions, NamesOfExcel8SheetsAreUnicode)
+{
+    const auto Stream =
+        TWorkbookBuilder().Sheet(u"A\u0416", TBiffBuilder()).Sheet("Gr\xFC\xDF", TBiffBuilder()).Build();
+    EXPECT_THAT(TRecordingExcel({seFileCodePage}).Workbook(Stream),
+                ElementsAre("sheet 0 \"A\xD0\x96\"", "sheet 1 \"Gr\xC3\xBC\xC3\x9F\""));
+}
+
+TEST(KvxlsExtensions, RichTextIsRead)
+{
+    TBiffBuilder Sheet(bv5);
+    Sheet.Record(0x00D6, TBytes().U16(1).U16(2).U16(0).U16(4).Text("rich").U8(1).U8(0).U8(5));
+    EXPECT_THAT(Read(TBiffBuilder(bv5), Sheet, {seCellRecords}),
+                ElementsAre(SheetLine, "cell 0: 1 2 string rich left"));
+}
+
+TEST(KvxlsExtensions, LabelsOfExcel8HaveOptions)
+{
+    TBiffBuilder Sheet;
+    Sheet.Record(0x0204, CompressedLabel(0, 0, "Gr\xFC\xDF"))
+        .Record(0x0204, WideLabel(0, 1, u"\u0416"))
+        .Record(0x00D6, WideLabel(0, 2, u"r"));
+    EXPECT_THAT(Read({}, Sheet, {seCellRecords}),
+                ElementsAre(SheetLine, "cell 0: 0 0 string Gr\xC3\xBC\xC3\x9F left",
+                            "cell 0: 0 1 string \xD0\x96 left", "cell 0: 0 2 string r left"));
+    EXPECT_THAT(Read({}, TBiffBuilder().Record(0x0204, CompressedLabel(0, 0, "abc")), {}),
+                ElementsAre(SheetLine, "cell 0: 0 0 string " + std::string(1, '\0') + "ab left"));
+}
+
+TEST(KvxlsExtensions, ALabelMayRunOnFromRecordToRecord)
+{
+    const auto First = TBytes().U16(7).U16(8).U16(0).U16(4).U8(0).Text("ab");
+    TBiffBuilder Sheet;
+    Sheet.Record(0x0204, First).Record(0x003C, TBytes().U8(1).Text(u"cd"));
+    EXPECT_THAT(Read({}, Sheet, {seCellRecords}), ElementsAre(SheetLine, "cell 0: 7 8 string abcd left"));
+    EXPECT_THAT(Read({}, TBiffBuilder().Record(0x0204, First), {seCellRecords}),
+                ElementsAre(SheetLine, "error: Record 0x0204 at offset 57 is too short: 11 bytes, 13 are needed"));
+}
+
+TEST(KvxlsExtensions, SharedStringsMayHavePhoneticText)
+{
+    const auto Strings = BiffSharedStrings({{.Text = u"\u65E5", .IsWide = true, .Phonetic = 8}});
+    const auto Stream =
+        TBiffBuilder().Bof(bpGlobals).Str() + Strings + TBiffBuilder().Bof().LabelSst(0, 0, 0).Str();
+    EXPECT_THAT(TRecordingExcel({seCellRecords}).Workbook(Stream),
+                ElementsAre("sheet 0 \"Sheet1\"", "cell 0: 0 0 string \xE6\x97\xA5 left"));
+}
+
+TEST(KvxlsExtensions, ChartsTakeNoNameFromASheet)
+{
+    const auto Cells = TBiffBuilder().Rk(0, 0, 6);
+    const auto Stream = TWorkbookBuilder()
+                            .Sheet("Chart", {}, bpChart)
+                            .Sheet("One", Cells)
+                            .Sheet("Two", Cells)
+                            .Sheet("Last", {}, bpChart)
+                            .Build();
+    EXPECT_THAT(TRecordingExcel({seCellRecords}).Workbook(Stream),
+                ElementsAre("sheet 0 \"One\"", "cell 0: 0 0 double 1 right", "sheet 1 \"Two\"",
+                            "cell 1: 0 0 double 1 right"));
+    EXPECT_THAT(TRecordingExcel({seCellRecords}).Skipping(0).Workbook(Stream),
+                ElementsAre("sheet 0 \"One\"", "sheet 1 \"Two\"", "cell 1: 0 0 double 1 right"));
+    EXPECT_THAT(TRecordingExcel().Workbook(Stream),
+                ElementsAre("sheet 0 \"Chart\"", "cell 0: 0 0 double 1 right", "sheet 1 \"One\"",
+                            "cell 1: 0 0 double 1 right"));
+}
+
+TEST(KvxlsExtensions, SheetsAreNamedByWhereTheyBegin)
+{
+    auto Builder = TWorkbookBuilder().Sheet("One", {}).Sheet("Two", {});
+    auto Stream = Builder.Build();
+    const auto FirstEntry = TBiffBuilder().Bof().Size() + 4, SecondEntry = FirstEntry + 11 + 4;
+    std::swap_ranges(Stream.begin() + static_cast<std::ptrdiff_t>(FirstEntry),
+                     Stream.begin() + static_cast<std::ptrdiff_t>(FirstEntry) + 4,
+                     Stream.begin() + static_cast<std::ptrdiff_t>(SecondEntry));
+    EXPECT_THAT(TRecordingExcel({seCellRecords}).Workbook(Stream),
+                ElementsAre("sheet 0 \"Two\"", "sheet 1 \"One\""));
+    EXPECT_THAT(TRecordingExcel().Workbook(Stream), ElementsAre("sheet 0 \"One\"", "sheet 1 \"Two\""));
+}
+
+TEST(KvxlsExtensions, AWorkbookMayStandOutsideACompoundDocument)
+{
+    for (const auto Version : {bv5, bv8}) {
+        const auto Sheet = TBiffBuilder(Version).Dimensions(0, 1, 0, 1).Number(0, 0, 1.5);
+        const auto Stream = TWorkbookBuilder(Version).Sheet("One", Sheet).Sheet("Two", Sheet).Build();
+        TRecordingExcel Excel({seCellRecords});
+        EXPECT_THAT(Excel.Plain(Stream),
+                    ElementsAre("sheet 0 \"One\"", "dimensions 0: 0 1 0 1", "cell 0: 0 0 double 1.5 right",
+                                "sheet 1 \"Two\"", "dimensions 1: 0 1 0 1", "cell 1: 0 0 double 1.5 right"));
+        EXPECT_EQ(Excel.Reader.Version, Version == bv8 ? evExcel8 : evExcel7);
+    }
+}
+
+} // namespace kv

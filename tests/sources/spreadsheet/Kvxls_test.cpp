@@ -1,0 +1,204 @@
+#include "Kvxls.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "KvBiffBuilder.h"
+#include "KvBiffStrings.h"
+#include "KvCompoundBuilder.h"
+#include "KvException.h"
+#include "KvTempFolder.h"
+#include "KvxlsEvents.h"
+
+namespace kv {
+
+namespace {
+
+class Kvxls : public testing::Test
+{
+protected:
+    std::string FileOf(std::string_view Bytes) const { return Folder.Write("book.xls", Bytes); }
+    /// The message that loading gives; "" for none.
+    std::string Load(const std::string& Name)
+    {
+        try {
+            Reader.LoadFromFile(Name);
+        } catch (const Exception& Error) {
+            return Error.Message;
+        }
+        return "";
+    }
+    std::string CellText(int Sheet, int Col, int Row)
+    {
+        return Describe(Reader.Sheets.Spreadsheet(Sheet).Cells.GetValue(Col, Row));
+    }
+
+    TTempFolder Folder;
+    TMSExcel Reader;
+};
+
+std::string Workbook(std::u16string_view StreamName, std::string_view Stream)
+{
+    return TCompoundBuilder().Stream(u"\x0005SummaryInformation", "summary").Stream(StreamName, Stream).Build();
+}
+
+std::string OneSheet(TBiffVersion Version)
+{
+    return TWorkbookBuilder(Version)
+        .Sheet("One", TBiffBuilder(Version).Dimensions(0, 1, 0, 1).Number(0, 0, 1.5))
+        .Build();
+}
+
+} // namespace
+
+TEST_F(Kvxls, AnExcel4FileFillsTheFirstSheet)
+{
+    const auto Stream = TBiffBuilder(bv4).Bof().Dimensions(0, 3, 0, 2).Label(2, 1, "text").Eof();
+    EXPECT_EQ(Load(FileOf(Stream.Str())), "");
+    ASSERT_EQ(Reader.Sheets.Count(), 1u);
+    EXPECT_EQ(Reader.Sheets[0].Caption, "Sheet1");
+    EXPECT_EQ(CellText(0, 1, 2), "string text");
+    EXPECT_EQ(Reader.Sheets[0].Cells.LastRow, 4);
+    EXPECT_EQ(Reader.Sheets[0].Cells.LastColumn, 3);
+    EXPECT_EQ(Reader.Version, evExcel4);
+    EXPECT_EQ(Reader.SheetIndex, -1);
+}
+
+TEST_F(Kvxls, TheStreamTellsTheVersion)
+{
+    EXPECT_EQ(Load(FileOf(Workbook(u"Book", OneSheet(bv5)))), "");
+    EXPECT_EQ(Reader.Version, evExcel7);
+    EXPECT_EQ(CellText(0, 0, 0), "double 1.5");
+    EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", OneSheet(bv8)))), "");
+    EXPECT_EQ(Reader.Version, evExcel8);
+    EXPECT_EQ(CellText(0, 0, 0), "double 1.5");
+    EXPECT_EQ(Reader.Sheets.Count(), 1u);
+    EXPECT_EQ(Reader.Sheets[0].Caption, "One");
+    EXPECT_EQ(Reader.Sheets[0].Cells.LastRow, 1);
+    EXPECT_EQ(Reader.SheetIndex, 0);
+}
+
+TEST_F(Kvxls, NamesOfStreamsHaveNoCase)
+{
+    EXPECT_EQ(Load(FileOf(Workbook(u"WORKBOOK", OneSheet(bv8)))), "");
+    EXPECT_EQ(Reader.Version, evExcel8);
+}
+
+TEST_F(Kvxls, TheFirstStreamOfTheDirectoryCounts)
+{
+    const auto File = TCompoundBuilder().Stream(u"Workbook", OneSheet(bv8)).Stream(u"Book", OneSheet(bv5)).Build();
+    EXPECT_EQ(Load(FileOf(File)), "");
+    EXPECT_EQ(Reader.Version, evExcel7);            // shorter names come first
+}
+
+TEST_F(Kvxls, ADocumentWithoutAWorkbookIsRefused)
+{
+    EXPECT_EQ(Load(FileOf(Workbook(u"WordDocument", "text"))), "File is not a Excel Workbook");
+}
+
+TEST_F(Kvxls, OtherFilesAreRefused)
+{
+    EXPECT_EQ(Load(FileOf("name;value\r\n1;2\r\n")), "File is not a Excel file");
+    EXPECT_EQ(Load(FileOf("")), "File is not a Excel file");
+    EXPECT_EQ(Load(""), "File is not defined.");
+    EXPECT_EQ(Load(Folder / "none.xls"), "File is not exists.");
+}
+
+TEST_F(Kvxls, AnEncryptedFileIsRefused)
+{
+    const auto Stream = TWorkbookBuilder().Globals(TBiffBuilder().FilePass()).Sheet("S", {}).Build();
+    EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", Stream))), "Can not read: file is encrypted");
+    EXPECT_EQ(Reader.Sheets.Count(), 0u);
+}
+
+TEST_F(Kvxls, WhatWasReadBeforeAnErrorStays)
+{
+    const auto Stream = TWorkbookBuilder().Sheet("S", TBiffBuilder().Number(0, 0, 1.5).LabelSst(0, 1, 7)).Build();
+    EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", Stream))),
+              "Record 0x00FD at offset 75: there is no shared string 7, only 0");
+    EXPECT_EQ(CellText(0, 0, 0), "double 1.5");
+}
+
+TEST_F(Kvxls, ADamagedDocumentIsToldBeforeItsRecords)
+{
+    TCompoundBuilder Builder;
+    Builder.Stream(u"Workbook",
+                   TWorkbookBuilder().Sheet("S", TBiffBuilder().Label(0, 0, std::string(8000, 'x'))).Build());
+    auto File = Builder.Build();
+    File.replace(Builder.OffsetOfLink(Builder.FirstSectorOf(1)), 4, "\xFE\xFF\xFF\xFF"); // ends after one sector
+    EXPECT_THAT(Load(FileOf(File)), testing::StartsWith("Cannot read stream \"Workbook\" of file "));
+}
+
+TEST_F(Kvxls, EveryLoadStartsAnew)
+{
+    const auto First = TWorkbookBuilder().Globals(TBiffBuilder().Xf(14)).Sheet("A", {}).Sheet("B", {}).Build();
+    EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", First))), "");
+    EXPECT_EQ(Reader.Sheets.Count(), 2u);
+    EXPECT_TRUE(Reader.FormatIsDateTime(0));
+    EXPECT_EQ(Load(FileOf(Workbook(u"Book", OneSheet(bv5)))), "");
+    EXPECT_EQ(Reader.Sheets.Count(), 1u);
+    EXPECT_FALSE(Reader.FormatIsDateTime(0));
+    EXPECT_EQ(Reader.Sheets[0].Caption, "One");
+}
+
+TEST_F(Kvxls, ARunOfItsOwnKeepsTheEvents)
+{
+    Reader.FileName = FileOf(Workbook(u"Workbook", OneSheet(bv8)));
+    int Cells = 0;
+    Reader.OnCellValue = [&](auto&&...) { ++Cells; };
+    Reader.ImportFromOLEStream();
+    EXPECT_EQ(Cells, 1);
+    Reader.FileName = FileOf(TBiffBuilder(bv2).Bof().Label2(0, 0, "\1\1\1", "a").Str());
+    Reader.ImportFromStream();
+    EXPECT_EQ(Cells, 2);
+    EXPECT_EQ(Reader.Sheets.Count(), 0u);
+}
+
+TEST_F(Kvxls, TellsWhichFormatsAreDates)
+{
+    EXPECT_FALSE(Reader.FormatIsDateTime(13));
+    EXPECT_TRUE(Reader.FormatIsDateTime(14));
+    EXPECT_TRUE(Reader.FormatIsDateTime(22));
+    EXPECT_FALSE(Reader.FormatIsDateTime(23));
+    EXPECT_FALSE(Reader.FormatIsDateTime(-1));
+    EXPECT_FALSE(Reader.FormatIsDateTime(0x1000E));
+    Reader.ReadWorkbookStream(TBiffBuilder().Xf(14).Xf(0).Xf(164).Str(), evExcel8);
+    EXPECT_TRUE(Reader.FormatIsDateTime(0));
+    EXPECT_FALSE(Reader.FormatIsDateTime(1));
+    EXPECT_FALSE(Reader.FormatIsDateTime(2));
+    Reader.ClearFormats();
+    EXPECT_FALSE(Reader.FormatIsDateTime(0));
+}
+
+TEST_F(Kvxls, StartsWithoutAVersion)
+{
+    EXPECT_EQ(Reader.Version, evUnknown);
+    EXPECT_EQ(evUnknown, 0);
+    EXPECT_EQ(evExcel8, 6);
+}
+
+TEST_F(Kvxls, PublishesVersionAndSheet)
+{
+    Reader.ReadWorkbookStream(OneSheet(bv5), evExcel7);
+    const auto Properties = Reader.PublishedProperties();
+    const auto ValueOf = [&](std::string_view Name) {
+        for (const auto& Property : Properties)
+            if (Property.Name == Name)
+                return Property.Get(Reader).Integer();
+        return std::int64_t{-9};
+    };
+    EXPECT_EQ(ValueOf("Version"), evExcel7);
+    EXPECT_EQ(ValueOf("SheetIndex"), 0);
+}
+
+TEST_F(Kvxls, CellsBeyondTheLastColumnAreCounted)
+{
+    const auto Stream = TWorkbookBuilder().Sheet("S", TBiffBuilder().Number(0, 255, 1).Number(0, 256, 2)).Build();
+    EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", Stream))), "");
+    EXPECT_EQ(CellText(0, 255, 0), "double 1");
+    EXPECT_EQ(Reader.Sheets[0].Cells.CellsBeyond(), 1u);
+}
+
+} // namespace kv
