@@ -72,7 +72,7 @@ need()
 
 need_compiler()
 {
-    need g++ cmake ninja-build pkg-config libsqlite3-dev libcli11-dev nlohmann-json3-dev "$@"
+    need g++ cmake ninja-build pkg-config libsqlite3-dev mdbtools-dev libcli11-dev nlohmann-json3-dev "$@"
 }
 
 # build PRESET [TARGET] - configures when needed and builds what is out of date.

@@ -31,6 +31,7 @@ const std::vector<TLayer>& Layers()
         {"platform/dataset", {"platform/runtime"}},
         {"platform/ui", {"platform/runtime"}},
         {"platform/*", Ports},                      // the adapters: ports, but not each other
+        {"platform/access/helper", {"platform/runtime", "platform/access"}},
         {"engine", Ports},
         {"sources/spreadsheet",
          {"platform/runtime", "platform/dataset", "platform/ui", "platform/storage", "engine"}},

@@ -1,0 +1,43 @@
+#include "KvMdbLimits.h"
+
+#include <sys/resource.h>
+
+namespace kv {
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool LimitsMemory = false;
+#elif defined(__has_feature)
+constexpr bool LimitsMemory = !__has_feature(address_sanitizer) && !__has_feature(thread_sanitizer);
+#else
+constexpr bool LimitsMemory = true;
+#endif
+
+void Limit(int Resource, rlim_t Value)
+{
+    rlimit Limits{};
+    if (::getrlimit(static_cast<__rlimit_resource>(Resource), &Limits) != 0)
+        return;
+    Limits.rlim_cur = Limits.rlim_max == RLIM_INFINITY || Value < Limits.rlim_max ? Value : Limits.rlim_max;
+    ::setrlimit(static_cast<__rlimit_resource>(Resource), &Limits);
+}
+
+} // namespace
+
+void LimitResources()
+{
+    if (LimitsMemory)
+        Limit(RLIMIT_AS, MaxReaderMemory);
+    Limit(RLIMIT_CORE, 0);
+    GrantTime();
+}
+
+void GrantTime()
+{
+    rusage Used{};
+    if (::getrusage(RUSAGE_SELF, &Used) == 0)
+        Limit(RLIMIT_CPU, static_cast<rlim_t>(Used.ru_utime.tv_sec + Used.ru_stime.tv_sec + MaxSecondsWithoutOutput));
+}
+
+} // namespace kv

@@ -1,0 +1,19 @@
+// KvMdbLimits - what the reader of databases may use up. Damage makes its library run in circles and ask
+// for memory without end.
+#pragma once
+
+#include <cstddef>
+
+namespace kv {
+
+inline constexpr std::size_t MaxReaderMemory = std::size_t(2) << 30; ///< Bytes of addresses.
+inline constexpr int MaxSecondsWithoutOutput = 60;  ///< Of processor time.
+
+/// From now on the system refuses the process more memory and ends it when it works on without output.
+/// Sanitizers reserve more addresses than that: their builds only limit the time.
+void LimitResources();
+
+/// Grants the time anew; output was written.
+void GrantTime();
+
+} // namespace kv

@@ -1,0 +1,178 @@
+#include "KvAccessHelper.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "KvException.h"
+#include "KvTempFolder.h"
+
+namespace kv {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Sets a variable of the environment for the length of a test.
+class TVariable
+{
+public:
+    TVariable(const char* TheName, const char* Value) : Name(TheName)
+    {
+        if (const char* const Before = std::getenv(Name))
+            Old = Before;
+        Value ? ::setenv(Name, Value, 1) : ::unsetenv(Name);
+    }
+    ~TVariable() { Old ? ::setenv(Name, Old->c_str(), 1) : ::unsetenv(Name); }
+
+private:
+    const char* const Name;
+    std::optional<std::string> Old;
+};
+
+class KvAccessHelper : public testing::Test
+{
+protected:
+    std::string Script(const std::string& Commands) const
+    {
+        const auto File = Folder.Write("kvaccess", "#!/bin/sh\n" + Commands + "\n");
+        std::filesystem::permissions(File, std::filesystem::perms::owner_all);
+        return File;
+    }
+
+    /// All that a program says, and how it ended.
+    std::string Run(const std::string& Commands, std::chrono::milliseconds Patience = 30s) const
+    {
+        std::string Said;
+        try {
+            TAccessHelper Helper({Script(Commands), Patience}, {"one", "two words"});
+            char Bytes[7];
+            while (const auto Count = Helper.Receive(Bytes, sizeof Bytes))
+                Said.append(Bytes, Count);
+        }
+        catch (const EDatabaseError& Error) {
+            Said += "[" + Error.Message + "]";
+        }
+        return Said;
+    }
+
+    const TTempFolder Folder;
+};
+
+template <class TAction> std::string MessageOf(TAction Action)
+{
+    try {
+        Action();
+    }
+    catch (const EDatabaseError& Error) {
+        return Error.Message;
+    }
+    return "";
+}
+
+TEST_F(KvAccessHelper, GivesWhatTheProgramWrites)
+{
+    EXPECT_EQ(Run("printf '%s|' \"$@\"; echo trouble >&2"), "one|two words|");
+}
+
+TEST_F(KvAccessHelper, TheProgramHasNoInput)
+{
+    EXPECT_EQ(Run("cat; echo end"), "end\n");
+}
+
+TEST_F(KvAccessHelper, SaysWhichSignalKilledIt)
+{
+    EXPECT_EQ(Run("printf begun; kill -SEGV $$"),
+              "begun[the reader of Access databases stopped: killed by signal 11 (Segmentation fault)]");
+}
+
+TEST_F(KvAccessHelper, SaysWithWhichStatusItEnded)
+{
+    EXPECT_EQ(Run("exit 3"), "[the reader of Access databases stopped: exit status 3]");
+    EXPECT_EQ(Run("exit 127"), "[the reader of Access databases stopped: a library that it needs is missing, or it is "
+                               "no program of this system]");
+}
+
+TEST_F(KvAccessHelper, EndsOneThatKeepsSilent)
+{
+    const auto Begun = std::chrono::steady_clock::now();
+    EXPECT_EQ(Run("printf begun; exec sleep 60", 1s),
+              "begun[the reader of Access databases stopped: it made no progress for 1 s]");
+    EXPECT_LT(std::chrono::steady_clock::now() - Begun, 20s);
+}
+
+TEST_F(KvAccessHelper, WaitsForOneThatGoesOn)
+{
+    EXPECT_EQ(Run("for I in 1 2 3 4; do sleep 0.4; printf $I; done", 1500ms), "1234");
+}
+
+TEST_F(KvAccessHelper, EndsWithItsOwner)
+{
+    const auto Begun = std::chrono::steady_clock::now();
+    {
+        const TAccessHelper Helper({Script("exec sleep 60"), 30s}, {});
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - Begun, 20s);
+}
+
+TEST_F(KvAccessHelper, ASignalThatTheParentIgnoresStillEndsIt)
+{
+    const auto Before = std::signal(SIGPIPE, SIG_IGN);
+    EXPECT_EQ(Run("kill -PIPE $$; echo alive"), "[the reader of Access databases stopped: killed by signal 13 (Broken pipe)]");
+    std::signal(SIGPIPE, Before);
+}
+
+TEST_F(KvAccessHelper, SaysWhyItCannotBeStarted)
+{
+    const auto File = Folder.Write("text", "no program");
+    EXPECT_EQ(MessageOf([&] { TAccessHelper({File, 30s}, {}); }), "Cannot start " + File + ": Permission denied");
+}
+
+TEST_F(KvAccessHelper, IsTheOneThatTheEnvironmentNames)
+{
+    const auto File = Script("exit 0");
+    const TVariable Named("KV_ACCESS_HELPER", File.c_str());
+    EXPECT_EQ(FindAccessHelper("/usr/bin/"), File);
+}
+
+TEST_F(KvAccessHelper, AWrongNameInTheEnvironmentIsAnError)
+{
+    const TVariable Named("KV_ACCESS_HELPER", "/nowhere/kvaccess");
+    EXPECT_EQ(MessageOf([] { FindAccessHelper(""); }), "/nowhere/kvaccess, which KV_ACCESS_HELPER names as the reader of "
+                                                       "Access databases, is not a program");
+}
+
+TEST_F(KvAccessHelper, IsElseTheOneBesideTheProgram)
+{
+    const TVariable Named("KV_ACCESS_HELPER", nullptr);
+    const TVariable Path("PATH", "/nowhere");
+    const auto File = Script("exit 0");
+    EXPECT_EQ(FindAccessHelper(Folder / ""), File);
+}
+
+TEST_F(KvAccessHelper, IsElseTheFirstOnThePath)
+{
+    const TVariable Named("KV_ACCESS_HELPER", "");
+    const TVariable Path("PATH", ("/nowhere::" + Folder.Path.string()).c_str());
+    const auto File = Script("exit 0");
+    EXPECT_EQ(FindAccessHelper("/nowhere/"), File);
+}
+
+TEST_F(KvAccessHelper, SaysWhatToInstallWhenThereIsNone)
+{
+    const TVariable Named("KV_ACCESS_HELPER", nullptr);
+    const TVariable Path("PATH", "/nowhere");
+    EXPECT_EQ(MessageOf([] { FindAccessHelper("/nowhere/"); }),
+              "The reader of Access databases is missing: the program kvaccess, which is built where mdbtools is "
+              "installed (Debian package mdbtools-dev)");
+}
+
+} // namespace
+
+} // namespace kv
