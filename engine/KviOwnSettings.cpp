@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::string_view Section = "Extensions";
 constexpr std::string_view SetProperty = "Extensions";
-constexpr std::string_view Places[] = {"SheetIndex", "TableName"}; // where in the file the records stand
+constexpr std::string_view Places[] = {"SheetIndex", "TableName", "TableNumber"}; // where in the file records stand
 constexpr std::size_t PrefixSize = 2;               // of the name of an element
 
 const TPublishedProperty* FindSet(const TPublishedProperties& Properties)

@@ -4,6 +4,9 @@
 #include "KvIniFile.h"
 #include "KvText.h"
 #include "Kvi2txt.h"
+#include "Kvi2wks.h"
+#include "Kvi2wq.h"
+#include "Kvi2xls.h"
 #include "KviTableType.h"
 
 namespace kv {
@@ -11,8 +14,11 @@ namespace kv {
 std::unique_ptr<TKvImportBaseComponent> CreateImport(TTableTypeImport TableType, TComponent* Owner)
 {
     switch (TableType) {
-    case teText: return std::make_unique<TKvImportFromText>(Owner);
-    default:     throw Exception(FormatText("There is no import of the kind %s", {TableTypeName(TableType)}));
+    case teText:    return std::make_unique<TKvImportFromText>(Owner);
+    case teXLS:     return std::make_unique<TKvImportFromXLS>(Owner);
+    case teWKS:     return std::make_unique<TKvImportFromWKS>(Owner);
+    case teQuattro: return std::make_unique<TKvImportFromQuattro>(Owner);
+    default:        throw Exception(FormatText("There is no import of the kind %s", {TableTypeName(TableType)}));
     }
 }
 

@@ -98,7 +98,8 @@ TEST_P(KvSourceFactoryMakes, ComponentsThatWriteNoExtensionsByThemselves)
 }
 
 INSTANTIATE_TEST_SUITE_P(, KvSourceFactoryMakes, testing::Values(
-    TKindRow{teText, "TKvImportFromText"}),
+    TKindRow{teText, "TKvImportFromText"}, TKindRow{teXLS, "TKvImportFromXLS"}, TKindRow{teWKS, "TKvImportFromWKS"},
+    TKindRow{teQuattro, "TKvImportFromQuattro"}),
     [](const auto& Row) { return std::string(Row.param.ClassName); });
 
 TEST(KvSourceFactory, AnOwnerOwnsTheComponent)
