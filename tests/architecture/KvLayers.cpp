@@ -35,6 +35,7 @@ const std::vector<TLayer>& Layers()
         {"engine", Ports},
         {"sources/spreadsheet",
          {"platform/runtime", "platform/dataset", "platform/ui", "platform/storage", "engine"}},
+        {"sources/database", {"platform/runtime", "platform/dataset", "platform/ui", "platform/access", "engine"}},
         {"sources/factory", {"platform/runtime", "engine", "sources/*"}},
         {"sources/*", Engine},
         {"wizard", {"platform/*", "engine", "sources/*"}},

@@ -1,0 +1,72 @@
+#include "KvAccessSession.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <exception>
+
+#include "KvException.h"
+
+namespace kv {
+
+namespace {
+
+std::unique_ptr<TAccessEngine> NewEngine()
+{
+    try {
+        return CreateAccessEngine("DAO.DBEngine.36");
+    }
+    catch (const Exception&) {                      // an older one is as good
+        return CreateAccessEngine("DAO.DBEngine.35");
+    }
+}
+
+} // namespace
+
+TKvAccessSession::~TKvAccessSession()
+{
+    try {
+        Close(true);
+    }
+    catch (const std::exception&) {                 // nothing was written that could be lost
+    }
+}
+
+void TKvAccessSession::Open(const std::string& TableName, const std::string& FileName)
+{
+    Close(true);
+    FEngine = NewEngine();
+    FDatabase = FEngine->OpenDatabase(FileName);
+    if (!TableName.empty())
+        FRecordset = FDatabase->OpenRecordset(TableName, AccessTableRecordset, AccessNoOptions, AccessPessimistic);
+    FTableName = TableName;
+    FFileName = FileName;
+}
+
+void TKvAccessSession::Close(bool CloseRecordset)
+{
+    const auto Recordset = std::move(FRecordset);
+    const auto Database = std::move(FDatabase);
+    const auto Engine = std::move(FEngine);
+    if (CloseRecordset && Recordset)
+        Recordset->Close();
+    if (Database)
+        Database->Close();
+}
+
+bool TKvAccessSession::Holds(const std::string& TableName, const std::string& FileName) const
+{
+    return FRecordset && TableName == FTableName && FileName == FFileName;
+}
+
+TVariant TKvAccessSession::Value(int Index, char DecimalSeparator)
+{
+    auto Value = FRecordset->Value(Index);
+    const bool IsExactText = Value.IsString() && FRecordset->Fields()[static_cast<std::size_t>(Index)].Type == afDecimal;
+    if (!IsExactText || DecimalSeparator == '.')
+        return Value;
+    std::string Text(Value.Text());
+    std::ranges::replace(Text, '.', DecimalSeparator);
+    return Text;
+}
+
+} // namespace kv

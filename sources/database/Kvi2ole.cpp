@@ -1,0 +1,177 @@
+#include "Kvi2ole.h"
+
+#include <cstddef>
+#include <cstdint>
+
+#include "KvFormatSettings.h"
+#include "KvPublish.h"
+#include "KvText.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::string_view ExtensionNames[] = {"xaOpensForMapping"};
+
+constexpr char MsgNotSpecified[] = "Property %s wasn't specified.";
+constexpr int PreviewRows = 20;
+
+int FieldNamed(const TAccessRecordset& Recordset, std::string_view Name)
+{
+    for (std::size_t I = 0; I < Recordset.Fields().size(); ++I)
+        if (Recordset.Fields()[I].Name == Name)
+            return static_cast<int>(I);
+    return -1;
+}
+
+} // namespace
+
+TKvImportFromAccess::TKvImportFromAccess(TComponent* Owner) : TKvImportBaseComponent(Owner, teAccess, Extension()) {}
+
+TPublishedProperties TKvImportFromAccess::PublishedProperties() const
+{
+    using T = TKvImportFromAccess;
+    auto Properties = TKvImportBaseComponent::PublishedProperties();
+    const auto Own = {Publish("TableName", &T::TableName), Publish("SourceFileName", &T::SourceFileName),
+                      Publish("RowFirst", &T::RowFirst), Publish("RowLast", &T::RowLast),
+                      Publish("Extensions", &T::Extensions, ExtensionNames)};
+    Properties.insert(Properties.end(), Own.begin(), Own.end());
+    return Properties;
+}
+
+std::string TKvImportFromAccess::FillFileFilters()
+{
+    return "MS Access database (*.mdb)|*.MDB|" + TKvImportBaseComponent::FillFileFilters();
+}
+
+bool TKvImportFromAccess::NotDefined(std::string& PropName)
+{
+    if (TKvImportBaseComponent::NotDefined(PropName))
+        return true;
+    if (!SourceFileName.empty() && !TableName.empty())
+        return false;
+    PropName = SourceFileName.empty() ? "SourceFileName" : "TableName";
+    return true;
+}
+
+void TKvImportFromAccess::DetectAutoMapping()
+{
+    if (Extensions.Contains(xaOpensForMapping))
+        return MapByName();
+    // A table that a failed run has left open counts only when it is still the one to import.
+    if (!Session.Holds(TableName, SourceFileName))
+        throw Exception(SourceFileName + ": table " + TableName +
+                        " is not open yet, so that its fields are not known; mappings are needed");
+    for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
+        const auto& FieldName = GetDataSet()->Fields(I).FieldName();
+        for (const auto& Field : Session.Recordset()->Fields())
+            if (Field.Name == FieldName)
+                Mappings().Add(FieldName + "=" + FieldName);
+    }
+}
+
+/// The lines name fields as the table writes them: that is how a run finds them.
+void TKvImportFromAccess::MapByName()
+{
+    Session.Open(TableName, SourceFileName);
+    for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
+        const auto& FieldName = GetDataSet()->Fields(I).FieldName();
+        for (const auto& Field : Session.Recordset()->Fields())
+            if (SameText(Field.Name, FieldName))
+                Mappings().Add(FieldName + "=" + Field.Name);
+    }
+    Session.Close(true);
+    if (Mappings().IsEmpty())
+        throw Exception(SourceFileName + ": no field of table " + TableName + " has the name of a field of the destination");
+}
+
+void TKvImportFromAccess::BeforeImport()
+{
+    Columns.Clear();
+    Session.Open(TableName, SourceFileName);
+}
+
+void TKvImportFromAccess::AfterImport()
+{
+    Session.Close(true);
+}
+
+void TKvImportFromAccess::GoFirst()
+{
+    CurrentRow = 0;
+    Session.Recordset()->MoveFirst();
+}
+
+void TKvImportFromAccess::GoNext()
+{
+    ++CurrentRow;
+    Session.Recordset()->MoveNext();
+}
+
+bool TKvImportFromAccess::NeedMore()
+{
+    const auto* const Recordset = Session.Recordset();
+    return Recordset && !Recordset->Eof() && std::int64_t(RowLast) - RowFirst >= CurrentRow;
+}
+
+int TKvImportFromAccess::GetTotalCount()
+{
+    return Session.Recordset() ? Session.Recordset()->RecordCount() : TKvImportBaseComponent::GetTotalCount();
+}
+
+TVariant TKvImportFromAccess::GetFieldValue(const TVariant& Source)
+{
+    const int Field = Columns.Find(
+        Source, [this](const std::string& Each) { return FieldNamed(*Session.Recordset(), Each); });
+    return Field >= 0 ? Session.Value(Field, DataFormats.DecimalSeparator)
+                      : TKvImportBaseComponent::GetFieldValue(Source);
+}
+
+// Routines without a component.
+
+void GetAccessTables(TStrings& Items, const std::string& DatabaseName, const std::string& TableName)
+{
+    if (DatabaseName.empty())
+        throw Exception(FormatText(MsgNotSpecified, {"DatabaseName"}));
+    TKvAccessSession Session;
+    Session.Open(TableName, DatabaseName);
+    Items.BeginUpdate();
+    if (Session.Recordset())
+        for (const auto& Field : Session.Recordset()->Fields())
+            Items.Add(Field.Name);
+    else
+        for (const auto& Table : Session.Database().TableDefs())
+            Items.Add(Table.Name);
+    Items.EndUpdate();
+    Session.Close(true);
+}
+
+void LoadAccessPreview(TPersistent* Sender, const std::string& TableName, const std::string& FileName,
+                       std::string& FieldNames, bool Flag, TStrings* Columns, const TPreviewCallback& Callback)
+{
+    TKvAccessSession Session;
+    Session.Open(TableName, FileName);
+    FieldNames.clear();
+    if (!Session.Recordset())
+        return;
+    auto& Recordset = *Session.Recordset();
+    for (const auto& Field : Recordset.Fields()) {
+        if (!FieldNames.empty() && !FieldNames.ends_with(';'))
+            FieldNames += ';';
+        FieldNames += Field.Name;
+        if (Columns)
+            Columns->Add(Field.Name);
+    }
+    const auto Count = static_cast<int>(Recordset.Fields().size());
+    Recordset.MoveFirst();
+    for (int Row = 1; Row <= PreviewRows && !Recordset.Eof(); ++Row) {
+        auto Values = TVariant::Array(0, Count - 1);
+        for (int I = 0; I < Count; ++I)
+            Values[I] = Session.Value(I, FormatSettings().DecimalSeparator);
+        Callback(Sender, Count, Row, Flag, Values);
+        Recordset.MoveNext();
+    }
+    Session.Close(true);
+}
+
+} // namespace kv

@@ -1,0 +1,509 @@
+#include "Kvi2ole.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "KvException.h"
+#include "KvFormatSettings.h"
+#include "KvMemoryDataSet.h"
+
+namespace kv {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using TRows = std::vector<std::vector<TVariant>>;
+using TLines = std::vector<std::string>;
+
+struct TFakeTable
+{
+    std::vector<TAccessField> Fields;
+    TRows Rows;
+};
+
+/// What the engines of a test open, and what they were asked to do.
+struct TFakeDatabase
+{
+    std::map<std::string, TFakeTable> Tables;
+    TLines Log;
+    bool FailsAtSecondRow = false;
+};
+
+class TFakeRecordset final : public TAccessRecordset
+{
+public:
+    TFakeRecordset(TFakeDatabase& TheFake, const TFakeTable& TheTable) : Fake(TheFake), Table(TheTable) {}
+
+    const std::vector<TAccessField>& Fields() const override { return Table.Fields; }
+    TVariant Value(int Index) override
+    {
+        if (Fake.FailsAtSecondRow && Row == 1)
+            throw EDatabaseError("record 2 is damaged");
+        return TVariant(std::as_const(Table.Rows[Row][static_cast<std::size_t>(Index)]));
+    }
+    void MoveFirst() override
+    {
+        Fake.Log.push_back("MoveFirst");
+        Row = 0;
+    }
+    void MoveNext() override { ++Row; }
+    bool Eof() const override { return Row >= Table.Rows.size(); }
+    int RecordCount() override { return static_cast<int>(Table.Rows.size()); }
+    void Close() override { Fake.Log.push_back("Recordset.Close"); }
+
+private:
+    TFakeDatabase& Fake;
+    const TFakeTable& Table;
+    std::size_t Row = 0;
+};
+
+class TFakeOpenDatabase final : public TAccessDatabase
+{
+public:
+    explicit TFakeOpenDatabase(TFakeDatabase& TheFake) : Fake(TheFake)
+    {
+        for (const auto& [Name, Table] : Fake.Tables)
+            Defs.push_back({.Name = Name, .IsSystem = Name.starts_with("MSys")});
+    }
+
+    const std::vector<TAccessTable>& TableDefs() override { return Defs; }
+    std::unique_ptr<TAccessRecordset> OpenRecordset(const std::string& Name, int Type, int Options, int Locking) override
+    {
+        Fake.Log.push_back("OpenRecordset " + Name + " " + std::to_string(Type) + " " + std::to_string(Options) + " " +
+                           std::to_string(Locking));
+        if (!Fake.Tables.contains(Name))
+            throw EDatabaseError("shop.mdb: has no table " + Name);
+        return std::make_unique<TFakeRecordset>(Fake, Fake.Tables[Name]);
+    }
+    void Close() override { Fake.Log.push_back("Database.Close"); }
+
+private:
+    TFakeDatabase& Fake;
+    std::vector<TAccessTable> Defs;
+};
+
+class TFakeEngine final : public TAccessEngine
+{
+public:
+    TFakeEngine(TFakeDatabase& TheFake, std::string Class) : Fake(TheFake) { Fake.Log.push_back(Class); }
+
+    std::unique_ptr<TAccessDatabase> OpenDatabase(const std::string& FileName) override
+    {
+        Fake.Log.push_back("OpenDatabase " + FileName);
+        if (FileName != "shop.mdb")
+            throw EDatabaseError(FileName + ": is not an Access database");
+        return std::make_unique<TFakeOpenDatabase>(Fake);
+    }
+
+private:
+    TFakeDatabase& Fake;
+};
+
+template <class TAction> std::string MessageOf(TAction Action)
+{
+    try {
+        Action();
+    }
+    catch (const Exception& Error) {
+        return Error.Message;
+    }
+    return "";
+}
+
+/// The import with its protected parts in reach.
+class TImport : public TKvImportFromAccess
+{
+public:
+    using TKvImportFromAccess::AfterImport;
+    using TKvImportFromAccess::BeforeImport;
+    using TKvImportFromAccess::DetectAutoMapping;
+    using TKvImportFromAccess::GetTotalCount;
+    using TKvImportFromAccess::NeedMore;
+    using TKvImportFromAccess::NotDefined;
+    using TKvImportFromAccess::TableType;
+};
+
+/// A database "shop.mdb" with the table Orders of ten records (ID 1 to 10) behind both classes of engines, and
+/// an import of it into Id and City.
+class Kvi2ole : public testing::Test
+{
+protected:
+    Kvi2ole()
+    {
+        auto& Orders = Fake.Tables["Orders"];
+        Orders.Fields = {{.Name = "Id", .Type = afLong}, {.Name = "CITY", .Type = afText, .Size = 20}};
+        for (int Id = 1; Id <= 10; ++Id)
+            Orders.Rows.push_back({Id, "City " + std::to_string(Id)});
+        Fake.Tables["MSysObjects"] = {{{.Name = "Id"}}, {}};
+        for (const char* const Class : Classes)
+            Before.push_back(RegisterAccessEngine(
+                Class, [this, Class] { return std::make_unique<TFakeEngine>(Fake, Class); }));
+
+        To.SetFieldDefs({{.Name = "Id"}, {.Name = "City"}});
+        To.Open();
+        Import.SetDataSet(&To);
+        Import.AnimatedStatus = false;
+        Import.Options = {};
+        Import.SourceFileName = "shop.mdb";
+        Import.TableName = "Orders";
+        Import.SetMappings({"Id=Id", "City=CITY"});
+    }
+    ~Kvi2ole() override
+    {
+        for (std::size_t I = 0; I < Before.size(); ++I)
+            RegisterAccessEngine(Classes[I], Before[I]);
+    }
+
+    TLines Run()
+    {
+        Import.Execute();
+        EXPECT_EQ(Import.Statistic.Result, irExecuted) << Import.ErrorMessage();
+        return Imported();
+    }
+    TLines Imported()
+    {
+        TLines Lines;
+        for (To.First(); !To.Eof(); To.Next())
+            Lines.push_back(To.Fields(0).AsString() + "|" + To.Fields(1).AsString());
+        return Lines;
+    }
+    static TLines LinesOf(const TStrings& Strings) { return {Strings.begin(), Strings.end()}; }
+
+    static constexpr const char* Classes[] = {"DAO.DBEngine.36", "DAO.DBEngine.35"};
+    TFakeDatabase Fake;
+    std::vector<TAccessEngineMaker> Before;
+    TMemoryDataSet To;
+    TImport Import;
+};
+
+TEST_F(Kvi2ole, HasTheDefaultsOfItsKind)
+{
+    const TImport New;
+    EXPECT_EQ(New.TableType, teAccess);
+    EXPECT_EQ(New.SourceFileName, "KvImport.MDB");
+    EXPECT_EQ(New.TableName, "");
+    EXPECT_EQ(New.RowFirst, 1);
+    EXPECT_EQ(New.RowLast, RowLastMax);
+    EXPECT_EQ(New.Extensions, TKvIAccessExtensions());
+    EXPECT_EQ(TKvImportFromAccess::Extension(), ".MDB");
+    EXPECT_EQ(TKvImportFromAccess::FillFileFilters(), "MS Access database (*.mdb)|*.MDB|All files (*.*)|*.*");
+}
+
+TEST_F(Kvi2ole, PublishesWhatItAdds)
+{
+    SetPropValue(Import, "TableName", "Customers");
+    SetPropValue(Import, "SourceFileName", "a.mdb");
+    SetPropValue(Import, "RowFirst", 2);
+    SetPropValue(Import, "RowLast", 3);
+    EXPECT_EQ(Import.TableName, "Customers");
+    EXPECT_EQ(Import.SourceFileName, "a.mdb");
+    EXPECT_EQ(Import.RowFirst, 2);
+    EXPECT_EQ(Import.RowLast, 3);
+}
+
+TEST_F(Kvi2ole, ImportsEveryRecordOfTheTable)
+{
+    const auto Lines = Run();
+    ASSERT_EQ(Lines.size(), 10);
+    EXPECT_EQ(Lines.front(), "1|City 1");
+    EXPECT_EQ(Lines.back(), "10|City 10");
+    EXPECT_EQ(Import.Statistic.TotalCount, 10);
+    EXPECT_EQ(Import.Statistic.TotalImported, 10);
+    EXPECT_EQ(Import.Statistic.TotalAdded, 10);
+}
+
+TEST_F(Kvi2ole, OpensATableRecordsetAndClosesItAndTheDatabase)
+{
+    Run();
+    EXPECT_THAT(Fake.Log, ElementsAre("DAO.DBEngine.36", "OpenDatabase shop.mdb", "OpenRecordset Orders 1 0 2", "MoveFirst",
+                                      "Recordset.Close", "Database.Close"));
+}
+
+TEST_F(Kvi2ole, TheOlderEngineIsUsedWhereThereIsNoNewerOne)
+{
+    RegisterAccessEngine("DAO.DBEngine.36", nullptr);
+    EXPECT_EQ(Run().size(), 10);
+    EXPECT_EQ(Fake.Log[0], "DAO.DBEngine.35");
+}
+
+TEST_F(Kvi2ole, WithoutAnyEngineTheErrorOfTheOlderOneEndsTheRun)
+{
+    RegisterAccessEngine("DAO.DBEngine.36", []() -> std::unique_ptr<TAccessEngine> { throw EDatabaseError("no 36"); });
+    RegisterAccessEngine("DAO.DBEngine.35", []() -> std::unique_ptr<TAccessEngine> { throw EDatabaseError("no 35"); });
+    Import.Execute();
+    EXPECT_EQ(Import.Statistic.Result, irFailed);
+    EXPECT_EQ(Import.ErrorMessage(), "no 35");
+}
+
+TEST_F(Kvi2ole, RowFirstAndRowLastOnlySayHowManyRecordsToTake)
+{
+    Import.RowFirst = 3;
+    Import.RowLast = 5;
+    EXPECT_THAT(Run(), ElementsAre("1|City 1", "2|City 2", "3|City 3"));
+}
+
+TEST_F(Kvi2ole, ARangeThatEndsBeforeItBeginsTakesNothing)
+{
+    Import.RowFirst = 5;
+    Import.RowLast = 4;
+    EXPECT_THAT(Run(), IsEmpty());
+}
+
+TEST_F(Kvi2ole, TheWidestRangeDoesNotOverflow)
+{
+    Import.RowFirst = -1000;
+    EXPECT_EQ(Run().size(), 10);
+}
+
+TEST_F(Kvi2ole, ANameThatIsNoFieldImportsItself)
+{
+    Import.SetMappings({"Id=Id", "City=Rom"});
+    EXPECT_EQ(Run()[4], "5|Rom");
+}
+
+TEST_F(Kvi2ole, FieldsAreFoundByTheirExactNames)
+{
+    Import.SetMappings({"Id=ID", "City=CITY"});
+    EXPECT_EQ(Run()[0], "ID|City 1");
+}
+
+TEST_F(Kvi2ole, AnEmptyTableImportsNothing)
+{
+    Fake.Tables["Orders"].Rows.clear();
+    EXPECT_THAT(Run(), IsEmpty());
+    EXPECT_EQ(Import.Statistic.TotalCount, 0);
+}
+
+TEST_F(Kvi2ole, ValuesKeepTheirKinds)
+{
+    To.Close();
+    To.SetFieldDefs({{.Name = "Id", .DataType = ftDateTime}, {.Name = "City", .DataType = ftCurrency}});
+    To.Open();
+    Fake.Tables["Orders"].Rows = {{TDateTime{-1.25}, TCurrency{12345}}, {Null, TCurrency{}}};
+    Import.Execute();
+    To.First();
+    EXPECT_EQ(To.Fields(0).Value().DateTime().Days, -1.25);
+    EXPECT_EQ(To.Fields(1).Value().Currency().Scaled, 12345);
+    To.Next();
+    EXPECT_TRUE(To.Fields(0).IsNull());
+    EXPECT_EQ(To.Fields(1).Value().Currency().Scaled, 0);
+}
+
+TEST_F(Kvi2ole, AnExactNumberAsTextHasTheDecimalSeparatorOfTheDataFormats)
+{
+    Fake.Tables["Orders"].Fields[1].Type = afDecimal;
+    Fake.Tables["Orders"].Rows = {{1, "0.123456"}};
+    Import.DataFormats.DecimalSeparator = ',';
+    Import.DataFormats.ThousandSeparator = '.';
+    EXPECT_THAT(Run(), ElementsAre("1|0,123456"));
+    Import.DataFormats.DecimalSeparator = '.';
+    EXPECT_EQ(Run().back(), "1|0.123456");
+}
+
+TEST_F(Kvi2ole, TextWithAPointStaysAsItIs)
+{
+    Fake.Tables["Orders"].Rows = {{1, "St. Gallen"}};
+    Import.DataFormats.DecimalSeparator = ',';
+    EXPECT_THAT(Run(), ElementsAre("1|St. Gallen"));
+}
+
+TEST_F(Kvi2ole, ARunLooksUpEachColumnAnew)
+{
+    Run();
+    Fake.Tables["Orders"].Fields = {{.Name = "CITY"}, {.Name = "Id"}};
+    Import.SetMappings({"Id=Id"});
+    EXPECT_EQ(Run()[10], "City 1|");
+}
+
+TEST_F(Kvi2ole, MissingPropertiesAreNamed)
+{
+    Import.TableName = "";
+    EXPECT_EQ(MessageOf([this] { Import.Execute(); }), "Property TableName wasn't specified.");
+    Import.SourceFileName = "";
+    EXPECT_EQ(MessageOf([this] { Import.Execute(); }), "Property SourceFileName wasn't specified.");
+    Import.SetDataSet(nullptr);
+    EXPECT_EQ(MessageOf([this] { Import.Execute(); }), "Property DataSet wasn't specified.");
+}
+
+TEST_F(Kvi2ole, ErrorsOfTheDatabaseEndTheRun)
+{
+    Import.TableName = "Customers";
+    Import.Execute();
+    EXPECT_EQ(Import.Statistic.Result, irFailed);
+    EXPECT_EQ(Import.ErrorMessage(), "shop.mdb: has no table Customers");
+    Import.SourceFileName = "other.mdb";
+    Import.Execute();
+    EXPECT_EQ(Import.ErrorMessage(), "other.mdb: is not an Access database");
+}
+
+TEST_F(Kvi2ole, AValueThatCannotBeReadEndsTheRun)
+{
+    Fake.FailsAtSecondRow = true;
+    Import.Execute();
+    EXPECT_EQ(Import.Statistic.Result, irFailed);
+    EXPECT_EQ(Import.ErrorMessage(), "record 2 is damaged");
+    EXPECT_THAT(Imported(), ElementsAre("1|City 1"));
+}
+
+TEST_F(Kvi2ole, WhatAFailedRunLeftOpenIsClosedBeforeTheNext)
+{
+    Fake.FailsAtSecondRow = true;
+    Import.Execute();
+    Fake.FailsAtSecondRow = false;
+    Fake.Log.clear();
+    Run();
+    EXPECT_EQ(Fake.Log[0], "Recordset.Close");
+    EXPECT_EQ(Fake.Log[1], "Database.Close");
+}
+
+TEST_F(Kvi2ole, NothingIsThereBeforeTheTableIsOpen)
+{
+    EXPECT_FALSE(Import.NeedMore());
+    EXPECT_EQ(Import.GetTotalCount(), 0);
+}
+
+TEST_F(Kvi2ole, WithoutMappingsARunFailsBeforeItsFirstRecord)
+{
+    Import.Mappings().Clear();
+    Import.Execute();
+    EXPECT_EQ(Import.Statistic.Result, irFailed);
+    EXPECT_EQ(Import.ErrorMessage(),
+              "shop.mdb: table Orders is not open yet, so that its fields are not known; mappings are needed");
+    EXPECT_THAT(Imported(), IsEmpty());
+    EXPECT_THAT(Fake.Log, IsEmpty());
+}
+
+TEST_F(Kvi2ole, AnOpenTableIsMappedByExactNames)
+{
+    Import.Mappings().Clear();
+    Import.BeforeImport();
+    Import.DetectAutoMapping();
+    EXPECT_THAT(LinesOf(Import.Mappings()), ElementsAre("Id=Id")) << "City is not CITY";
+    Import.TableName = "Other";
+    EXPECT_EQ(MessageOf([this] { Import.DetectAutoMapping(); }),
+              "shop.mdb: table Other is not open yet, so that its fields are not known; mappings are needed");
+}
+
+TEST_F(Kvi2ole, WithTheExtensionARunWithoutMappingsOpensTheTable)
+{
+    Import.Mappings().Clear();
+    Import.Extensions = {xaOpensForMapping};
+    EXPECT_EQ(Run()[2], "3|City 3");
+    EXPECT_TRUE(Import.Mappings().IsEmpty());
+}
+
+TEST_F(Kvi2ole, WithTheExtensionATableWithoutFieldsOfTheSameNameIsAnError)
+{
+    Import.Mappings().Clear();
+    Import.Extensions = {xaOpensForMapping};
+    Fake.Tables["Orders"].Fields = {{.Name = "A"}, {.Name = "B"}};
+    Import.Execute();
+    EXPECT_EQ(Import.Statistic.Result, irFailed);
+    EXPECT_EQ(Import.ErrorMessage(), "shop.mdb: no field of table Orders has the name of a field of the destination");
+    EXPECT_THAT(Imported(), IsEmpty());
+}
+
+TEST_F(Kvi2ole, ListsEveryTable)
+{
+    TStrings Items;
+    GetAccessTables(Items, "shop.mdb", "");
+    EXPECT_THAT(LinesOf(Items), ElementsAre("MSysObjects", "Orders"));
+    EXPECT_THAT(Fake.Log, ElementsAre("DAO.DBEngine.36", "OpenDatabase shop.mdb", "Database.Close"));
+}
+
+TEST_F(Kvi2ole, ListsTheFieldsOfATable)
+{
+    TStrings Items;
+    GetAccessTables(Items, "shop.mdb", "Orders");
+    EXPECT_THAT(LinesOf(Items), ElementsAre("Id", "CITY"));
+}
+
+TEST_F(Kvi2ole, AListNeedsADatabase)
+{
+    TStrings Items;
+    EXPECT_EQ(MessageOf([&] { GetAccessTables(Items, "", "Orders"); }), "Property DatabaseName wasn't specified.");
+}
+
+/// What a preview offers, a line a row.
+struct TPreview
+{
+    TLines Rows;
+    TStrings Columns;
+    std::string FieldNames = "before";
+
+    void Load(const std::string& TableName)
+    {
+        LoadAccessPreview(nullptr, TableName, "shop.mdb", FieldNames, true, &Columns,
+                          [this](TPersistent* Sender, int ColCount, int Row, bool Flag, const TVariant& Values) {
+                              EXPECT_EQ(Sender, nullptr);
+                              EXPECT_TRUE(Flag);
+                              EXPECT_EQ(Values.LowBound(), 0);
+                              EXPECT_EQ(Values.HighBound(), ColCount - 1);
+                              auto Line = std::to_string(Row);
+                              for (int I = 0; I < ColCount; ++I)
+                                  Line += "|" + Values[I].ToText();
+                              Rows.push_back(Line);
+                          });
+    }
+};
+
+TEST_F(Kvi2ole, APreviewShowsFieldsAndRecords)
+{
+    TPreview Preview;
+    Preview.Load("Orders");
+    EXPECT_EQ(Preview.FieldNames, "Id;CITY");
+    EXPECT_THAT(LinesOf(Preview.Columns), ElementsAre("Id", "CITY"));
+    ASSERT_EQ(Preview.Rows.size(), 10);
+    EXPECT_EQ(Preview.Rows.front(), "1|1|City 1");
+    EXPECT_EQ(Preview.Rows.back(), "10|10|City 10");
+    EXPECT_THAT(Fake.Log, ElementsAre("DAO.DBEngine.36", "OpenDatabase shop.mdb", "OpenRecordset Orders 1 0 2", "MoveFirst",
+                                      "Recordset.Close", "Database.Close"));
+}
+
+TEST_F(Kvi2ole, APreviewStopsAfterTwentyRecords)
+{
+    for (int Id = 11; Id <= 30; ++Id)
+        Fake.Tables["Orders"].Rows.push_back({Id, Null});
+    TPreview Preview;
+    Preview.Load("Orders");
+    ASSERT_EQ(Preview.Rows.size(), 20);
+    EXPECT_EQ(Preview.Rows.back(), "20|20|");
+}
+
+TEST_F(Kvi2ole, APreviewWithoutATableShowsNothing)
+{
+    TPreview Preview;
+    Preview.Load("");
+    EXPECT_THAT(Preview.Rows, IsEmpty());
+    EXPECT_EQ(Preview.FieldNames, "");
+    EXPECT_EQ(Fake.Log.back(), "Database.Close");
+}
+
+TEST_F(Kvi2ole, AFieldNameThatEndsInASemicolonGetsNoSecondOne)
+{
+    Fake.Tables["Orders"].Fields[0].Name = "Id;";
+    TPreview Preview;
+    Preview.Load("Orders");
+    EXPECT_EQ(Preview.FieldNames, "Id;CITY");
+}
+
+TEST_F(Kvi2ole, APreviewClosesAfterAnError)
+{
+    Fake.FailsAtSecondRow = true;
+    TPreview Preview;
+    EXPECT_EQ(MessageOf([&] { Preview.Load("Orders"); }), "record 2 is damaged");
+    EXPECT_THAT(Preview.Rows, ElementsAre("1|1|City 1"));
+    EXPECT_EQ(Fake.Log[Fake.Log.size() - 2], "Recordset.Close");
+    EXPECT_EQ(Fake.Log.back(), "Database.Close");
+}
+
+} // namespace
+
+} // namespace kv
