@@ -158,7 +158,7 @@ void TKvxlsPlain::ReadCell(const TKvRecord& Cell)
 {
     switch (Cell.Id) {
     case rcBlank2:   Raise(NextPlace(Cell), Null); break;
-    case rcInteger2: Raise(NextPlace(Cell), Cell.At<std::uint16_t>(7)); break;
+    case rcInteger2: RaiseInteger(NextPlace(Cell), Cell.At<std::uint16_t>(7), IsDate(Cell)); break;
     case rcNumber2:  RaiseNumber(NextPlace(Cell), Cell.At<double>(7), IsDate(Cell)); break;
     case rcLabel2:   RaiseText(NextPlace(Cell), Cell.Text(8, Cell.At<std::uint8_t>(7))); break;
     case rcLabel:    RaiseText(NextPlace(Cell), Cell.Text(8, Cell.At<std::uint16_t>(6))); break;

@@ -24,6 +24,14 @@ TKvxlsStream::TKvxlsStream(TMSExcel& TheFile, TKvxlsFormats& TheFormats, std::st
 {
 }
 
+void TKvxlsStream::RaiseInteger(const TPlace& Place, std::uint16_t Number, bool IsDate)
+{
+    if (IsDate && Extends(seCustomDates))
+        RaiseNumber(Place, Number, IsDate);
+    else
+        Raise(Place, Number);
+}
+
 void TKvxlsStream::RaiseBoolErr(const TPlace& Place, std::uint8_t Value, bool IsError)
 {
     if (IsError)

@@ -94,6 +94,8 @@ protected:
         Place.Alignment = IsDate ? taLeftJustify : taRightJustify;
         RaiseNumber(Place, Number, IsDate);
     }
+    /// An integer, which is never a date by the older reading.
+    void RaiseInteger(const TPlace& Place, std::uint16_t Number, bool IsDate);
     void RaiseBoolErr(const TPlace& Place, std::uint8_t Value, bool IsError);
     /// A double and then XF records decide; the XF stands at 4.
     void RaiseNumberRecord(const TKvRecord& Cell, double Number)

@@ -250,9 +250,10 @@ void TKvxlsWorkbook::ReadOldCell(const TKvRecord& Cell)
     if (Cell.Id == rcBlank2)
         return Raise(Place, Null);
     Place.Column &= 0xFF;
+    const bool IsDate = Formats.IsDate(Cell.At<std::uint16_t>(4));
     switch (Cell.Id) {
-    case rcInteger2: Raise(Place, Cell.At<std::uint16_t>(7)); break;
-    case rcNumber2:  RaiseNumber(Place, Cell.At<double>(7), Formats.IsDate(Cell.At<std::uint16_t>(4))); break;
+    case rcInteger2: RaiseInteger(Place, Cell.At<std::uint16_t>(7), IsDate); break;
+    case rcNumber2:  RaiseNumber(Place, Cell.At<double>(7), IsDate); break;
     default:         RaiseText(Place, Cell.Text(8, Cell.At<std::uint8_t>(7)));
     }
 }

@@ -109,6 +109,14 @@ TEST(KvxlsExtensions, DatePatternsOfSixteenBitsAreUnderstood)
                 ElementsAre(SheetLine, "cell 0: 0 0 date 1 left"));
 }
 
+TEST(KvxlsExtensions, IntegersMayBeDates)
+{
+    const auto Globals = TBiffBuilder().Xf(0).Xf(14);
+    const auto Sheet = TBiffBuilder().Integer2(0, 0, std::string("\1\0\0", 3), 9);
+    EXPECT_THAT(Read(Globals, Sheet, {seCustomDates}), ElementsAre(SheetLine, "cell 0: 0 0 date 9 left"));
+    EXPECT_THAT(Read(Globals, Sheet, {}), ElementsAre(SheetLine, "cell 0: 0 0 integer 9 left"));
+}
+
 TEST(KvxlsExtensions, TheDateModeShiftsDatesOnly)
 {
     const auto Globals = TBiffBuilder().DateMode(1).Xf(0).Xf(14);

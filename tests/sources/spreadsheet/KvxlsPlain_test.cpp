@@ -283,6 +283,13 @@ TEST(KvxlsPlain, FormatsOfCellsOfExcel2MakeDatesUnderTheExtension)
                             "dimensions -1: 0 1 0 3"));
 }
 
+TEST(KvxlsPlain, IntegersAreDatesUnderTheExtensionOnly)
+{
+    const auto Stream = Declared(bv4).Integer2(0, 0, "\x0E\0\0"sv, 9);
+    EXPECT_THAT(Read(Stream), ElementsAre(DeclaredLine, "cell -1: 0 0 integer 9 left"));
+    EXPECT_THAT(Read(Stream, {seCustomDates}), ElementsAre(DeclaredLine, "cell -1: 0 0 date 9 left"));
+}
+
 TEST(KvxlsPlain, XfsOfExcel2MakeDatesUnderTheExtension)
 {
     auto Stream = File(bv2);
