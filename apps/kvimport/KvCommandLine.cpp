@@ -16,6 +16,7 @@
 #include "KvImportCommand.h"
 #include "KvOptionText.h"
 #include "KvPreviewCommand.h"
+#include "KvSheetsCommand.h"
 #include "KvTerminalText.h"
 
 #ifndef KV_VERSION
@@ -77,6 +78,7 @@ int RunCommandLine(int ArgumentCount, const char* const* Arguments)
     auto Status = esDone;
     AddImportCommand(Program, Status);
     AddPreviewCommand(Program, Status);
+    AddSheetsCommand(Program, Status);
     AddFormatsCommand(Program, Status);
     try {
         CheckCommand(Program, ArgumentCount, Arguments);

@@ -26,6 +26,13 @@ struct TSourceRows
     bool HasMore = false;                           ///< There are rows after these.
 };
 
+/// A sheet of a workbook.
+struct TSourceSheet
+{
+    std::string Name;                               ///< UTF-8.
+    int Rows = 0, Columns = 0;                      ///< As far as a run would read.
+};
+
 class TSource
 {
 public:
@@ -47,6 +54,8 @@ public:
     virtual std::vector<std::string> Findings() const { return {}; }
     /// What the last run met that the user should know, such as lines with too many values.
     virtual std::vector<std::string> Warnings() const { return {}; }
+    /// All sheets of a workbook, in order; none for anything else.
+    virtual std::vector<TSourceSheet> Sheets() const { return {}; }
 };
 
 } // namespace kv

@@ -10,6 +10,7 @@
 #include "KvFile.h"
 #include "KvOptionText.h"
 #include "KvSpooledFile.h"
+#include "KvSpreadSheetSource.h"
 #include "KvText.h"
 #include "KvTextSource.h"
 
@@ -83,6 +84,12 @@ std::span<const TSourceKind> SourceKinds()
     static const TSourceKind Kinds[] = {
         {"text", "Text, delimited or of fixed width", {".csv", ".txt", ".tab", ".tsv", ".dat", ".prn", ".asc"},
          TextOptionGroup, nullptr, &MakeTextSource},
+        {"xls", "Excel workbooks, Excel 2 to 2003", {".xls", ".xlt", ".xlw"},
+         SheetOptionGroup, &BeginsLikeXls, &MakeXlsSource},
+        {"wks", "Worksheets of Lotus 1-2-3 and Symphony", {".wks", ".wk1", ".wk2", ".wr1", ".wrk"},
+         SheetOptionGroup, &BeginsLikeWks, &MakeWksSource},
+        {"quattro", "Worksheets of Quattro Pro for DOS", {".wq1"},
+         SheetOptionGroup, &BeginsLikeQuattro, &MakeQuattroSource},
     };
     return Kinds;
 }

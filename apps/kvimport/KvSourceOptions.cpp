@@ -45,6 +45,7 @@ void AddSourceOptions(CLI::App& Command, TSourceOptions& Options)
 {
     AddSharedOptions(Command, Options);
     AddGroup(Command, TextOptionGroup, Options, [&] { AddTextOptions(Command, Options.Text); });
+    AddGroup(Command, SheetOptionGroup, Options, [&] { AddSheetOptions(Command, Options.Sheet); });
 }
 
 } // namespace kv

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "KvSheetOptions.h"
 #include "KvTextOptions.h"
 
 namespace CLI {
@@ -31,6 +32,7 @@ struct TSourceOptions
     std::optional<int> RowFirst;                    ///< Not given: after the header, when there is one.
     std::optional<int> RowLast;
     TTextOptions Text;
+    TSheetOptions Sheet;
     std::vector<TGivenOption> Given;                ///< Of the groups of the kinds.
 };
 

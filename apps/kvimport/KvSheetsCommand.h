@@ -1,0 +1,15 @@
+// KvSheetsCommand - `kvimport sheets`: what sheets a workbook has.
+#pragma once
+
+#include "KvExitStatus.h"
+
+namespace CLI {
+class App;
+}
+
+namespace kv {
+
+/// Adds the sub-command; `Status` gets its exit status when it was called for.
+void AddSheetsCommand(CLI::App& Program, TExitStatus& Status);
+
+} // namespace kv
