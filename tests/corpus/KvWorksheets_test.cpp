@@ -47,8 +47,8 @@ constexpr std::string_view RuleTexts[RuleCount] = {
     "classic: a cell outside the extent, which ends before its last row and column"};
 using TRuleCounts = std::map<TRule, int>;
 
-constexpr TSpreadSheetExtensions AllExtensions = {seFormulaResults, seCustomDates,  seDateMode,      seCellExtent,
-                                                  seWideRows,       seFileCodePage, seSignedIntegers};
+constexpr TSpreadSheetExtensions AllExtensions = {
+    seFormulaResults, seCustomDates, seDateMode, seCellExtent, seWideRows, seFileCodePage, seSignedIntegers};
 
 /// The files that a reader is not for.
 bool IsOfAnotherKind(const fs::path& File)
@@ -161,7 +161,8 @@ private:
             return Ours.IsString() && Ours.Text().empty() && Explained(ruEmptyLabel);
         const auto& Theirs = Found->second;
         if (Theirs.Type == 's')
-            return Ours.IsString() && (Ours.Text() == Theirs.Text || AgreesBadText(Ref, Ours.Text(), Theirs.Text));
+            return Ours.IsString() &&
+                   (Ours.Text() == Theirs.Text || AgreesBadText(Ref, Ours.Text(), Theirs.Text));
         if (!Theirs.Number)
             return (Ours == TVariant("NA") || Ours == TVariant("ERR")) && Explained(ruErrorValue);
         if (KnowsFormats && (Ours.Kind() == vkDateTime) != !Theirs.NumberFormat.empty())
@@ -174,7 +175,8 @@ private:
         if (!KnowsFormats)
             return false;
         if (!IsQuattro(File))
-            return Ours.substr(std::min<std::size_t>(1, Ours.size())) == Theirs && Explained(ruToolDropsCharacter);
+            return Ours.substr(std::min<std::size_t>(1, Ours.size())) == Theirs &&
+                   Explained(ruToolDropsCharacter);
         return IsTextOfFormula(Ref) && Explained(ruToolMisreadsText);
     }
 
@@ -277,7 +279,8 @@ TEST(KvWorksheets, FilesOfAnotherKindAreRefusedByName)
             if (!IsOfAnotherKind(File))
                 continue;
             const auto Sheet = ReadWorksheet(File, AllExtensions);
-            EXPECT_EQ(Sheet.Error, IsQuattro(File) ? "File is not a QuattroPro file" : "File is not a Lotus 1-2-3 file")
+            EXPECT_EQ(Sheet.Error,
+                      IsQuattro(File) ? "File is not a QuattroPro file" : "File is not a Lotus 1-2-3 file")
                 << File;
             EXPECT_TRUE(Sheet.Cells.empty());
         }
@@ -287,7 +290,8 @@ TEST(KvWorksheets, FilesOfAnotherKindAreRefusedByName)
 TEST(KvWorksheets, ATruncatedFileGivesTheCellsBeforeTheCut)
 {
     const std::pair<std::string, std::string> Rows[] = {
-        {"lotus/own-writer__truncated.wk1", "File is truncated: record 0x000E at offset 681 needs 13 bytes, 6 are left"},
+        {"lotus/own-writer__truncated.wk1",
+         "File is truncated: record 0x000E at offset 681 needs 13 bytes, 6 are left"},
         {"quattro/own-writer__truncated.wq1",
          "File is truncated: it ends within the header of the record at offset 696"}};
     for (const auto& [Name, Message] : Rows) {

@@ -73,7 +73,8 @@ std::string TCompoundBuilder::Build()
     Put<std::uint16_t>(Header, 0x1C, 0xFFFE);
     Put<std::uint16_t>(Header, 0x1E, IsSmall ? 9 : 12);
     Put<std::uint16_t>(Header, 0x20, 6);
-    Put(Header, 0x28, IsSmall ? 0u : static_cast<std::uint32_t>(CountOf(Entries.size() * EntrySize, SectorSize)));
+    Put(Header, 0x28,
+        IsSmall ? 0u : static_cast<std::uint32_t>(CountOf(Entries.size() * EntrySize, SectorSize)));
     Put(Header, 0x2C, static_cast<std::uint32_t>(TableSectors.size()));
     Put(Header, 0x30, FirstDirectorySector);
     Put(Header, 0x38, static_cast<std::uint32_t>(MiniLimit));
@@ -94,7 +95,7 @@ std::size_t TCompoundBuilder::OffsetOfLink(std::size_t Sector) const
 
 std::size_t TCompoundBuilder::OffsetOfEntry(std::size_t Index) const
 {
-    return OffsetOfSector(FirstDirectorySector) + Index * EntrySize; // the sectors of the directory follow each other
+    return OffsetOfSector(FirstDirectorySector) + Index * EntrySize; // its sectors follow each other
 }
 
 /// Appends bytes as a chain and gives its first sector.

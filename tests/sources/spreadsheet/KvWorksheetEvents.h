@@ -22,6 +22,12 @@ inline std::string WordsOf(const TVariant& Value)
     }
 }
 
+/// Nothing for the one sheet that there should be.
+inline std::string SheetWords(int Sheet)
+{
+    return Sheet == 0 ? "" : "sheet " + std::to_string(Sheet) + ' ';
+}
+
 /// The events of a worksheet, one a line, in their order. An error is the last line.
 template <class TReader>
 std::vector<std::string> EventsOf(const std::string& Bytes, TSpreadSheetExtensions Extensions = {})
@@ -34,16 +40,16 @@ std::vector<std::string> EventsOf(const std::string& Bytes, TSpreadSheetExtensio
     Reader.FileName = Folder.Write("sheet", Bytes);
     Reader.OnSheet = [&](auto&, const std::string& Caption, int, bool&) { Lines.push_back("sheet " + Caption); };
     Reader.OnColumnWidth = [&](auto&, int Sheet, int Column, int Width) {
-        Lines.push_back("sheet " + std::to_string(Sheet) + " column " + std::to_string(Column) + ": width " +
+        Lines.push_back(SheetWords(Sheet) + "column " + std::to_string(Column) + ": width " +
                         std::to_string(Width));
     };
     Reader.OnDimensions = [&](auto&, int Sheet, int FirstRow, int LastRow, int FirstColumn, int LastColumn) {
-        Lines.push_back("sheet " + std::to_string(Sheet) + " rows " + std::to_string(FirstRow) + " to " +
+        Lines.push_back(SheetWords(Sheet) + "rows " + std::to_string(FirstRow) + " to " +
                         std::to_string(LastRow) + ", columns " + std::to_string(FirstColumn) + " to " +
                         std::to_string(LastColumn));
     };
     Reader.OnCellValue = [&](auto&, int Sheet, int Row, int Column, const TVariant& Value, TAlignment Alignment) {
-        Lines.push_back("sheet " + std::to_string(Sheet) + " row " + std::to_string(Row) + " column " +
+        Lines.push_back(SheetWords(Sheet) + "row " + std::to_string(Row) + " column " +
                         std::to_string(Column) + ": " + WordsOf(Value) + std::string(Alignments[Alignment]));
     };
     try {

@@ -70,10 +70,10 @@ TYPED_TEST(KvWorksheets, ABeginRecordAloneIsAnEmptySheet)
 TYPED_TEST(KvWorksheets, RaisesTheCellsOfItsOneSheetInTheOrderOfTheFile)
 {
     const auto Sheet = this->Sheet().Number(2, 5, 1.5).Label(0, 7, "abc").Integer(1, 0, 300).Blank(3, 3).End();
-    EXPECT_THAT(this->Events(Sheet), ElementsAre("sheet 0 row 5 column 2: number 1.5 left",
-                                                 "sheet 0 row 7 column 0: text abc left",
-                                                 "sheet 0 row 0 column 1: integer 300 left",
-                                                 "sheet 0 row 3 column 3: null left"));
+    EXPECT_THAT(this->Events(Sheet), ElementsAre("row 5 column 2: number 1.5 left",
+                                                 "row 7 column 0: text abc left",
+                                                 "row 0 column 1: integer 300 left",
+                                                 "row 3 column 3: null left"));
 }
 
 TYPED_TEST(KvWorksheets, TheModelNamesTheSheetSheet1)
@@ -97,7 +97,7 @@ TYPED_TEST(KvWorksheets, AnotherLoadStartsAnew)
 TYPED_TEST(KvWorksheets, RangeRaisesTheLastNumbersAndNotCounts)
 {
     const auto Sheet = this->Sheet().Record(0x06, TBytes().U16(1).U16(2).U16(25).U16(8191));
-    EXPECT_THAT(this->Events(Sheet), ElementsAre("sheet 0 rows 2 to 8191, columns 1 to 25"));
+    EXPECT_THAT(this->Events(Sheet), ElementsAre("rows 2 to 8191, columns 1 to 25"));
     this->Load(Sheet);
     EXPECT_EQ(this->Cells().LastRow, 8191);
     EXPECT_EQ(this->Cells().LastColumn, 25);
@@ -112,23 +112,24 @@ TYPED_TEST(KvWorksheets, WithoutARangeTheLastRowIs0)
 
 TYPED_TEST(KvWorksheets, ARangeMayBeLongerThanNeeded)
 {
-    const auto Sheet = this->Sheet().Record(0x06, TBytes().U16(0).U16(0).U16(2).U16(3).Zeros(8)); // longer than needed
-    EXPECT_THAT(this->Events(Sheet), ElementsAre("sheet 0 rows 0 to 3, columns 0 to 2"));
+    const auto Sheet =
+        this->Sheet().Record(0x06, TBytes().U16(0).U16(0).U16(2).U16(3).Zeros(8)); // longer than needed
+    EXPECT_THAT(this->Events(Sheet), ElementsAre("rows 0 to 3, columns 0 to 2"));
 }
 
 TYPED_TEST(KvWorksheets, ANegativeIntegerArrivesUnsigned)
 {
     EXPECT_THAT(this->Events(this->Sheet().Integer(0, 0, -1).Integer(0, 1, -2).Integer(0, 2, 32767)),
-                ElementsAre("sheet 0 row 0 column 0: integer 65535 left", "sheet 0 row 1 column 0: integer 65534 left",
-                            "sheet 0 row 2 column 0: integer 32767 left"));
+                ElementsAre("row 0 column 0: integer 65535 left", "row 1 column 0: integer 65534 left",
+                            "row 2 column 0: integer 32767 left"));
 }
 
 TYPED_TEST(KvWorksheets, WithTheExtensionIntegersAreSigned)
 {
     EXPECT_THAT(this->Events(this->Sheet().Integer(0, 0, -1).Integer(0, 1, -32768).Integer(0, 2, 32767),
                              {seSignedIntegers}),
-                ElementsAre("sheet 0 row 0 column 0: integer -1 left", "sheet 0 row 1 column 0: integer -32768 left",
-                            "sheet 0 row 2 column 0: integer 32767 left"));
+                ElementsAre("row 0 column 0: integer -1 left", "row 1 column 0: integer -32768 left",
+                            "row 2 column 0: integer 32767 left"));
 }
 
 TYPED_TEST(KvWorksheets, AlignmentIsLookedForInByte6OfAnyCell)
@@ -141,20 +142,20 @@ TYPED_TEST(KvWorksheets, AlignmentIsLookedForInByte6OfAnyCell)
                                  .Number(0, 3, std::bit_cast<double>(0x3FF0'0000'0000'5E00))
                                  .Number(0, 4, std::bit_cast<double>(0x3FF0'0000'0000'2200))
                                  .Number(0, 5, std::bit_cast<double>(0x3FF0'0000'0000'005E))),
-                ElementsAre("sheet 0 row 0 column 0: integer 24064 right", "sheet 0 row 1 column 0: integer 8704 center",
-                            "sheet 0 row 2 column 0: integer 9984 left", HasSubstr(" right"), HasSubstr(" center"),
+                ElementsAre("row 0 column 0: integer 24064 right", "row 1 column 0: integer 8704 center",
+                            "row 2 column 0: integer 9984 left", HasSubstr(" right"), HasSubstr(" center"),
                             HasSubstr(" left")));
     EXPECT_THAT(this->Events(this->Sheet().Record(0x0C, TBytes().Zeros(6).U8('^'))),
-                ElementsAre("sheet 0 row 0 column 0: null right"));
+                ElementsAre("row 0 column 0: null right"));
 }
 
 TYPED_TEST(KvWorksheets, ColumnWidthsAreRaisedForEachColumn)
 {
     constexpr auto Id = TypeParam::ColumnWidths;
     EXPECT_THAT(this->Events(this->Sheet().Record(Id, TBytes().U8(2).U8(4).U16(10 * 256 + 255))),
-                ElementsAre("sheet 0 column 2: width 10", "sheet 0 column 3: width 10", "sheet 0 column 4: width 10"));
+                ElementsAre("column 2: width 10", "column 3: width 10", "column 4: width 10"));
     EXPECT_THAT(this->Events(this->Sheet().Record(Id, TBytes().U8(255).U8(255).U16(256))),
-                ElementsAre("sheet 0 column 255: width 1"));
+                ElementsAre("column 255: width 1"));
     EXPECT_THAT(this->Events(this->Sheet().Record(Id, TBytes().U8(4).U8(2).U16(256))), IsEmpty());
 }
 
@@ -171,7 +172,7 @@ TYPED_TEST(KvWorksheets, OtherRecordsArePassedOver)
         if (Id != 0x06 && Id != TypeParam::ColumnWidths && (Id < 0x0C || Id > 0x0F))
             Sheet.Record(Id, "x");
     EXPECT_THAT(this->Events(Sheet.Record(0x5405, "\x01H").Record(0xFFFF, "").Integer(0, 0, 7)),
-                ElementsAre("sheet 0 row 0 column 0: integer 7 left"));
+                ElementsAre("row 0 column 0: integer 7 left"));
 }
 
 TYPED_TEST(KvWorksheets, ARecordOfLengthZeroIsOnlyAHeader)
@@ -180,19 +181,23 @@ TYPED_TEST(KvWorksheets, ARecordOfLengthZeroIsOnlyAHeader)
     for (const int Id : {0x00, 0x06, 0x0C, 0x0D, 0x0E, 0x0F, 0x10, 0x33})
         Sheet.Record(static_cast<std::uint16_t>(Id), "");
     EXPECT_THAT(this->Events(Sheet.Integer(0, 0, 7), {seFormulaResults}),
-                ElementsAre("sheet 0 row 0 column 0: integer 7 left"));
+                ElementsAre("row 0 column 0: integer 7 left"));
 }
 
 TYPED_TEST(KvWorksheets, OnlyAssignedEventsAreRaised)
 {
-    this->Reader.FileName = this->Folder.Write(
-        "sheet", this->Sheet().Range(1, 1).Record(TypeParam::ColumnWidths, TBytes().Zeros(4)).Record(0x0D, "x").Build());
+    this->Reader.FileName =
+        this->Folder.Write("sheet", this->Sheet()
+                                        .Range(1, 1)
+                                        .Record(TypeParam::ColumnWidths, TBytes().Zeros(4))
+                                        .Record(0x0D, "x")
+                                        .Build());
     EXPECT_NO_THROW(this->Reader.ImportFromStream()); // not even the cell that is too short is looked at
 }
 
 TYPED_TEST(KvWorksheets, ALabelOfTheLeastLengthIsEmpty)
 {
-    EXPECT_THAT(this->Events(this->Sheet().Label(0, 0, "")), ElementsAre("sheet 0 row 0 column 0: text  left"));
+    EXPECT_THAT(this->Events(this->Sheet().Label(0, 0, "")), ElementsAre("row 0 column 0: text  left"));
 }
 
 TYPED_TEST(KvWorksheets, ALabelMayBeAsLongAsARecord)
@@ -225,8 +230,9 @@ TYPED_TEST(KvWorksheets, AWrongVersionEndsTheLoadAndKeepsTheCellsBeforeIt)
     const std::string Message = TypeParam::Format == wfLotus ? "File is not a Lotus 1-2-3 file"
                                                              : "File is not a QuattroPro file";
     for (const unsigned Version : {0x0000, 0x0002, 0x0403, 0x0407, 0x1000, 0x1002, 0x5121, 0x2051})
-        EXPECT_THAT(this->Events(this->Sheet().Integer(0, 0, 7).Record(0x00, TBytes().U16(Version)).Integer(0, 1, 8)),
-                    ElementsAre("sheet 0 row 0 column 0: integer 7 left", Message));
+        EXPECT_THAT(
+            this->Events(this->Sheet().Integer(0, 0, 7).Record(0x00, TBytes().U16(Version)).Integer(0, 1, 8)),
+            ElementsAre("row 0 column 0: integer 7 left", Message));
 }
 
 TYPED_TEST(KvWorksheets, ARecordTooShortForWhatItHoldsIsRefused)
@@ -249,7 +255,7 @@ TYPED_TEST(KvWorksheets, ARecordTooShortForWhatItHoldsIsRefused)
     for (const auto& Row : Rows) {
         const auto Sheet = this->Sheet().Integer(0, 0, 7).Record(Row.Id, std::string(Row.Size, '\0'));
         EXPECT_THAT(this->Events(Sheet, {seFormulaResults}),
-                    ElementsAre("sheet 0 row 0 column 0: integer 7 left", HasSubstr(Row.Message)));
+                    ElementsAre("row 0 column 0: integer 7 left", HasSubstr(Row.Message)));
     }
 }
 
@@ -257,10 +263,10 @@ TYPED_TEST(KvWorksheets, ACutFileGivesTheCellsBeforeTheCut)
 {
     const auto Whole = this->Sheet().Integer(0, 0, 7).Number(0, 1, 1.5).Build(); // 6, 11 and 17 bytes
     EXPECT_THAT(EventsOf<typename TypeParam::TReader>(Whole.substr(0, 33)),
-                ElementsAre("sheet 0 row 0 column 0: integer 7 left",
+                ElementsAre("row 0 column 0: integer 7 left",
                             "File is truncated: record 0x000E at offset 17 needs 13 bytes, 12 are left"));
     EXPECT_THAT(EventsOf<typename TypeParam::TReader>(Whole.substr(0, 20)),
-                ElementsAre("sheet 0 row 0 column 0: integer 7 left",
+                ElementsAre("row 0 column 0: integer 7 left",
                             "File is truncated: it ends within the header of the record at offset 17"));
     EXPECT_THAT(EventsOf<typename TypeParam::TReader>(Whole.substr(0, 5)),
                 ElementsAre("File is truncated: record 0x0000 at offset 0 needs 2 bytes, 1 are left"));
@@ -268,20 +274,20 @@ TYPED_TEST(KvWorksheets, ACutFileGivesTheCellsBeforeTheCut)
 
 TYPED_TEST(KvWorksheets, AFileNeedsNoEndRecord)
 {
-    EXPECT_THAT(this->Events(this->Sheet().Integer(0, 0, 7)), ElementsAre("sheet 0 row 0 column 0: integer 7 left"));
+    EXPECT_THAT(this->Events(this->Sheet().Integer(0, 0, 7)), ElementsAre("row 0 column 0: integer 7 left"));
 }
 
 TYPED_TEST(KvWorksheets, RecordsBehindTheEndAreRead)
 {
     EXPECT_THAT(this->Events(this->Sheet().End().Integer(0, 0, 7)),
-                ElementsAre("sheet 0 row 0 column 0: integer 7 left"));
+                ElementsAre("row 0 column 0: integer 7 left"));
 }
 
 TYPED_TEST(KvWorksheets, WhatFillsABlockBehindTheEndIsNoCutRecord)
 {
     for (const auto& Padding : {std::string(109, '\x1A'), std::string(126, '\0'), std::string(3, '\0'), "\x0E"s})
         EXPECT_THAT(this->Events(this->Sheet().Integer(0, 0, 7).End().Bytes(Padding)),
-                    ElementsAre("sheet 0 row 0 column 0: integer 7 left"));
+                    ElementsAre("row 0 column 0: integer 7 left"));
 }
 
 TYPED_TEST(KvWorksheets, AFileThatCannotBeReadIsRefused)
@@ -323,25 +329,30 @@ TYPED_TEST(KvWorksheets, NumbersThatStandForAnErrorAreNumbers)
 
 TYPED_TEST(KvWorksheets, WithTheExtensionErrorsArriveAsSuch)
 {
-    EXPECT_THAT(this->Events(this->Sheet().Number(0, 0, Infinity).Formula(0, 1, -Infinity).Number(0, 2, NotANumber),
-                             {seFormulaResults}),
-                ElementsAre("sheet 0 row 0 column 0: text NA left", "sheet 0 row 1 column 0: text ERR left",
-                            "sheet 0 row 2 column 0: text ERR left"));
+    EXPECT_THAT(
+        this->Events(this->Sheet().Number(0, 0, Infinity).Formula(0, 1, -Infinity).Number(0, 2, NotANumber),
+                     {seFormulaResults}),
+        ElementsAre("row 0 column 0: text NA left", "row 1 column 0: text ERR left",
+                    "row 2 column 0: text ERR left"));
 }
 
 TYPED_TEST(KvWorksheets, CellsThatShowADateAreNumbers)
 {
     EXPECT_THAT(this->Events(this->Sheet().Format(0x72).Number(0, 0, 35262.5).Integer(0, 1, 35262)),
-                ElementsAre("sheet 0 row 0 column 0: number 35262.5 left", "sheet 0 row 1 column 0: integer 35262 left"));
+                ElementsAre("row 0 column 0: number 35262.5 left", "row 1 column 0: integer 35262 left"));
 }
 
 TYPED_TEST(KvWorksheets, WithTheExtensionCellsThatShowADateAreDates)
 {
-    const auto Sheet =
-        this->Sheet().Format(0x72).Number(0, 0, 35262.5).Integer(0, 1, 35262).Formula(0, 2, 0.25).Label(0, 3, "x");
+    const auto Sheet = this->Sheet()
+                           .Format(0x72)
+                           .Number(0, 0, 35262.5)
+                           .Integer(0, 1, 35262)
+                           .Formula(0, 2, 0.25)
+                           .Label(0, 3, "x");
     EXPECT_THAT(this->Events(Sheet, {seCustomDates, seFormulaResults}),
-                ElementsAre("sheet 0 row 0 column 0: date 35262.5 left", "sheet 0 row 1 column 0: date 35262 left",
-                            "sheet 0 row 2 column 0: date 0.25 left", "sheet 0 row 3 column 0: text x left"));
+                ElementsAre("row 0 column 0: date 35262.5 left", "row 1 column 0: date 35262 left",
+                            "row 2 column 0: date 0.25 left", "row 3 column 0: text x left"));
 }
 
 TYPED_TEST(KvWorksheets, NineFormatsShowADate)
@@ -349,8 +360,10 @@ TYPED_TEST(KvWorksheets, NineFormatsShowADate)
     // Kind 7, with and without protection: 2 to 4 and 7 to 12 are dates and times.
     for (unsigned Format = 0; Format < 0x100; ++Format) {
         const unsigned Variety = Format & 0x0F;
-        const bool IsDate = (Format & 0x70) == 0x70 && Variety >= 2 && Variety <= 12 && Variety != 5 && Variety != 6;
-        EXPECT_THAT(this->Events(this->Sheet().Format(static_cast<std::uint8_t>(Format)).Number(0, 0, 1), {seCustomDates}),
+        const bool IsDate =
+            (Format & 0x70) == 0x70 && Variety >= 2 && Variety <= 12 && Variety != 5 && Variety != 6;
+        EXPECT_THAT(this->Events(this->Sheet().Format(static_cast<std::uint8_t>(Format)).Number(0, 0, 1),
+                                 {seCustomDates}),
                     ElementsAre(HasSubstr(IsDate ? "date 1" : "number 1")))
             << Format;
     }
@@ -359,17 +372,18 @@ TYPED_TEST(KvWorksheets, NineFormatsShowADate)
 TYPED_TEST(KvWorksheets, TheExtentIsThatOfTheRange)
 {
     EXPECT_THAT(this->Events(this->Sheet().Range(1, 1).Integer(4, 9, 7)),
-                ElementsAre("sheet 0 rows 0 to 1, columns 0 to 1", "sheet 0 row 9 column 4: integer 7 left"));
+                ElementsAre("rows 0 to 1, columns 0 to 1", "row 9 column 4: integer 7 left"));
 }
 
 TYPED_TEST(KvWorksheets, WithTheExtensionTheExtentIsThatOfTheCells)
 {
-    EXPECT_THAT(this->Events(this->Sheet().Range(1, 1).Integer(4, 3, 7).Integer(2, 9, 8).Blank(99, 99), {seCellExtent}),
-                ElementsAre("sheet 0 rows 0 to 1, columns 0 to 1", "sheet 0 row 3 column 4: integer 7 left",
-                            "sheet 0 row 9 column 2: integer 8 left", "sheet 0 row 99 column 99: null left",
-                            "sheet 0 rows 0 to 10, columns 0 to 5"));
+    EXPECT_THAT(this->Events(this->Sheet().Range(1, 1).Integer(4, 3, 7).Integer(2, 9, 8).Blank(99, 99),
+                             {seCellExtent}),
+                ElementsAre("rows 0 to 1, columns 0 to 1", "row 3 column 4: integer 7 left",
+                            "row 9 column 2: integer 8 left", "row 99 column 99: null left",
+                            "rows 0 to 10, columns 0 to 5"));
     EXPECT_THAT(this->Events(this->Sheet().Range(1, 1), {seCellExtent}),
-                ElementsAre("sheet 0 rows 0 to 1, columns 0 to 1"));
+                ElementsAre("rows 0 to 1, columns 0 to 1"));
 }
 
 TYPED_TEST(KvWorksheets, WithTheExtensionTheLastRowIsCounted)

@@ -38,23 +38,27 @@ TEST(Kvwks, VersionsAreNumberedFromUnknownOn)
 
 TEST(Kvwks, ColumnAndRowHave16Bits)
 {
-    EXPECT_THAT(EventsOf<TLotus123>(TWorksheetBuilder(wfLotus).Integer(0x0102, 0x0304, 7).Integer(65535, 65535, 8).Build()),
-                ElementsAre("sheet 0 row 772 column 258: integer 7 left", "sheet 0 row 65535 column 65535: integer 8 left"));
+    EXPECT_THAT(EventsOf<TLotus123>(
+                    TWorksheetBuilder(wfLotus).Integer(0x0102, 0x0304, 7).Integer(65535, 65535, 8).Build()),
+                ElementsAre("row 772 column 258: integer 7 left", "row 65535 column 65535: integer 8 left"));
 }
 
 TEST(Kvwks, AColumnBeyondTheSlotsIsCountedByTheModel)
 {
     const TTempFolder Folder;
     TLotus123 Reader;
-    Reader.LoadFromFile(Folder.Write("sheet", TWorksheetBuilder(wfLotus).Integer(256, 0, 7).Integer(255, 0, 8).Build()));
+    Reader.LoadFromFile(
+        Folder.Write("sheet", TWorksheetBuilder(wfLotus).Integer(256, 0, 7).Integer(255, 0, 8).Build()));
     EXPECT_EQ(Reader.Sheets[0].Cells.CellsBeyond(), 1u);
     EXPECT_EQ(Reader.Sheets[0].Cells.GetValue(255, 0), TVariant(8));
 }
 
 TEST(Kvwks, TheRangeHas16BitColumns)
 {
-    EXPECT_THAT(EventsOf<TLotus123>(TWorksheetBuilder(wfLotus).Record(0x06, TBytes().U16(258).U16(1).U16(515).U16(2)).Build()),
-                ElementsAre("sheet 0 rows 1 to 2, columns 258 to 515"));
+    EXPECT_THAT(
+        EventsOf<TLotus123>(
+            TWorksheetBuilder(wfLotus).Record(0x06, TBytes().U16(258).U16(1).U16(515).U16(2)).Build()),
+        ElementsAre("rows 1 to 2, columns 258 to 515"));
     EXPECT_THAT(EventsOf<TLotus123>(TWorksheetBuilder(wfLotus).Record(0x06, "\0\0\0\0\0\0\0"s).Build()),
                 ElementsAre("Record 0x0006 at offset 6 is too short: 7 bytes, 8 are needed"));
 }
@@ -67,29 +71,30 @@ TEST(Kvwks, ALabelIsAlignedByTheFirstCharacterOfItsText)
                                         .Label(0, 2, "^abc")
                                         .Label(0, 3, "\"abc")
                                         .Build()),
-                ElementsAre("sheet 0 row 0 column 0: text abc left", "sheet 0 row 1 column 0: text abc left",
-                            "sheet 0 row 2 column 0: text ^abc right", "sheet 0 row 3 column 0: text \"abc center"));
+                ElementsAre("row 0 column 0: text abc left", "row 1 column 0: text abc left",
+                            "row 2 column 0: text ^abc right", "row 3 column 0: text \"abc center"));
 }
 
 TEST(Kvwks, ALabelHasTheTextBetweenPrefixAndLastByte)
 {
     const auto Cell = TBytes().U8(0xF1).U16(0).U16(0).U8('\'').Str();
     EXPECT_THAT(EventsOf<TLotus123>(TWorksheetBuilder(wfLotus).Record(0x0F, Cell + "abcX").Build()),
-                ElementsAre("sheet 0 row 0 column 0: text abc left")); // whatever that byte is
+                ElementsAre("row 0 column 0: text abc left")); // whatever that byte is
     EXPECT_THAT(EventsOf<TLotus123>(TWorksheetBuilder(wfLotus).Record(0x0F, Cell + "a\0b\0"s).Build()),
-                ElementsAre("sheet 0 row 0 column 0: text a\0b left"s));
+                ElementsAre("row 0 column 0: text a\0b left"s));
 }
 
 TEST(Kvwks, TheTextOfAFormulaEndsAtAZero)
 {
     const auto Cell = TBytes().U8(0xF1).U16(1).U16(2).Str();
     const auto Text = [&](const std::string& Rest) {
-        return EventsOf<TLotus123>(TWorksheetBuilder(wfLotus).Record(0x33, Cell + Rest).Build(), {seFormulaResults});
+        return EventsOf<TLotus123>(TWorksheetBuilder(wfLotus).Record(0x33, Cell + Rest).Build(),
+                                   {seFormulaResults});
     };
-    EXPECT_THAT(Text("abc\0"s), ElementsAre("sheet 0 row 2 column 1: text abc left"));
-    EXPECT_THAT(Text("abc\0xy"s), ElementsAre("sheet 0 row 2 column 1: text abc left"));
-    EXPECT_THAT(Text("abc"), ElementsAre("sheet 0 row 2 column 1: text abc left"));
-    EXPECT_THAT(Text(""), ElementsAre("sheet 0 row 2 column 1: text  left"));
+    EXPECT_THAT(Text("abc\0"s), ElementsAre("row 2 column 1: text abc left"));
+    EXPECT_THAT(Text("abc\0xy"s), ElementsAre("row 2 column 1: text abc left"));
+    EXPECT_THAT(Text("abc"), ElementsAre("row 2 column 1: text abc left"));
+    EXPECT_THAT(Text(""), ElementsAre("row 2 column 1: text  left"));
 }
 
 } // namespace kv
