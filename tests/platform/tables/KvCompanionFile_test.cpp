@@ -1,0 +1,61 @@
+#include "KvCompanionFile.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "KvTempFolder.h"
+
+namespace kv {
+
+TEST(KvCompanionFile, HasTheNameOfTheTableInTheCaseOfItsExtension)
+{
+    const TTempFolder Folder;
+    EXPECT_EQ(CompanionFileName(Folder / "Orders.db", ".MB"), Folder / "Orders.mb");
+    EXPECT_EQ(CompanionFileName(Folder / "Orders.DB", ".mb"), Folder / "Orders.MB");
+}
+
+TEST(KvCompanionFile, OneInTheCaseOfTheTableIsPreferred)
+{
+    const TTempFolder Folder;
+    Folder.Write("orders.MB", "");
+    const auto Lower = Folder.Write("orders.mb", "");
+    EXPECT_EQ(CompanionFileName(Folder / "orders.db", ".MB"), Lower);
+}
+
+TEST(KvCompanionFile, OneInAnotherCaseIsFound)
+{
+    const TTempFolder Folder;
+    const auto Upper = Folder.Write("ORDERS.MB", "");
+    Folder.Write("orders.mbx", "");
+    EXPECT_EQ(CompanionFileName(Folder / "orders.db", ".MB"), Upper);
+}
+
+TEST(KvCompanionFile, OfSeveralInOtherCasesTheFirstByNameIsTaken)
+{
+    const TTempFolder Folder;
+    Folder.Write("ordersMB", "");
+    Folder.Write("Orders.Mb", "");
+    const auto First = Folder.Write("ORDERS.mB", "");
+    EXPECT_EQ(CompanionFileName(Folder / "orders.db", ".MB"), First);
+}
+
+TEST(KvCompanionFile, OneThatIsNotThereKeepsItsExpectedName)
+{
+    EXPECT_EQ(CompanionFileName("no such folder/orders.db", ".MB"), "no such folder/orders.mb");
+    EXPECT_EQ(CompanionFileName("no-such-table", ".MB"), "no-such-table.MB");
+}
+
+TEST(KvCompanionFile, ATableWithoutAFolderIsLookedForInTheCurrentOne)
+{
+    const TTempFolder Folder;
+    Folder.Write("ORDERS.MB", "");
+    const auto Before = std::filesystem::current_path();
+    std::filesystem::current_path(Folder.Path);
+    const auto Name = CompanionFileName("orders.db", ".MB");
+    std::filesystem::current_path(Before);
+    EXPECT_EQ(Name, "ORDERS.MB");
+}
+
+} // namespace kv
