@@ -177,9 +177,9 @@ TColumnMap MapAsGiven(const std::vector<std::string>& Lines, const std::vector<T
         if (const auto Reason = Obstacle(Field); !Reason.empty())
             throw Exception("'" + Line + "': " + Reason);
         const auto Column = std::ranges::find_if(
-            Columns, [&Source](const TSourceColumn& Each) { return Each.Source == Source; });
+            Columns, [Named = FromDisplay(Source)](const TSourceColumn& Each) { return Each.Source == Named; });
         const bool Known = Column != Columns.end();
-        Used.push_back(Source);
+        Used.push_back(FromDisplay(Source));
         Builder.Join(Known ? *Column : TSourceColumn{.Source = FromDisplay(Source), .Name = {}}, Field,
                      Known || IsRange(Source) ? std::string() : RemarkOnStranger(Source, Columns));
     }

@@ -16,7 +16,10 @@
 #include "KvImportCommand.h"
 #include "KvOptionText.h"
 #include "KvPreviewCommand.h"
+#include "KvRunCommand.h"
+#include "KvSaveCommand.h"
 #include "KvSheetsCommand.h"
+#include "KvShowCommand.h"
 #include "KvTerminalText.h"
 
 #ifndef KV_VERSION
@@ -80,6 +83,9 @@ int RunCommandLine(int ArgumentCount, const char* const* Arguments)
     AddPreviewCommand(Program, Status);
     AddSheetsCommand(Program, Status);
     AddFormatsCommand(Program, Status);
+    AddSaveCommand(Program, Status);
+    AddShowCommand(Program, Status);
+    AddRunCommand(Program, Status);
     try {
         CheckCommand(Program, ArgumentCount, Arguments);
         Program.parse(ArgumentCount, Arguments);

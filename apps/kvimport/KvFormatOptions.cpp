@@ -19,13 +19,16 @@ void AddSeparator(CLI::App& Command, const std::string& Name, const std::string&
     AddChecked(Command, Name, "CHAR", Help, [&Target](const std::string& Text) { Target = ReadCharacter(Text); });
 }
 
-std::string ShortDateFormat(const TFormatOptions& Options)
+std::string ShortDateFormat(const TKvIDataFormats& Formats)
 {
-    const std::string Separator(1, Options.DateSeparator);
-    switch (Options.DateOrder) {
+    const std::string Separator(1, Formats.DateSeparator);
+    switch (Formats.DateOrder) {
     case doMDY: return "MM" + Separator + "dd" + Separator + "yyyy";
     case doDMY: return "dd" + Separator + "MM" + Separator + "yyyy";
-    default:    return "yyyy" + Separator + "MM" + Separator + "dd";
+    case doYMD: return "yyyy" + Separator + "MM" + Separator + "dd";
+    default:
+        throw EUsageError("dates in the order " + NameOfDateOrder(Formats.DateOrder) +
+                          " cannot be read; say --date-order ymd, mdy or dmy");
     }
 }
 
@@ -54,6 +57,10 @@ void AddFormatOptions(CLI::App& Command, TFormatOptions& Options)
     AddSeparator(Command, "--decimal-separator", "Before the fraction of a number (default: .)", Options.DecimalSeparator);
     AddSeparator(Command, "--thousand-separator", "Removed from numbers wherever it stands (default: comma; a point when the decimal separator is a comma), or none",
                  Options.ThousandSeparator);
+}
+
+void AddTruthOptions(CLI::App& Command, TFormatOptions& Options)
+{
     Command.add_option("--boolean-true", Options.BooleanTrue, "Text of a true value, to the letter (default: True)")
         ->type_name("TEXT");
     Command.add_option("--boolean-false", Options.BooleanFalse, "Text of a false value (default: False)")->type_name("TEXT");
@@ -70,35 +77,57 @@ void AddCodePageOptions(CLI::App& Command, TFormatOptions& Options)
         ->type_name("NAME");
 }
 
-char ThousandSeparator(const TFormatOptions& Options)
+std::string NameOfDateOrder(TKvIDateOrder Order)
 {
-    return Options.ThousandSeparator.value_or(Options.DecimalSeparator == ',' ? '.' : ',');
+    static constexpr const char* Names[] = {"mdy", "dmy", "ymd", "ydm", "dym", "myd"}; // by ordinal
+    return Names[Order];
 }
 
-void UseFormats(const TFormatOptions& Options)
+void TakeFormats(const TKvIDataFormats& From, TFormatOptions& Options)
 {
-    if (Options.DecimalSeparator == ThousandSeparator(Options))
-        throw EUsageError("--decimal-separator and --thousand-separator are the same; one of them must be another");
-    UseCodePage("--code-page", Options.CodePage, &SetAnsiCodePage);
-    UseCodePage("--oem-code-page", Options.OemCodePage, &SetOemCodePage);
-    UseCodePage("--legacy-code-page", Options.LegacyCodePage, &SetLegacyCodePage);
-    auto& Settings = FormatSettings();
-    Settings.ShortDateFormat = ShortDateFormat(Options);
-    Settings.DateSeparator = Options.DateSeparator;
-    Settings.TimeSeparator = Options.TimeSeparator;
-    Settings.DecimalSeparator = Options.DecimalSeparator;
-    Settings.ThousandSeparator = ThousandSeparator(Options);
+    const auto Take = [](auto& Option, auto Value) {
+        if (!Option)
+            Option = Value;
+    };
+    Take(Options.DateOrder, From.DateOrder);
+    Take(Options.DateSeparator, From.DateSeparator);
+    Take(Options.TimeSeparator, From.TimeSeparator);
+    Take(Options.DecimalSeparator, From.DecimalSeparator);
+    Take(Options.ThousandSeparator, From.ThousandSeparator);
 }
 
 void SetFormats(const TFormatOptions& Options, TKvIDataFormats& Formats)
 {
-    Formats.DateOrder = Options.DateOrder;
-    Formats.DateSeparator = Options.DateSeparator;
-    Formats.TimeSeparator = Options.TimeSeparator;
-    Formats.DecimalSeparator = Options.DecimalSeparator;
-    Formats.ThousandSeparator = ThousandSeparator(Options);
-    Formats.BooleanTrue = Options.BooleanTrue;
-    Formats.BooleanFalse = Options.BooleanFalse;
+    Formats.DateOrder = Options.DateOrder.value_or(doYMD);
+    Formats.DateSeparator = Options.DateSeparator.value_or('-');
+    Formats.TimeSeparator = Options.TimeSeparator.value_or(':');
+    Formats.DecimalSeparator = Options.DecimalSeparator.value_or('.');
+    Formats.ThousandSeparator = Options.ThousandSeparator.value_or(Formats.DecimalSeparator == ',' ? '.' : ',');
+    Formats.FourDigitYear = Formats.LeadingZerosInDate = true; // as ShortDateFormat has it
+    Formats.BooleanTrue = Options.BooleanTrue.value_or("True");
+    Formats.BooleanFalse = Options.BooleanFalse.value_or("False");
+}
+
+void UseCodePages(const TFormatOptions& Options)
+{
+    UseCodePage("--code-page", Options.CodePage, &SetAnsiCodePage);
+    UseCodePage("--oem-code-page", Options.OemCodePage, &SetOemCodePage);
+    UseCodePage("--legacy-code-page", Options.LegacyCodePage, &SetLegacyCodePage);
+}
+
+void UseFormats(const TFormatOptions& Options)
+{
+    TKvIDataFormats Formats;
+    SetFormats(Options, Formats);
+    if (Formats.DecimalSeparator == Formats.ThousandSeparator)
+        throw EUsageError("--decimal-separator and --thousand-separator are the same; one of them must be another");
+    UseCodePages(Options);
+    auto& Settings = FormatSettings();
+    Settings.ShortDateFormat = ShortDateFormat(Formats);
+    Settings.DateSeparator = Formats.DateSeparator;
+    Settings.TimeSeparator = Formats.TimeSeparator;
+    Settings.DecimalSeparator = Formats.DecimalSeparator;
+    Settings.ThousandSeparator = Formats.ThousandSeparator;
 }
 
 } // namespace kv

@@ -47,10 +47,10 @@ public:
     {
     }
 
-    TExitStatus Run()
+    TExitStatus Run(const std::function<void()>& Complete)
     {
         const auto Begin = std::chrono::steady_clock::now();
-        Import();
+        Import(Complete);
         Report.Seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Begin).count();
         Tell();
         return Report.Status;
@@ -59,9 +59,10 @@ public:
 private:
     bool TellsPeople() const { return !Options.Quiet && !Options.Json; }
 
-    void Import()
+    void Import(const std::function<void()>& Complete)
     {
         try {
+            Complete();
             UseFormats(Options.Formats);
             CheckImportOptions(Options);
             TImportRun Run(Options, Console, Report);
@@ -126,10 +127,13 @@ void AddImportCommand(CLI::App& Program, TExitStatus& Status)
     const auto Options = std::make_shared<TImportOptions>();
     auto* const Command = Program.add_subcommand("import", "Import a file into a table of a database");
     AddImportOptions(*Command, *Options);
-    Command->callback([Options, &Status] {
-        std::signal(SIGPIPE, SIG_IGN);              // a reader that goes away does not break the run off
-        Status = TImportCommand(*Options).Run();
-    });
+    Command->callback([Options, &Status] { Status = RunImport(*Options, [] {}); });
+}
+
+TExitStatus RunImport(TImportOptions& Options, const std::function<void()>& Complete)
+{
+    std::signal(SIGPIPE, SIG_IGN);                  // a reader that goes away does not break the run off
+    return TImportCommand(Options).Run(Complete);
 }
 
 } // namespace kv

@@ -33,45 +33,13 @@ constexpr char ExtraHelp[] =
     "\n"
     "Exit status: 0 done, 1 done but some records were not stored, 2 wrong usage, 3 failed, 130 cancelled.";
 
-void AddDestinationOptions(CLI::App& Command, TDestinationOptions& Options)
-{
-    Command.add_option("--to", Options.FileName, "SQLite database to import into")->required()->type_name("FILE");
-    Command.add_option("--table", Options.Table, "Table to import into")->type_name("NAME");
-    AddChecked(Command, "--batch", "N", "Keep every N records for good (default: one transaction for the run)",
-               [&Options](const std::string& Text) { Options.Batch = ReadCount(Text, 1); });
-    AddChecked(Command, "--busy-timeout", "MS", "Milliseconds to wait for other programs' locks (default: 5000)",
-               [&Options](const std::string& Text) { Options.BusyTimeout = ReadCount(Text, 0); });
-    AddChecked(Command, "--cache-size", "KIB", "Page cache of the database (default: 12288 with keys, else its own)",
-               [&Options](const std::string& Text) { Options.CacheSize = ReadCount(Text, 0); });
-}
-
 void AddMappingOptions(CLI::App& Command, TImportOptions& Options)
 {
-    AddChoice(Command, "--mode", "What a record does to the table: append (default), update, append-update, delete, or copy, "
-              "which empties the table first",
-              {{"append", [&Options] { Options.Mode = imAppend; }},
-               {"update", [&Options] { Options.Mode = imUpdate; }},
-               {"append-update", [&Options] { Options.Mode = imAppendUpdate; }},
-               {"delete", [&Options] { Options.Mode = imDelete; }},
-               {"copy", [&Options] { Options.Mode = imCopy; }}});
-    AddChecked(Command, "--keys", "LIST", "Fields that tell records apart, such as 'ID' or 'ID;CITY' (default: the primary key)",
-               [&Options](const std::string& Text) { Options.Keys = ReadNames(Text); });
+    AddModeOptions(Command, Options, [&Options](TImportMode Mode) { Options.Mode = Mode; });
     Command.add_option("--map", Options.Map, "A field and its column, such as CITY=Field3 (may be repeated; only these are used)")
         ->type_name("FIELD=COLUMN")
         ->allow_extra_args(false);
     Command.add_flag("--by-position", Options.ByPosition, "First column to first field, and so on, instead of by name");
-}
-
-void AddRunOptions(CLI::App& Command, TImportOptions& Options)
-{
-    Command.add_flag("--abort-on-error", Options.AbortOnError, "Fail at the first record that cannot be stored");
-    AddChecked(Command, "--max-errors", "N", "Errors of records to show (default: 20); all are counted",
-               [&Options](const std::string& Text) { Options.MaxErrors = ReadCount(Text, 0); });
-    Command.add_flag("-q,--quiet", Options.Quiet, "Print nothing but errors");
-    Command.add_flag("--json", Options.Json, "Print what was done as one JSON object");
-    Command.add_flag("--classic", Options.Source.Classic,
-                     "Read as the components do by themselves: doubled qualifiers stay doubled, lines have at most 9999 "
-                     "characters, a byte order mark is text, fixed values keep their blanks");
 }
 
 bool IsSameFile(const std::string& A, const std::string& B)
@@ -99,18 +67,62 @@ std::string NameOfMode(TImportMode Mode)
     return {};
 }
 
+void AddDestinationOptions(CLI::App& Command, TDestinationOptions& Options)
+{
+    Command.add_option("--to", Options.FileName, "SQLite database to import into")->required()->type_name("FILE");
+    Command.add_option("--table", Options.Table, "Table to import into")->type_name("NAME");
+    AddChecked(Command, "--batch", "N", "Keep every N records for good (default: one transaction for the run)",
+               [&Options](const std::string& Text) { Options.Batch = ReadCount(Text, 1); });
+    AddChecked(Command, "--busy-timeout", "MS", "Milliseconds to wait for other programs' locks (default: 5000)",
+               [&Options](const std::string& Text) { Options.BusyTimeout = ReadCount(Text, 0); });
+    AddChecked(Command, "--cache-size", "KIB", "Page cache of the database (default: 12288 with keys, else its own)",
+               [&Options](const std::string& Text) { Options.CacheSize = ReadCount(Text, 0); });
+}
+
+void AddModeOptions(CLI::App& Command, TImportOptions& Options, const std::function<void(TImportMode)>& SetMode)
+{
+    AddChoice(Command, "--mode", "What a record does to the table: append (default), update, append-update, delete, or copy, "
+              "which empties the table first",
+              {{"append", [SetMode] { SetMode(imAppend); }},
+               {"update", [SetMode] { SetMode(imUpdate); }},
+               {"append-update", [SetMode] { SetMode(imAppendUpdate); }},
+               {"delete", [SetMode] { SetMode(imDelete); }},
+               {"copy", [SetMode] { SetMode(imCopy); }}});
+    AddChecked(Command, "--keys", "LIST", "Fields that tell records apart, such as 'ID' or 'ID;CITY' (default: the primary key)",
+               [&Options](const std::string& Text) { Options.Keys = ReadNames(Text); });
+}
+
+void AddPlanOptions(CLI::App& Command, TImportOptions& Options)
+{
+    Command.option_defaults()->group("Records and columns");
+    AddMappingOptions(Command, Options);
+    AddSourceOptions(Command, Options.Source);
+    Command.add_flag("--classic", Options.Source.Classic,
+                     "Read as the components do by themselves: doubled qualifiers stay doubled, lines have at most 9999 "
+                     "characters, a byte order mark is text, fixed values keep their blanks")
+        ->group("What is read");
+    Command.option_defaults()->group("How values are written");
+    AddFormatOptions(Command, Options.Formats);
+    AddTruthOptions(Command, Options.Formats);
+    AddCodePageOptions(Command, Options.Formats);
+}
+
+void AddRunOptions(CLI::App& Command, TImportOptions& Options)
+{
+    Command.add_flag("--abort-on-error", Options.AbortOnError, "Fail at the first record that cannot be stored");
+    AddChecked(Command, "--max-errors", "N", "Errors of records to show (default: 20); all are counted",
+               [&Options](const std::string& Text) { Options.MaxErrors = ReadCount(Text, 0); });
+    Command.add_flag("-q,--quiet", Options.Quiet, "Print nothing but errors");
+    Command.add_flag("--json", Options.Json, "Print what was done as one JSON object");
+}
+
 void AddImportOptions(CLI::App& Command, TImportOptions& Options)
 {
     Command.footer(ExtraHelp);
     AddSourceFile(Command, Options.Source, "File to import; - is standard input");
     Command.option_defaults()->group("Destination");
     AddDestinationOptions(Command, Options.Destination);
-    Command.option_defaults()->group("Records and columns");
-    AddMappingOptions(Command, Options);
-    AddSourceOptions(Command, Options.Source);
-    Command.option_defaults()->group("How values are written");
-    AddFormatOptions(Command, Options.Formats);
-    AddCodePageOptions(Command, Options.Formats);
+    AddPlanOptions(Command, Options);
     Command.option_defaults()->group("The run");
     AddRunOptions(Command, Options);
 }

@@ -1,6 +1,7 @@
 // KvImportOptions - everything that `kvimport import` was told.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,14 @@ bool NeedsKeys(TImportMode Mode);
 std::string NameOfMode(TImportMode Mode);
 
 void AddImportOptions(CLI::App& Command, TImportOptions& Options);
+
+// Parts of them, for commands that have them too. `Options` must outlive the parsing.
+void AddDestinationOptions(CLI::App& Command, TDestinationOptions& Options); ///< --to, --table, --batch, ...
+/// --mode, whose value goes to `SetMode`, and --keys.
+void AddModeOptions(CLI::App& Command, TImportOptions& Options, const std::function<void(TImportMode)>& SetMode);
+/// Which records and columns are imported, how they are read and what becomes of them.
+void AddPlanOptions(CLI::App& Command, TImportOptions& Options);
+void AddRunOptions(CLI::App& Command, TImportOptions& Options); ///< --max-errors, --json, ...
 
 /// Settles what options say together. Raises EUsageError where they contradict each other.
 void CheckImportOptions(TImportOptions& Options);

@@ -39,13 +39,15 @@ void TImportRun::Prepare()
     LookForHeader();
     SetUp(Source->Component());
     SetKeys();
-    if (!Options.Formats.ThousandSeparator)         // what nobody has asked for must fit
-        CheckThousandSeparators(*Source, Report.Columns, Destination->Table(), ThousandSeparator(Options.Formats),
-                                Options.Formats.DecimalSeparator);
+    if (const auto& Formats = Source->Component().DataFormats; !Options.Formats.ThousandSeparator)
+        CheckThousandSeparators(*Source, Report.Columns, Destination->Table(), Formats.ThousandSeparator,
+                                Formats.DecimalSeparator); // what nobody has asked for must fit
 }
 
 TColumnMap TImportRun::MapColumns()
 {
+    if (Source->MapsItself())
+        return {};
     const auto Columns = Source->Columns();
     if (!Options.Map.empty())
         return MapAsGiven(Options.Map, Columns, Destination->Table());
@@ -76,7 +78,8 @@ void TImportRun::SetKeys()
     Report.Keys = Options.Keys.empty() ? Destination->PrimaryKey() : Options.Keys;
     if (Report.Keys.empty())
         throw Exception("--keys is missing: --mode " + NameOfMode(Options.Mode) + " finds records by keys, and the table has no primary key");
-    const auto List = KeyList(Report.Keys, Report.Columns, Destination->Table());
+    const auto List = Source->MapsItself() ? FromDisplay(JoinNames(Report.Keys, ";"))
+                                           : KeyList(Report.Keys, Report.Columns, Destination->Table());
     Source->Component().DatasetKeys = List;
     Report.Keys = ReadNames(ToDisplay(List));
 }

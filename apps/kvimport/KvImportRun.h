@@ -25,6 +25,8 @@ public:
 
     /// Opens source and destination and joins columns and fields. Raises Exception.
     void Prepare();
+    /// Ready for the import once it is prepared.
+    TKvImportBaseComponent& Component() { return Source->Component(); }
     /// Imports. Whatever goes wrong is in the report.
     void Execute();
 

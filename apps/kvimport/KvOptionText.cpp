@@ -50,6 +50,13 @@ char ReadEscape(std::string_view Text, std::size_t& Pos)
                       "or another backslash");
 }
 
+/// As ReadEscape takes it, where it cannot be seen.
+std::string Escaped(char Value)
+{
+    const bool IsPlain = Value > ' ' && Value < '\x7F' && Value != '\\';
+    return IsPlain ? std::string(1, Value) : "\\x" + TextToHex({&Value, 1});
+}
+
 /// Calls `Take` with each trimmed piece between "," or ";" that is not empty.
 template <class TTake> void ForEachPiece(std::string_view Text, TTake Take)
 {
@@ -138,7 +145,18 @@ std::string NameOfCharacter(char Value)
     for (const auto& Each : NamedCharacters)
         if (Each.Value == Value)
             return std::string(Each.Name);
-    return std::string("'") + Value + "'";
+    return "'" + Escaped(Value) + "'";
+}
+
+std::string NameOfRecordSeparator(std::string_view Value)
+{
+    for (const auto& Each : NamedSeparators)
+        if (Each.Value == Value)
+            return std::string(Each.Name);
+    std::string Result;
+    for (const char Char : Value)
+        Result += Escaped(Char);
+    return Result;
 }
 
 std::string JoinNames(const std::vector<std::string>& Names, std::string_view Between)

@@ -27,6 +27,9 @@ std::vector<std::string> ReadFixedColumns(std::string_view Text);
 /// A character in words: "tab", "comma", "'|'".
 std::string NameOfCharacter(char Value);
 
+/// What ReadRecordSeparator takes for it: "crlf", "\\x1E".
+std::string NameOfRecordSeparator(std::string_view Value);
+
 /// "A", "B" and "C" as "A, B, C".
 std::string JoinNames(const std::vector<std::string>& Names, std::string_view Between = ", ");
 

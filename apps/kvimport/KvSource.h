@@ -44,6 +44,8 @@ public:
     virtual std::string DisplayName() const = 0;
     /// What a row of the source is called where its number follows: "line".
     virtual std::string_view PlaceWord() const = 0;
+    /// True when the component finds out by itself, in each run, which column goes into which field.
+    virtual bool MapsItself() const { return false; }
     /// True when the source itself names its columns.
     virtual bool HasNames() const = 0;
     virtual std::vector<TSourceColumn> Columns() = 0;

@@ -9,6 +9,7 @@
 #include "KvExitStatus.h"
 #include "KvFile.h"
 #include "KvOptionText.h"
+#include "KvSpecificationSource.h"
 #include "KvSpooledFile.h"
 #include "KvSpreadSheetSource.h"
 #include "KvText.h"
@@ -96,6 +97,8 @@ std::span<const TSourceKind> SourceKinds()
 
 std::unique_ptr<TSource> MakeSource(const TSourceOptions& Options)
 {
+    if (!Options.Specification.empty())
+        return MakeSpecificationSource(Options);
     const auto& Kind = Options.Kind.empty() ? KindOfFile(Options.FileName) : KindNamed(Options.Kind);
     CheckOptions(Kind, Options.Given);
     return Kind.Make(Options);

@@ -11,11 +11,7 @@ namespace {
 void AddSharedOptions(CLI::App& Command, TSourceOptions& Options)
 {
     Command.option_defaults()->group("What is read");
-    AddChecked(Command, "--first-row", "N", "First line or row to import, from 1 (default: 2 when columns are found by name in a "
-               "header, else 1)",
-               [&Options](const std::string& Text) { Options.RowFirst = ReadCount(Text, 1); });
-    AddChecked(Command, "--last-row", "N", "Last line or row to import (default: the last)",
-               [&Options](const std::string& Text) { Options.RowLast = ReadCount(Text, 1); });
+    AddRowOptions(Command, Options);
     AddChoice(Command, "--charset", "ansi or msdos: text is in the ANSI code page (default) or in the OEM code page",
               {{"ansi", [&Options] { Options.MsDos = false; }}, {"msdos", [&Options] { Options.MsDos = true; }}});
 }
@@ -39,6 +35,15 @@ void AddSourceFile(CLI::App& Command, TSourceOptions& Options, const std::string
     Command.add_option("FILE", Options.FileName, FileHelp)->required()->type_name("");
     Command.add_option("--from", Options.Kind, "Kind of the source, as kvimport formats lists them (default: told by what the file holds and its name)")
         ->type_name("KIND");
+}
+
+void AddRowOptions(CLI::App& Command, TSourceOptions& Options)
+{
+    AddChecked(Command, "--first-row", "N", "First line or row to import, from 1 (default: 2 when columns are found by name in a "
+               "header, else 1)",
+               [&Options](const std::string& Text) { Options.RowFirst = ReadCount(Text, 1); });
+    AddChecked(Command, "--last-row", "N", "Last line or row to import (default: the last)",
+               [&Options](const std::string& Text) { Options.RowLast = ReadCount(Text, 1); });
 }
 
 void AddSourceOptions(CLI::App& Command, TSourceOptions& Options)

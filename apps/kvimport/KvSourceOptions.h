@@ -26,6 +26,7 @@ struct TSourceOptions
 {
     std::string FileName;                           ///< "-": standard input.
     std::string Kind;                               ///< Empty: told by the file's content and name.
+    std::string Specification;                      ///< File whose settings are used; none of its kind's options are.
     bool Classic = false;                           ///< Without the extensions of the components.
     bool FindNames = false;                         ///< The source shall name its columns, in a header if need be.
     bool MsDos = false;                             ///< Text is in the OEM code page.
@@ -38,6 +39,9 @@ struct TSourceOptions
 
 /// Adds FILE, described by `FileHelp`, and --from.
 void AddSourceFile(CLI::App& Command, TSourceOptions& Options, const std::string& FileHelp);
+
+/// Adds --first-row and --last-row. `Options` must outlive the parsing.
+void AddRowOptions(CLI::App& Command, TSourceOptions& Options);
 
 /// Adds --first-row, --last-row and --charset, which all kinds have, and the options of the kinds.
 /// `Options` must outlive the parsing.

@@ -42,7 +42,7 @@ public:
     TSourceRows FirstRows(int Count) override;
     std::string Explain(std::string Text) const override { return File.Explain(std::move(Text)); }
     std::vector<std::string> Findings() const override;
-    std::vector<std::string> Warnings() const override;
+    std::vector<std::string> Warnings() const override { return FieldCountWarnings(Import); }
 
 private:
     bool TrimsColumns() const { return Options.Text.Fixed && !Options.Classic; }
@@ -194,7 +194,14 @@ std::string LinesFrom(int Count, int First)
                       : GroupDigits(Count) + " lines, the first of them line " + std::to_string(First) + ", have";
 }
 
-std::vector<std::string> TTextSource::Warnings() const
+} // namespace
+
+std::unique_ptr<TSource> MakeTextSource(const TSourceOptions& Options)
+{
+    return std::make_unique<TTextSource>(Options);
+}
+
+std::vector<std::string> FieldCountWarnings(const TKvImportFromText& Import)
 {
     std::vector<std::string> Result;
     const auto& Counts = Import.FieldCounts();
@@ -207,13 +214,6 @@ std::vector<std::string> TTextSource::Warnings() const
         Result.push_back(LinesFrom(Counts.FewerLines, Counts.FirstFewer) +
                          " fewer values than line 1: the missing ones count as empty");
     return Result;
-}
-
-} // namespace
-
-std::unique_ptr<TSource> MakeTextSource(const TSourceOptions& Options)
-{
-    return std::make_unique<TTextSource>(Options);
 }
 
 } // namespace kv

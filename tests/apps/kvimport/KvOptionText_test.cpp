@@ -62,6 +62,16 @@ TEST(KvOptionText, NamesCharacters)
 {
     EXPECT_EQ(NameOfCharacter('\t'), "tab");
     EXPECT_EQ(NameOfCharacter('|'), "'|'");
+    EXPECT_EQ(NameOfCharacter('\x1E'), "'\\x1E'");
+    EXPECT_EQ(NameOfCharacter('\xB7'), "'\\xB7'");
+}
+
+TEST(KvOptionText, NamesRecordSeparatorsAsTheyAreRead)
+{
+    for (const std::string_view Separator : {"\r\n", "\r", "\n", "\x1E", "|", "\\ \xFF", "ab\n"})
+        EXPECT_EQ(ReadRecordSeparator(NameOfRecordSeparator(Separator)), Separator);
+    EXPECT_EQ(NameOfRecordSeparator("\r\n"), "crlf");
+    EXPECT_EQ(NameOfRecordSeparator("\x1E|"), "\\x1E|");
 }
 
 } // namespace

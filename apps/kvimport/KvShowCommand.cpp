@@ -1,0 +1,50 @@
+#include "KvShowCommand.h"
+
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "KvFormatOptions.h"
+#include "KvSpecification.h"
+#include "KvSpecificationReport.h"
+
+namespace kv {
+
+namespace {
+
+struct TShowOptions
+{
+    std::string FileName;
+    bool Json = false;
+    TFormatOptions Formats;                         ///< Only the code pages.
+};
+
+void Show(const TShowOptions& Options)
+{
+    UseCodePages(Options.Formats);
+    const TSpecification Specification(Options.FileName);
+    if (Options.Json)
+        PrintSpecificationJson(std::cout, Specification);
+    else
+        PrintSpecification(std::cout, Specification);
+    std::cout.flush();
+}
+
+} // namespace
+
+void AddShowCommand(CLI::App& Program, TExitStatus& Status)
+{
+    const auto Options = std::make_shared<TShowOptions>();
+    auto* const Command = Program.add_subcommand("show", "Show what a specification file says");
+    Command->add_option("FILE", Options->FileName, "Import specification, a .kvi file")->required()->type_name("");
+    Command->add_flag("--json", Options->Json, "Print it as one JSON object");
+    AddCodePageOptions(*Command, Options->Formats);
+    Command->callback([Options, &Status] {
+        Show(*Options);
+        Status = esDone;
+    });
+}
+
+} // namespace kv

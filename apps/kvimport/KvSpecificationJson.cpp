@@ -1,0 +1,99 @@
+// The specification for scripts. Names are as stable as options.
+#include "KvSpecificationReport.h"
+
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "KvDisplayText.h"
+#include "KvFormatOptions.h"
+#include "KvImportOptions.h"
+#include "KvSpecification.h"
+#include "KvText.h"
+#include "Kvibase.h"
+
+namespace kv {
+
+namespace {
+
+using TJson = nlohmann::ordered_json;
+
+TJson TextJson(const std::string& Text)
+{
+    return Text.empty() ? TJson() : TJson(ToDisplay(Text));
+}
+
+/// A character as it is; none for #0.
+std::string CharacterJson(char Value)
+{
+    return Value == '\0' ? std::string() : ToDisplay(std::string(1, Value));
+}
+
+TJson KeysJson(const std::vector<std::string>& Keys)
+{
+    auto List = TJson::array();
+    for (const auto& Key : Keys)
+        List.push_back(ToDisplay(Key));
+    return List;
+}
+
+TJson MappingsJson(const TStrings& Lines)
+{
+    auto List = TJson::array();
+    for (int I = 0; I < Lines.Count(); ++I)
+        List.push_back({{"field", ToDisplay(Trim(Lines.NameAt(I)))}, {"column", ToDisplay(Trim(Lines.ValueAt(I)))}});
+    return List;
+}
+
+TJson LayoutJson(const TSpecification& Specification)
+{
+    if (!Specification.HasLayout())
+        return {};
+    return {{"fixed", Specification.IsFixed()},
+            {"delimiter", CharacterJson(Specification.Text("FieldDelimiterCustom").front())},
+            {"qualifier", CharacterJson(Specification.Text("TextQualifierCustom").front())},
+            {"recordSeparator", ToDisplay(Specification.Text("RecordSeparatorCustom"))}};
+}
+
+TJson FormatsJson(const TKvIDataFormats& Formats)
+{
+    return {{"dateOrder", NameOfDateOrder(Formats.DateOrder)},
+            {"dateSeparator", CharacterJson(Formats.DateSeparator)},
+            {"timeSeparator", CharacterJson(Formats.TimeSeparator)},
+            {"decimalSeparator", CharacterJson(Formats.DecimalSeparator)},
+            {"thousandSeparator", CharacterJson(Formats.ThousandSeparator)},
+            {"fourDigitYear", Formats.FourDigitYear},
+            {"leadingZerosInDate", Formats.LeadingZerosInDate}};
+}
+
+TJson NumberJson(const std::string& Text)
+{
+    return Text.empty() ? TJson() : TJson(std::stoll(Text));
+}
+
+} // namespace
+
+void PrintSpecificationJson(std::ostream& Out, const TSpecification& Specification)
+{
+    const auto& Import = *Specification.Import;
+    const TJson Object = {{"file", Specification.FileName},
+                          {"name", TextJson(Specification.Name)},
+                          {"application", TextJson(Specification.Application)},
+                          {"kind", Specification.Kind},
+                          {"source", TextJson(Specification.Text("SourceFileName"))},
+                          {"sheet", NumberJson(Specification.Sheet())},
+                          {"table", TextJson(Specification.Table())},
+                          {"firstRow", NumberJson(Specification.Text("RowFirst"))},
+                          {"lastRow", NumberJson(Specification.Text("RowLast"))},
+                          {"charset", Import.CharacterSet == csiASCII_MSDOS ? "msdos" : "ansi"},
+                          {"layout", LayoutJson(Specification)},
+                          {"formats", FormatsJson(Import.DataFormats)},
+                          {"extensions", Specification.Extensions()},
+                          {"mode", NameOfMode(Import.Mode)},
+                          {"keys", KeysJson(Specification.Keys())},
+                          {"mappings", MappingsJson(Import.Mappings())}};
+    Out << Object.dump(-1, ' ', false, TJson::error_handler_t::replace) << '\n';
+}
+
+} // namespace kv

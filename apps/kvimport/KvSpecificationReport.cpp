@@ -1,0 +1,110 @@
+#include "KvSpecificationReport.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+#include "KvDisplayText.h"
+#include "KvFormatOptions.h"
+#include "KvImportOptions.h"
+#include "KvOptionText.h"
+#include "KvSpecification.h"
+#include "KvTerminalText.h"
+#include "KvText.h"
+#include "Kvibase.h"
+
+namespace kv {
+
+namespace {
+
+constexpr int TitleWidth = 12;
+
+/// The published character `Property` in words.
+std::string CharacterText(const TSpecification& Specification, std::string_view Property)
+{
+    const auto Text = Specification.Text(Property);
+    return Text.empty() ? Text : NameOfCharacter(Text.front());
+}
+
+std::string LayoutText(const TSpecification& Specification)
+{
+    const auto Ends = "records end in " + NameOfRecordSeparator(Specification.Text("RecordSeparatorCustom"));
+    if (Specification.IsFixed())
+        return "values at fixed positions, " + Ends;
+    return "delimiter " + CharacterText(Specification, "FieldDelimiterCustom") + ", qualifier " +
+           CharacterText(Specification, "TextQualifierCustom") + ", " + Ends;
+}
+
+std::string RowsText(const TSpecification& Specification)
+{
+    const auto First = Specification.Text("RowFirst"), Last = Specification.Text("RowLast");
+    return First.empty() ? First : First + " to " + (Last == std::to_string(RowLastMax) ? "the last" : Last);
+}
+
+std::string DestinationText(const TSpecification& Specification)
+{
+    const auto Keys = JoinNames(Specification.Keys());
+    return "mode " + NameOfMode(Specification.Import->Mode) + (Keys.empty() ? "" : ", keys " + Keys);
+}
+
+class TPrinter
+{
+public:
+    explicit TPrinter(std::ostream& Stream) : Out(Stream) {}
+
+    /// Nothing for an empty text.
+    void Line(const char* Title, const std::string& Text)
+    {
+        if (!Text.empty())
+            Out << "  " << PadToWidth(Title, TitleWidth) << VisibleText(ToDisplay(Text)) << '\n';
+    }
+
+private:
+    std::ostream& Out;
+};
+
+void PrintMappings(std::ostream& Out, const TStrings& Lines)
+{
+    if (Lines.IsEmpty()) {
+        TPrinter(Out).Line("mappings", "none: columns and fields are joined by the rules of the component");
+        return;
+    }
+    int Width = 0;
+    for (int I = 0; I < Lines.Count(); ++I)
+        Width = std::max(Width, DisplayWidth(VisibleText(ToDisplay(Trim(Lines.NameAt(I))))));
+    for (int I = 0; I < Lines.Count(); ++I) {
+        const auto Field = VisibleText(ToDisplay(Trim(Lines.NameAt(I))));
+        const auto Column = VisibleText(ToDisplay(Trim(Lines.ValueAt(I))));
+        Out << "  " << PadToWidth(I == 0 ? "mappings" : "", TitleWidth) << PadToWidth(Field, Width) << " <- "
+            << Column << '\n';
+    }
+}
+
+} // namespace
+
+void PrintSpecification(std::ostream& Out, const TSpecification& Specification)
+{
+    const auto& Import = *Specification.Import;
+    const auto& Formats = Import.DataFormats;
+    Out << VisibleText(Specification.FileName) << ": " << VisibleText(ToDisplay(Specification.Name));
+    if (!Specification.Application.empty())
+        Out << ", saved by " << VisibleText(ToDisplay(Specification.Application));
+    Out << '\n';
+    TPrinter Printer(Out);
+    Printer.Line("source", Specification.Text("SourceFileName") + " (" + std::string(Specification.Kind) + ")");
+    Printer.Line("sheet", Specification.Sheet());
+    Printer.Line("table", Specification.Table());
+    if (Specification.HasLayout())
+        Printer.Line("layout", LayoutText(Specification));
+    Printer.Line("rows", RowsText(Specification));
+    Printer.Line("text", Import.CharacterSet == csiASCII_MSDOS ? "OEM code page" : "ANSI code page");
+    Printer.Line("dates", NameOfDateOrder(Formats.DateOrder) + ", separator " + NameOfCharacter(Formats.DateSeparator));
+    Printer.Line("times", "separator " + NameOfCharacter(Formats.TimeSeparator));
+    Printer.Line("numbers", "decimal separator " + NameOfCharacter(Formats.DecimalSeparator) + ", thousand separator " +
+                                NameOfCharacter(Formats.ThousandSeparator));
+    Printer.Line("extensions", JoinNames(Specification.Extensions()));
+    Printer.Line("records", DestinationText(Specification));
+    PrintMappings(Out, Import.Mappings());
+}
+
+} // namespace kv
