@@ -43,6 +43,18 @@ TEST(KvExamples, OrdersOfFixedWidthGoIntoTheTableWhole)
               "Comidas Peñón|Madrid|2024-09-13|4157\nGrößte Auswahl|München|2024-09-16|498.5");
 }
 
+TEST(KvExamples, TheSpecificationsDoTheSame)
+{
+    const TShop Shop(Schema());
+    for (const std::string Name : {"orders", "orders-fixed"}) {
+        const auto Run = RunKvImport(Shop.Folder, {"run", Examples + "/" + Name + ".kvi", "--to", Shop.Database(), "--table", "orders"});
+        EXPECT_EQ(Run.Status, 0) << Run.Err;
+    }
+    EXPECT_EQ(Shop.Count(), 22);
+    EXPECT_EQ(Shop.Ask("SELECT sum(AMOUNT) FROM orders WHERE ID < 20300 AND ID > 20000"), "17930.36");
+    EXPECT_EQ(Shop.Ask("SELECT CUSTOMER, CITY, ORDERED, AMOUNT FROM orders WHERE ID = 10305"), "Comidas Peñón|Madrid|2024-09-13|4157");
+}
+
 TEST(KvExamples, TheLibraryDoesTheSame)
 {
     const TShop Shop(Schema());
