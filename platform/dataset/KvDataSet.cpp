@@ -36,8 +36,8 @@ void TDataSet::Shut()
     InternalClose();                                // first: when it raises, the dataset stays open
     FState = dsInactive;
     Modified = false;
-    LocateNames.clear();
-    LocateFields.clear();
+    ListedNames.clear();
+    ListedFields.clear();
     LocateValues.clear();
     RequiredFields.clear();
     FFields.clear();
@@ -55,6 +55,16 @@ TField& TDataSet::FieldByName(std::string_view FieldName) const
     if (auto* const Field = FindField(FieldName))
         return *Field;
     Fail("field '" + std::string(FieldName) + "' not found");
+}
+
+TVariant TDataSet::FieldValues(std::string_view FieldNames)
+{
+    CheckActive();
+    const auto& Listed = ResolveFields(FieldNames);
+    auto Values = TVariant::Array(0, static_cast<int>(Listed.size()) - 1);
+    for (std::size_t I = 0; I < Listed.size(); ++I)
+        Values[static_cast<int>(I)] = Listed[I]->Value();
+    return Values;
 }
 
 void TDataSet::First()
@@ -88,10 +98,11 @@ int TDataSet::RecordCount()
 bool TDataSet::Locate(std::string_view KeyFields, const TVariant& KeyValues, TLocateOptions Options)
 {
     CheckBrowseMode();
-    const auto& Keys = ResolveKeys(KeyFields);
+    const auto& Keys = ResolveFields(KeyFields);
     const int ValueCount = KeyValues.IsArray() ? KeyValues.HighBound() - KeyValues.LowBound() + 1 : 1;
     if (ValueCount != static_cast<int>(Keys.size()))
         Fail("Locate needs " + std::to_string(Keys.size()) + " key values, not " + std::to_string(ValueCount));
+    LocateValues.resize(Keys.size());
     for (std::size_t I = 0; I < Keys.size(); ++I) {
         const TVariant& Value = KeyValues.IsArray() ? KeyValues[KeyValues.LowBound() + static_cast<int>(I)] : KeyValues;
         if (!Keys[I]->TryConvert(Value, LocateValues[I]))
@@ -161,6 +172,16 @@ void TDataSet::EnableControls()
 std::string TDataSet::DisplayName() const
 {
     return Name.empty() ? std::string(ClassName()) : Name;
+}
+
+bool TDataSet::MatchesKey(const TVariant& Stored, const TVariant& Wanted, TLocateOptions Options)
+{
+    if (Options.IsEmpty() || !Stored.IsString() || !Wanted.IsString())
+        return Stored == Wanted;
+    auto Text = Stored.Text();
+    if (Options.Contains(loPartialKey))
+        Text = Text.substr(0, Wanted.Text().size());
+    return Options.Contains(loCaseInsensitive) ? SameText(Text, Wanted.Text()) : Text == Wanted.Text();
 }
 
 void TDataSet::AddField(TFieldDef Def)
@@ -237,20 +258,19 @@ void TDataSet::RaiseNotWritable(const TField& Field) const
     throw EDatabaseError("Field '" + Field.FieldName() + "' cannot be modified");
 }
 
-const std::vector<TField*>& TDataSet::ResolveKeys(std::string_view KeyFields)
+const std::vector<TField*>& TDataSet::ResolveFields(std::string_view FieldNames)
 {
-    if (KeyFields == LocateNames && !LocateFields.empty())
-        return LocateFields;
+    if (FieldNames == ListedNames && !ListedFields.empty())
+        return ListedFields;
     std::vector<TField*> Found;
-    for (std::size_t From = 0; From <= KeyFields.size();) {
-        const auto To = std::min(KeyFields.find(';', From), KeyFields.size());
-        Found.push_back(&FieldByName(Trim(KeyFields.substr(From, To - From))));
+    for (std::size_t From = 0; From <= FieldNames.size();) {
+        const auto To = std::min(FieldNames.find(';', From), FieldNames.size());
+        Found.push_back(&FieldByName(Trim(FieldNames.substr(From, To - From))));
         From = To + 1;
     }
-    LocateNames = KeyFields;
-    LocateFields = std::move(Found);
-    LocateValues.resize(LocateFields.size());
-    return LocateFields;
+    ListedNames = FieldNames;
+    ListedFields = std::move(Found);
+    return ListedFields;
 }
 
 void TDataSet::DataChanged()

@@ -56,6 +56,9 @@ public:
     TField* FindField(std::string_view FieldName) const;
     /// Raises EDatabaseError "%s: field '%s' not found".
     TField& FieldByName(std::string_view FieldName) const;
+    /// The values of several fields of the current record, their names separated by ";": an array from 0,
+    /// also for one. Raises EDatabaseError for an unknown field.
+    TVariant FieldValues(std::string_view FieldNames);
 
     // The cursor. Moving posts a record that is being written and was assigned to, as Post does.
     void First();
@@ -104,6 +107,9 @@ protected:
     /// How messages call this dataset.
     virtual std::string DisplayName() const;
 
+    /// True when the value of a record is the one that a Locate looks for.
+    static bool MatchesKey(const TVariant& Stored, const TVariant& Wanted, TLocateOptions Options);
+
     void AddField(TFieldDef Def);
     void CheckActive() const;
     [[noreturn]] void Fail(std::string_view Text) const; ///< Raises EDatabaseError "<DisplayName>: <Text>".
@@ -132,7 +138,7 @@ private:
         Modified = true;
     }
     [[noreturn]] void RaiseNotWritable(const TField& Field) const;
-    const std::vector<TField*>& ResolveKeys(std::string_view KeyFields);
+    const std::vector<TField*>& ResolveFields(std::string_view FieldNames);
     void DataChanged();
 
     TDataSetState FState = dsInactive;
@@ -141,8 +147,8 @@ private:
     bool Modified = false;                          // a field of Record was assigned
     std::vector<const TField*> RequiredFields;
     int DisableCount = 0;
-    std::string LocateNames;                        // key list of the last Locate ...
-    std::vector<TField*> LocateFields;              // ... and its fields
+    std::string ListedNames;                        // the last list of field names that was asked for ...
+    std::vector<TField*> ListedFields;              // ... and its fields
     std::vector<TVariant> LocateValues;
 };
 

@@ -26,16 +26,6 @@ std::uint64_t HashOf(const TVariant& Value, bool CaseInsensitive)
     }
 }
 
-bool Matches(const TVariant& Stored, const TVariant& Wanted, TLocateOptions Options)
-{
-    if (Options.IsEmpty() || !Stored.IsString() || !Wanted.IsString())
-        return Stored == Wanted;
-    auto Text = Stored.Text();
-    if (Options.Contains(loPartialKey))
-        Text = Text.substr(0, Wanted.Text().size());
-    return Options.Contains(loCaseInsensitive) ? SameText(Text, Wanted.Text()) : Text == Wanted.Text();
-}
-
 constexpr std::uint64_t Combine(std::uint64_t Hash, std::uint64_t Next)
 {
     return (Hash ^ Next) * 0x9E3779B97F4A7C15;      // 2^64 / golden ratio: spreads neighbouring numbers
@@ -177,7 +167,7 @@ bool TMemoryDataSet::RowMatches(TRowNumber Row, std::span<TField* const> Keys, s
                                 TLocateOptions Options) const
 {
     for (std::size_t I = 0; I < Keys.size(); ++I)
-        if (!Matches(Rows[Row][static_cast<std::size_t>(Keys[I]->Index())], Values[I], Options))
+        if (!MatchesKey(Rows[Row][static_cast<std::size_t>(Keys[I]->Index())], Values[I], Options))
             return false;
     return true;
 }

@@ -150,6 +150,18 @@ TEST_F(KvDataSet, ClosedDatasetRefusesEverything)
 
 // --- Moving -----------------------------------------------------------------------------------------
 
+TEST_F(KvDataSet, ValuesOfSeveralFieldsAreReadAtOnceByTheirNames)
+{
+    Table.Next();
+    const auto Values = Table.FieldValues("name; ID");
+    EXPECT_EQ(Values.LowBound(), 0);
+    EXPECT_EQ(Values.HighBound(), 1);
+    EXPECT_TRUE(Values[0].IsNull());
+    EXPECT_EQ(Values[1], TVariant(2));
+    EXPECT_EQ(Table.FieldValues("ID").HighBound(), 0);
+    EXPECT_EQ(MessageOf([&] { Table.FieldValues("ID;QTY"); }), "TDataSet: field 'QTY' not found");
+}
+
 TEST_F(KvDataSet, NextStopsPastTheLastRecord)
 {
     int Steps = 0;
