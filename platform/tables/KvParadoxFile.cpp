@@ -43,12 +43,20 @@ TFieldDef FieldDefOf(const TKvParadoxField& Field, TKvTableText& Text)
 
 } // namespace
 
-TKvParadoxFile::TKvParadoxFile(const std::string& TableFile)
+TKvParadoxFile::TKvParadoxFile(const std::string& TableFile, bool Transliterate)
     : FileName(TableFile), Bytes(ReadFileBytes(TableFile)), Header(ReadParadoxHeader(Bytes.View(), TableFile)),
-      Records(FollowParadoxBlocks(Bytes.View(), Header)), Text(Header.CodePage)
+      Records(FollowParadoxBlocks(Bytes.View(), Header)),
+      Text(Transliterate ? TKvTableText(Header.CodePage) : TKvTableText())
 {
-    for (const auto& Field : Header.Fields)
-        Defs.push_back(FieldDefOf(Field, Text));
+    for (const auto& Field : Header.Fields) {
+        try {
+            Defs.push_back(FieldDefOf(Field, Text));
+        }
+        catch (const EConvertError& Error) {
+            throw EFormatError(FormatText("File \"%s\", name of field %d: %s",
+                                          {FileName, std::to_string(Defs.size() + 1), Error.Message}));
+        }
+    }
 }
 
 void TKvParadoxFile::First()

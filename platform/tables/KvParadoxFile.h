@@ -2,16 +2,15 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "KvField.h"
 #include "KvFile.h"
 #include "KvParadoxBlobs.h"
 #include "KvParadoxBlocks.h"
 #include "KvParadoxHeader.h"
+#include "KvTableFile.h"
 #include "KvTableText.h"
 #include "KvVariant.h"
 
@@ -19,24 +18,22 @@ namespace kv {
 
 /// The records of a table, first to last. A damaged table gives the records before the damage: the move past
 /// the last of them raises EFormatError "File "%s" is damaged after record %d: %s".
-class TKvParadoxFile final
+class TKvParadoxFile final : public TKvTableFile
 {
 public:
     /// Reads the table; long values are read when the first of them is asked for that its record does not
-    /// hold. Raises EFileError and what ReadParadoxHeader raises.
-    explicit TKvParadoxFile(const std::string& TableFile);
+    /// hold. `Transliterate` makes process text of the texts, by the code page that the table names.
+    /// Raises EFileError, what ReadParadoxHeader raises, and EFormatError "File "%s", name of field %d: %s" for
+    /// a name that is no text of that page.
+    explicit TKvParadoxFile(const std::string& TableFile, bool Transliterate = true);
 
-    const std::vector<TFieldDef>& FieldDefs() const { return Defs; }
-    std::size_t RecordCount() const { return Records.RecordCount; }
-
-    void First();
-    void Next();                                    ///< Does nothing past the last record.
-    bool Eof() const { return Record == nullptr; }
-
-    /// The value of field `Field`, from 0, in the current record: null when blank, texts as process text, as
-    /// loans where possible; a loan ends with the object or the next value asked for. Formatted memos come
-    /// as their text alone. Raises EFormatError "File "%s", record %d, field '%s': %s".
-    TVariant Value(std::size_t Field);
+    const std::vector<TFieldDef>& FieldDefs() const override { return Defs; }
+    std::size_t RecordCount() const override { return Records.RecordCount; }
+    void First() override;
+    void Next() override;
+    bool Eof() const override { return Record == nullptr; }
+    /// Formatted memos come as their text alone.
+    TVariant Value(std::size_t Field) override;
 
 private:
     TVariant Decode(const TKvParadoxField& Field, std::string_view Bytes);

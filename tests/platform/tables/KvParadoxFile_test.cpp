@@ -196,11 +196,39 @@ TEST(KvParadoxFile, TextsAndNamesAreOfTheCodePageOfTheTable)
     EXPECT_EQ(Table.Value(1), TVariant("Köln"));
 }
 
+TEST(KvParadoxFile, ATextThatIsNoneOfItsCodePageIsAnErrorOfItsRecord)
+{
+    const TTableFile File(TParadoxBuilder().Field("CITY", 'A', 20).CodePage(932).Record({"\x93"}));
+    EXPECT_EQ(ErrorOfSingleValue(File), "File \"" + File.Name +
+                                            "\", record 1, field 'CITY': Text is not valid in code page '932'");
+}
+
+TEST(KvParadoxFile, ANameThatIsNoneOfItsCodePageIsAnErrorOfTheTable)
+{
+    const TTableFile File(TParadoxBuilder().Field("ID", 'I').Field("\x93", 'A', 20).CodePage(932));
+    try {
+        TKvParadoxFile Table(File.Name);
+        ADD_FAILURE() << "no error";
+    }
+    catch (const EFormatError& Error) {
+        EXPECT_EQ(Error.Message,
+                  "File \"" + File.Name + "\", name of field 2: Text is not valid in code page '932'");
+    }
+}
+
 TEST(KvParadoxFile, ATableThatNamesNoCodePageGivesItsTextsAsTheyAre)
 {
     for (const unsigned Version : {3, 12})
         EXPECT_EQ(SingleValue(TTableFile(TParadoxBuilder(Version).Field("CITY", 'A', 20).Record({"Z\xFCrich"}))),
                   TVariant("Z\xFCrich"));
+}
+
+TEST(KvParadoxFile, TextsStayAsTheyAreWhenAskedFor)
+{
+    const TTableFile File(TParadoxBuilder().Field("CITY", 'A', 20).CodePage(850).Record({"Z\x81rich"}));
+    TKvParadoxFile Table(File.Name, false);
+    Table.First();
+    EXPECT_EQ(Table.Value(0), TVariant("Z\x81rich"));
 }
 
 TEST(KvParadoxFile, BinaryValuesAreNotConverted)

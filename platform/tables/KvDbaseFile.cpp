@@ -1,0 +1,181 @@
+#include "KvDbaseFile.h"
+
+#include <algorithm>
+#include <charconv>
+#include <system_error>
+
+#include "KvByteCursor.h"
+#include "KvCompanionFile.h"
+#include "KvDbaseMemo.h"
+#include "KvDbaseValues.h"
+#include "KvException.h"
+#include "KvText.h"
+
+namespace kv {
+
+namespace {
+
+constexpr char DeletedMark = '*';
+
+std::size_t CountStoredRecords(const TKvDbaseHeader& Header, std::size_t FileSize)
+{
+    const auto Room = FileSize > Header.HeaderSize ? (FileSize - Header.HeaderSize) / Header.RecordSize : 0;
+    return std::min(Header.RecordCount, Room);
+}
+
+bool IsNamed(const std::vector<TFieldDef>& Defs, std::string_view Name)
+{
+    return std::ranges::any_of(Defs, [Name](const TFieldDef& Def) { return SameText(Def.Name, Name); });
+}
+
+/// `Name`, or, where a field before has it, with the first of "_1", "_2", ... that is free.
+std::string UniqueName(const std::vector<TFieldDef>& Defs, std::string_view Name)
+{
+    std::string Result(Name);
+    for (int Number = 1; IsNamed(Defs, Result); ++Number)
+        Result = std::string(Name) + "_" + std::to_string(Number);
+    return Result;
+}
+
+bool HasSize(TFieldType Type)
+{
+    return Type == ftString || Type == ftBytes || Type == ftVarBytes;
+}
+
+/// The number of a memo's block, 0 when there is no memo.
+std::uint64_t MemoBlock(std::string_view Stored)
+{
+    if (Stored.size() == sizeof(std::uint32_t))
+        return LoadLittleEndian<std::uint32_t>(Stored.data());
+    auto Digits = DbaseText(Stored);
+    Digits.remove_prefix(std::min(Digits.find_first_not_of(' '), Digits.size()));
+    std::uint64_t Block = 0;
+    const auto* const Last = Digits.data() + Digits.size();
+    if (std::from_chars(Digits.data(), Last, Block).ptr != Last)
+        throw EFormatError(FormatText("'%s' is no number of a memo block", {Digits}));
+    return Block;
+}
+
+} // namespace
+
+TKvDbaseFile::TKvDbaseFile(const std::string& TableFile, bool Transliterate)
+    : FileName(TableFile), Bytes(ReadFileBytes(TableFile)), Header(ReadDbaseHeader(Bytes.View(), TableFile)),
+      StoredRecords(CountStoredRecords(Header, Bytes.Size())), LiveRecords(CountLiveRecords()),
+      Text(Transliterate ? TKvTableText(Header.CodePage) : TKvTableText())
+{
+    for (const auto& Field : Header.Fields.Visible)
+        Defs.push_back({.Name = UniqueName(Defs, Text.Convert(Field.Name)),
+                        .DataType = Field.Type,
+                        .Size = HasSize(Field.Type) ? static_cast<int>(Field.Size) : 0});
+}
+
+std::size_t TKvDbaseFile::CountLiveRecords() const
+{
+    std::size_t Live = Header.RecordCount - StoredRecords; // what the file lacks is an error, not deleted
+    const char* Mark = Bytes.View().data() + Header.HeaderSize;
+    for (std::size_t I = 0; I < StoredRecords; ++I, Mark += Header.RecordSize)
+        Live += *Mark != DeletedMark;
+    return Live;
+}
+
+void TKvDbaseFile::First()
+{
+    Record = Bytes.View().data() + Header.HeaderSize;
+    RecordIndex = 0;
+    SkipDeleted();
+}
+
+void TKvDbaseFile::Next()
+{
+    if (Record == nullptr)
+        return;
+    Record += Header.RecordSize;
+    ++RecordIndex;
+    SkipDeleted();
+}
+
+void TKvDbaseFile::SkipDeleted()
+{
+    for (; RecordIndex < StoredRecords; ++RecordIndex, Record += Header.RecordSize)
+        if (*Record != DeletedMark)
+            return;
+    Record = nullptr;
+    if (StoredRecords < Header.RecordCount)
+        throw EFormatError(FormatText("File \"%s\" ends after record %d of %d",
+                                      {FileName, std::to_string(StoredRecords), std::to_string(Header.RecordCount)}));
+}
+
+TVariant TKvDbaseFile::Value(std::size_t Index)
+{
+    if (Record == nullptr)
+        return Null;
+    const auto& Field = Header.Fields.Visible[Index];
+    if (Field.NullBit != Field.NoBit && HasBit(Field.NullBit))
+        return Null;
+    try {
+        return Decode(Field, {Record + Field.Offset, Field.Size});
+    }
+    catch (const Exception& Error) {
+        throw EFormatError(FormatText("File \"%s\", record %d, field '%s': %s",
+                                      {FileName, std::to_string(RecordIndex + 1), Defs[Index].Name, Error.Message}));
+    }
+}
+
+bool TKvDbaseFile::HasBit(int Bit) const
+{
+    const auto Byte = static_cast<unsigned char>(Record[Header.Fields.BitsOffset + static_cast<std::size_t>(Bit / 8)]);
+    return (Byte >> Bit % 8 & 1) != 0;
+}
+
+TVariant TKvDbaseFile::Decode(const TKvDbaseField& Field, std::string_view Stored)
+{
+    switch (Field.Storage) {
+    case dvText: {
+        const auto Filled = DbaseText(Stored);
+        return Filled.empty() ? TVariant(Null) : Text.Value(Filled);
+    }
+    case dvVarText:  return Text.Value(WithoutRest(Field, Stored));
+    case dvVarBytes: return TVariant::Borrow(WithoutRest(Field, Stored));
+    case dvMemo:     return MemoValue(Field, Stored);
+    default:         return DbaseValue(Field.Storage, Stored);
+    }
+}
+
+std::string_view TKvDbaseFile::WithoutRest(const TKvDbaseField& Field, std::string_view Stored) const
+{
+    if (!HasBit(Field.SizeBit))
+        return Stored;
+    const auto Size = static_cast<unsigned char>(Stored.back());
+    if (Size >= Stored.size())
+        throw EFormatError(FormatText("its size is said to be %d", {std::to_string(Size)}));
+    return Stored.substr(0, Size);
+}
+
+TVariant TKvDbaseFile::MemoValue(const TKvDbaseField& Field, std::string_view Stored)
+{
+    const auto Block = MemoBlock(Stored);
+    if (Block == 0)
+        return Null;
+    if (Header.MemoKind == dmNone)
+        throw EFormatError("memos of this kind of table cannot be read");
+    const auto Memo = DbaseMemo(Memos(), Header.MemoKind, Block);
+    return Field.Type == ftMemo ? Text.Value(Memo) : TVariant::Borrow(Memo);
+}
+
+std::string_view TKvDbaseFile::Memos()
+{
+    if (!MemosAreRead) {
+        MemosAreRead = true;
+        try {
+            MemoBytes = ReadFileBytes(CompanionFileName(FileName, Header.MemoKind == dmFoxPro ? ".FPT" : ".DBT"));
+        }
+        catch (const EFileError& Error) {
+            MemoFault = Error.Message;
+        }
+    }
+    if (!MemoFault.empty())
+        throw EFileError(MemoFault);
+    return MemoBytes.View();
+}
+
+} // namespace kv

@@ -1,0 +1,60 @@
+// KvDbaseFile - reads a table of dBase II to 7, FoxPro or Visual FoxPro (.dbf) and its memos (.dbt, .fpt).
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvDbaseHeader.h"
+#include "KvFile.h"
+#include "KvTableFile.h"
+#include "KvTableText.h"
+
+namespace kv {
+
+/// The records of a table that are not deleted. A file that ends before the last record that its header
+/// announces gives the records that it has: the move past them raises EFormatError "File "%s" ends after
+/// record %d of %d".
+class TKvDbaseFile final : public TKvTableFile
+{
+public:
+    /// Reads the table; its memos are read when the first of them is asked for. Texts become process text
+    /// with `Transliterate`, else they stay as they are. Raises EFileError and what ReadDbaseHeader raises.
+    explicit TKvDbaseFile(const std::string& TableFile, bool Transliterate = true);
+
+    const std::vector<TFieldDef>& FieldDefs() const override { return Defs; }
+    std::size_t RecordCount() const override { return LiveRecords; }
+
+    void First() override;
+    void Next() override;
+    bool Eof() const override { return Record == nullptr; }
+
+    TVariant Value(std::size_t Field) override;
+
+private:
+    std::size_t CountLiveRecords() const;
+    void SkipDeleted();
+    bool HasBit(int Bit) const;
+    TVariant Decode(const TKvDbaseField& Field, std::string_view Stored);
+    TVariant MemoValue(const TKvDbaseField& Field, std::string_view Stored);
+    std::string_view WithoutRest(const TKvDbaseField& Field, std::string_view Stored) const;
+    std::string_view Memos();
+
+    const std::string FileName;
+    const TKvFileBytes Bytes;
+    const TKvDbaseHeader Header;
+    const std::size_t StoredRecords;                // that the file really has, deleted ones too
+    const std::size_t LiveRecords;
+    TKvTableText Text;
+    std::vector<TFieldDef> Defs;
+
+    const char* Record = nullptr;                   // the current one
+    std::size_t RecordIndex = 0;                    // from 0, deleted ones too
+
+    TKvFileBytes MemoBytes;
+    bool MemosAreRead = false;
+    std::string MemoFault;                          // why they could not be read
+};
+
+} // namespace kv

@@ -1,0 +1,84 @@
+// KvTable - a table file of Paradox, dBase or FoxPro as a dataset that can be read.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "KvDataSet.h"
+
+namespace kv {
+
+class TKvTableFile;
+
+/// What kind of file a table is.
+enum TTableType {
+    ttDefault,                                      ///< As its name ends (".db", ".dbf"), else as it begins.
+    ttParadox,
+    ttDBase,
+    ttFoxPro,
+    ttASCII                                         ///< Text. Known by name only: other components read text.
+};
+
+/// What datasets of the table engine belong to. Files that are only read need nothing of it but its name.
+struct TSession
+{
+    std::string SessionName = "Default";
+};
+
+/// The session of all datasets that name no other.
+TSession& Session();
+
+/// A dataset of the table engine.
+class TDBDataSet : public TDataSet
+{
+public:
+    using TDataSet::TDataSet;
+
+    std::string_view ClassName() const override { return "TDBDataSet"; }
+    TPublishedProperties PublishedProperties() const override;
+
+    std::string SessionName;                        ///< Empty: that of Session().
+};
+
+/// The records of a table file, deleted ones left out. Its fields are read-only. The fields are known
+/// while the table is open.
+class TTable : public TDBDataSet
+{
+public:
+    explicit TTable(TComponent* Owner = nullptr);
+    ~TTable() override;
+
+    std::string_view ClassName() const override { return "TTable"; }
+    TPublishedProperties PublishedProperties() const override;
+
+    /// The file. A name without an extension that does not exist gets that of TableType.
+    /// Opening raises EFileError, EFormatError "File "%s" is no dBase table: %s" (or Paradox), and
+    /// EDatabaseError for a file of neither kind.
+    std::string TableName;
+    TTableType TableType = ttDefault;
+    /// Texts become process text, by the code page that the file names. False: they stay as they are.
+    bool Transliterate = true;
+
+protected:
+    void InternalOpen() override;
+    void InternalClose() override;
+    void InternalFirst() override;
+    void InternalNext() override;
+    bool InternalEof() override;
+    int InternalRecordCount() override;
+    TVariant InternalGetValue(const TField& Field) override;
+    void InternalInsert(const TRecordBuffer& Written) override;
+    void InternalUpdate(const TRecordBuffer& Written) override;
+    void InternalDelete() override;
+    bool InternalLocate(std::span<TField* const> Keys, std::span<const TVariant> Values,
+                        TLocateOptions Options) override;
+    std::string DisplayName() const override;
+
+private:
+    void ReturnTo(std::size_t Before);
+
+    std::unique_ptr<TKvTableFile> File;
+    std::size_t RecordsBefore = 0;                  // the current one
+};
+
+} // namespace kv

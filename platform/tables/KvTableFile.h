@@ -1,0 +1,38 @@
+// KvTableFile - what a reader of table files answers, whatever the format.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "KvField.h"
+
+namespace kv {
+
+/// A table file that is open: its fields, and one record after the other. A reader keeps the file in memory.
+class TKvTableFile
+{
+public:
+    TKvTableFile() = default;
+    TKvTableFile(const TKvTableFile&) = delete;
+    TKvTableFile& operator=(const TKvTableFile&) = delete;
+    virtual ~TKvTableFile() = default;
+
+    /// The fields in the order of the file, those that programs hide left out.
+    virtual const std::vector<TFieldDef>& FieldDefs() const = 0;
+    /// The records that First and Next make current; deleted ones do not count.
+    virtual std::size_t RecordCount() const = 0;
+
+    // The cursor. Each raises EFormatError where the file ends, or is damaged, before all records were read.
+    virtual void First() = 0;
+    virtual void Next() = 0;                        ///< Does nothing past the last record.
+    virtual bool Eof() const = 0;                   ///< True when no record is current.
+
+    /// The value of field `Field`, from 0, in the current record, in the kind that the field's type names:
+    /// null when blank or at Eof. Texts and bytes are loans where possible, which hold until the next record;
+    /// texts are process text. Raises EFormatError "File "%s", record %d, field '%s': %s" for what has no
+    /// meaning in the type ("*****" as a number, a 30th of February) and for what cannot be read.
+    virtual TVariant Value(std::size_t Field) = 0;
+};
+
+} // namespace kv
