@@ -70,24 +70,16 @@ void TKvxlsPlain::ReadRecord(const TKvRecord& Record)
     case rcDimensions:   ReadDimensions(Record); break;
     case rcDateMode:     ReadDateMode(Record); break;
     case rcCodePage:     ReadCodePage(Record); break;
-    case rcFormat2:      ReadUnnumberedFormat(Record, 0); break;
-    case rcFormat:
-        if (File.Version == evExcel5)
-            Formats.SetPattern(Record.At<std::uint16_t>(0), Record.Text(3, Record.At<std::uint8_t>(2)));
-        else
-            ReadUnnumberedFormat(Record, 2);
-        break;
     case rcXf:           Formats.AddXf(Record.At<std::uint16_t>(2)); break;
+    case rcFormat2:
+    case rcFormat:
     case rcXf2:
-        if (Extends(seCustomDates))
-            Formats.AddXf(Record.At<std::uint8_t>(2) & AttributeNumber);
-        break;
     case rcXf3:
     case rcXf4:
+    case rcIxfe:
         if (Extends(seCustomDates))
-            Formats.AddXf(Record.At<std::uint8_t>(1));
+            ReadFormat(Record);
         break;
-    case rcIxfe: LongXf = Record.At<std::uint16_t>(0); break;
     case rcSheetHeader:
         if (IsWorkbook)
             SheetName = ByteText.Convert(Record.Text(5, Record.At<std::uint8_t>(4)));
@@ -175,8 +167,11 @@ void TKvxlsPlain::ReadCell(const TKvRecord& Cell)
         if (Extends(seFormulaResults))
             ReadFormula(Cell);
         break;
-    case rcString2: RaiseTextResult(Cell.Text(1, Cell.At<std::uint8_t>(0))); break;
-    case rcString:  RaiseTextResult(Cell.Text(2, Cell.At<std::uint16_t>(0))); break;
+    case rcString2:
+    case rcString:
+        if (TextResult)
+            ReadFormulaText(Cell);
+        break;
     default:
         if (AllCells)
             ReadLaterCell(Cell);
@@ -199,10 +194,31 @@ void TKvxlsPlain::ReadFormula(const TKvRecord& Cell)
     RaiseResult(NextPlace(Cell), Cell, Position, IsDate(Cell));
 }
 
-void TKvxlsPlain::ReadUnnumberedFormat(const TKvRecord& Record, std::size_t Position)
+void TKvxlsPlain::ReadFormulaText(const TKvRecord& Record)
 {
-    if (Extends(seCustomDates))
-        Formats.AddPattern(Record.Text(Position + 1, Record.At<std::uint8_t>(Position)));
+    if (Record.Id == rcString2)
+        RaiseTextResult(Record.Text(1, Record.At<std::uint8_t>(0)));
+    else
+        RaiseTextResult(Record.Text(2, Record.At<std::uint16_t>(0)));
+}
+
+/// What tells dates besides the XF records of Excel 5.
+void TKvxlsPlain::ReadFormat(const TKvRecord& Record)
+{
+    switch (Record.Id) {
+    case rcXf2:     Formats.AddXf(Record.At<std::uint8_t>(2) & AttributeNumber); break;
+    case rcXf3:
+    case rcXf4:     Formats.AddXf(Record.At<std::uint8_t>(1)); break;
+    case rcIxfe:    LongXf = Record.At<std::uint16_t>(0); break;
+    case rcFormat2: Formats.AddPattern(Record.Text(1, Record.At<std::uint8_t>(0))); break;
+    default: {
+        const auto Pattern = Record.Text(3, Record.At<std::uint8_t>(2));
+        if (File.Version == evExcel5)
+            Formats.SetPattern(Record.At<std::uint16_t>(0), Pattern);
+        else
+            Formats.AddPattern(Pattern);
+    }
+    }
 }
 
 /// The place of a cell, which counts for the extent of the sheet.
@@ -210,7 +226,8 @@ TKvxlsStream::TPlace TKvxlsPlain::NextPlace(const TKvRecord& Cell)
 {
     const auto Place = PlaceOf(Cell, AttributeAlignment(Cell.At<std::uint8_t>(6)));
     HighestRow = std::max(HighestRow, Place.Row);
-    HighestColumn = std::max(HighestColumn, Place.Column);
+    if (Place.Column < TSpreadSheetRow::MaxColumns)
+        HighestColumn = std::max(HighestColumn, Place.Column);
     return Place;
 }
 

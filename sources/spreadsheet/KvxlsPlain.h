@@ -22,7 +22,8 @@
 //   formula          0006 0206 0406     cell xf:u16 result:u8[8] ...
 //   string           0007 0207          length:u8 or u16  text                     a formula's result
 //   RK's, rich text  00BD 00D6          as in workbooks
-//   format           001E 041E          length:u8 text; in 041E after 2 bytes
+//   format           001E               length:u8 text                             numbered in their order
+//   format           041E               index:u16 length:u8 text                   the same, but for Excel 5
 //   XF               0043 0243 0443     ... format:u8 at 2, 1 and 1
 //   XF of a cell     0044               xf:u16                                     for the next cell
 //   sheet            008F               size:u32 length:u8 name                    in an Excel 4 workbook
@@ -53,7 +54,8 @@ private:
     void ReadCell(const TKvRecord& Cell);
     void ReadLaterCell(const TKvRecord& Cell);
     void ReadFormula(const TKvRecord& Cell);
-    void ReadUnnumberedFormat(const TKvRecord& Record, std::size_t Position);
+    void ReadFormulaText(const TKvRecord& Record);
+    void ReadFormat(const TKvRecord& Record);
     void BeginSheet();
 
     TPlace NextPlace(const TKvRecord& Cell);

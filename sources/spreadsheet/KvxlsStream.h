@@ -97,7 +97,7 @@ protected:
     /// An integer, which is never a date by the older reading.
     void RaiseInteger(const TPlace& Place, std::uint16_t Number, bool IsDate);
     void RaiseBoolErr(const TPlace& Place, std::uint8_t Value, bool IsError);
-    /// A double and then XF records decide; the XF stands at 4.
+    /// The number of a cell from Excel 3 on, whose XF stands at 4.
     void RaiseNumberRecord(const TKvRecord& Cell, double Number)
     {
         RaiseAligned(PlaceOf(Cell), Number, Formats.IsDate(Cell.At<std::uint16_t>(4)));

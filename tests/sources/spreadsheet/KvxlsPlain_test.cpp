@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <string>
 
 #include "KvBiffBuilder.h"
@@ -243,6 +244,27 @@ TEST(KvxlsPlain, EveryRecordThatIsTooShortIsTold)
     EXPECT_THAT(Read(Declared().Record(0x0204, TBytes().Zeros(6).U16(300).Text("ab"))),
                 ElementsAre(DeclaredLine,
                             "error: Record 0x0204 at offset 24 is too short: 10 bytes, 308 are needed"));
+}
+
+TEST(KvxlsPlain, RecordsThatOnlyExtensionsReadAreNotLookedInto)
+{
+    for (const auto Version : {bv2, bv3, bv4, bv5}) {
+        auto Stream = Declared(Version);
+        for (const auto Id : std::initializer_list<std::uint16_t>{0x0006, 0x0007, 0x001E, 0x0022, 0x0042,
+                                                                  0x0043, 0x0044, 0x008F, 0x00BD, 0x00D6})
+            Stream.Record(Id, {});
+        for (const auto Id :
+             std::initializer_list<std::uint16_t>{0x0203, 0x0206, 0x0207, 0x0243, 0x0406, 0x041E, 0x0443})
+            Stream.Record(Id, {});
+        EXPECT_THAT(Read(Stream).size(), 1u);
+    }
+}
+
+TEST(KvxlsPlain, AColumnWithoutASlotIsNoPartOfTheExtent)
+{
+    EXPECT_THAT(Read(File(bv4).Rk(2, 1, 6).Rk(3, 65535, 6)),
+                ElementsAre("cell -1: 2 1 double 1 centre", "cell -1: 3 65535 double 1 centre",
+                            "dimensions -1: 0 4 0 2"));
 }
 
 // --- Extensions --------------------------------------------------------------------------------------

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <initializer_list>
 #include <string>
 
 #include "KvBiffBuilder.h"
@@ -401,6 +402,16 @@ TEST(KvxlsWorkbook, EveryRecordThatIsTooShortIsTold)
                                  Lines.back().find(" at offset 56 is too short: ") != std::string::npos;
             EXPECT_EQ(IsError, Size < Row.Needed) << std::hex << Row.Id << ' ' << Size << ' ' << Lines.back();
         }
+}
+
+TEST(KvxlsWorkbook, RecordsThatOnlyExtensionsReadAreNotLookedInto)
+{
+    for (const auto Version : {bv5, bv8}) {
+        TBiffBuilder Sheet(Version);
+        for (const auto Id : std::initializer_list<std::uint16_t>{0x0007, 0x0022, 0x0042, 0x00D6, 0x0207, 0x041E})
+            Sheet.Record(Id, {});
+        EXPECT_THAT(ReadSheet(Sheet), IsEmpty());
+    }
 }
 
 TEST(KvxlsWorkbook, ATruncatedStreamIsTold)
