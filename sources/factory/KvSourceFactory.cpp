@@ -3,6 +3,7 @@
 #include "KvException.h"
 #include "KvIniFile.h"
 #include "KvText.h"
+#include "Kvi2ole.h"
 #include "Kvi2txt.h"
 #include "Kvi2wks.h"
 #include "Kvi2wq.h"
@@ -18,6 +19,7 @@ std::unique_ptr<TKvImportBaseComponent> CreateImport(TTableTypeImport TableType,
     case teXLS:     return std::make_unique<TKvImportFromXLS>(Owner);
     case teWKS:     return std::make_unique<TKvImportFromWKS>(Owner);
     case teQuattro: return std::make_unique<TKvImportFromQuattro>(Owner);
+    case teAccess:  return std::make_unique<TKvImportFromAccess>(Owner);
     default:        throw Exception(FormatText("There is no import of the kind %s", {TableTypeName(TableType)}));
     }
 }

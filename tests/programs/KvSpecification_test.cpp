@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "KvBiffBuilder.h"
+#include "KvCompoundBuilder.h"
 #include "KvFormatSettings.h"
 #include "KvSourceFactory.h"
 #include "KvSqliteTable.h"
@@ -327,6 +329,21 @@ TEST_F(KvSpecification, RecordErrorsAreToldWithTheirLine)
     EXPECT_EQ(Result.Status, 1);
     EXPECT_THAT(Result.Err, HasSubstr("orders.csv, line 2: '32.12.2024' is not a valid date value for field 'ORDERED'\n"));
     EXPECT_EQ(Shop.Count(), 1);
+}
+
+TEST_F(KvSpecification, TheSheetOfAWorkbookIsKept)
+{
+    TWorkbookBuilder Book(bv5);
+    Book.Globals(TBiffBuilder(bv5).Xf(0));
+    Book.Sheet("Other", TBiffBuilder(bv5).Dimensions(0, 2, 0, 2).Label(0, 0, "ID").Label(0, 1, "CITY").Number(1, 0, 1).Label(1, 1, "Rom"));
+    Book.Sheet("Orders", TBiffBuilder(bv5).Dimensions(0, 2, 0, 2).Label(0, 0, "CITY").Label(0, 1, "ID").Label(1, 0, "Oslo").Number(1, 1, 7));
+    const auto Workbook = Shop.Folder.Write("orders.xls", TCompoundBuilder().Stream(u"Book", Book.Build()).Build());
+    const auto Saved = Run({"save", File, Workbook, "--to", Shop.Database(), "--table", "orders", "--sheet", "Orders"});
+    EXPECT_EQ(Saved.Status, 0) << Saved.Err;
+    EXPECT_EQ(Show()["sheet"], 2);
+    EXPECT_EQ(Show()["mappings"].dump(), R"([{"column":"A","field":"CITY"},{"column":"B","field":"ID"}])");
+    EXPECT_EQ(RunWithJson()["added"], 1);
+    EXPECT_EQ(Shop.Ask("SELECT ID, CITY FROM orders"), "7|Oslo");
 }
 
 struct TRefusedRow

@@ -99,7 +99,7 @@ TEST_P(KvSourceFactoryMakes, ComponentsThatWriteNoExtensionsByThemselves)
 
 INSTANTIATE_TEST_SUITE_P(, KvSourceFactoryMakes, testing::Values(
     TKindRow{teText, "TKvImportFromText"}, TKindRow{teXLS, "TKvImportFromXLS"}, TKindRow{teWKS, "TKvImportFromWKS"},
-    TKindRow{teQuattro, "TKvImportFromQuattro"}),
+    TKindRow{teQuattro, "TKvImportFromQuattro"}, TKindRow{teAccess, "TKvImportFromAccess"}),
     [](const auto& Row) { return std::string(Row.param.ClassName); });
 
 TEST(KvSourceFactory, AnOwnerOwnsTheComponent)
@@ -113,12 +113,12 @@ TEST(KvSourceFactory, SaysWhichKindHasNoComponent)
 {
     std::string Message;
     try {
-        CreateImport(teAccess);
+        CreateImport(teParadox);
     }
     catch (const Exception& Error) {
         Message = Error.Message;
     }
-    EXPECT_EQ(Message, "There is no import of the kind Access");
+    EXPECT_EQ(Message, "There is no import of the kind Paradox");
 }
 
 TEST(KvSourceFactory, ASpecificationMustNameItsKind)
