@@ -157,8 +157,9 @@ std::string TKvxlsWorkbook::SheetName(std::uint64_t BofOffset) const
 
 void TKvxlsWorkbook::ReadSheetEntry(const TKvRecord& Record)
 {
+    const auto Offset = Record.At<std::uint32_t>(0);
     if (!AllCells || Record.At<std::uint8_t>(5) == ekWorksheet)
-        Sheets.push_back({EntryName(Record), Record.At<std::uint32_t>(0)});
+        Sheets.push_back({EntryName(Record), Offset}); // last: the name may run on into other records
 }
 
 std::string TKvxlsWorkbook::EntryName(const TKvRecord& Record)
