@@ -19,6 +19,8 @@ constexpr std::string_view Signature("\0\1\0\0", 4);
 constexpr std::size_t VersionPosition = 0x14;
 constexpr int NewestVersion = MDB_VER_ACCDB_2019;
 
+constexpr char MsgNoTables[] = "its list of tables cannot be read; it is damaged or encrypted";
+
 constexpr int OdbcTable = 4;                        // object types that libmdb has no names for
 constexpr unsigned SystemFlags = 0x80000002;        // of Access itself, or hidden with it
 
@@ -57,14 +59,18 @@ TMdbFile::TMdbFile(const std::string& FileName)
     else if (!IsUnicode())
         SetAnsiCodePage("windows-1252");
     if (!mdb_read_catalog(Handle(), MDB_ANY) || FHandle->num_catalog == 0)
-        throw EFormatError("its list of tables cannot be read; it is damaged or encrypted");
+        throw EFormatError(MsgNoTables);
 }
 
 std::vector<MdbCatalogEntry*> TMdbFile::Objects() const
 {
     std::vector<MdbCatalogEntry*> Found;
-    for (guint I = 0; I < FHandle->num_catalog; ++I)
-        Found.push_back(static_cast<MdbCatalogEntry*>(g_ptr_array_index(FHandle->catalog, I)));
+    for (guint I = 0; I < FHandle->num_catalog; ++I) {
+        auto* const Object = static_cast<MdbCatalogEntry*>(g_ptr_array_index(FHandle->catalog, I));
+        if (IsTable(*Object) && !IsName(Object->object_name))
+            throw EFormatError(MsgNoTables);
+        Found.push_back(Object);
+    }
     return Found;
 }
 
@@ -83,6 +89,11 @@ MdbCatalogEntry& TMdbFile::Table(std::string_view Name) const
         throw Exception("its table " + std::string(Name) +
                         " is a link to another database, which has to be opened itself");
     return *Found;
+}
+
+bool TMdbFile::IsName(std::string_view Text)
+{
+    return !Text.empty() && IsValidUtf8(Text);
 }
 
 bool TMdbFile::IsTable(const MdbCatalogEntry& Object)

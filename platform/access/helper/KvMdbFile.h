@@ -20,7 +20,7 @@ public:
     explicit TMdbFile(const std::string& FileName);
 
     MdbHandle* Handle() const { return FHandle.get(); }
-    /// Every object of the database: tables, queries, forms, ...
+    /// Every object of the database: tables, queries, forms, ... Raises when a table has no name.
     std::vector<MdbCatalogEntry*> Objects() const;
     /// The table of that name, without regard to the case of Latin letters. Raises when there is none.
     MdbCatalogEntry& Table(std::string_view Name) const;
@@ -31,6 +31,8 @@ public:
     /// Text is UTF-16 instead of 8-bit text of a code page.
     bool IsUnicode() const { return FHandle->f->jet_version != MDB_VER_JET3; }
 
+    /// False for what damage makes of a name.
+    static bool IsName(std::string_view Text);
     static bool IsTable(const MdbCatalogEntry& Object);
     static bool IsSystem(const MdbCatalogEntry& Object);
     static bool IsLinked(const MdbCatalogEntry& Object);

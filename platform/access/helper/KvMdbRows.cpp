@@ -32,6 +32,9 @@ TMdbRows::TMdbRows(const TMdbFile& TheFile, MdbCatalogEntry& Entry)
     const auto* const Columns = mdb_read_columns(Table.get());
     if (!Columns || Columns->len != Table->num_cols)
         RaiseDamaged("its fields cannot be read");
+    for (std::size_t I = 0; I < FieldCount(); ++I)
+        if (!TMdbFile::IsName(Column(I).name))
+            RaiseDamaged("the name of field " + std::to_string(I + 1) + " cannot be read");
     mdb_rewind_table(Table.get());
 }
 
@@ -131,7 +134,8 @@ void TMdbRows::Crack(std::size_t Start, std::size_t Size)
         if (Field.is_null)
             continue;
         const auto Begin = static_cast<std::size_t>(Field.start), Length = static_cast<std::size_t>(Field.siz);
-        if (Field.start < 0 || Field.siz < 0 || Begin < Start || Begin > Start + Size || Length > Start + Size - Begin)
+        if (Field.start < 0 || Field.siz < 0 || Begin < Start || Begin > Start + Size ||
+            Length > Start + Size - Begin)
             RaiseDamaged("its fields are longer than itself");
     }
 }

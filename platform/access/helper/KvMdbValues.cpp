@@ -1,5 +1,6 @@
 #include "KvMdbValues.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <string_view>
@@ -34,13 +35,25 @@ std::string GuidText(std::string_view Bytes)
     if (Bytes.size() != GuidSize)
         throw EFormatError("its value is damaged: it takes " + std::to_string(Bytes.size()) + " bytes instead of 16");
     TKvByteCursor In(Bytes);
-    const unsigned First = In.Take<std::uint32_t>(), Second = In.Take<std::uint16_t>(), Third = In.Take<std::uint16_t>();
+    const unsigned First = In.Take<std::uint32_t>();
+    const unsigned Second = In.Take<std::uint16_t>(), Third = In.Take<std::uint16_t>();
     char Text[40];
     int Size = std::snprintf(Text, sizeof Text, "{%08X-%04X-%04X-", First, Second, Third);
     for (int I = 0; I < 8; ++I)
         Size += std::snprintf(Text + Size, sizeof Text - static_cast<std::size_t>(Size), I == 1 ? "%02X-" : "%02X",
                               In.Take<std::uint8_t>());
     return std::string(Text, static_cast<std::size_t>(Size)) + '}';
+}
+
+// libmdb 1.0 has the two in each other's place. No number has more digits after its point than it has.
+int PrecisionOf(const MdbColumn& Column)
+{
+    return std::max(Column.col_prec, Column.col_scale);
+}
+
+int ScaleOf(const MdbColumn& Column)
+{
+    return std::min(Column.col_prec, Column.col_scale);
 }
 
 } // namespace
@@ -56,8 +69,8 @@ TAccessField DescribeField(const MdbColumn& Column, bool IsUnicode)
     if (Field.Type == afMemo || Field.Type == afOle)
         Field.Size = 0;
     if (Field.Type == afDecimal) {
-        Field.Precision = static_cast<std::uint8_t>(Column.col_prec);
-        Field.Scale = static_cast<std::uint8_t>(Column.col_scale);
+        Field.Precision = static_cast<std::uint8_t>(PrecisionOf(Column));
+        Field.Scale = static_cast<std::uint8_t>(ScaleOf(Column));
     }
     return Field;
 }
@@ -97,7 +110,7 @@ void TMdbValues::WriteValue(const MdbColumn& Column, const TMdbValue& Value)
     case afMemo:     return WriteText(ReadLongValue(File, Bytes, LongValue));
     case afOle:      return Writer.Bytes(ReadLongValue(File, Bytes, LongValue));
     case afGuid:     return Writer.Text(GuidText(Bytes));
-    case afDecimal:  return WriteDecimal(Bytes, Column.col_scale);
+    case afDecimal:  return WriteDecimal(Bytes, ScaleOf(Column));
     }
     throw Exception("values of type " + std::to_string(Column.col_type) + " cannot be read");
 }

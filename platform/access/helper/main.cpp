@@ -3,6 +3,7 @@
 //
 //   kvaccess tables FILE
 //   kvaccess records FILE TABLE
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -26,10 +27,20 @@ namespace {
 
 constexpr int WrongUsage = 2;
 
-void WriteAll(std::string_view Bytes)
+/// Keeps standard output for the answer alone: about some damaged bytes the library writes there itself.
+int TakeOutput()
+{
+    const int Answer = ::dup(STDOUT_FILENO);
+    const int Nowhere = ::open("/dev/null", O_WRONLY);
+    if (Answer < 0 || Nowhere < 0 || ::dup2(Nowhere, STDOUT_FILENO) < 0)
+        std::_Exit(EXIT_FAILURE);
+    return Answer;
+}
+
+void WriteAll(int Output, std::string_view Bytes)
 {
     while (!Bytes.empty()) {
-        const auto Written = ::write(STDOUT_FILENO, Bytes.data(), Bytes.size());
+        const auto Written = ::write(Output, Bytes.data(), Bytes.size());
         if (Written < 0 && errno != EINTR)
             std::_Exit(EXIT_FAILURE);               // nobody reads any more
         if (Written > 0)
@@ -62,7 +73,8 @@ void WriteRecords(const std::string& FileName, std::string_view TableName, TAcce
 
 void Answer(int Count, char** Arguments)
 {
-    TAccessWriter Writer(&WriteAll);
+    const int Output = TakeOutput();
+    TAccessWriter Writer([Output](std::string_view Bytes) { WriteAll(Output, Bytes); });
     try {
         if (Count == 4)
             WriteRecords(Arguments[2], Arguments[3], Writer);
