@@ -21,7 +21,8 @@ constexpr TMark Marks[] = {{"\xEF\xBB\xBF", Utf8}, {"\xFF\xFE", "UTF-16LE"}, {"\
 /// The mark that a text begins with, or none.
 const TMark* FindMark(std::string_view Text)
 {
-    const auto Found = std::ranges::find_if(Marks, [Text](const TMark& Each) { return Text.starts_with(Each.Bytes); });
+    const auto Begins = [Text](const TMark& Each) { return Text.starts_with(Each.Bytes); };
+    const auto Found = std::ranges::find_if(Marks, Begins);
     return Found == std::end(Marks) ? nullptr : Found;
 }
 
@@ -40,7 +41,8 @@ TKvTextFile::TKvTextFile(const std::string& FileName, TKvByteOrderMark Mark, std
     Decode(FileName, std::string(Found->CodePage));
 }
 
-TKvTextFile::TKvTextFile(const std::string& FileName, TKvFindEncoding Declared, const std::function<bool()>& Continue)
+TKvTextFile::TKvTextFile(const std::string& FileName, TKvFindEncoding Declared,
+                         const std::function<bool()>& Continue)
 {
     Read(FileName, WholeFile, Continue);
     if (const auto* const Found = FindMark(FText)) {

@@ -16,6 +16,13 @@ std::size_t Find(std::string_view Values, std::string_view Text, std::size_t Fro
     return static_cast<std::size_t>(TKvByteSet(Values).FindIn(Text.data() + From, Last) - Text.data());
 }
 
+std::string RandomText(std::mt19937& Random, std::size_t Size, unsigned Alphabet)
+{
+    std::string Text(Size, '\0');
+    std::ranges::generate(Text, [&] { return static_cast<char>(Random() % Alphabet * 37); });
+    return Text;
+}
+
 TEST(KvByteScan, FindsNothingInNothing)
 {
     EXPECT_EQ(Find(",", ""), 0u);
@@ -58,18 +65,44 @@ TEST(KvByteScan, ContainsItsValuesOnly)
 TEST(KvByteScan, AgreesWithASearchByteByByte)
 {
     std::mt19937 Random(1);
-    const auto RandomText = [&](std::size_t Size, int Alphabet) {
-        std::string Text(Size, '\0');
-        std::ranges::generate(
-            Text, [&] { return static_cast<char>(Random() % static_cast<unsigned>(Alphabet) * 37); });
-        return Text;
-    };
     for (int Round = 0; Round < 20000; ++Round) {
-        const auto Values = RandomText(1 + Random() % 4, 256);
-        const auto Text = RandomText(Random() % 64, Round % 2 ? 256 : 12);
+        const auto Values = RandomText(Random, 1 + Random() % 4, 256);
+        const auto Text = RandomText(Random, Random() % 64, Round % 2 ? 256 : 12);
         const auto From = Random() % (Text.size() + 1);
         const auto Expected = std::min(Text.find_first_of(Values, From), Text.size());
         ASSERT_EQ(Find(Values, Text, From), Expected) << testing::PrintToString(Text);
+    }
+}
+
+TEST(KvLowByteSet, ContainsTheBytesUpToItsLimitAndTheOthers)
+{
+    const TKvLowByteSet Set(' ', "&\xC2");
+    for (int Byte = 0; Byte < 256; ++Byte)
+        EXPECT_EQ(Set.Contains(static_cast<char>(Byte)), Byte <= ' ' || Byte == '&' || Byte == 0xC2) << Byte;
+}
+
+TEST(KvLowByteSet, AgreesWithASearchByteByByte)
+{
+    std::mt19937 Random(2);
+    for (int Round = 0; Round < 20000; ++Round) {
+        const TKvLowByteSet Set(static_cast<char>(Random() % 40), RandomText(Random, 1 + Random() % 3, 256));
+        const auto Text = RandomText(Random, Random() % 64, Round % 2 ? 256 : 12);
+        const char* const Last = Text.data() + Text.size();
+        const char* const First = Text.data() + Random() % (Text.size() + 1);
+        const auto* const Expected = std::find_if(First, Last, [&Set](char Each) { return Set.Contains(Each); });
+        ASSERT_EQ(Set.FindIn(First, Last), Expected) << testing::PrintToString(Text);
+    }
+}
+
+TEST(KvByteScan, FindNearAgreesWithASearchByteByByte)
+{
+    std::mt19937 Random(3);
+    for (int Round = 0; Round < 20000; ++Round) {
+        const auto Text = RandomText(Random, Random() % 128, Round % 2 ? 256 : 40);
+        const char* const Last = Text.data() + Text.size();
+        const char* const First = Text.data() + Random() % (Text.size() + 1);
+        const char Value = static_cast<char>(Random() % 40 * 37);
+        ASSERT_EQ(FindNear(First, Last, Value), std::find(First, Last, Value)) << testing::PrintToString(Text);
     }
 }
 
