@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "KvAllocationCount.h"
+#include "KvImpatientUser.h"
 #include "KvTextImport.h"
 #include "KvUserInterface.h"
 
@@ -480,37 +481,6 @@ TEST(Kvi2txt, RunsAfterAFailure)
 // Cancel.
 
 namespace {
-
-/// A user who clicks Cancel after pending messages were let run so many times.
-class TImpatientUser final : public TUserInterface
-{
-public:
-    explicit TImpatientUser(int Rounds) : RoundsLeft(Rounds) { SetUserInterface(this); }
-    ~TImpatientUser() override { SetUserInterface(nullptr); }
-
-    std::unique_ptr<TProgressWindow> OpenProgress(const TProgressCaptions&) override
-    {
-        return std::make_unique<TWindow>(*this);
-    }
-    void ShowMessage(TMessageKind, const std::string&) override {}
-    bool Confirm(const std::string&) override { return false; }
-    void SetBusyCursor(bool) override {}
-    void ProcessMessages() override { --RoundsLeft; }
-    bool PickFileToOpen(const std::string&, std::string&) override { return false; }
-    bool AskSaveSpecification(TSaveSpecificationRequest&) override { return false; }
-
-private:
-    struct TWindow final : TProgressWindow
-    {
-        explicit TWindow(TImpatientUser& TheUser) : User(TheUser) {}
-        void SetRange(int, int, int) override {}
-        void Update(const std::string&, const TProgressFigures&) override {}
-        bool Cancelled() const override { return User.RoundsLeft < 0; }
-        TImpatientUser& User;
-    };
-
-    int RoundsLeft;
-};
 
 /// So large that reading and cutting both ask several times whether to go on.
 std::string LargeText()

@@ -1,0 +1,59 @@
+// KvHtmlRows - the rows of the tables of a page, and their cells.
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvHTMLExtensions.h"
+#include "KvHtmlCell.h"
+#include "KvHtmlCellText.h"
+#include "KvHtmlSpans.h"
+#include "KvHtmlTags.h"
+
+namespace kv {
+
+/// The rows of a text, first to last, once. Rows of all tables are one sequence.
+class TKvHtmlRows
+{
+public:
+    /// Keeps a view of `Text`, which must outlive the object and the texts of cells. `TableNumber` is that
+    /// of the table to read, from 1 in the order in which they begin, those inside others too; 0: all.
+    TKvHtmlRows(std::string_view Text, TKvIHTMLExtensions Extensions, int TableNumber = 0);
+
+    /// Moves to the next row. False past the last one, and on every later call. Raises Exception for a
+    /// span that reaches too far.
+    bool Next();
+
+    /// Cells of the current row, or the columns that they cover.
+    std::size_t Columns() const { return Spanned ? Spans.Columns() : Cells.size(); }
+    /// The text in column `Column`, from 0: a view until the next Next(). Empty where there is no cell.
+    std::string_view Text(std::size_t Column);
+
+private:
+    bool FindRow();
+    void ReadRow();
+    void ReadCell();
+    void CloseCell(const char* First, bool HasTags);
+    bool EndsCell(TKvHtmlTag Tag);
+    bool EndsRow(TKvHtmlTag Tag) const;
+
+    const bool Syntax;
+    const bool Spanned;
+    const int TableNumber;
+    const TKvHtmlCellText CellText;
+    TKvHtmlTags Tags;
+    int Tables = 0;                                 // begun so far
+    bool InTable = false;
+    std::size_t TablesInCell = 0;                   // open inside the current cell
+    std::vector<TKvHtmlCell> Cells;                 // of the current row
+    TKvHtmlSpans Spans;
+    std::deque<std::string> Texts;                  // by column, of cells that are not views of the page
+};
+
+/// The texts of the cells of the first row, each on one line; none of a page without rows.
+std::vector<std::string> ReadHtmlHeader(TKvHtmlRows Rows);
+
+} // namespace kv

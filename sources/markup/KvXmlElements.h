@@ -1,0 +1,76 @@
+// KvXmlElements - the records of a data packet that is read as XML 1.0.
+//
+//   packet := ... <FIELDS> (<FIELD attrname="..."/>)* </FIELDS> ... <ROWDATA> (<ROW name="value" .../>)* </ROWDATA>
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvXmlAttributes.h"
+
+namespace kv {
+
+/// What is asked of a record.
+enum TKvXmlRowUse {
+    ruCount,                                        ///< That it is there.
+    ruValues                                        ///< Values of its attributes.
+};
+
+/// The records of a packet, first to last, once: the elements directly inside the element ROWDATA.
+///
+/// Raises Exception where the text is no XML, or ends too early: a record that was cut off must not pass
+/// for a whole one. What has no bearing on records is not looked at.
+class TKvXmlElements
+{
+public:
+    static constexpr std::size_t MaxDepth = 1000;   ///< Elements inside each other.
+
+    /// Keeps a view of `Text`, which must outlive the object and the attributes; `FileName` is for messages.
+    /// `RowTag`, when not empty, is the name of the element to look into instead, in whatever case.
+    TKvXmlElements(std::string_view Text, std::string_view RowTag, std::string_view FileName);
+
+    /// Moves to the next record. False past the last one, and on every later call.
+    bool Next(TKvXmlRowUse Use);
+
+    const TKvXmlAttributes& Attributes() const { return FAttributes; } ///< Of the current record, with ruValues.
+    /// The attribute "attrname", else the first, of each element directly inside a FIELDS so far.
+    const std::vector<std::string>& FieldNames() const { return FFieldNames; }
+
+private:
+    const char* FindBehind(const char* From, std::string_view Mark) const;
+    bool StartsWith(std::string_view Mark) const;
+    const char* SkipBlanks(const char* From) const
+    {
+        while (From != End && IsBlank(*From))
+            ++From;
+        return From;
+    }
+    static bool IsBlank(char Char) { return Char == ' ' || Char == '\n' || Char == '\r' || Char == '\t'; }
+    void SkipDeclaration();
+    void SkipDoctype();
+    bool OpenElement();
+    void ReadAttributes();
+    void CloseElement();
+    std::string_view ReadName();
+    bool IsRowSection(std::string_view Name) const;
+    bool IsRecord() const;
+    void AddFieldName();
+    [[noreturn]] void Refuse(const std::string& Reason) const;
+    [[noreturn]] void RefuseAttribute(std::string_view Name, const char* Reason);
+
+    const std::string RowTag;
+    const std::string FileName;
+    const char* const Begin;
+    const char* const End;
+    const char* Pos;
+    std::vector<std::string_view> Open;             // names of the elements that are open
+    std::size_t FieldsDepth = 0;                    // Open.size() inside a FIELDS; 0: in none
+    std::size_t RowsDepth = 0;                      // the same of rows
+    bool KeepsAttributes = false;
+    TKvXmlAttributes FAttributes;                   // of the current tag
+    std::vector<std::string> FFieldNames;
+};
+
+} // namespace kv

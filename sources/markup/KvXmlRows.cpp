@@ -1,0 +1,108 @@
+#include "KvXmlRows.h"
+
+#include "KvByteScan.h"
+#include "KvCharacterReferences.h"
+
+namespace kv {
+
+namespace {
+
+/// What may have to change in a value, and what may end one: a search for these needs no end so near that
+/// it stops whole blocks of bytes from being looked at.
+const TKvLowByteSet Stops('\x1F', "&\"'");
+
+bool IsBlank(char Char)
+{
+    return Char == '\r' || Char == '\n' || Char == '\t';
+}
+
+} // namespace
+
+TKvXmlRows::TKvXmlRows(std::string_view Text, TKvIXMLExtensions TheExtensions, std::string_view RowTag,
+                       std::string_view FileName)
+    : Extensions(TheExtensions),
+      Syntax(Extensions.Contains(xxTagSyntax)),
+      References(Extensions.Contains(xxReferences)),
+      Tokens(Text, RowTag),
+      Elements(Text, RowTag, FileName),
+      TextEnd(Text.data() + Text.size())
+{
+}
+
+bool TKvXmlRows::Next(TKvXmlRowUse Use)
+{
+    IsCut = false;
+    return Syntax ? Elements.Next(Use) : Tokens.Next();
+}
+
+const std::vector<std::string>& TKvXmlRows::FieldNames() const
+{
+    return Syntax ? Elements.FieldNames() : Tokens.FieldNames();
+}
+
+std::size_t TKvXmlRows::AddColumn(std::string_view Name)
+{
+    Columns.emplace_back(Name, Extensions.Contains(xxWholeNames));
+    Buffers.emplace_back();
+    return Columns.size() - 1;
+}
+
+/// Of the current token, once: rows that are only counted are not cut.
+void TKvXmlRows::CutAttributes()
+{
+    TokenAttributes.clear();
+    auto Token = Tokens.Token();
+    if (!CutClassicAttributes(Token, TokenAttributes)) {
+        Token = WithoutLineBreaks(Token, TokenText);
+        CutClassicAttributes(Token, TokenAttributes);
+    }
+    TextEnd = Token.data() + Token.size();
+    IsCut = true;
+}
+
+std::optional<std::string_view> TKvXmlRows::Value(std::size_t Column)
+{
+    if (!Syntax && !IsCut)
+        CutAttributes();
+    const auto* const Found = Columns[Column].FindIn(Syntax ? Elements.Attributes() : TokenAttributes);
+    if (!Found || !Found->Closed)
+        return {};
+    if (!Syntax && !References)
+        return Found->Value;
+    const char* const Last = Found->Value.data() + Found->Value.size();
+    if (Stops.FindIn(Found->Value.data(), TextEnd) >= Last)
+        return Found->Value;
+    Decode(Found->Value, Buffers[Column]);
+    return Buffers[Column];
+}
+
+/// As XML 1.0 normalises values: a line break or tab reads as a blank, one that is written as a reference
+/// stays what it is.
+void TKvXmlRows::Decode(std::string_view Value, std::string& Text) const
+{
+    const char* Pos = Value.data();
+    const char* const End = Pos + Value.size();
+    Text.clear();
+    for (const char* Stop; (Stop = Stops.FindIn(Pos, End)) != End;) {
+        Text.append(Pos, Stop);
+        Pos = Stop + 1;
+        if (*Stop == '&' && References) {
+            const std::string_view Rest(Stop, static_cast<std::size_t>(End - Stop));
+            if (const auto Size = DecodeReference(Rest, crXml, Text); Size > 0)
+                Pos = Stop + Size;
+            else
+                Text += *Stop;
+        }
+        else if (Syntax && IsBlank(*Stop)) {
+            Text += ' ';
+            if (*Stop == '\r' && Pos != End && *Pos == '\n')
+                ++Pos;                              // both are one line break
+        }
+        else {
+            Text += *Stop;
+        }
+    }
+    Text.append(Pos, End);
+}
+
+} // namespace kv

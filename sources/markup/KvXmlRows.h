@@ -1,0 +1,56 @@
+// KvXmlRows - the records of a data packet, cut by the older rules or as XML.
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvXMLExtensions.h"
+#include "KvXmlAttributes.h"
+#include "KvXmlElements.h"
+#include "KvXmlTokens.h"
+
+namespace kv {
+
+/// The records of a packet, first to last, once, and the values of their attributes.
+class TKvXmlRows
+{
+public:
+    /// Keeps a view of `Text`, which must outlive the object. `RowTag` and `FileName` are as TKvXmlElements
+    /// has them.
+    TKvXmlRows(std::string_view Text, TKvIXMLExtensions Extensions, std::string_view RowTag,
+               std::string_view FileName);
+
+    /// Moves to the next record. False past the last one, and on every later call. Raises Exception for
+    /// what is no XML, with xxTagSyntax.
+    bool Next(TKvXmlRowUse Use = ruValues);
+
+    /// A number for a name of attributes, the same as long as the object lives.
+    std::size_t AddColumn(std::string_view Name);
+    /// The value of a column in the current record, which was asked for with ruValues: a view until the next
+    /// Next(). Nothing when the record has no such attribute or, by the older rules, none that a quote ends.
+    std::optional<std::string_view> Value(std::size_t Column);
+
+    const std::vector<std::string>& FieldNames() const;
+
+private:
+    void CutAttributes();
+    void Decode(std::string_view Value, std::string& Text) const;
+
+    const TKvIXMLExtensions Extensions;
+    const bool Syntax;
+    const bool References;
+    TKvXmlTokens Tokens;
+    TKvXmlElements Elements;
+    const char* TextEnd;                            // of the text that values are views of
+    bool IsCut = false;                             // the attributes are those of the current token
+    TKvXmlAttributes TokenAttributes;
+    std::string TokenText;                          // without its line breaks
+    std::vector<TKvXmlColumn> Columns;
+    std::deque<std::string> Buffers;                // by column, of values that are not views of the file
+};
+
+} // namespace kv

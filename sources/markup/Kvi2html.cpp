@@ -1,0 +1,158 @@
+#include "Kvi2html.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "KvMarkupEncoding.h"
+#include "KvMarkupPreview.h"
+#include "KvNumberText.h"
+#include "KvPublish.h"
+#include "KvText.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::string_view ExtensionNames[] = {"xhTagSyntax", "xhHeaderCells", "xhReferences",  "xhFoldedSpace",
+                                               "xhSpans",     "xhEncoding",    "xhHeaderNames", "xhEmptyIsNull"};
+constexpr std::string_view NamesOf1252[] = {"ISO-8859-1", "latin1", "US-ASCII"};
+constexpr char MsgNoColumn[] = "%s has no column \"%s\"";
+
+constexpr std::string_view FieldPrefix = "Field";
+constexpr auto NoColumn = std::numeric_limits<std::size_t>::max();
+
+/// The column, from 0, that a name like "Field3" counts to.
+std::size_t NumberedColumn(std::string_view Name)
+{
+    if (!SameText(Name.substr(0, FieldPrefix.size()), FieldPrefix))
+        return NoColumn;
+    const auto Number = TryTextToInt(Name.substr(FieldPrefix.size())).value_or(0);
+    return Number > 0 ? static_cast<std::size_t>(Number - 1) : NoColumn;
+}
+
+} // namespace
+
+TKvImportFromHTML::TKvImportFromHTML(TComponent* Owner) : TKvImportFromMarkup(Owner, teHTML, Extension()) {}
+
+TPublishedProperties TKvImportFromHTML::PublishedProperties() const
+{
+    using T = TKvImportFromHTML;
+    auto Properties = TKvImportFromMarkup::PublishedProperties();
+    Properties.push_back(Publish("TableNumber", &T::TableNumber));
+    Properties.push_back(Publish("Extensions", &T::Extensions, ExtensionNames));
+    return Properties;
+}
+
+std::string TKvImportFromHTML::FillFileFilters()
+{
+    return TKvImportFromMarkup::FillFileFilters() + "|HTML file (*.htm;*.html)|*.HTM;*.HTML|";
+}
+
+// Loading.
+
+TKvFindEncoding TKvImportFromHTML::EncodingFinder() const
+{
+    return Extensions.Contains(xhEncoding) ? FindHtmlEncoding : nullptr;
+}
+
+void TKvImportFromHTML::BeforeImport()
+{
+    Columns.Clear();
+    Header.clear();
+    TKvImportFromMarkup::BeforeImport();
+    if (HasHeader())
+        Header = ReadHtmlHeader(TKvHtmlRows(Text(), Extensions, TableNumber));
+}
+
+void TKvImportFromHTML::StartRows(std::string_view Text)
+{
+    Rows.emplace(Text, Extensions, TableNumber);
+}
+
+void TKvImportFromHTML::AfterImport()
+{
+    Rows.reset();
+    TKvImportFromMarkup::AfterImport();
+}
+
+// The values.
+
+TVariant TKvImportFromHTML::GetFieldValue(const TVariant& Source)
+{
+    const auto Column = Columns.Find(Source, [this](std::string_view Each) { return ResolveColumn(Each); });
+    if (const auto Text = Rows->Text(Column); !Text.empty())
+        return TVariant::Borrow(Text);
+    if (Extensions.Contains(xhEmptyIsNull))
+        return Null;
+    return TVariant::Borrow(Source.Text());
+}
+
+std::size_t TKvImportFromHTML::ResolveColumn(std::string_view Source) const
+{
+    if (!Extensions.Contains(xhHeaderNames)) {
+        const int Item = GetFieldItem(Source);
+        return Item >= 0 ? static_cast<std::size_t>(Item) : NoColumn;
+    }
+    const auto Named = std::ranges::find_if(Header, [Source](const auto& Each) { return SameText(Each, Source); });
+    if (Named != Header.end())
+        return static_cast<std::size_t>(Named - Header.begin());
+    if (const auto Numbered = NumberedColumn(Source); Numbered != NoColumn)
+        return Numbered;
+    throw Exception(FormatText(MsgNoColumn, {SourceFileName, Source}));
+}
+
+// Automatic mapping.
+
+/// With RowFirst above 1 by the names of the columns, which only the extension reads: without it no field
+/// gets a mapping then, as programs know it.
+void TKvImportFromHTML::DetectAutoMapping()
+{
+    BeforeImport();
+    for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
+        const auto& FieldName = GetDataSet()->Fields(I).FieldName();
+        const auto NamesField = [&FieldName](const auto& Each) { return SameText(Each, FieldName); };
+        if (RowFirst > 1) {
+            if (const auto Found = std::ranges::find_if(Header, NamesField); Found != Header.end())
+                Mappings().Add(FieldName + "=" + *Found);
+        }
+        else if (Extensions.Contains(xhHeaderNames)) {
+            Mappings().Add(FieldName + "=" + std::string(FieldPrefix) + std::to_string(I + 1));
+        }
+        else {
+            Mappings().Add(FieldName + "=" + FieldName);
+        }
+    }
+    AfterImport();
+}
+
+// Routines without a component.
+
+std::string_view FindHtmlEncoding(std::string_view Text)
+{
+    for (const auto Find : {FindWideEncoding, FindXmlEncoding, FindMetaCharset}) {
+        const auto Name = Find(Text);
+        if (Name.empty())
+            continue;
+        const auto Means1252 = [Name](std::string_view Each) { return SameText(Name, Each); };
+        return std::ranges::any_of(NamesOf1252, Means1252) ? "windows-1252" : Name;
+    }
+    return {};
+}
+
+void LoadHTMLPreview(TPersistent* Sender, std::string_view FieldNames, const std::string& FileName,
+                     std::string_view /*Unused*/, int RowFirst, int RowLast, bool Flag, TStrings& Columns,
+                     const TPreviewCallback& Callback)
+{
+    if (FieldNames.empty())
+        return;
+    const TKvTextFile File(FileName, bmIsText);
+    SplitFieldNames(FieldNames, Columns);
+    std::vector<std::size_t> Cells;
+    for (const auto& Name : Columns)
+        Cells.push_back(static_cast<std::size_t>(Columns.IndexOf(Name)));
+    TKvHtmlRows Rows(MarkupText(File, FileName, false), {});
+    OfferRows(TKvMarkupPreview{Sender, RowFirst, RowLast, Flag, Columns, Callback}, Rows,
+              [&](int Column) { return Rows.Text(Cells[static_cast<std::size_t>(Column)]); });
+}
+
+} // namespace kv

@@ -1,0 +1,68 @@
+// Kvi2html - imports the tables of HTML files. It is a scanner of tags and no HTML parser: see
+// KvHTMLExtensions.h for what that means and how much of it can be had otherwise.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvHTMLExtensions.h"
+#include "KvHtmlRows.h"
+#include "KvMarkupImport.h"
+#include "KviSourceColumns.h"
+
+namespace kv {
+
+/// Imports the rows of all tables of a file. By default the first mapping line gets the first cell of a
+/// row and so on, a line whose source another one has named before gets the same cell as that, and an
+/// empty cell imports the line's source.
+class TKvImportFromHTML : public TKvImportFromMarkup
+{
+public:
+    explicit TKvImportFromHTML(TComponent* Owner = nullptr);
+
+    std::string_view ClassName() const override { return "TKvImportFromHTML"; }
+    TPublishedProperties PublishedProperties() const override;
+
+    TKvIHTMLExtensions Extensions;
+    int TableNumber = 0;                            ///< The table to import, from 1; 0: all, one after the other.
+
+    static std::string Extension() { return ".HTML"; }
+    static std::string FillFileFilters();
+
+protected:
+    void DetectAutoMapping() override;
+    void BeforeImport() override;
+    TVariant GetFieldValue(const TVariant& Source) override;
+    void AfterImport() override;
+
+    TKvFindEncoding EncodingFinder() const override;
+    void StartRows(std::string_view Text) override;
+    bool NextRow() override { return Rows->Next(); }
+
+private:
+    bool HasHeader() const { return Extensions.Contains(xhHeaderNames) && RowFirst > 1; }
+    std::size_t ResolveColumn(std::string_view Source) const;
+
+    // One run, from BeforeImport to AfterImport.
+    std::optional<TKvHtmlRows> Rows;
+    std::vector<std::string> Header;                // names of columns; none without HasHeader()
+    TKvSourceColumns<std::size_t> Columns;          // from 0
+};
+
+/// How an HTML file says that it is encoded, empty when it does not: UTF-16 shows in its first tag, other
+/// encodings stand in a META tag or an XML declaration near the start. "ISO-8859-1" and "US-ASCII" mean
+/// windows-1252, as they do to browsers.
+std::string_view FindHtmlEncoding(std::string_view Text);
+
+/// Calls `Callback` once for each of the rows `RowFirst` to `RowLast`, at most to row 20, of the tables of
+/// a file. `FieldNames`, separated by ";", go to `Columns`; the values are the texts of as many cells, a name
+/// that stands there twice getting the cell of the first. Without names nothing happens. `Unused` is not
+/// looked at. Raises EFileError.
+void LoadHTMLPreview(TPersistent* Sender, std::string_view FieldNames, const std::string& FileName,
+                     std::string_view Unused, int RowFirst, int RowLast, bool Flag, TStrings& Columns,
+                     const TPreviewCallback& Callback);
+
+} // namespace kv
