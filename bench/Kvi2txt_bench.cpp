@@ -1,15 +1,10 @@
 // What a delimited text file costs: cutting it into lines and values, and importing it into memory.
 #include "Kvi2txt.h"
 
-#include <filesystem>
-
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
-#include "KvBenchFiles.h"
+#include "KvBenchImport.h"
 #include "KvFile.h"
-#include "KvFormatSettings.h"
-#include "KvMemoryDataSet.h"
 #include "KvTextLines.h"
 
 namespace kv {
@@ -19,35 +14,10 @@ namespace {
 constexpr std::int64_t Rows = 200000;
 constexpr TKvITextExtensions AllExtensions{xtDoubledQualifiers, xtLongLines, xtByteOrderMark};
 
-/// A file of orders, made once and removed at the end.
-class TOrdersFile
+const bench::TOrdersFile& Orders()
 {
-public:
-    TOrdersFile() { bench::WriteOrders(Name, bench::olDelimited, Rows); }
-    ~TOrdersFile() { std::filesystem::remove(Name); }
-    std::string FileName() const { return Name.string(); }
-
-private:
-    const std::filesystem::path Name =
-        std::filesystem::temp_directory_path() / ("kvi2txt-bench-" + std::to_string(getpid()) + ".csv");
-};
-
-const TOrdersFile& Orders()
-{
-    static const TOrdersFile File;
+    static const bench::TOrdersFile File(bench::olDelimited, Rows);
     return File;
-}
-
-std::vector<TFieldDef> OrderFields()
-{
-    return {{.Name = "ID", .DataType = ftLargeint, .Required = true},
-            {.Name = "CUSTOMER", .DataType = ftString, .Size = 60},
-            {.Name = "CITY", .DataType = ftString, .Size = 40},
-            {.Name = "ORDERED", .DataType = ftDate},
-            {.Name = "AMOUNT", .DataType = ftBCD},
-            {.Name = "QTY", .DataType = ftLargeint},
-            {.Name = "PAID", .DataType = ftBoolean},
-            {.Name = "NOTE", .DataType = ftString}};
 }
 
 /// Reading the file, cutting it into lines and each line into values. Extensions: 0 classic, 1 RFC 4180.
@@ -71,31 +41,15 @@ void SplitLinesAndValues(benchmark::State& State)
     State.SetItemsProcessed(State.iterations() * Rows);
 }
 
-/// A whole import with conversion of eight typed values a row.
+/// Extensions: 0 none, 1 all.
 void ImportIntoMemory(benchmark::State& State)
 {
-    FormatSettings().ShortDateFormat = "yyyy-MM-dd";
-    TMemoryDataSet DataSet;
-    for (auto _ : State) {
-        State.PauseTiming();                        // the rows of the round before are given back here
-        DataSet.SetFieldDefs(OrderFields());
-        DataSet.Open();
-        State.ResumeTiming();
-        TKvImportFromText Import;
-        Import.SetDataSet(&DataSet);
-        Import.SourceFileName = Orders().FileName();
+    bench::ImportOrders<TKvImportFromText>(State, Orders(), Rows, [&State](auto& Import) {
         Import.SetFieldDelimiter(fdComma);
         Import.RowFirst = 2;
-        Import.AnimatedStatus = false;
-        Import.Options = {};
-        Import.DataFormats.DateSeparator = '-';
         if (State.range(0) != 0)
             Import.Extensions = AllExtensions;
-        Import.Execute();
-        if (Import.Statistic.TotalAdded != Rows)
-            State.SkipWithError("not every row was added");
-    }
-    State.SetItemsProcessed(State.iterations() * Rows);
+    });
 }
 
 BENCHMARK(SplitLinesAndValues)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);

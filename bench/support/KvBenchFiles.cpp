@@ -21,15 +21,16 @@ public:
     {
         Out.exceptions(std::ios::failbit | std::ios::badbit);
         Out.open(File, std::ios::binary | std::ios::trunc);
-        if (Lines == olDelimited)
-            WriteHeader();
+        WriteHeader();
     }
 
     void Write(std::uint64_t Id, std::uint64_t Revision)
     {
         MakeOrder(Id, Revision, Order);
+        Text += Lines == olHtml ? "<tr>" : Lines == olXml ? "<ROW" : "";
         for (std::size_t Column = 0; Column < Order.size(); Column++)
-            Lines == olDelimited ? AppendDelimited(Column) : AppendPadded(Column);
+            Append(Column);
+        Text += Lines == olHtml ? "</tr>" : Lines == olXml ? "/>" : "";
         Text += LineEnd;
         if (Text.size() > (1u << 20))
             Flush();
@@ -37,6 +38,10 @@ public:
 
     void Close()
     {
+        if (Lines == olHtml)
+            Text += "</table>\n</body>\n</html>\n";
+        if (Lines == olXml)
+            Text += "</ROWDATA></DATAPACKET>\n";
         Flush();
         Out.close();
     }
@@ -44,9 +49,39 @@ public:
 private:
     void WriteHeader()
     {
-        for (const auto& Column : OrderColumns)
-            Text.append(&Column == OrderColumns.data() ? "" : ",").append(Column.Name);
+        switch (Lines) {
+        case olDelimited:
+            for (const auto& Column : OrderColumns)
+                Text.append(&Column == OrderColumns.data() ? "" : ",").append(Column.Name);
+            break;
+        case olFixedWidth:
+            return;
+        case olHtml:
+            Text = "<html>\n<head><meta charset=\"utf-8\"><title>Orders</title></head>\n"
+                   "<body>\n<table border=1>\n<tr>";
+            for (const auto& Column : OrderColumns)
+                Text.append("<th>").append(Column.Name).append("</th>");
+            Text += "</tr>";
+            break;
+        case olXml:
+            Text = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n"
+                   "<DATAPACKET Version=\"2.0\"><METADATA><FIELDS>";
+            for (const auto& Column : OrderColumns)
+                Text.append("<FIELD attrname=\"").append(Column.Name).append("\" fieldtype=\"string\"/>");
+            Text += "</FIELDS><PARAMS/></METADATA><ROWDATA>";
+            break;
+        }
         Text += LineEnd;
+    }
+
+    void Append(std::size_t Column)
+    {
+        switch (Lines) {
+        case olDelimited:  return AppendDelimited(Column);
+        case olFixedWidth: return AppendPadded(Column);
+        case olHtml:       return AppendCell(Column);
+        case olXml:        return AppendAttribute(Column);
+        }
     }
 
     void AppendDelimited(std::size_t Column)
@@ -71,6 +106,32 @@ private:
     {
         Text += Order[Column];
         Text.append(OrderColumns[Column].Width - Order[Column].size(), ' ');
+    }
+
+    void AppendCell(std::size_t Column)
+    {
+        Text += "<td>";
+        AppendEscaped(Order[Column]);
+        Text += "</td>";
+    }
+
+    void AppendAttribute(std::size_t Column)
+    {
+        if (Order[Column].empty())
+            return;
+        Text.append(" ").append(OrderColumns[Column].Name).append("=\"");
+        AppendEscaped(Order[Column]);
+        Text += '"';
+    }
+
+    void AppendEscaped(std::string_view Value)
+    {
+        for (const char Byte : Value)
+            switch (Byte) {
+            case '&': Text += "&amp;"; break;
+            case '"': Text += "&quot;"; break;
+            default:  Text += Byte; break;
+            }
     }
 
     void Flush()

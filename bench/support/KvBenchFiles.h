@@ -11,10 +11,13 @@ namespace kv::bench {
 enum TOrderLines
 {
     olDelimited,                                    ///< A header, commas, CUSTOMER in quotation marks.
-    olFixedWidth                                    ///< No header; values padded with blanks to OrderColumns.
+    olFixedWidth,                                   ///< No header; values padded with blanks to OrderColumns.
+    olHtml,                                         ///< A table with a row of header cells.
+    olXml                                           ///< A data packet; an empty NOTE has no attribute.
 };
 
-/// Writes orders 1 to `Rows` in order of ID; a row of a delimited file is about 87 bytes long.
+/// Writes orders 1 to `Rows` in order of ID; a row is about 87 bytes long in a delimited file, 165 in an HTML
+/// table and 140 in a data packet.
 void WriteOrders(const std::filesystem::path& File, TOrderLines Lines, std::uint64_t Rows,
                  std::string_view LineEnd = "\n");
 
