@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "KvComponent.h"
+#include "KvException.h"
 #include "KvIniFile.h"
 #include "KvProperties.h"
 #include "KvText.h"
@@ -17,7 +18,7 @@ namespace {
 
 constexpr std::string_view Section = "Extensions";
 constexpr std::string_view SetProperty = "Extensions";
-constexpr std::string_view Places[] = {"SheetIndex", "TableName", "TableNumber"}; // where in the file records stand
+constexpr std::string_view Places[] = {"SheetIndex", "TableName", "TableNumber", "TableType"}; // which records
 constexpr std::size_t PrefixSize = 2;               // of the name of an element
 
 const TPublishedProperty* FindSet(const TPublishedProperties& Properties)
@@ -68,9 +69,13 @@ void ReadPlace(const TIniFile& File, const TPublishedProperty& Place, TPersisten
     if (!File.HasKey(Section, Place.Name))
         return;
     if (Place.Kind == pkInteger)
-        Place.Set(Component, File.ReadInteger(Section, Place.Name, 0));
-    else
-        Place.Set(Component, File.ReadString(Section, Place.Name, {}));
+        return Place.Set(Component, File.ReadInteger(Section, Place.Name, 0));
+    try {
+        SetPropValue(Component, Place.Name, File.ReadString(Section, Place.Name, {}));
+    }
+    catch (const EPropertyError& Error) {
+        File.RefuseValue(Section, Place.Name, Error.Message);
+    }
 }
 
 /// Calls `Take` with each of the properties in `Places` that there are.

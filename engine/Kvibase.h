@@ -140,6 +140,9 @@ protected:
     void FillKey4Values();
     /// Position of the first mapped field whose source column is `Source`, or -1.
     int GetFieldItem(std::string_view Source) const;
+    /// Counts an error of the current record and offers it to OnErrorEvent. Called while `Error` is handled,
+    /// which it raises again when the handler set Abort.
+    void RecordFailed(const Exception& Error);
     /// With `Convert`, `Text` from the OEM code page to the ANSI code page.
     static std::string UECode(bool Convert, std::string_view Text);
 

@@ -145,15 +145,21 @@ void TKvImportBaseComponent::WriteRecord(TKvIAction Action)
     }
     catch (const Exception& Error) {
         FDataSet->Cancel();
-        ++Statistic.TotalErrors;
-        if (!OnErrorEvent)
-            return;                                 // the record stays counted as what was tried
-        UndoCount(Action);
-        Aborted = false;
-        OnErrorEvent(*this, Error, Aborted);
-        if (Aborted)
-            throw;
+        if (OnErrorEvent)                           // else the record stays counted as what was tried
+            UndoCount(Action);
+        RecordFailed(Error);
     }
+}
+
+void TKvImportBaseComponent::RecordFailed(const Exception& Error)
+{
+    ++Statistic.TotalErrors;
+    if (!OnErrorEvent)
+        return;
+    Aborted = false;
+    OnErrorEvent(*this, Error, Aborted);
+    if (Aborted)
+        throw;
 }
 
 void TKvImportBaseComponent::UndoCount(TKvIAction Action)
