@@ -1,7 +1,6 @@
 #include "KvTable.h"
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <limits>
 #include <string_view>
@@ -18,8 +17,6 @@ namespace kv {
 
 namespace {
 
-constexpr std::array<std::string_view, 5> TableTypeNames = {"ttDefault", "ttParadox", "ttDBase", "ttFoxPro",
-                                                            "ttASCII"};
 constexpr std::size_t SignatureSize = 256;          // enough of a file to tell its format
 
 /// A format of table files.

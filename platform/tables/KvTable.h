@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "KvDataSet.h"
 
@@ -18,6 +19,8 @@ enum TTableType {
     ttFoxPro,
     ttASCII                                         ///< Text. Known by name only: other components read text.
 };
+
+inline constexpr std::string_view TableTypeNames[] = {"ttDefault", "ttParadox", "ttDBase", "ttFoxPro", "ttASCII"};
 
 /// What datasets of the table engine belong to. Files that are only read need nothing of it but its name.
 struct TSession

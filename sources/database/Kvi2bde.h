@@ -1,0 +1,76 @@
+// Kvi2bde - imports a table file of Paradox, dBase or FoxPro.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "KvSet.h"
+#include "KvStringList.h"
+#include "KvTable.h"
+#include "Kvibase.h"
+#include "KviSourceColumns.h"
+
+namespace kv {
+
+/// Rules that take the place of older ones.
+enum TKvITableExtension {
+    /// A run without mappings opens the table and takes its fields into those of the same name. Without it
+    /// such a run fails before its first record: a table that is not open yet knows no fields.
+    xbOpensForMapping
+};
+using TKvITableExtensions = TSet<TKvITableExtension>;
+
+/// Imports the records of a table file, all that are not deleted. Source columns are field names; a name that
+/// the table does not have is a constant that imports itself. A record with a value that cannot be read is an
+/// error of that record. With csiASCII_MSDOS texts are of the OEM code page, whatever the table says of them.
+class TKvImportFromBDE : public TKvImportBaseComponent
+{
+public:
+    /// `Kind` is teParadox or teDBase: what a specification that is saved calls the source.
+    explicit TKvImportFromBDE(TComponent* Owner = nullptr, TTableTypeImport Kind = teParadox);
+
+    std::string_view ClassName() const override { return "TKvImportFromBDE"; }
+    TPublishedProperties PublishedProperties() const override;
+
+    /// What the table is opened as; with ttDBase the first 10 characters of names count. A component of the
+    /// kind teDBase takes ttDefault for ttDBase.
+    TTableType TableType = ttDefault;
+    using TKvImportBaseComponent::SourceFileName;   ///< The table.
+
+    TKvITableExtensions Extensions;
+
+protected:
+    bool NotDefined(std::string& PropName) override;
+    bool FieldIsTruncated() const override { return TypeOfTable() == ttDBase; }
+    /// For the fields that the closed table knows, which are none: see xbOpensForMapping.
+    void DetectAutoMapping() override;
+    /// Raises Exception when there are no mappings: every record would be empty.
+    void BeforeImport() override;
+    void GoFirst() override;
+    int GetTotalCount() override { return Table->RecordCount(); }
+    bool NeedMore() override { return !Table->Eof(); }
+    bool LoadRecord() override;
+    TVariant GetFieldValue(const TVariant& Source) override;
+    void GoNext() override { Table->Next(); }
+    void AfterImport() override { Table.reset(); }
+
+private:
+    TTableType TypeOfTable() const;
+    void PrepareTable();
+    TField* FindColumn(const std::string& Column) const;
+
+    // One run.
+    std::unique_ptr<TTable> Table;
+    TKvSourceColumns<TField*> Columns;              // none: no such field
+};
+
+/// The kinds of sources that a program may offer: all of them.
+TImportFormatTypes GetAvailableImportFormats();
+
+/// Shows the first 19 records of a table: `Callback` gets the values of the fields in `FieldNames`, separated
+/// by ";", as an array from 0. Empty `FieldNames` become the list of all fields, and `Columns`, when given,
+/// their names, one a line. `DataSet`, which may be none, is the destination, whose session the table takes.
+void LoadBDEPreview(TPersistent* Sender, const std::string& FileName, std::string& FieldNames, bool IsDBase,
+                    const TDataSet* DataSet, bool Flag, TStrings* Columns, const TPreviewCallback& Callback);
+
+} // namespace kv

@@ -1,0 +1,487 @@
+#include "Kvi2bde.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "KvCodePage.h"
+#include "KvDbaseBuilder.h"
+#include "KvException.h"
+#include "KvFormatSettings.h"
+#include "KvMemoryDataSet.h"
+#include "KvParadoxBuilder.h"
+#include "KvProperties.h"
+#include "KvTempFolder.h"
+
+namespace kv {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using TLines = std::vector<std::string>;
+
+TDbaseBuilder People()
+{
+    return TDbaseBuilder().Field("NAME", 'C', 10).Field("QTY", 'N', 5).Record({"Ada", "    3"})
+        .Deleted({"Bob", "    4"}).Record({"Cy", ""}).Record({"Dee", "    5"});
+}
+
+/// Imports the people into Name and Qty.
+class TTableImport : public TKvImportFromBDE
+{
+public:
+    explicit TTableImport(const TDbaseBuilder& Source = People())
+    {
+        SourceFileName = Folder.Write("people.dbf", Source.Build());
+        To.SetFieldDefs({{.Name = "Name"}, {.Name = "Qty", .DataType = ftInteger}});
+        To.Open();
+        SetDataSet(&To);
+        SetMappings({"Name=NAME", "Qty=QTY"});
+        AnimatedStatus = false;
+        Options = {};
+    }
+
+    /// The records of the destination after a run.
+    TLines Run(TKvIResult Expected = irExecuted)
+    {
+        Execute();
+        EXPECT_EQ(Statistic.Result, Expected) << ErrorMessage();
+        TLines Rows;
+        for (To.First(); !To.Eof(); To.Next()) {
+            Rows.emplace_back();
+            for (int I = 0; I < To.FieldCount(); ++I)
+                Rows.back() += (I > 0 ? "|" : "") + To.Fields(I).AsString();
+        }
+        return Rows;
+    }
+
+    void AddRecord(std::string_view Value)
+    {
+        To.Append();
+        To.Fields(0).SetValue(Value);
+        To.Post();
+    }
+
+    using TKvImportFromBDE::DetectAutoMapping;
+    using TKvImportFromBDE::FieldIsTruncated;
+    using TKvImportFromBDE::NotDefined;
+
+    const TTempFolder Folder;
+    TMemoryDataSet To;
+};
+
+std::string MessageOf(const std::function<void()>& Act)
+{
+    try {
+        Act();
+    }
+    catch (const Exception& Error) {
+        return Error.Message;
+    }
+    return "nothing was raised";
+}
+
+TLines LinesOf(const TStrings& Lines) { return {Lines.begin(), Lines.end()}; }
+
+/// What a preview shows: a line for each call.
+struct TPreview
+{
+    TLines Show(const std::string& FileName, bool IsDBase, TStrings* Columns = nullptr)
+    {
+        TLines Calls;
+        LoadBDEPreview(nullptr, FileName, FieldNames, IsDBase, nullptr, Flag, Columns,
+                       [&](TPersistent*, int ColCount, int Row, bool GivenFlag, const TVariant& Values) {
+                           EXPECT_EQ(GivenFlag, Flag);
+                           EXPECT_EQ(Values.LowBound(), 0);
+                           std::string Line = std::to_string(ColCount) + " " + std::to_string(Row) + ":";
+                           for (int I = 0; I <= Values.HighBound(); ++I)
+                               Line += " " + Values[I].ToText();
+                           Calls.push_back(Line);
+                       });
+        return Calls;
+    }
+
+    std::string FieldNames;
+    bool Flag = true;
+};
+
+} // namespace
+
+// --- A run -------------------------------------------------------------------------------------------
+
+TEST(Kvi2bde, ImportsTheRecordsThatAreNotDeleted)
+{
+    TTableImport Import;
+    EXPECT_THAT(Import.Run(), ElementsAre("Ada|3", "Cy|", "Dee|5"));
+    EXPECT_EQ(Import.Statistic.TotalImported, 3);
+    EXPECT_EQ(Import.Statistic.TotalAdded, 3);
+    EXPECT_EQ(Import.Statistic.TotalCount, 3);
+}
+
+TEST(Kvi2bde, ImportsParadoxTables)
+{
+    TTableImport Import;
+    Import.SourceFileName = Import.Folder.Write(
+        "people.db", TParadoxBuilder().Field("Name", 'A', 10).Field("Qty", 'I').Record({"Eve", ParadoxLong(7)}).Build());
+    for (const auto Type : {ttDefault, ttParadox}) {
+        Import.TableType = Type;
+        Import.Mode = imCopy;
+        EXPECT_THAT(Import.Run(), ElementsAre("Eve|7"));
+    }
+}
+
+TEST(Kvi2bde, SourceFieldsAreFoundWithoutRegardToCase)
+{
+    TTableImport Import;
+    Import.SetMappings({"Name=name"});
+    EXPECT_THAT(Import.Run(), ElementsAre("Ada|", "Cy|", "Dee|"));
+}
+
+TEST(Kvi2bde, ANameThatTheTableDoesNotHaveIsAConstant)
+{
+    TTableImport Import;
+    Import.SetMappings({"Name=Imported", "Qty=QTY"});
+    EXPECT_THAT(Import.Run(), ElementsAre("Imported|3", "Imported|", "Imported|5"));
+}
+
+TEST(Kvi2bde, AnEmptyTableGivesNoRecord)
+{
+    TTableImport Import(TDbaseBuilder().Field("NAME", 'C', 10));
+    EXPECT_THAT(Import.Run(), IsEmpty());
+    EXPECT_EQ(Import.Statistic.TotalImported, 0);
+}
+
+TEST(Kvi2bde, EachRunReadsTheFileAnew)
+{
+    TTableImport Import;
+    Import.Run();
+    Import.Folder.Write("people.dbf", TDbaseBuilder().Field("X", 'C', 3).Field("NAME", 'C', 3).Record({"x", "Eve"}).Build());
+    Import.Mode = imCopy;
+    Import.SetMappings({"Name=NAME"});
+    EXPECT_THAT(Import.Run(), ElementsAre("Eve|"));
+}
+
+TEST(Kvi2bde, UpdatesRecordsWithTheSameKey)
+{
+    TTableImport Import;
+    Import.AddRecord("Dee");
+    Import.Mode = imAppendUpdate;
+    Import.DatasetKeys = "Name";
+    EXPECT_THAT(Import.Run(), ElementsAre("Dee|5", "Ada|3", "Cy|"));
+    EXPECT_EQ(Import.Statistic.TotalUpdated, 1);
+    EXPECT_EQ(Import.Statistic.TotalAdded, 2);
+}
+
+TEST(Kvi2bde, ARunThatFailedLeavesNothingForTheNext)
+{
+    TTableImport Import;
+    const auto Good = Import.SourceFileName;
+    Import.SourceFileName = Import.Folder.Write("cut.dbf", People().Build().substr(0, 120));
+    EXPECT_THAT(Import.Run(irFailed), ElementsAre("Ada|3"));
+    EXPECT_THAT(Import.ErrorMessage(), HasSubstr("cut.dbf\" ends after record 1 of 4"));
+    Import.SourceFileName = Good;
+    Import.Mode = imCopy;
+    EXPECT_THAT(Import.Run(), ElementsAre("Ada|3", "Cy|", "Dee|5"));
+}
+
+TEST(Kvi2bde, AMissingFileFailsTheRunAndIsNamed)
+{
+    TTableImport Import;
+    Import.SourceFileName = "/no/such.dbf";
+    EXPECT_THAT(Import.Run(irFailed), IsEmpty());
+    EXPECT_EQ(Import.ErrorMessage(), "Cannot open file \"/no/such.dbf\": No such file or directory");
+}
+
+// --- Values that cannot be read ----------------------------------------------------------------------
+
+TEST(Kvi2bde, AValueThatCannotBeReadIsAnErrorOfItsRecord)
+{
+    TTableImport Import(TDbaseBuilder().Field("NAME", 'C', 10).Field("QTY", 'N', 5).Record({"Ada", "    3"})
+                            .Record({"Bob", "*****"}).Record({"Cy", "    5"}));
+    TLines Errors;
+    Import.OnErrorEvent = [&](auto&, const Exception& Error, bool&) { Errors.push_back(Error.Message); };
+    EXPECT_THAT(Import.Run(), ElementsAre("Ada|3", "Cy|5"));
+    EXPECT_THAT(Errors, ElementsAre("File \"" + Import.SourceFileName + "\", record 2, field 'QTY': '*****' is no number"));
+    EXPECT_EQ(Import.Statistic.TotalImported, 3);
+    EXPECT_EQ(Import.Statistic.TotalAdded, 2);
+    EXPECT_EQ(Import.Statistic.TotalErrors, 1);
+}
+
+TEST(Kvi2bde, AnErrorOfARecordMayEndTheRun)
+{
+    TTableImport Import(TDbaseBuilder().Field("NAME", 'C', 10).Field("QTY", 'N', 5).Record({"Ada", "*****"})
+                            .Record({"Bob", "    5"}));
+    Import.OnErrorEvent = [](auto&, const Exception&, bool& Abort) { Abort = true; };
+    EXPECT_THAT(Import.Run(irFailed), IsEmpty());
+    EXPECT_EQ(Import.Statistic.TotalErrors, 1);
+    EXPECT_THAT(Import.ErrorMessage(), HasSubstr("record 1, field 'QTY': '*****' is no number"));
+}
+
+TEST(Kvi2bde, WithoutAHandlerErrorsOfRecordsAreCounted)
+{
+    TTableImport Import(TDbaseBuilder().Field("QTY", 'N', 5).Record({"*****"}).Record({"    5"}));
+    Import.SetMappings({"Qty=QTY"});
+    EXPECT_THAT(Import.Run(), ElementsAre("|5"));
+    EXPECT_EQ(Import.Statistic.TotalErrors, 1);
+    EXPECT_EQ(Import.Statistic.TotalAdded, 1);
+}
+
+TEST(Kvi2bde, AFieldThatIsNotMappedIsNotRead)
+{
+    TTableImport Import(TDbaseBuilder().Field("NAME", 'C', 10).Field("QTY", 'N', 5).Record({"Ada", "*****"}));
+    Import.SetMappings({"Name=NAME"});
+    EXPECT_THAT(Import.Run(), ElementsAre("Ada|"));
+}
+
+// --- Texts and digits --------------------------------------------------------------------------------
+
+TEST(Kvi2bde, TextsAreOfTheCodePageThatTheTableNames)
+{
+    TTableImport Import(TDbaseBuilder().Language(0x65).Field("NAME", 'C', 10).Record({"\x8F\xE0\xA8"}));
+    Import.SetMappings({"Name=NAME"});
+    EXPECT_THAT(Import.Run(), ElementsAre("При|"));
+}
+
+TEST(Kvi2bde, TextsOfMsDosAreOfTheOemCodePageWhateverTheTableSays)
+{
+    SetOemCodePage("866");
+    TTableImport Import(TDbaseBuilder().Language(0x03).Field("NAME", 'C', 10).Record({"\x8F\xE0\xA8"}));
+    Import.SetMappings({"Name=NAME"});
+    Import.CharacterSet = csiASCII_MSDOS;
+    EXPECT_THAT(Import.Run(), ElementsAre("При|"));
+    SetOemCodePage("437");
+}
+
+TEST(Kvi2bde, DigitsThatOnlyTextHoldsAreReadWithTheSeparatorsOfTheRun)
+{
+    TTableImport Import(TDbaseBuilder().Field("NAME", 'N', 20, 15).Record({"1.234567890123456"}));
+    Import.To.SetFieldDefs({{.Name = "Value", .DataType = ftFloat}});
+    Import.To.Open();
+    Import.SetMappings({"Value=NAME"});
+    const auto Decimal = Import.DataFormats.DecimalSeparator, Thousand = Import.DataFormats.ThousandSeparator;
+    Import.DataFormats.DecimalSeparator = ',';
+    Import.DataFormats.ThousandSeparator = '.';
+    EXPECT_THAT(Import.Run(), ElementsAre("1.234567890123456"));
+    Import.DataFormats.DecimalSeparator = Decimal;
+    Import.DataFormats.ThousandSeparator = Thousand;
+}
+
+TEST(Kvi2bde, AmountsKeepTheirDigits)
+{
+    TTableImport Import(TDbaseBuilder().Field("NAME", 'N', 20, 2).Record({"99999999999999.99"}));
+    Import.SetMappings({"Name=NAME"});
+    EXPECT_THAT(Import.Run(), ElementsAre("99999999999999.99|"));
+}
+
+// --- Names -------------------------------------------------------------------------------------------
+
+TEST(Kvi2bde, NamesOfDbaseTablesAreShort)
+{
+    TTableImport Import;
+    for (const auto& [Type, IsTruncated] : {std::pair{ttDefault, false}, {ttParadox, false}, {ttDBase, true},
+                                            {ttFoxPro, false}, {ttASCII, false}}) {
+        Import.TableType = Type;
+        EXPECT_EQ(Import.FieldIsTruncated(), IsTruncated) << Type;
+    }
+}
+
+TEST(Kvi2bde, AComponentForDbaseTablesTakesItsDefaultForThem)
+{
+    struct TDbaseImport : TKvImportFromBDE
+    {
+        TDbaseImport() : TKvImportFromBDE(nullptr, teDBase) {}
+        using TKvImportFromBDE::FieldIsTruncated;
+    } Import;
+    EXPECT_TRUE(Import.FieldIsTruncated());
+    Import.TableType = ttParadox;
+    EXPECT_FALSE(Import.FieldIsTruncated());
+}
+
+TEST(Kvi2bde, AMappingOfADbaseTableMayNameAFieldByMoreCharactersThanItHas)
+{
+    TTableImport Import(TDbaseBuilder().Field("CUSTOMERNA", 'C', 10).Record({"Ada"}));
+    Import.TableType = ttDBase;
+    Import.SetMappings({"Name=CustomerName"});
+    EXPECT_THAT(Import.Run(), ElementsAre("Ada|"));
+}
+
+TEST(Kvi2bde, TenCharactersStandForALongerNameThatBeginsWithThem)
+{
+    TTableImport Import(TDbaseBuilder(0x04).Field("CustomerName", 'C', 10).Record({"Ada"}));
+    Import.TableType = ttDBase;
+    Import.SetMappings({"Name=CustomerName"});
+    EXPECT_THAT(Import.Run(), ElementsAre("Ada|"));
+}
+
+TEST(Kvi2bde, TenCharactersThatBeginTwoNamesAreRefused)
+{
+    TTableImport Import(TDbaseBuilder(0x04).Field("CustomerName", 'C', 10).Field("CustomerNation", 'C', 10).Record({"Ada", "UK"}));
+    Import.TableType = ttDBase;
+    Import.SetMappings({"Name=CustomerName"});
+    EXPECT_THAT(Import.Run(irFailed), IsEmpty());
+    EXPECT_EQ(Import.ErrorMessage(), Import.SourceFileName +
+                                         ": both field 'CustomerName' and field 'CustomerNation' begin with 'CustomerNa'");
+}
+
+// --- Automatic mappings ------------------------------------------------------------------------------
+
+TEST(Kvi2bde, AClosedTableHasNoFieldsToMap)
+{
+    TTableImport Import;
+    Import.Mappings().Clear();
+    Import.DetectAutoMapping();
+    EXPECT_TRUE(Import.Mappings().IsEmpty());
+}
+
+TEST(Kvi2bde, ARunWithoutMappingsFailsBeforeItsFirstRecord)
+{
+    TTableImport Import;
+    Import.AddRecord("kept");
+    Import.Mappings().Clear();
+    for (const auto Mode : {imAppend, imCopy}) {
+        Import.Mode = Mode;
+        EXPECT_THAT(Import.Run(irFailed), ElementsAre("kept|"));
+        EXPECT_EQ(Import.ErrorMessage(),
+                  Import.SourceFileName + ": a table tells its fields only once it is open; mappings are needed");
+    }
+}
+
+TEST(Kvi2bde, OpensForMappingFindsFieldsByTheirNames)
+{
+    TTableImport Import;
+    Import.Extensions = {xbOpensForMapping};
+    Import.Mappings().Clear();
+    Import.DetectAutoMapping();
+    EXPECT_THAT(LinesOf(Import.Mappings()), ElementsAre("Name=Name", "Qty=Qty"));
+    Import.Mappings().Clear();
+    EXPECT_THAT(Import.Run(), ElementsAre("Ada|3", "Cy|", "Dee|5"));
+    EXPECT_TRUE(Import.Mappings().IsEmpty());
+}
+
+TEST(Kvi2bde, OpensForMappingFailsWhereNoNameIsShared)
+{
+    TTableImport Import(TDbaseBuilder().Field("OTHER", 'C', 10).Record({"x"}));
+    Import.Extensions = {xbOpensForMapping};
+    Import.Mappings().Clear();
+    EXPECT_THAT(Import.Run(irFailed), IsEmpty());
+    EXPECT_EQ(Import.ErrorMessage(), Import.SourceFileName +
+                                         ": no field has the name of a field of the destination; mappings are needed");
+}
+
+// --- Properties --------------------------------------------------------------------------------------
+
+TEST(Kvi2bde, RefusesToRunWithoutAFile)
+{
+    TTableImport Import;
+    Import.SourceFileName = "";
+    EXPECT_EQ(MessageOf([&] { Import.Execute(); }), "Property SourceFileName wasn't specified.");
+    Import.SetDataSet(nullptr);
+    EXPECT_EQ(MessageOf([&] { Import.Execute(); }), "Property DataSet wasn't specified.");
+}
+
+TEST(Kvi2bde, HasItsDefaults)
+{
+    const TKvImportFromBDE Import;
+    EXPECT_EQ(Import.SourceFileName, "KvImport.KVI");
+    EXPECT_EQ(Import.TableType, ttDefault);
+    EXPECT_TRUE(Import.Extensions.IsEmpty());
+}
+
+TEST(Kvi2bde, PublishesItsProperties)
+{
+    TKvImportFromBDE Import;
+    SetPropValue(Import, "SourceFileName", "a.dbf");
+    SetPropValue(Import, "TableType", "ttFoxPro");
+    SetPropValue(Import, "Extensions", 1);
+    EXPECT_EQ(Import.SourceFileName, "a.dbf");
+    EXPECT_EQ(Import.TableType, ttFoxPro);
+    EXPECT_TRUE(Import.Extensions.Contains(xbOpensForMapping));
+}
+
+TEST(Kvi2bde, ASpecificationKeepsTheTypeOfTheTable)
+{
+    const TTempFolder Folder;
+    TKvImportFromBDE Import;
+    Import.TableType = ttDBase;
+    Import.SaveSpecification("People", Folder / "people.kvi", false);
+    EXPECT_THAT(Folder.Read("people.kvi"), HasSubstr("TableType=Paradox"));
+    TKvImportFromBDE Loaded;
+    Loaded.LoadSpecification(Folder / "people.kvi");
+    EXPECT_EQ(Loaded.TableType, ttDBase);
+    Folder.Write("people.kvi", "[Common]\nTableType=Paradox\n[Extensions]\nTableType=9\n");
+    EXPECT_EQ(MessageOf([&] { Loaded.LoadSpecification(Folder / "people.kvi"); }),
+              "Cannot read file \"" + Folder / "people.kvi" +
+                  "\": [Extensions] TableType: '9' is not a valid value for property TKvImportFromBDE.TableType");
+}
+
+TEST(Kvi2bde, AllKindsOfSourcesAreAvailable)
+{
+    const auto Formats = GetAvailableImportFormats();
+    for (const auto Kind : {teParadox, teDBase, teText, teHTML, teXLS, teWKS, teQuattro, teXML, teAccess})
+        EXPECT_TRUE(Formats.Contains(Kind)) << Kind;
+}
+
+// --- The preview -------------------------------------------------------------------------------------
+
+TEST(LoadBDEPreview, ListsFieldsAndShowsRecords)
+{
+    const TTempFolder Folder;
+    TStrings Columns{"something else"};
+    TPreview Preview;
+    EXPECT_THAT(Preview.Show(Folder.Write("a.dbf", People().Build()), true, &Columns),
+                ElementsAre("2 1: Ada 3", "2 2: Cy ", "2 3: Dee 5"));
+    EXPECT_EQ(Preview.FieldNames, "NAME;QTY");
+    EXPECT_THAT(LinesOf(Columns), ElementsAre("NAME", "QTY"));
+}
+
+TEST(LoadBDEPreview, ShowsParadoxTables)
+{
+    const TTempFolder Folder;
+    TPreview Preview;
+    Preview.Flag = false;
+    EXPECT_THAT(Preview.Show(Folder.Write("a.db", TParadoxBuilder().Field("WHO", 'A', 5).Record({"Eve"}).Build()), false),
+                ElementsAre("1 1: Eve"));
+    EXPECT_EQ(Preview.FieldNames, "WHO");
+}
+
+TEST(LoadBDEPreview, ShowsTheFieldsThatAreNamed)
+{
+    const TTempFolder Folder;
+    TStrings Columns{"stays"};
+    TPreview Preview{.FieldNames = "qty;NAME;QTY"};
+    EXPECT_THAT(Preview.Show(Folder.Write("a.dbf", People().Build()), true, &Columns),
+                ElementsAre("3 1: 3 Ada 3", "3 2:  Cy ", "3 3: 5 Dee 5"));
+    EXPECT_EQ(Preview.FieldNames, "qty;NAME;QTY");
+    EXPECT_THAT(LinesOf(Columns), ElementsAre("stays"));
+}
+
+TEST(LoadBDEPreview, ShowsNineteenRecords)
+{
+    const TTempFolder Folder;
+    TDbaseBuilder Table;
+    Table.Field("NO", 'N', 3);
+    for (int I = 1; I <= 100; ++I)
+        Table.Record({std::to_string(I)});
+    const auto Calls = TPreview().Show(Folder.Write("a.dbf", Table.Build()), true);
+    ASSERT_EQ(Calls.size(), 19u);
+    EXPECT_EQ(Calls.back(), "1 19: 19");
+}
+
+TEST(LoadBDEPreview, ErrorsOfTheTableReachTheCaller)
+{
+    const TTempFolder Folder;
+    const auto Name = Folder.Write("a.dbf", People().Build());
+    TPreview Preview;
+    EXPECT_THAT(MessageOf([&] { Preview.Show(Name, false); }), HasSubstr("a.dbf\" is no Paradox table"));
+    EXPECT_THAT(MessageOf([&] { Preview.Show("/no/such.dbf", true); }), HasSubstr("No such file or directory"));
+    Preview.FieldNames = "NAME;OTHER";
+    EXPECT_EQ(MessageOf([&] { Preview.Show(Name, true); }), Name + ": field 'OTHER' not found");
+}
+
+} // namespace kv
