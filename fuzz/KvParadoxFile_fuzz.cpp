@@ -16,8 +16,9 @@ void ReadRecord(TKvTableFile& Table)
 {
     for (std::size_t I = 0; I < Table.FieldDefs().size(); ++I) {
         try {
-            const TVariant Value(Table.Value(I));
-            Require(!Value.IsEmpty());
+            const auto Loan = Table.Value(I);
+            const TVariant Copy(Loan);              // which reads all that was lent
+            Require(!Copy.IsEmpty() && Copy == Loan);
         }
         catch (const EFormatError&) {
         }

@@ -85,7 +85,8 @@ std::string ReadAll(const std::string& FileName, TOutcomes& Outcomes)
         for (Table.First(); !Table.Eof(); Table.Next())
             for (std::size_t I = 0; I < Table.FieldDefs().size(); ++I)
                 try {
-                    const TVariant Value(Table.Value(I));
+                    const auto Loan = Table.Value(I);
+                    const TVariant Copy(Loan);      // which reads all that was lent
                     ++Outcomes["values"];
                 }
                 catch (const EFormatError&) {

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "KvAllocationCount.h"
 #include "KvBytes.h"
 #include "KvDateText.h"
 #include "KvException.h"
@@ -56,7 +57,8 @@ TVariant SingleValue(const TTableFile& File)
 {
     TKvParadoxFile Table(File.Name);
     Table.First();
-    return TVariant(Table.Value(0));
+    const auto Loan = Table.Value(0);
+    return TVariant(Loan);                          // a copy owns its text
 }
 
 std::string ErrorOfSingleValue(const TTableFile& File)
@@ -336,6 +338,27 @@ TEST(KvParadoxFile, ADamagedTableIsAtItsEndAfterTheError)
     EXPECT_THROW(Table.Next(), EFormatError);
     EXPECT_TRUE(Table.Eof());
     EXPECT_NO_THROW(Table.Next());
+}
+
+TEST(KvParadoxFile, ReadingShortValuesAllocatesNothing)
+{
+    TParadoxBuilder Builder;
+    Builder.Field("NAME", 'A', 60).Field("CITY", 'A', 20).Field("BORN", 'D').Field("RATE", 'N').Field("PAID", 'L');
+    Builder.Field("QTY", 'S').Field("SEEN", '@').CodePage(850).RecordsPerBlock(10);
+    for (int I = 0; I < 100; ++I)
+        Builder.Record({std::string(60, 'x'), "Z\x81rich", ParadoxLong(664989), ParadoxNumber(0.1), "\x81",
+                        ParadoxShort(I), ParadoxNumber(63716202001000.0)});
+    const TTableFile File(Builder);
+    TKvParadoxFile Table(File.Name);
+    Table.First();
+    Table.Value(1);                                 // fills the buffer of texts once
+    const auto Before = AllocationCount();
+    std::size_t Values = 0;
+    for (; !Table.Eof(); Table.Next())
+        for (std::size_t I = 0; I < 7; ++I)
+            Values += Table.Value(I).HasValue() ? 1 : 0;
+    EXPECT_EQ(AllocationCount(), Before);
+    EXPECT_EQ(Values, 700u);
 }
 
 TEST(KvParadoxFile, AFileThatIsNotThereIsNamed)
