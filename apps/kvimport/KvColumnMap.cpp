@@ -101,18 +101,6 @@ const TField& FieldNamed(const std::string& Name, const std::string& Where, cons
     throw Exception(Where + ": there is no field '" + Name + "'; the fields are " + FieldNames(DataSet));
 }
 
-/// What is to be said of a source that names no column, such as Field9 of 8 or a constant.
-std::string RemarkOnStranger(const std::string& Source, const std::vector<TSourceColumn>& Columns)
-{
-    if (Source.starts_with("Field"))
-        return "there is no such column: the field stays empty";
-    const auto Meant = std::ranges::find_if(
-        Columns, [&Source](const TSourceColumn& Column) { return SameText(Column.Name, Source); });
-    if (Meant != Columns.end())
-        return "no column but a constant: every record gets this text (the column of that name is " + Meant->Source + ")";
-    return "no column but a constant: every record gets this text";
-}
-
 /// "Text11-20" is a column of a fixed line whatever the source lists.
 bool IsRange(const std::string& Source)
 {
@@ -160,8 +148,22 @@ TColumnMap MapByPosition(const std::vector<TSourceColumn>& Columns, const TDataS
     return Map;
 }
 
+std::string RemarkOnConstant(const std::string& Source, const std::vector<TSourceColumn>& Columns)
+{
+    if (IsRange(Source))
+        return {};
+    if (Source.starts_with("Field"))
+        return "there is no such column: the field stays empty";
+    const auto Meant = std::ranges::find_if(
+        Columns, [&Source](const TSourceColumn& Column) { return SameText(Column.Name, Source); });
+    if (Meant != Columns.end())
+        return "no column but a constant: every record gets this text (the column of that name is " + Meant->Source + ")";
+    return "no column but a constant: every record gets this text";
+}
+
 TColumnMap MapAsGiven(const std::vector<std::string>& Lines, const std::vector<TSourceColumn>& Columns,
-                      const TDataSet& Destination)
+                      const TDataSet& Destination,
+                      const std::function<std::string(const std::string& Source)>& RemarkOnStranger)
 {
     TMapBuilder Builder(Destination);
     std::vector<std::string> Used;
@@ -181,7 +183,7 @@ TColumnMap MapAsGiven(const std::vector<std::string>& Lines, const std::vector<T
         const bool Known = Column != Columns.end();
         Used.push_back(FromDisplay(Source));
         Builder.Join(Known ? *Column : TSourceColumn{.Source = FromDisplay(Source), .Name = {}}, Field,
-                     Known || IsRange(Source) ? std::string() : RemarkOnStranger(Source, Columns));
+                     Known ? std::string() : RemarkOnStranger(Source));
     }
     for (const auto& Column : Columns)
         if (std::ranges::count(Used, Column.Source) == 0)

@@ -2,6 +2,7 @@
 // of each of them what becomes of it.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -41,10 +42,15 @@ TColumnMap MapByName(const std::vector<TSourceColumn>& Columns, const TDataSet& 
 /// The first column to the first field, and so on.
 TColumnMap MapByPosition(const std::vector<TSourceColumn>& Columns, const TDataSet& Destination);
 
+/// What is to be said of a mapping to `Source`, which is none of `Columns`.
+std::string RemarkOnConstant(const std::string& Source, const std::vector<TSourceColumn>& Columns);
+
 /// Exactly the given lines "FIELD=column". Raises Exception for a line that has no such form, names an
-/// unknown field or one that an earlier line names.
+/// unknown field or one that an earlier line names, and what `RemarkOnStranger` raises for a source that
+/// is none of `Columns`.
 TColumnMap MapAsGiven(const std::vector<std::string>& Lines, const std::vector<TSourceColumn>& Columns,
-                      const TDataSet& Destination);
+                      const TDataSet& Destination,
+                      const std::function<std::string(const std::string& Source)>& RemarkOnStranger);
 
 /// True when most of `Values` are names of fields: a line of them is a header.
 bool LooksLikeHeader(const std::vector<std::string>& Values, const TDataSet& Destination);

@@ -23,6 +23,8 @@ constexpr char ExtraHelp[] =
     "      Adds every record; columns go to the fields that line 1 names.\n"
     "  kvimport import orders.csv --to shop.db --table orders --mode append-update --keys ID\n"
     "      Changes the orders that are there and adds the others.\n"
+    "  kvimport import book.xls --sheet 2 --to shop.db --table orders\n"
+    "      A sheet of a workbook; kvimport sheets lists them.\n"
     "  kvimport import old.txt --to shop.db --table orders --fixed --columns ID=1-9,CITY=10-29 --charset msdos\n"
     "      A file of fixed width from an MS-DOS program.\n"
     "  zcat orders.csv.gz | kvimport import - --to shop.db --table orders --delimiter comma --json\n"
@@ -98,8 +100,10 @@ void AddPlanOptions(CLI::App& Command, TImportOptions& Options)
     AddMappingOptions(Command, Options);
     AddSourceOptions(Command, Options.Source);
     Command.add_flag("--classic", Options.Source.Classic,
-                     "Read as the components do by themselves: doubled qualifiers stay doubled, lines have at most 9999 "
-                     "characters, a byte order mark is text, fixed values keep their blanks")
+                     "Read as the components do by themselves. Of text: doubled qualifiers stay doubled, lines have at most "
+                     "9999 characters, a byte order mark is text, fixed values keep their blanks. Of workbooks: what a sheet "
+                     "does not declare is not read, results of formulas are numbers or missing, only built-in date formats "
+                     "make dates, the 1904 date mode and code pages are not looked at, integers of worksheets have no sign")
         ->group("What is read");
     Command.option_defaults()->group("How values are written");
     AddFormatOptions(Command, Options.Formats);

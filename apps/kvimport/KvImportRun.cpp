@@ -50,7 +50,8 @@ TColumnMap TImportRun::MapColumns()
         return {};
     const auto Columns = Source->Columns();
     if (!Options.Map.empty())
-        return MapAsGiven(Options.Map, Columns, Destination->Table());
+        return MapAsGiven(Options.Map, Columns, Destination->Table(),
+                          [this](const std::string& Column) { return Source->RemarkOnStranger(Column); });
     if (Options.ByPosition)
         return MapByPosition(Columns, Destination->Table());
     if (Columns.empty())

@@ -36,6 +36,7 @@ void AddPreviewOptions(CLI::App& Command, TPreviewOptions& Options)
     Command.footer("Examples:\n"
                    "  kvimport preview orders.csv\n"
                    "  kvimport preview orders.csv --first-row 1       line 1 is no header\n"
+                   "  kvimport preview book.xls --sheet Orders\n"
                    "  kvimport preview old.txt --fixed --columns ID=1-9,CITY=10-29 --charset msdos");
     AddSourceFile(Command, Options.Source, "File to show; - is standard input");
     AddChecked(Command, "--rows", "N", "Rows to show (default: 20)",
@@ -115,6 +116,8 @@ void Preview(TPreviewOptions& Options)
     else
         PrintTable(*Source, Rows);
     std::cout.flush();
+    for (const auto& Warning : Source->Warnings())
+        std::cerr << "Warning: " << VisibleText(Source->DisplayName() + ", " + Warning) << '\n';
 }
 
 } // namespace

@@ -50,6 +50,9 @@ public:
     virtual bool HasNames() const = 0;
     virtual std::vector<TSourceColumn> Columns() = 0;
     virtual TSourceRows FirstRows(int Count) = 0;
+    /// What is to be said of a mapping to `Column`, which Columns() lacks. Raises Exception when nothing
+    /// can come of it.
+    virtual std::string RemarkOnStranger(const std::string& Column);
     /// `Text` of an error, in which the source goes by its display name.
     virtual std::string Explain(std::string Text) const { return Text; }
     /// How the source was read, where the command line left it open: "delimiter: semicolon".

@@ -42,6 +42,7 @@ public:
     bool HasNames() const override { return Rows.Header > 0; }
     std::vector<TSourceColumn> Columns() override;
     TSourceRows FirstRows(int Count) override;
+    std::string RemarkOnStranger(const std::string& Column) override;
     std::string Explain(std::string Text) const override { return File.Explain(std::move(Text)); }
     std::vector<std::string> Findings() const override;
     std::vector<std::string> Warnings() const override { return FWarnings; }
@@ -200,6 +201,16 @@ std::vector<TSourceColumn> TSpreadSheetSource::Columns()
     return Result;
 }
 
+/// There are no constants: any name is read as letters, and most of them lead nowhere.
+std::string TSpreadSheetSource::RemarkOnStranger(const std::string& Column)
+{
+    const int Number = ColumnOfLetters(Column) + 1;
+    const auto Letters = SpreadSheetLetters(Number);
+    if (SameText(Column, Letters) && Number <= TSpreadSheetRow::MaxColumns)
+        return HoldsValues(Number - 1) ? "" : "the column holds no values: the field stays empty";
+    throw Exception("'" + Column + "' is no column: columns are called A to IV");
+}
+
 TSourceRows TSpreadSheetSource::FirstRows(int Count)
 {
     TSourceRows Result{.Columns = ColumnsThere(), .Rows = {}, .Places = {}};
@@ -220,11 +231,11 @@ template <class TImport> std::unique_ptr<TSource> Make(const TSourceOptions& Opt
     return std::make_unique<TSpreadSheetSource>(Options, std::make_unique<TImport>());
 }
 
-/// A record that begins a worksheet: id 0, 2 bytes.
-bool IsWorksheetOf(std::string_view Beginning, std::initializer_list<std::string_view> Versions)
+/// A record that begins a worksheet: id 0, 2 bytes or more, the version. Versions that are not read are
+/// taken too: the reader refuses them in words.
+bool IsWorksheetOf(std::string_view Beginning, std::string_view Size, std::initializer_list<std::string_view> Versions)
 {
-    using namespace std::string_view_literals;
-    return Beginning.starts_with("\x00\x00\x02\x00"sv) &&
+    return Beginning.substr(0, 2) == std::string_view("\0\0", 2) && Beginning.substr(2, 2) == Size &&
            std::ranges::count(Versions, Beginning.substr(4, 2)) > 0;
 }
 
@@ -256,12 +267,15 @@ bool BeginsLikeXls(std::string_view Beginning)
 
 bool BeginsLikeWks(std::string_view Beginning)
 {
-    return IsWorksheetOf(Beginning, {"\x04\x04", "\x05\x04", "\x06\x04"});
+    using namespace std::string_view_literals;
+    return IsWorksheetOf(Beginning, "\x02\x00"sv, {"\x04\x04", "\x05\x04", "\x06\x04"}) ||
+           IsWorksheetOf(Beginning, "\x1A\x00"sv, {"\x00\x10"sv, "\x02\x10"sv, "\x03\x10"sv, "\x05\x10"sv}); // 3 and later
 }
 
 bool BeginsLikeQuattro(std::string_view Beginning)
 {
-    return IsWorksheetOf(Beginning, {"\x20\x51"});
+    using namespace std::string_view_literals;
+    return IsWorksheetOf(Beginning, "\x02\x00"sv, {"\x20\x51", "\x21\x51", "\x01\x10", "\x02\x10"}); // the last are later ones
 }
 
 } // namespace kv

@@ -160,6 +160,21 @@ TEST_F(KvSpreadSheets, AWorkbookComesThroughAPipe)
     EXPECT_EQ(Orders(), "1|Köln\n2|Rom");
 }
 
+TEST_F(KvSpreadSheets, AMappingToAColumnWithoutValuesIsRemarkedOn)
+{
+    EXPECT_THAT(Import(Workbook(), {"--map", "ID=A", "--map", "CITY=Z", "--first-row", "2"}).Out,
+                HasSubstr("-> CITY  (the column holds no values: the field stays empty)\n"));
+}
+
+TEST_F(KvSpreadSheets, AMappingToWhatIsNoColumnIsRefused)
+{
+    for (const auto* const Column : {"City", "IW", "@", "B@", "Field2"}) {
+        const auto Result = Import(Workbook(), {"--map", "ID=A", "--map", std::string("CITY=") + Column});
+        EXPECT_EQ(Result.Status, 3);
+        EXPECT_THAT(Result.Err, HasSubstr("'" + std::string(Column) + "' is no column: columns are called A to IV\n"));
+    }
+}
+
 // Columns that fit no field.
 
 TEST_F(KvSpreadSheets, ColumnsWithoutANameOrWithOneThatIsTakenAreRemarkedOn)
@@ -251,6 +266,13 @@ TEST_F(KvSpreadSheets, AFileOfNoKnownFormatIsRefusedWithItsName)
     EXPECT_THAT(Result.Err, AllOf(HasSubstr("book.xls"), HasSubstr("File is not a Excel file")));
 }
 
+TEST_F(KvSpreadSheets, WorksheetsOfLaterVersionsAreRefusedAndNotTakenForText)
+{
+    const std::string Lotus3("\x00\x00\x1A\x00\x00\x10", 6), Windows("\x00\x00\x02\x00\x01\x10", 6);
+    EXPECT_THAT(Import(Lotus3 + std::string(24, '\0'), {}, "book.wk3").Err, HasSubstr("File is not a Lotus 1-2-3 file"));
+    EXPECT_THAT(Import(Windows, {}, "book.wb1").Err, HasSubstr("File is not a QuattroPro file"));
+}
+
 TEST_F(KvSpreadSheets, AFileThatIsNotThereIsRefusedWithItsName)
 {
     const auto Result = RunKvImport(Shop.Folder, {"sheets", Shop.Folder / "none.xls"});
@@ -299,7 +321,9 @@ TEST_F(KvSpreadSheets, PreviewGoesOnUntilTheLastValue)
 {
     const auto Book = TWorksheetBuilder(wfLotus).Range(0, 0).Label(0, 0, "ID").Integer(0, 30, 5).End().Build();
     EXPECT_THAT(Kvimport("preview", Book, {"--rows", "99"}).Out, HasSubstr(" 31   5\n"));
-    EXPECT_THAT(Kvimport("preview", Book, {"--classic"}).Out, HasSubstr("There are no rows.\n"));
+    const auto Classic = Kvimport("preview", Book, {"--classic"});
+    EXPECT_THAT(Classic.Out, HasSubstr("There are no rows.\n"));
+    EXPECT_THAT(Classic.Err, HasSubstr("the sheet declares 0 rows and holds values down to row 31"));
 }
 
 TEST_F(KvSpreadSheets, SheetsListsNamesRowsAndColumns)

@@ -44,6 +44,13 @@ template <class TAction> std::string MessageOf(TAction Action)
     return "nothing was raised";
 }
 
+/// Under the rule of a source that has constants.
+TColumnMap MapGiven(const std::vector<std::string>& Lines, const std::vector<TSourceColumn>& Given, const TDataSet& Destination)
+{
+    return MapAsGiven(Lines, Given, Destination,
+                      [&Given](const std::string& Source) { return RemarkOnConstant(Source, Given); });
+}
+
 TEST(KvColumnMap, JoinsByName)
 {
     const TOrders Orders;
@@ -73,7 +80,7 @@ TEST(KvColumnMap, JoinsByPosition)
 TEST(KvColumnMap, TakesLinesAsTheyAreGiven)
 {
     const TOrders Orders;
-    const auto Map = MapAsGiven({" city = Field2", "NOTE=Text11-20", "ID=7"}, Columns({"", ""}), Orders);
+    const auto Map = MapGiven({" city = Field2", "NOTE=Text11-20", "ID=7"}, Columns({"", ""}), Orders);
     EXPECT_THAT(Map.Lines, ElementsAre("CITY=Field2", "NOTE=Text11-20", "ID=7"));
     EXPECT_EQ(Map.Columns[0].Remark, "");
     EXPECT_EQ(Map.Columns[1].Remark, "");
@@ -84,14 +91,21 @@ TEST(KvColumnMap, TakesLinesAsTheyAreGiven)
 TEST(KvColumnMap, PointsToTheColumnThatAConstantMayMean)
 {
     const TOrders Orders;
-    EXPECT_EQ(MapAsGiven({"CITY=Town"}, Columns({"ID", "town"}), Orders).Columns[0].Remark,
+    EXPECT_EQ(MapGiven({"CITY=Town"}, Columns({"ID", "town"}), Orders).Columns[0].Remark,
               "no column but a constant: every record gets this text (the column of that name is Field2)");
+}
+
+TEST(KvColumnMap, ASourceMayRefuseAStranger)
+{
+    const TOrders Orders;
+    const auto Refuse = [](const std::string& Source) -> std::string { throw Exception(Source + " is no column"); };
+    EXPECT_EQ(MessageOf([&] { MapAsGiven({"CITY=Town"}, Columns({"ID"}), Orders, Refuse); }), "Town is no column");
 }
 
 TEST(KvColumnMap, RefusesToWriteComputedFields)
 {
     const TOrders Orders;
-    EXPECT_EQ(MessageOf([&] { MapAsGiven({"TOTAL=Field1"}, Columns({""}), Orders); }),
+    EXPECT_EQ(MessageOf([&] { MapGiven({"TOTAL=Field1"}, Columns({""}), Orders); }),
               "'TOTAL=Field1': its field is computed by the database: not imported");
 }
 
