@@ -1,10 +1,11 @@
 // What the examples promise.
-#include "KvShop.h"
-
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <iterator>
+
+#include "KvExampleBooks.h"
+#include "KvShop.h"
 
 namespace kv {
 
@@ -12,10 +13,15 @@ namespace {
 
 const std::string Examples = KV_EXAMPLES;
 
+std::string ReadExample(const std::string& Name)
+{
+    std::ifstream File(Examples + "/" + Name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(File), std::istreambuf_iterator<char>()};
+}
+
 std::string Schema()
 {
-    std::ifstream File(Examples + "/schema.sql");
-    return {std::istreambuf_iterator<char>(File), std::istreambuf_iterator<char>()};
+    return ReadExample("schema.sql");
 }
 
 TEST(KvExamples, OrdersGoIntoTheTableWhole)
@@ -41,6 +47,49 @@ TEST(KvExamples, OrdersOfFixedWidthGoIntoTheTableWhole)
     EXPECT_EQ(Run["exitStatus"], 0);
     EXPECT_EQ(Shop.Ask("SELECT CUSTOMER, CITY, ORDERED, AMOUNT FROM orders WHERE ID >= 10305"),
               "Comidas Peñón|Madrid|2024-09-13|4157\nGrößte Auswahl|München|2024-09-16|498.5");
+}
+
+TEST(KvExamples, TheWorkbooksAreAsMakeExampleBooksMakesThem)
+{
+    for (const auto& Book : ExampleBooks())
+        EXPECT_TRUE(ReadExample(Book.Name) == Book.Bytes) << Book.Name;
+}
+
+TEST(KvExamples, OrdersOfAWorkbookGoIntoTheTableWhole)
+{
+    const TShop Shop(Schema());
+    const auto Run = ImportWithJson(Shop.Folder, {Examples + "/orders.xls", "--sheet", "Orders", "--to", Shop.Database(), "--table", "orders"});
+    EXPECT_EQ(Run["exitStatus"], 0);
+    EXPECT_EQ(Run["added"], 5);
+    EXPECT_EQ(Shop.Ask("SELECT CUSTOMER, CITY, ORDERED, AMOUNT, QTY, PAID, NOTE FROM orders WHERE ID <= 20403"),
+              "Müller, Söhne & Co.|Köln|2024-10-01|1871.2|9|1|Deliver to the yard\n"
+              "Żółta Łódź|Łódź|2024-10-02|1444.8|20|1|NULL\n"
+              "Ψωμί και Λάδι|Αθήνα|2024-10-04|86.5|5|0|Call first");
+}
+
+TEST(KvExamples, OrdersOfWorksheetsGoIntoTheTableWhole)
+{
+    for (const std::string Name : {"orders.wk1", "orders.wq1"}) {
+        const TShop Shop(Schema());
+        const auto Run = ImportWithJson(Shop.Folder, {Examples + "/" + Name, "--charset", "msdos", "--to", Shop.Database(), "--table", "orders"});
+        EXPECT_EQ(Run["exitStatus"], 0);
+        EXPECT_EQ(Shop.Ask("SELECT ID, CUSTOMER, CITY, ORDERED, AMOUNT FROM orders"),
+                  "10001|Größte Auswahl|München|1990-01-01|498.5\n10002|Comidas Peñón|Madrid|1990-01-08|4157\n"
+                  "10003|Murtal Handel|Graz|1990-01-22|86.25");
+    }
+}
+
+TEST(KvExamples, ThePageAndTheDataPacketHoldTheSameOrders)
+{
+    const TShop FromText(Schema());
+    EXPECT_EQ(RunKvImport(FromText.Folder, {"import", Examples + "/orders.csv", "--to", FromText.Database(), "--table", "orders"}).Status, 0);
+    constexpr std::string_view All = "SELECT ID, CUSTOMER, CITY, COUNTRY, ORDERED, AMOUNT, QTY, PAID, NOTE FROM orders";
+    for (const std::string Name : {"orders.html", "orders.xml"}) {
+        const TShop Shop(Schema());
+        const auto Run = RunKvImport(Shop.Folder, {"import", Examples + "/" + Name, "--to", Shop.Database(), "--table", "orders"});
+        EXPECT_EQ(Run.Status, 0) << Run.Err;
+        EXPECT_EQ(Shop.Ask(All), FromText.Ask(All)) << Name;
+    }
 }
 
 TEST(KvExamples, TheSpecificationsDoTheSame)

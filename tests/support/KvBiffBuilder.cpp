@@ -35,7 +35,12 @@ TBiffBuilder& TBiffBuilder::Record(std::uint16_t Id, std::string_view Body)
 
 TBiffBuilder& TBiffBuilder::Add(const TBiffBuilder& Other)
 {
-    Bytes += Other.Bytes;
+    return Add(Other.Bytes);
+}
+
+TBiffBuilder& TBiffBuilder::Add(std::string_view Records)
+{
+    Bytes += Records;
     return *this;
 }
 

@@ -32,6 +32,7 @@ public:
 
     TBiffBuilder& Record(std::uint16_t Id, std::string_view Body);
     TBiffBuilder& Add(const TBiffBuilder& Other);
+    TBiffBuilder& Add(std::string_view Records);    ///< Whole ones, such as BiffSharedStrings makes.
 
     TBiffBuilder& Bof(TBiffPart Part = bpSheet);    ///< In the version's own record.
     TBiffBuilder& Eof() { return Record(0x000A, {}); }
