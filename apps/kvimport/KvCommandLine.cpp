@@ -20,6 +20,7 @@
 #include "KvSaveCommand.h"
 #include "KvSheetsCommand.h"
 #include "KvShowCommand.h"
+#include "KvTablesCommand.h"
 #include "KvTerminalText.h"
 
 #ifndef KV_VERSION
@@ -82,6 +83,7 @@ int RunCommandLine(int ArgumentCount, const char* const* Arguments)
     AddImportCommand(Program, Status);
     AddPreviewCommand(Program, Status);
     AddSheetsCommand(Program, Status);
+    AddTablesCommand(Program, Status);
     AddFormatsCommand(Program, Status);
     AddSaveCommand(Program, Status);
     AddShowCommand(Program, Status);

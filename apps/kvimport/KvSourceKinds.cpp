@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string>
 
+#include "KvAccessSource.h"
 #include "KvExitStatus.h"
 #include "KvFile.h"
 #include "KvOptionText.h"
@@ -91,6 +92,8 @@ std::span<const TSourceKind> SourceKinds()
          SheetOptionGroup, &BeginsLikeWks, &MakeWksSource},
         {"quattro", "Worksheets of Quattro Pro for DOS", {".wq1"},
          SheetOptionGroup, &BeginsLikeQuattro, &MakeQuattroSource},
+        {"access", "Tables of Access databases", {".mdb", ".mde", ".accdb"},
+         TableOptionGroup, &BeginsLikeAccess, &MakeAccessSource},
     };
     return Kinds;
 }

@@ -51,6 +51,7 @@ void AddSourceOptions(CLI::App& Command, TSourceOptions& Options)
     AddSharedOptions(Command, Options);
     AddGroup(Command, TextOptionGroup, Options, [&] { AddTextOptions(Command, Options.Text); });
     AddGroup(Command, SheetOptionGroup, Options, [&] { AddSheetOptions(Command, Options.Sheet); });
+    AddGroup(Command, TableOptionGroup, Options, [&] { AddTableOptions(Command, Options.Table); });
 }
 
 } // namespace kv

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "KvSheetOptions.h"
+#include "KvTableOptions.h"
 #include "KvTextOptions.h"
 
 namespace CLI {
@@ -34,6 +35,7 @@ struct TSourceOptions
     std::optional<int> RowLast;
     TTextOptions Text;
     TSheetOptions Sheet;
+    TTableOptions Table;
     std::vector<TGivenOption> Given;                ///< Of the groups of the kinds.
 };
 

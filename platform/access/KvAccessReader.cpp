@@ -12,7 +12,7 @@ namespace kv {
 
 namespace {
 
-constexpr std::size_t PieceSize = 256 << 10;        // bytes asked for at once
+constexpr std::size_t PieceSize = 16 << 10;         // bytes asked for at once, at first
 
 [[noreturn]] void RaiseStopped()
 {

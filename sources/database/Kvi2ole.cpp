@@ -11,7 +11,7 @@ namespace kv {
 
 namespace {
 
-constexpr std::string_view ExtensionNames[] = {"xaOpensForMapping"};
+constexpr std::string_view ExtensionNames[] = {"xaOpensForMapping", "xaSkipsToRowFirst"};
 
 constexpr char MsgNotSpecified[] = "Property %s wasn't specified.";
 constexpr int PreviewRows = 20;
@@ -99,7 +99,18 @@ void TKvImportFromAccess::AfterImport()
 void TKvImportFromAccess::GoFirst()
 {
     CurrentRow = 0;
-    Session.Recordset()->MoveFirst();
+    auto& Recordset = *Session.Recordset();
+    Recordset.MoveFirst();
+    if (Extensions.Contains(xaSkipsToRowFirst))
+        for (int Number = 1; Number < RowFirst && !Recordset.Eof(); ++Number)
+            Recordset.MoveNext();
+}
+
+/// Records count from the table's first.
+std::string TKvImportFromAccess::RecordPlace() const
+{
+    const int Skipped = Extensions.Contains(xaSkipsToRowFirst) && RowFirst > 1 ? RowFirst - 1 : 0;
+    return "record " + std::to_string(std::int64_t{Skipped} + Statistic.TotalImported);
 }
 
 void TKvImportFromAccess::GoNext()

@@ -16,7 +16,10 @@ enum TKvIAccessExtension {
     /// A run without mappings opens the table and takes its fields into those of the same name, be it
     /// written with other capitals. Without it such a run fails before its first record: the table is not
     /// open yet when its fields are asked for.
-    xaOpensForMapping
+    xaOpensForMapping,
+    /// RowFirst and RowLast are the numbers of the first and last record to import. Without it the run begins
+    /// with the table's first record, and they only say how many it takes.
+    xaSkipsToRowFirst
 };
 using TKvIAccessExtensions = TSet<TKvIAccessExtension>;
 
@@ -37,6 +40,8 @@ public:
     using TKvImportBaseComponent::SourceFileName;   ///< The database.
 
     TKvIAccessExtensions Extensions;
+
+    std::string RecordPlace() const override;
 
     static std::string Extension() { return ".MDB"; }
     static std::string FillFileFilters();

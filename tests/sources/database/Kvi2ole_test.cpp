@@ -249,6 +249,27 @@ TEST_F(Kvi2ole, RowFirstAndRowLastOnlySayHowManyRecordsToTake)
     EXPECT_THAT(Run(), ElementsAre("1|City 1", "2|City 2", "3|City 3"));
 }
 
+TEST_F(Kvi2ole, WithTheExtensionRowFirstAndRowLastAreNumbersOfRecords)
+{
+    Import.Extensions = {xaSkipsToRowFirst};
+    Import.RowFirst = 3;
+    Import.RowLast = 5;
+    EXPECT_THAT(Run(), ElementsAre("3|City 3", "4|City 4", "5|City 5"));
+    EXPECT_EQ(Import.Statistic.TotalCount, 3);
+    EXPECT_EQ(Import.RecordPlace(), "record 5");
+    Import.RowFirst = 11;
+    Import.RowLast = RowLastMax;
+    EXPECT_EQ(Run().size(), 3) << "past the last there is nothing";
+}
+
+TEST_F(Kvi2ole, RecordsAreNamedByTheirNumber)
+{
+    Import.RowFirst = 3;
+    Import.RowLast = 5;
+    Run();
+    EXPECT_EQ(Import.RecordPlace(), "record 3");
+}
+
 TEST_F(Kvi2ole, ARangeThatEndsBeforeItBeginsTakesNothing)
 {
     Import.RowFirst = 5;
