@@ -71,9 +71,21 @@ int TSpreadSheetCells::AddRow(int Row)
 {
     const int Position = static_cast<int>(Rows.size());
     const std::size_t Room = Rows.empty() ? 0 : std::min(Rows.back().CellCount(), MaxReserved);
+    if (AreAscending && !Rows.empty() && Row <= Rows.back().Row) {
+        AreAscending = false;
+        IndexRows();
+    }
     Rows.emplace_back(Row).Reserve(Room);
-    Positions.try_emplace(Row, Position);
+    if (!AreAscending)
+        Positions.try_emplace(Row, Position);
     return Position;
+}
+
+void TSpreadSheetCells::IndexRows()
+{
+    Positions.clear();
+    for (std::size_t I = 0; I < Rows.size(); ++I)
+        Positions.try_emplace(Rows[I].Row, static_cast<int>(I));
 }
 
 int TSpreadSheetCells::GetRow(int Row) const
@@ -81,8 +93,23 @@ int TSpreadSheetCells::GetRow(int Row) const
     const auto Last = static_cast<std::size_t>(LastFound);
     if (Last < Rows.size() && Rows[Last].Row == Row)
         return LastFound;
-    const auto Found = Positions.find(Row);
-    return Found == Positions.end() ? -1 : Found->second;
+    return FindRow(Row);
+}
+
+int TSpreadSheetCells::FindRow(int Row) const
+{
+    if (!AreAscending) {
+        const auto Found = Positions.find(Row);
+        return Found == Positions.end() ? -1 : Found->second;
+    }
+    if (Rows.empty() || Rows.back().Row < Row)
+        return -1;
+    // An import asks for row after row.
+    const auto Next = static_cast<std::size_t>(LastFound) + 1;
+    if (Next < Rows.size() && Rows[Next].Row == Row)
+        return static_cast<int>(Next);
+    const auto Found = std::ranges::lower_bound(Rows, Row, {}, &TSpreadSheetRow::Row);
+    return Found->Row == Row ? static_cast<int>(Found - Rows.begin()) : -1;
 }
 
 int TSpreadSheetCells::GetRow(int Row, bool Create)
@@ -98,9 +125,8 @@ int TSpreadSheetCells::GetRow(int Row, bool Create)
 void TSpreadSheetCells::RemoveRow(std::size_t Index)
 {
     Rows.erase(Rows.begin() + static_cast<std::ptrdiff_t>(Index));
-    Positions.clear();
-    for (std::size_t I = 0; I < Rows.size(); ++I)
-        Positions.try_emplace(Rows[I].Row, static_cast<int>(I));
+    if (!AreAscending)
+        IndexRows();
     LastFound = 0;
 }
 

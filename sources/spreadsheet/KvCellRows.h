@@ -96,10 +96,13 @@ public:
     std::size_t CellsBeyond() const { return FCellsBeyond; } ///< Values left out for want of a slot.
 
 private:
+    int FindRow(int Row) const;
+    void IndexRows();
     void CountCell(int Col, int Row);
 
     std::vector<TSpreadSheetRow> Rows;
-    std::unordered_map<int, int> Positions;         // of the first row with a number
+    bool AreAscending = true;                       // each row has a higher number than the one before
+    std::unordered_map<int, int> Positions;         // of the first row with a number, unless they are ascending
     int LastFound = 0;                              // tried first: files store row after row
     int FCellRows = 0;
     int FCellColumns = 0;

@@ -118,6 +118,32 @@ TEST(TSpreadSheetCells, RowsKeepTheOrderInWhichTheyWereFirstWritten)
     EXPECT_EQ(Cells.GetValue(0, 3), TVariant("three"));
 }
 
+TEST(TSpreadSheetCells, RowsAreFoundInAnyOrderOfAsking)
+{
+    TSpreadSheetCells Cells;
+    for (const int Row : {2, 4, 6, 8})
+        Set(Cells, 0, Row, Row);
+    for (const int Row : {6, 2, 8, 4, 2, 6})
+        EXPECT_EQ(Cells.GetValue(0, Row), TVariant(Row));
+    for (const int Row : {-1, 0, 3, 7, 9})
+        EXPECT_EQ(Cells.GetRow(Row, false), -1);
+}
+
+TEST(TSpreadSheetCells, ARowThatComesLateIsFoundAndSoAreThoseBeforeAndAfterIt)
+{
+    TSpreadSheetCells Cells;
+    for (const int Row : {2, 4, 6, 3, 9})
+        Set(Cells, 0, Row, Row);
+    Cells.AddRow(6);
+    EXPECT_THAT(RowNumbers(Cells), ElementsAre(2, 4, 6, 3, 9, 6));
+    for (const int Row : {9, 3, 2, 6, 4})
+        EXPECT_EQ(Cells.GetValue(0, Row), TVariant(Row));
+    EXPECT_EQ(Cells.GetRow(5, false), -1);
+    Cells.RemoveRow(2);
+    EXPECT_EQ(Cells.GetRow(6, false), 4);
+    EXPECT_EQ(Cells.GetValue(0, 9), TVariant(9));
+}
+
 TEST(TSpreadSheetCells, RemoveRowTakesOneOutAndFindsTheOthers)
 {
     TSpreadSheetCells Cells;
