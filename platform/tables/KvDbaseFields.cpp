@@ -127,7 +127,7 @@ TMeaning MeaningOf(const TListedField& Field, TKvDbaseDialect Dialect)
     case 'I': return {CountsUp ? ftAutoInc : ftInteger, Dialect == ddDbase7 ? dvOrderedLong : dvLong, 4, 4};
     case '+': return {ftAutoInc, dvOrderedLong, 4, 4};
     case 'O': return {ftFloat, dvOrderedDouble, 8, 8};
-    case '@': return {ftDateTime, dvOrderedTimestamp, 8, 8};
+    case '@': return {ftDateTime, dvTimestamp, 8, 8};
     case 'T': return {ftDateTime, dvMoment, 8, 8};
     case 'Y': return {ftCurrency, dvAmount, 8, 8};
     case 'V': return {ftString, dvVarText, 1, MaxSize};
@@ -155,6 +155,16 @@ TKvDbaseField FieldOf(const TListedField& Listed, TKvDbaseDialect Dialect, std::
     Field.Storage = Meaning.Storage;
     Field.Size = Listed.Size;
     return Field;
+}
+
+/// Some programs call fields nullable and have no bits for them: then no value is null, and none has a size.
+void CheckBits(TKvDbaseFields& Fields, std::size_t Needed)
+{
+    if (Fields.BitsSize == 0)
+        for (auto& Field : Fields.Visible)
+            Field.NullBit = Field.SizeBit = TKvDbaseField::NoBit;
+    else if (Needed > 8 * Fields.BitsSize)
+        throw EFormatError("its records have too few bits for fields without a value");
 }
 
 } // namespace
@@ -187,8 +197,7 @@ TKvDbaseFields ReadDbaseFields(TKvByteCursor Header, TKvDbaseDialect Dialect, st
         }
         Offset += Each.Size;
     }
-    if (static_cast<std::size_t>(NextBit) > 8 * Fields.BitsSize)
-        throw EFormatError("its records have too few bits for fields without a value");
+    CheckBits(Fields, static_cast<std::size_t>(NextBit));
     return Fields;
 }
 

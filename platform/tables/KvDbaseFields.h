@@ -41,7 +41,7 @@ enum TKvDbaseStorage {
     dvVarBytes,                                     ///< The same with bytes.
     dvOrderedLong,                                  ///< dBase 7, as in Paradox tables: KvParadoxValues
     dvOrderedDouble,
-    dvOrderedTimestamp
+    dvTimestamp                                     ///< The same, its sign bit apart.
 };
 
 struct TKvDbaseField

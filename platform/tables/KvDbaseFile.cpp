@@ -110,7 +110,7 @@ TVariant TKvDbaseFile::Value(std::size_t Index)
     if (Record == nullptr)
         return Null;
     const auto& Field = Header.Fields.Visible[Index];
-    if (Field.NullBit != Field.NoBit && HasBit(Field.NullBit))
+    if (HasBit(Field.NullBit))
         return Null;
     try {
         return Decode(Field, {Record + Field.Offset, Field.Size});
@@ -123,7 +123,10 @@ TVariant TKvDbaseFile::Value(std::size_t Index)
 
 bool TKvDbaseFile::HasBit(int Bit) const
 {
-    const auto Byte = static_cast<unsigned char>(Record[Header.Fields.BitsOffset + static_cast<std::size_t>(Bit / 8)]);
+    if (Bit == TKvDbaseField::NoBit)
+        return false;
+    const auto Byte =
+        static_cast<unsigned char>(Record[Header.Fields.BitsOffset + static_cast<std::size_t>(Bit / 8)]);
     return (Byte >> Bit % 8 & 1) != 0;
 }
 

@@ -108,8 +108,9 @@ TKvDbaseHeader ReadDbaseHeader(std::string_view Bytes, const std::string& FileNa
         const TKvByteCursor File(Bytes);
         const auto* const Version = VersionOf(Bytes);
         if (!Version)
-            throw EFormatError(Bytes.empty() ? "it is empty"
-                                             : FormatText("its version 0x%s is unknown", {TextToHex(Bytes.substr(0, 1))}));
+            throw EFormatError(
+                Bytes.empty() ? "it is empty"
+                              : FormatText("its version 0x%s is unknown", {TextToHex(Bytes.substr(0, 1))}));
         if (Version->Dialect == ddDbase2)
             return ReadDbase2Header(File);
         if (File.At<std::uint8_t>(0x0F) != 0)

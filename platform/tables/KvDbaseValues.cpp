@@ -105,13 +105,16 @@ std::string WithSeparator(std::string_view Text)
     return Result;
 }
 
+/// Some programs store the point of a number that was left blank.
+bool IsBlankNumber(std::string_view Text) { return Text.empty() || Text == "."; }
+
 TVariant NumberValue(std::string_view Bytes)
 {
     constexpr int MaxCurrencyDecimals = 4;
     constexpr int MaxDoubleDigits = 15;             // a double of so many digits gives the same digits back
     constexpr std::int64_t Scales[] = {TCurrency::Scale, 1000, 100, 10, 1};
     const auto Text = Filled(Bytes);
-    if (Text.empty())
+    if (IsBlankNumber(Text))
         return Null;
     if (const auto Number = ReadDecimal(Text)) {
         if (Number->Decimals == 0)
@@ -129,7 +132,7 @@ TVariant NumberValue(std::string_view Bytes)
 TVariant FloatValue(std::string_view Bytes)
 {
     const auto Text = Filled(Bytes);
-    if (Text.empty())
+    if (IsBlankNumber(Text))
         return Null;
     const auto Double = ReadDouble(Text);
     if (!Double)
@@ -181,16 +184,32 @@ TVariant MomentValue(std::string_view Bytes)
     constexpr std::int32_t DayZero = 2415019;       // 30 December 1899, in Julian days
     constexpr std::int32_t FirstDay = 1721426, LastDay = 5373484; // of the years 1 to 9999
     constexpr std::int32_t MillisecondsPerDay = 86400000;
-    const auto Day = LoadLittleEndian<std::int32_t>(Bytes.data());
-    const auto Time = LoadLittleEndian<std::int32_t>(Bytes.data() + 4);
+    constexpr std::int32_t Second = 1000;
+    auto Day = LoadLittleEndian<std::int32_t>(Bytes.data());
+    auto Time = LoadLittleEndian<std::int32_t>(Bytes.data() + 4);
     if ((Day == 0 && Time == 0) || Filled(Bytes).empty())
         return Null;
     if (Day < FirstDay || Day > LastDay || Time < 0 || Time >= MillisecondsPerDay)
         throw EFormatError(FormatText("Julian day %d with %d milliseconds is no date and time",
                                       {std::to_string(Day), std::to_string(Time)}));
+    if (Time % Second == Second - 1) {              // whole seconds, cut to milliseconds from a floating point number
+        Day += (Time + 1) / MillisecondsPerDay;
+        Time = (Time + 1) % MillisecondsPerDay;
+    }
     const double Days = Day - DayZero;
     const double Fraction = static_cast<double>(Time) / MillisecondsPerDay;
     return TDateTime{Days < 0 ? Days - Fraction : Days + Fraction};
+}
+
+/// As in Paradox tables, but for the sign bit: dBase 7 has it as doubles have it, and no date is negative.
+TVariant TimestampValue(std::string_view Bytes)
+{
+    constexpr auto SignBit = static_cast<char>(0x80);
+    if (Bytes.find_first_not_of('\0') == Bytes.npos)
+        return Null;
+    std::string Ordered(Bytes);
+    Ordered[0] = static_cast<char>(Ordered[0] | SignBit);
+    return ParadoxValue(ptTimestamp, Ordered);
 }
 
 } // namespace
@@ -216,7 +235,7 @@ TVariant DbaseValue(TKvDbaseStorage Storage, std::string_view Bytes)
     case dvMoment:           return MomentValue(Bytes);
     case dvOrderedLong:      return ParadoxValue(ptLong, Bytes);
     case dvOrderedDouble:    return ParadoxValue(ptNumber, Bytes);
-    case dvOrderedTimestamp: return ParadoxValue(ptTimestamp, Bytes);
+    case dvTimestamp:        return TimestampValue(Bytes);
     case dvText: {
         const auto Text = DbaseText(Bytes);
         return Text.empty() ? TVariant(Null) : TVariant::Borrow(Text);

@@ -26,7 +26,8 @@ public:
     explicit TDbaseBuilder(unsigned VersionByte = 0x03) : Version(VersionByte) {}
 
     /// `Flags` are those of Visual FoxPro: 1 hidden, 2 nullable, 4 binary, 8 counts up.
-    TDbaseBuilder& Field(std::string_view Name, char Letter, unsigned Size, unsigned Decimals = 0, unsigned Flags = 0);
+    TDbaseBuilder& Field(std::string_view Name, char Letter, unsigned Size, unsigned Decimals = 0,
+                         unsigned Flags = 0);
     /// One stored value a field; what is shorter than its field is filled up with blanks.
     TDbaseBuilder& Record(const std::vector<std::string>& Values, char Mark = ' ');
     TDbaseBuilder& Deleted(const std::vector<std::string>& Values) { return Record(Values, '*'); }

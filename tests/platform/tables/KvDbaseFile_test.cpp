@@ -192,7 +192,8 @@ TEST(KvDbaseFile, AMissingFileIsNamed)
 
 TEST(KvDbaseFile, DeclaresFields)
 {
-    const TTableFile File(TDbaseBuilder(0x30).Field("NAME", 'C', 20).Field("PRICE", 'N', 8, 2).Field("RAW", 'C', 4, 0, 4));
+    const TTableFile File(
+        TDbaseBuilder(0x30).Field("NAME", 'C', 20).Field("PRICE", 'N', 8, 2).Field("RAW", 'C', 4, 0, 4));
     const TKvDbaseFile Table(File.Name);
     ASSERT_EQ(Table.FieldDefs().size(), 3u);
     EXPECT_EQ(Table.FieldDefs()[0].Name, "NAME");
@@ -206,7 +207,8 @@ TEST(KvDbaseFile, DeclaresFields)
 
 TEST(KvDbaseFile, ANameThatOccursAgainGetsANumber)
 {
-    const TTableFile File(TDbaseBuilder().Field("ID", 'C', 1).Field("id", 'C', 1).Field("ID_1", 'C', 1).Field("ID", 'C', 1));
+    const TTableFile File(
+        TDbaseBuilder().Field("ID", 'C', 1).Field("id", 'C', 1).Field("ID_1", 'C', 1).Field("ID", 'C', 1));
     const TKvDbaseFile Table(File.Name);
     std::vector<std::string> Names;
     for (const auto& Def : Table.FieldDefs())
@@ -216,7 +218,10 @@ TEST(KvDbaseFile, ANameThatOccursAgainGetsANumber)
 
 TEST(KvDbaseFile, ABitMarksNulls)
 {
-    const TTableFile File(TDbaseBuilder(0x30).Field("A", 'I', 4, 0, 2).Field("B", 'C', 3, 0, 2).Field("_NullFlags", '0', 1, 0, 5)
+    const TTableFile File(TDbaseBuilder(0x30)
+                              .Field("A", 'I', 4, 0, 2)
+                              .Field("B", 'C', 3, 0, 2)
+                              .Field("_NullFlags", '0', 1, 0, 5)
                               .Record({DbaseLong(7), "abc", std::string(1, '\x02')})
                               .Record({DbaseLong(0), "abc", std::string(1, '\x01')}));
     EXPECT_THAT(ReadAll(File), ElementsAre("7|-", "-|abc"));
@@ -309,8 +314,10 @@ TEST(KvDbaseFile, MemosAreReadFromTheFileOfTheirKind)
         TDbaseMemoBuilder::TKind Kind;
         std::string Name;
     };
-    const TRow Rows[] = {{0x83, 10, TDbaseMemoBuilder::Dbase3, "a.dbt"}, {0x8B, 10, TDbaseMemoBuilder::Dbase4, "a.DBT"},
-                         {0x8C, 10, TDbaseMemoBuilder::Dbase4, "A.DBT"}, {0xF5, 10, TDbaseMemoBuilder::FoxPro, "a.fpt"},
+    const TRow Rows[] = {{0x83, 10, TDbaseMemoBuilder::Dbase3, "a.dbt"},
+                         {0x8B, 10, TDbaseMemoBuilder::Dbase4, "a.DBT"},
+                         {0x8C, 10, TDbaseMemoBuilder::Dbase4, "A.DBT"},
+                         {0xF5, 10, TDbaseMemoBuilder::FoxPro, "a.fpt"},
                          {0x30, 4, TDbaseMemoBuilder::FoxPro, "a.Fpt"}};
     for (const auto& Row : Rows) {
         TDbaseMemoBuilder Memos(Row.Kind);
@@ -330,8 +337,9 @@ TEST(KvDbaseFile, MemosAreTextOfTheTablesCodePageAndBlobsAreNot)
 {
     TDbaseMemoBuilder Memos(TDbaseMemoBuilder::Dbase4);
     const auto Block = std::to_string(Memos.Add("\x8F\xE0\xA8"));
-    const TTableFile File(TDbaseBuilder(0x8B).Language(0x65).Field("A", 'M', 10).Field("B", 'B', 10).Record({Block, Block}),
-                          "a.dbt", Memos.Build());
+    const TTableFile File(
+        TDbaseBuilder(0x8B).Language(0x65).Field("A", 'M', 10).Field("B", 'B', 10).Record({Block, Block}),
+        "a.dbt", Memos.Build());
     EXPECT_THAT(ReadAll(File), ElementsAre("При|\x8F\xE0\xA8"));
 }
 

@@ -99,10 +99,11 @@ TEST(KvDbaseHeader, LettersTellTheKindsOfFields)
         {0x30, 'M', 4, 0, 0, ftMemo, dvMemo},           {0x30, 'M', 4, 0, 4, ftBlob, dvMemo},
         {0x30, 'C', 10, 0, 4, ftBytes, dvBytes},        {0x32, 'W', 4, 0, 4, ftBlob, dvMemo},
         {0x8C, 'I', 4, 0, 0, ftInteger, dvOrderedLong}, {0x8C, '+', 4, 0, 0, ftAutoInc, dvOrderedLong},
-        {0x8C, 'O', 8, 0, 0, ftFloat, dvOrderedDouble}, {0x8C, '@', 8, 0, 0, ftDateTime, dvOrderedTimestamp},
+        {0x8C, 'O', 8, 0, 0, ftFloat, dvOrderedDouble}, {0x8C, '@', 8, 0, 0, ftDateTime, dvTimestamp},
     };
     for (const auto& Row : Rows) {
-        const auto File = TDbaseBuilder(Row.Version).Field("A", Row.Letter, Row.Size, Row.Decimals, Row.Flags).Build();
+        const auto File =
+            TDbaseBuilder(Row.Version).Field("A", Row.Letter, Row.Size, Row.Decimals, Row.Flags).Build();
         const auto Field = ReadDbaseHeader(File, "a.dbf").Fields.Visible.at(0);
         EXPECT_EQ(Field.Type, Row.Type) << Row.Letter << Row.Size;
         EXPECT_EQ(Field.Storage, Row.Storage) << Row.Letter << Row.Size;
@@ -126,6 +127,15 @@ TEST(KvDbaseHeader, BitsGoToTheFieldsInTheirOrder)
     for (const auto& Field : Fields.Visible)
         Shown.push_back(Field.Name + " " + std::to_string(Field.SizeBit) + " " + std::to_string(Field.NullBit));
     EXPECT_EQ(Shown, (std::vector<std::string>{"PLAIN -1 -1", "BYTES 0 1", "MAYBE -1 3", "TEXT 4 -1"}));
+}
+
+TEST(KvDbaseHeader, WithoutBitsNoValueIsNullAndNoneHasASize)
+{
+    const auto File = TDbaseBuilder(0x30).Field("A", 'C', 4, 0, 2).Field("B", 'V', 4).Build();
+    for (const auto& Field : ReadDbaseHeader(File, "a.dbf").Fields.Visible) {
+        EXPECT_EQ(Field.NullBit, TKvDbaseField::NoBit);
+        EXPECT_EQ(Field.SizeBit, TKvDbaseField::NoBit);
+    }
 }
 
 TEST(KvDbaseHeader, FlagsBelongToVisualFoxProAlone)
@@ -178,26 +188,39 @@ TEST_P(KvDbaseHeaderRefuses, FilesThatAreNoTables)
     EXPECT_EQ(MessageOf(GetParam().File), "File \"a.dbf\" is no dBase table: " + GetParam().Reason);
 }
 
-INSTANTIATE_TEST_SUITE_P(, KvDbaseHeaderRefuses, testing::Values(
-    TRefused{"Empty", "", "it is empty"},
-    TRefused{"UnknownVersion", "SQLite format 3", "its version 0x53 is unknown"},
-    TRefused{"OnlyAVersion", "\x03", "Unexpected end of data at offset 1"},
-    TRefused{"CutWithinFields", Simple().Build().substr(0, 90), "Unexpected end of data at offset 90"},
-    TRefused{"Dbase2Cut", Simple(0x02).Build().substr(0, 500), "Unexpected end of data at offset 500"},
-    TRefused{"HeaderTooSmall", With(Simple().Build(), 8, "\x1F"), "Unexpected end of data at offset 31"},
-    TRefused{"NoFields", TDbaseBuilder().Record({}).Build(), "it has no fields"},
-    TRefused{"UnknownType", TDbaseBuilder().Field("A", 'C', 1).Field("B", 'X', 1).Build(),
-             "field 2 has the unknown type 'X'"},
-    TRefused{"TextWithoutSize", TDbaseBuilder().Field("A", 'C', 0).Build(), "field 1 cannot have a size of 0"},
-    TRefused{"LongLogical", TDbaseBuilder().Field("A", 'L', 2).Build(), "field 1 cannot have a size of 2"},
-    TRefused{"ShortDate", TDbaseBuilder().Field("A", 'D', 7).Build(), "field 1 cannot have a size of 7"},
-    TRefused{"ShortMemo", TDbaseBuilder(0x83).Field("A", 'M', 9).Build(), "field 1 cannot have a size of 9"},
-    TRefused{"FieldOutsideTheRecord", With(Simple().Build(), 10, "\x0F"),
-             "field 2 ends outside its records of 15 bytes"},
-    TRefused{"NoRecordSize", With(Simple().Build(), 10, std::string(1, '\0')),
-             "field 1 ends outside its records of 0 bytes"},
-    TRefused{"TooFewBits", TDbaseBuilder(0x30).Field("A", 'C', 1, 0, 2).Build(),
-             "its records have too few bits for fields without a value"}),
+INSTANTIATE_TEST_SUITE_P(
+    , KvDbaseHeaderRefuses,
+    testing::Values(
+        TRefused{"Empty", "", "it is empty"},
+        TRefused{"UnknownVersion", "SQLite format 3", "its version 0x53 is unknown"},
+        TRefused{"OnlyAVersion", "\x03", "Unexpected end of data at offset 1"},
+        TRefused{"CutWithinFields", Simple().Build().substr(0, 90), "Unexpected end of data at offset 90"},
+        TRefused{"Dbase2Cut", Simple(0x02).Build().substr(0, 500), "Unexpected end of data at offset 500"},
+        TRefused{"HeaderTooSmall", With(Simple().Build(), 8, "\x1F"), "Unexpected end of data at offset 31"},
+        TRefused{"NoFields", TDbaseBuilder().Record({}).Build(), "it has no fields"},
+        TRefused{"UnknownType", TDbaseBuilder().Field("A", 'C', 1).Field("B", 'X', 1).Build(),
+                 "field 2 has the unknown type 'X'"},
+        TRefused{"TextWithoutSize", TDbaseBuilder().Field("A", 'C', 0).Build(),
+                 "field 1 cannot have a size of 0"},
+        TRefused{"LongLogical", TDbaseBuilder().Field("A", 'L', 2).Build(),
+                 "field 1 cannot have a size of 2"},
+        TRefused{"ShortDate", TDbaseBuilder().Field("A", 'D', 7).Build(), "field 1 cannot have a size of 7"},
+        TRefused{"ShortMemo", TDbaseBuilder(0x83).Field("A", 'M', 9).Build(),
+                 "field 1 cannot have a size of 9"},
+        TRefused{"FieldOutsideTheRecord", With(Simple().Build(), 10, "\x0F"),
+                 "field 2 ends outside its records of 15 bytes"},
+        TRefused{"NoRecordSize", With(Simple().Build(), 10, std::string(1, '\0')),
+                 "field 1 ends outside its records of 0 bytes"},
+        TRefused{"TooFewBits",
+                 TDbaseBuilder(0x30)
+                     .Field("A", 'I', 4, 0, 2)
+                     .Field("B", 'V', 9, 0, 2)
+                     .Field("C", 'V', 9, 0, 2)
+                     .Field("D", 'V', 9, 0, 2)
+                     .Field("E", 'V', 9, 0, 2)
+                     .Field("F", '0', 1)
+                     .Build(),
+                 "its records have too few bits for fields without a value"}),
     [](const auto& Info) { return Info.param.Name; });
 
 TEST(KvDbaseHeader, AnEncryptedTableIsRefusedByThatName)

@@ -85,7 +85,8 @@ TEST(KvDbaseMemo, AMemoThatIsLongerThanTheFileIsAnError)
 {
     TDbaseMemoBuilder Fox(TDbaseMemoBuilder::FoxPro);
     Fox.Add("memo");
-    EXPECT_EQ(Read(With(Fox.Build(), 516, "\x7F"), dmFoxPro, 1), "memo block 1: Unexpected end of data at offset 524");
+    EXPECT_EQ(Read(With(Fox.Build(), 516, "\x7F"), dmFoxPro, 1),
+              "memo block 1: Unexpected end of data at offset 524");
     TDbaseMemoBuilder Dbase(TDbaseMemoBuilder::Dbase4);
     Dbase.Add("memo");
     EXPECT_EQ(Read(With(Dbase.Build(), 519, "\x7F"), dmDbase4, 1),
@@ -100,7 +101,8 @@ TEST(KvDbaseMemo, ABlockWithinAMemoIsAnError)
     TDbaseMemoBuilder Dbase(TDbaseMemoBuilder::Dbase4);
     Dbase.Add(Long);
     EXPECT_EQ(Read(Dbase.Build(), dmDbase4, 2), "memo block 2: no memo begins there");
-    EXPECT_EQ(Read(With(Dbase.Build(), 516, std::string("\x07\0", 2)), dmDbase4, 1), "memo block 1: no memo begins there")
+    EXPECT_EQ(Read(With(Dbase.Build(), 516, std::string("\x07\0", 2)), dmDbase4, 1),
+              "memo block 1: no memo begins there")
         << "smaller than its own head";
 }
 

@@ -98,7 +98,8 @@ INSTANTIATE_TEST_SUITE_P(Numbers, KvDbaseValues, testing::Values(
     TRow{"ZeroBytes", dvNumber, std::string(5, '\0'), "null"},
     TRow{"Asterisks", dvNumber, "*****", "'*****' is no number"},
     TRow{"Letters", dvNumber, " 12a ", "'12a' is no number"},
-    TRow{"PointAlone", dvNumber, "  . ", "'.' is no number"},
+    TRow{"PointAlone", dvNumber, "  . ", "null"},
+    TRow{"TwoPointsAlone", dvNumber, " .. ", "'..' is no number"},
     TRow{"SignAlone", dvNumber, "  - ", "'-' is no number"},
     TRow{"TwoPoints", dvNumber, "1.2.3", "'1.2.3' is no number"},
     TRow{"TwoSigns", dvNumber, " +-1", "'+-1' is no number"},
@@ -109,6 +110,7 @@ INSTANTIATE_TEST_SUITE_P(Numbers, KvDbaseValues, testing::Values(
     TRow{"Float", dvFloat, "1.234567890123460021", "double 1.23456789012346"},
     TRow{"FloatWhole", dvFloat, "   7", "double 7"},
     TRow{"FloatBlank", dvFloat, "    ", "null"},
+    TRow{"FloatPointAlone", dvFloat, "  . ", "null"},
     TRow{"FloatInfinity", dvFloat, "  inf", "'inf' is no number"},
     TRow{"FloatOutOfRange", dvFloat, "1e999", "'1e999' is no number"}), NameOfRow);
 
@@ -121,32 +123,38 @@ INSTANTIATE_TEST_SUITE_P(Logicals, KvDbaseValues, testing::Values(
     TRow{"LogicalZero", dvLogical, std::string(1, '\0'), "null"},
     TRow{"Digit", dvLogical, "1", "'1' is no logical value"}), NameOfRow);
 
-INSTANTIATE_TEST_SUITE_P(Dates, KvDbaseValues, testing::Values(
-    TRow{"LeapDay", dvDay, "20240229", "time 2024-02-29 00:00:00"},
-    TRow{"FirstDay", dvDay, "00010101", "time 0001-01-01 00:00:00"},
-    TRow{"LastDay", dvDay, "99991231", "time 9999-12-31 00:00:00"},
-    TRow{"DateBlank", dvDay, "        ", "null"},
-    TRow{"DateOfZeros", dvDay, "00000000", "null"},
-    TRow{"DateOfZeroBytes", dvDay, std::string(8, '\0'), "null"},
-    TRow{"NoLeapDay", dvDay, "20230229", "'20230229' is no date"},
-    TRow{"NoMonth", dvDay, "20231301", "'20231301' is no date"},
-    TRow{"WithSlashes", dvDay, "12/31/02", "'12/31/02' is no date"},
-    TRow{"TooShort", dvDay, "200212  ", "'200212' is no date"},
-    TRow{"Moment", dvMoment, DbaseMoment(2450874, 57600000), "time 1998-03-01 16:00:00"},
-    TRow{"MomentWithMilliseconds", dvMoment, DbaseMoment(2450874, 1), "time 1998-03-01 00:00:00.001"},
-    TRow{"MomentBeforeDayZero", dvMoment, DbaseMoment(2415018, 21600000), "time 1899-12-29 06:00:00"},
-    TRow{"MomentFirst", dvMoment, DbaseMoment(1721426, 0), "time 0001-01-01 00:00:00"},
-    TRow{"MomentLast", dvMoment, DbaseMoment(5373484, 86399999), "time 9999-12-31 23:59:59.999"},
-    TRow{"MomentOfZeros", dvMoment, DbaseMoment(0, 0), "null"},
-    TRow{"MomentOfBlanks", dvMoment, "        ", "null"},
-    TRow{"MomentTooEarly", dvMoment, DbaseMoment(1721425, 0),
-         "Julian day 1721425 with 0 milliseconds is no date and time"},
-    TRow{"MomentTooLate", dvMoment, DbaseMoment(5373485, 0),
-         "Julian day 5373485 with 0 milliseconds is no date and time"},
-    TRow{"MomentWithTimeTooLong", dvMoment, DbaseMoment(2450874, 86400000),
-         "Julian day 2450874 with 86400000 milliseconds is no date and time"},
-    TRow{"MomentWithTimeNegative", dvMoment, DbaseMoment(2450874, -1),
-         "Julian day 2450874 with -1 milliseconds is no date and time"}), NameOfRow);
+INSTANTIATE_TEST_SUITE_P(
+    Dates, KvDbaseValues,
+    testing::Values(
+        TRow{"LeapDay", dvDay, "20240229", "time 2024-02-29 00:00:00"},
+        TRow{"FirstDay", dvDay, "00010101", "time 0001-01-01 00:00:00"},
+        TRow{"LastDay", dvDay, "99991231", "time 9999-12-31 00:00:00"},
+        TRow{"DateBlank", dvDay, "        ", "null"}, TRow{"DateOfZeros", dvDay, "00000000", "null"},
+        TRow{"DateOfZeroBytes", dvDay, std::string(8, '\0'), "null"},
+        TRow{"NoLeapDay", dvDay, "20230229", "'20230229' is no date"},
+        TRow{"NoMonth", dvDay, "20231301", "'20231301' is no date"},
+        TRow{"WithSlashes", dvDay, "12/31/02", "'12/31/02' is no date"},
+        TRow{"TooShort", dvDay, "200212  ", "'200212' is no date"},
+        TRow{"Moment", dvMoment, DbaseMoment(2450874, 57600000), "time 1998-03-01 16:00:00"},
+        TRow{"MomentWithMilliseconds", dvMoment, DbaseMoment(2450874, 1), "time 1998-03-01 00:00:00.001"},
+        TRow{"MomentBeforeDayZero", dvMoment, DbaseMoment(2415018, 21600000), "time 1899-12-29 06:00:00"},
+        TRow{"MomentFirst", dvMoment, DbaseMoment(1721426, 0), "time 0001-01-01 00:00:00"},
+        TRow{"MomentLast", dvMoment, DbaseMoment(5373484, 86399998), "time 9999-12-31 23:59:59.998"},
+        TRow{"MomentThatWasCutToMilliseconds", dvMoment, DbaseMoment(2450874, 57599999),
+             "time 1998-03-01 16:00:00"},
+        TRow{"MomentThatWasCutToMillisecondsAtMidnight", dvMoment, DbaseMoment(2415017, 86399999),
+             "time 1899-12-29 00:00:00"},
+        TRow{"MomentOfZeros", dvMoment, DbaseMoment(0, 0), "null"},
+        TRow{"MomentOfBlanks", dvMoment, "        ", "null"},
+        TRow{"MomentTooEarly", dvMoment, DbaseMoment(1721425, 0),
+             "Julian day 1721425 with 0 milliseconds is no date and time"},
+        TRow{"MomentTooLate", dvMoment, DbaseMoment(5373485, 0),
+             "Julian day 5373485 with 0 milliseconds is no date and time"},
+        TRow{"MomentWithTimeTooLong", dvMoment, DbaseMoment(2450874, 86400000),
+             "Julian day 2450874 with 86400000 milliseconds is no date and time"},
+        TRow{"MomentWithTimeNegative", dvMoment, DbaseMoment(2450874, -1),
+             "Julian day 2450874 with -1 milliseconds is no date and time"}),
+    NameOfRow);
 
 INSTANTIATE_TEST_SUITE_P(Binary, KvDbaseValues, testing::Values(
     TRow{"Long", dvLong, DbaseLong(-7), "integer -7"},
@@ -160,8 +168,12 @@ INSTANTIATE_TEST_SUITE_P(Binary, KvDbaseValues, testing::Values(
     TRow{"OrderedLongNegative", dvOrderedLong, "\x7F\xFF\xFF\xF9", "integer -7"},
     TRow{"OrderedLongZeros", dvOrderedLong, std::string(4, '\0'), "null"},
     TRow{"OrderedDouble", dvOrderedDouble, BigEndian(DbaseDouble(-22.22)), "double 22.22"},
-    TRow{"OrderedTimestamp", dvOrderedTimestamp, BigEndian(DbaseDouble(-63173520000000.0)),
-         "time 2002-11-21 00:00:00"}), NameOfRow);
+    TRow{"Timestamp", dvTimestamp, BigEndian(DbaseDouble(63173520000000.0)), "time 2002-11-21 00:00:00"},
+    TRow{"TimestampWithItsSignBitFlipped", dvTimestamp, BigEndian(DbaseDouble(-63173520000000.0)),
+         "time 2002-11-21 00:00:00"},
+    TRow{"TimestampZeros", dvTimestamp, std::string(8, '\0'), "null"},
+    TRow{"TimestampTooEarly", dvTimestamp, BigEndian(DbaseDouble(1.0)),
+         "1 milliseconds lie outside the years 1 to 9999"}), NameOfRow);
 
 TEST(KvDbaseNumber, DigitsHaveTheSeparatorOfTheProcess)
 {

@@ -40,8 +40,14 @@ struct KvTable : testing::Test
 
     static std::string Dbase()
     {
-        return TDbaseBuilder().Field("NAME", 'C', 5).Field("QTY", 'N', 3).Record({"Ada", "  3"}).Deleted({"Bob", "  4"})
-            .Record({"Cy", ""}).Record({"Dee", "  5"}).Build();
+        return TDbaseBuilder()
+            .Field("NAME", 'C', 5)
+            .Field("QTY", 'N', 3)
+            .Record({"Ada", "  3"})
+            .Deleted({"Bob", "  4"})
+            .Record({"Cy", ""})
+            .Record({"Dee", "  5"})
+            .Build();
     }
     static std::string Paradox() { return TParadoxBuilder().Field("WHO", 'A', 5).Record({"Eve"}).Build(); }
 
@@ -154,7 +160,8 @@ TEST_F(KvTable, ANameWithoutAnExtensionGetsThatOfItsType)
     EXPECT_EQ(Table.Fields(0).FieldName(), "WHO");
     Table.Close();
     Folder.Write("people", Dbase());
-    EXPECT_THAT(MessageOf([&] { Table.Open(); }), HasSubstr("is no Paradox table")) << "a file of that name goes first";
+    EXPECT_THAT(MessageOf([&] { Table.Open(); }), HasSubstr("is no Paradox table"))
+        << "a file of that name goes first";
 }
 
 TEST_F(KvTable, AMissingFileIsNamed)
@@ -171,7 +178,8 @@ TEST_F(KvTable, AMissingFileIsNamed)
 
 TEST_F(KvTable, TextsStayAsTheyAreWithoutTransliterate)
 {
-    Table.TableName = Folder.Write("a.dbf", TDbaseBuilder().Language(0x65).Field("A", 'C', 3).Record({"\x8F"}).Build());
+    Table.TableName =
+        Folder.Write("a.dbf", TDbaseBuilder().Language(0x65).Field("A", 'C', 3).Record({"\x8F"}).Build());
     Table.Open();
     EXPECT_EQ(Table.Fields(0).AsString(), "П");
     Table.Close();

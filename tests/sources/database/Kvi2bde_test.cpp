@@ -128,7 +128,8 @@ TEST(Kvi2bde, ImportsParadoxTables)
 {
     TTableImport Import;
     Import.SourceFileName = Import.Folder.Write(
-        "people.db", TParadoxBuilder().Field("Name", 'A', 10).Field("Qty", 'I').Record({"Eve", ParadoxLong(7)}).Build());
+        "people.db",
+        TParadoxBuilder().Field("Name", 'A', 10).Field("Qty", 'I').Record({"Eve", ParadoxLong(7)}).Build());
     for (const auto Type : {ttDefault, ttParadox}) {
         Import.TableType = Type;
         Import.Mode = imCopy;
@@ -161,7 +162,8 @@ TEST(Kvi2bde, EachRunReadsTheFileAnew)
 {
     TTableImport Import;
     Import.Run();
-    Import.Folder.Write("people.dbf", TDbaseBuilder().Field("X", 'C', 3).Field("NAME", 'C', 3).Record({"x", "Eve"}).Build());
+    Import.Folder.Write(
+        "people.dbf", TDbaseBuilder().Field("X", 'C', 3).Field("NAME", 'C', 3).Record({"x", "Eve"}).Build());
     Import.Mode = imCopy;
     Import.SetMappings({"Name=NAME"});
     EXPECT_THAT(Import.Run(), ElementsAre("Eve|"));
@@ -207,7 +209,8 @@ TEST(Kvi2bde, AValueThatCannotBeReadIsAnErrorOfItsRecord)
     TLines Errors;
     Import.OnErrorEvent = [&](auto&, const Exception& Error, bool&) { Errors.push_back(Error.Message); };
     EXPECT_THAT(Import.Run(), ElementsAre("Ada|3", "Cy|5"));
-    EXPECT_THAT(Errors, ElementsAre("File \"" + Import.SourceFileName + "\", record 2, field 'QTY': '*****' is no number"));
+    EXPECT_THAT(Errors, ElementsAre("File \"" + Import.SourceFileName +
+                                    "\", record 2, field 'QTY': '*****' is no number"));
     EXPECT_EQ(Import.Statistic.TotalImported, 3);
     EXPECT_EQ(Import.Statistic.TotalAdded, 2);
     EXPECT_EQ(Import.Statistic.TotalErrors, 1);
@@ -321,12 +324,16 @@ TEST(Kvi2bde, TenCharactersStandForALongerNameThatBeginsWithThem)
 
 TEST(Kvi2bde, TenCharactersThatBeginTwoNamesAreRefused)
 {
-    TTableImport Import(TDbaseBuilder(0x04).Field("CustomerName", 'C', 10).Field("CustomerNation", 'C', 10).Record({"Ada", "UK"}));
+    TTableImport Import(TDbaseBuilder(0x04)
+                            .Field("CustomerName", 'C', 10)
+                            .Field("CustomerNation", 'C', 10)
+                            .Record({"Ada", "UK"}));
     Import.TableType = ttDBase;
     Import.SetMappings({"Name=CustomerName"});
     EXPECT_THAT(Import.Run(irFailed), IsEmpty());
-    EXPECT_EQ(Import.ErrorMessage(), Import.SourceFileName +
-                                         ": both field 'CustomerName' and field 'CustomerNation' begin with 'CustomerNa'");
+    EXPECT_EQ(Import.ErrorMessage(),
+              Import.SourceFileName +
+                  ": both field 'CustomerName' and field 'CustomerNation' begin with 'CustomerNa'");
 }
 
 // --- Automatic mappings ------------------------------------------------------------------------------
@@ -370,8 +377,9 @@ TEST(Kvi2bde, OpensForMappingFailsWhereNoNameIsShared)
     Import.Extensions = {xbOpensForMapping};
     Import.Mappings().Clear();
     EXPECT_THAT(Import.Run(irFailed), IsEmpty());
-    EXPECT_EQ(Import.ErrorMessage(), Import.SourceFileName +
-                                         ": no field has the name of a field of the destination; mappings are needed");
+    EXPECT_EQ(Import.ErrorMessage(),
+              Import.SourceFileName +
+                  ": no field has the name of a field of the destination; mappings are needed");
 }
 
 // --- Properties --------------------------------------------------------------------------------------
@@ -445,8 +453,10 @@ TEST(LoadBDEPreview, ShowsParadoxTables)
     const TTempFolder Folder;
     TPreview Preview;
     Preview.Flag = false;
-    EXPECT_THAT(Preview.Show(Folder.Write("a.db", TParadoxBuilder().Field("WHO", 'A', 5).Record({"Eve"}).Build()), false),
-                ElementsAre("1 1: Eve"));
+    EXPECT_THAT(
+        Preview.Show(Folder.Write("a.db", TParadoxBuilder().Field("WHO", 'A', 5).Record({"Eve"}).Build()),
+                     false),
+        ElementsAre("1 1: Eve"));
     EXPECT_EQ(Preview.FieldNames, "WHO");
 }
 
