@@ -3,6 +3,7 @@
 #include "KvException.h"
 #include "KvIniFile.h"
 #include "KvText.h"
+#include "Kvi2bde.h"
 #include "Kvi2ole.h"
 #include "Kvi2txt.h"
 #include "Kvi2wks.h"
@@ -15,6 +16,8 @@ namespace kv {
 std::unique_ptr<TKvImportBaseComponent> CreateImport(TTableTypeImport TableType, TComponent* Owner)
 {
     switch (TableType) {
+    case teParadox:
+    case teDBase:   return std::make_unique<TKvImportFromBDE>(Owner, TableType);
     case teText:    return std::make_unique<TKvImportFromText>(Owner);
     case teXLS:     return std::make_unique<TKvImportFromXLS>(Owner);
     case teWKS:     return std::make_unique<TKvImportFromWKS>(Owner);

@@ -98,9 +98,10 @@ TEST_P(KvSourceFactoryMakes, ComponentsThatWriteNoExtensionsByThemselves)
 }
 
 INSTANTIATE_TEST_SUITE_P(, KvSourceFactoryMakes, testing::Values(
+    TKindRow{teParadox, "TKvImportFromBDE"}, TKindRow{teDBase, "TKvImportFromBDE"},
     TKindRow{teText, "TKvImportFromText"}, TKindRow{teXLS, "TKvImportFromXLS"}, TKindRow{teWKS, "TKvImportFromWKS"},
     TKindRow{teQuattro, "TKvImportFromQuattro"}, TKindRow{teAccess, "TKvImportFromAccess"}),
-    [](const auto& Row) { return std::string(Row.param.ClassName); });
+    [](const auto& Row) { return std::string(TableTypeName(Row.param.TableType)); });
 
 TEST(KvSourceFactory, AnOwnerOwnsTheComponent)
 {
@@ -113,12 +114,12 @@ TEST(KvSourceFactory, SaysWhichKindHasNoComponent)
 {
     std::string Message;
     try {
-        CreateImport(teParadox);
+        CreateImport(teXML);
     }
     catch (const Exception& Error) {
         Message = Error.Message;
     }
-    EXPECT_EQ(Message, "There is no import of the kind Paradox");
+    EXPECT_EQ(Message, "There is no import of the kind XML");
 }
 
 TEST(KvSourceFactory, ASpecificationMustNameItsKind)
