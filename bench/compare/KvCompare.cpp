@@ -41,6 +41,7 @@ bool Compare(const TSettings& Settings)
     constexpr TSection Sections[] = {{"append", &TComparison::CompareAppend},
                                      {"fixed", &TComparison::CompareFixedWidth},
                                      {"keyed", &TComparison::CompareKeyed},
+                                     {"spreadsheets", &TComparison::CompareSpreadSheets},
                                      {"growth", &TComparison::MeasureGrowth}};
     TWorkspace Workspace(Settings.Parent, Settings.Programs.Yardstick);
     TComparison Comparison(Settings, Workspace);
@@ -65,7 +66,7 @@ int main(int Count, char** Arguments)
                  "nothing; status 1 means that a program failed or that two left different tables.");
     App.option_defaults()->always_capture_default();
     App.add_option("sections", Settings.Sections, "What to measure; everything by default")
-        ->check(CLI::IsMember({"append", "fixed", "keyed", "growth"}));
+        ->check(CLI::IsMember({"append", "fixed", "keyed", "spreadsheets", "growth"}));
     App.add_option("--rows", Settings.Rows, "Rows to append, and of the table that keyed records change");
     App.add_option("--keyed-rows", Settings.KeyedRows, "Keyed records, at most twice --rows");
     App.add_option("--repetitions", Settings.Repetitions, "Runs of each program, in turn")

@@ -79,6 +79,33 @@ TCommand KvImportCommand(const TPrograms& Programs, TWork Work, const TPair& Pai
     return Command;
 }
 
+TCommand KvImportSheetCommand(const TPrograms& Programs, TWork Work, const TPair& Pair)
+{
+    return {Programs.KvImport, "import", Pair.File,    "--to",        Pair.Database, "--table", "orders",
+            "--mode",          NameOf(Work), "--first-row", "2",           "--quiet"};
+}
+
+TCommand KvImportLoadCommand(const TPrograms& Programs, TWork, const TPair& Pair)
+{
+    return {Programs.KvImport, "sheets", Pair.File};
+}
+
+TCommand Xls2CsvCommand(const TPrograms&, TWork, const TPair& Pair)
+{
+    return {"xls2csv", "-d", "utf-8", Pair.File};
+}
+
+TCommand SsConvertCommand(const TPrograms&, TWork, const TPair& Pair)
+{
+    return {"ssconvert", "-T", "Gnumeric_stf:stf_csv", Pair.File, "fd://1"};
+}
+
+TCommand Xls2CsvIntoSqlite3Command(const TPrograms& Programs, TWork, const TPair& Pair)
+{
+    return {Programs.Sqlite3, "-bail", Pair.Database,
+            ".import --csv --skip 1 '|xls2csv -d utf-8 -b \"\" \"" + Pair.File.string() + "\"' orders"};
+}
+
 TCommand YardstickCommand(const TPrograms& Programs, TWork Work, const TPair& Pair)
 {
     return {Programs.Yardstick, NameOf(Work) + (Pair.Lines == olFixedWidth ? "-fixed" : ""), Pair.File,

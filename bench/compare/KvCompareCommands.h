@@ -36,11 +36,22 @@ struct TPair
 };
 
 TCommand KvImportCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
+/// Appends a file with a row of names, of any format, to the table "orders".
+TCommand KvImportSheetCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
+/// Loads a workbook or worksheet and lists its sheets.
+TCommand KvImportLoadCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
+
 TCommand YardstickCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
 
 /// With `.import`, straight into the table for wkAppend, otherwise into a temporary table from which one
 /// statement does the rest; in the second the temporary table is sorted by its key. Delimited files only.
 TCommand Sqlite3Command(const TPrograms& Programs, TWork Work, const TPair& Pair);
 TCommand Sqlite3KeyedCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
+
+// Other programs that read a workbook or a worksheet and print its cells as CSV.
+TCommand Xls2CsvCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
+TCommand SsConvertCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
+/// The first of them, from which the sqlite3 tool appends to the table "orders".
+TCommand Xls2CsvIntoSqlite3Command(const TPrograms& Programs, TWork Work, const TPair& Pair);
 
 } // namespace kv::bench

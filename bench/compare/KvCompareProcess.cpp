@@ -3,8 +3,13 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <sstream>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -65,6 +70,17 @@ pid_t Spawn(const TCommand& Command, int StandardError)
     return Process;
 }
 
+/// Until the process ends: its status and what it used.
+std::pair<int, rusage> Wait(pid_t Process)
+{
+    int Status = 0;
+    rusage Usage{};
+    while (::wait4(Process, &Status, 0, &Usage) < 0)
+        if (errno != EINTR)
+            throw std::system_error(errno, std::generic_category(), "wait4");
+    return {Status, Usage};
+}
+
 volatile std::sig_atomic_t Interrupted = 0;
 
 double Seconds(const timeval& Time)
@@ -84,11 +100,7 @@ TFigures RunProcess(const TCommand& Command)
     const TMemoryFile StandardError;
     const auto Start = std::chrono::steady_clock::now();
     const auto Process = Spawn(Command, StandardError.Descriptor());
-    int Status = 0;
-    rusage Usage{};
-    while (::wait4(Process, &Status, 0, &Usage) < 0)
-        if (errno != EINTR)
-            throw std::system_error(errno, std::generic_category(), "wait4");
+    const auto [Status, Usage] = Wait(Process);
     const std::chrono::duration<double> Wall = std::chrono::steady_clock::now() - Start;
     if (Interrupted)
         throw TInterrupted();
@@ -96,6 +108,35 @@ TFigures RunProcess(const TCommand& Command)
         throw std::runtime_error(CommandText(Command) + "\n" + StandardError.Text());
     return {Wall.count(), Seconds(Usage.ru_utime) + Seconds(Usage.ru_stime),
             static_cast<std::uint64_t>(Usage.ru_maxrss) * 1024};
+}
+
+void RunApart(const std::function<void()>& Work)
+{
+    const auto Process = ::fork();
+    if (Process < 0)
+        throw std::system_error(errno, std::generic_category(), "fork");
+    if (Process == 0) {
+        try {
+            Work();
+        }
+        catch (const std::exception& Error) {
+            std::fprintf(stderr, "%s\n", Error.what());
+            ::_exit(1);
+        }
+        ::_exit(0);
+    }
+    if (Wait(Process).first != 0)
+        throw std::runtime_error("A process of kv_compare failed");
+}
+
+bool IsInstalled(const std::string& Program)
+{
+    const char* const Path = std::getenv("PATH");
+    std::istringstream Folders(Path ? Path : "");
+    for (std::string Folder; std::getline(Folders, Folder, ':');)
+        if (::access((Folder + "/" + Program).c_str(), X_OK) == 0)
+            return true;
+    return false;
 }
 
 std::string CommandText(const TCommand& Command)

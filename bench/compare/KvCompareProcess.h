@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,13 @@ void CatchInterrupts();
 /// and what it wrote to standard error when it cannot be started or does not exit with status 0.
 /// The peak is never below that of the calling process, which should therefore stay small.
 TFigures RunProcess(const TCommand& Command);
+
+/// Does `Work` in a process of its own, so that the calling process stays small. Raises std::runtime_error
+/// when it fails.
+void RunApart(const std::function<void()>& Work);
+
+/// Whether there is a program of that name along PATH.
+bool IsInstalled(const std::string& Program);
 
 /// The command as one would type it, roughly.
 std::string CommandText(const TCommand& Command);

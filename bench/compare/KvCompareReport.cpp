@@ -65,14 +65,13 @@ bool PrintTrouble(const TContest& Contest, const std::vector<TOutcome>& Outcomes
     return Good;
 }
 
-void PrintMemory(const std::filesystem::path& File, std::uint64_t Lines, const TOutcome& Outcome)
+void PrintMemory(const TOutcome& Outcome, std::uint64_t MaxBytes)
 {
     if (!Outcome.Failure.empty())
         return;
-    const auto Limit = std::filesystem::file_size(File) + Lines * 48 + (std::uint64_t{32} << 20);
     std::printf("  %-34s %.0f MB of at most %.0f MB  %s\n", "memory",
-                static_cast<double>(Outcome.Best.PeakBytes) / Megabyte, static_cast<double>(Limit) / Megabyte,
-                Verdict(Outcome.Best.PeakBytes <= Limit));
+                static_cast<double>(Outcome.Best.PeakBytes) / Megabyte, static_cast<double>(MaxBytes) / Megabyte,
+                Verdict(Outcome.Best.PeakBytes <= MaxBytes));
 }
 
 void PrintGrowth(const std::vector<std::uint64_t>& Sizes, const std::vector<TGrowthLine>& Lines)

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -18,9 +17,8 @@ void PrintContest(const TContest& Contest, const std::vector<TOutcome>& Outcomes
 /// was any of that.
 bool PrintTrouble(const TContest& Contest, const std::vector<TOutcome>& Outcomes);
 
-/// The memory that importing `File` took, beside what it may take: the file's size, 48 bytes a line
-/// and 32 MB.
-void PrintMemory(const std::filesystem::path& File, std::uint64_t Lines, const TOutcome& Outcome);
+/// The most memory that the program took, beside what it may take.
+void PrintMemory(const TOutcome& Outcome, std::uint64_t MaxBytes);
 
 /// The times of one program at one kind of work, one outcome a size.
 struct TGrowthLine

@@ -13,13 +13,19 @@ TContestant TComparison::Contestant(const std::string& Name, TMakeCommand Make, 
     return {Name, Command, Target};
 }
 
-/// Runs the contest and prints how it ended. `Lines` are those of `File`.
-void TComparison::Judge(const TContest& Contest, const fs::path& File, std::uint64_t Lines)
+/// Runs the contest, prints how it ended and gives the outcome of the first.
+TOutcome TComparison::Judge(const TContest& Contest)
 {
     const auto Outcomes = RunContest(Contest, Settings.Repetitions, Workspace);
     PrintContest(Contest, Outcomes);
     AllGood &= PrintTrouble(Contest, Outcomes);
-    PrintMemory(File, Lines, Outcomes.front());
+    return Outcomes.front();
+}
+
+/// The same and the memory that a file of text may take. `Lines` are those of `File`.
+void TComparison::Judge(const TContest& Contest, const fs::path& File, std::uint64_t Lines)
+{
+    PrintMemory(Judge(Contest), fs::file_size(File) + Lines * 48 + (std::uint64_t{32} << 20));
 }
 
 void TComparison::CompareAppend()

@@ -35,6 +35,7 @@ public:
     void CompareAppend();
     void CompareFixedWidth();
     void CompareKeyed();
+    void CompareSpreadSheets();
     void MeasureGrowth();
 
     /// Everything ran, and everybody left the same table.
@@ -43,8 +44,12 @@ public:
 private:
     TContestant Contestant(const std::string& Name, TMakeCommand Make, TWork Work, const TPair& Pair,
                            double Target = 0) const;
+    TOutcome Judge(const TContest& Contest);
     void Judge(const TContest& Contest, const std::filesystem::path& File, std::uint64_t Lines);
     void CompareKeyed(TWork Work);
+    void CompareWorkbookLoad();
+    void CompareWorkbookImport();
+    void CompareWorksheetLoad();
     void AddGrowth(TWork Work, TOrderKey Key, const std::vector<std::uint64_t>& Sizes,
                    std::vector<TGrowthLine>& Lines);
 

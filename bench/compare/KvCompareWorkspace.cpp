@@ -2,17 +2,36 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 
 #include <unistd.h>
 
+#include "KvBenchSheetOrders.h"
 #include "KvBenchSql.h"
+#include "KvBenchWorkbook.h"
 #include "KvCompareProcess.h"
 
 namespace kv::bench {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+void Write(const fs::path& File, std::string (*Make)(std::size_t), std::uint64_t Rows)
+{
+    RunApart([&] {
+        const auto Bytes = Make(Rows);
+        std::ofstream Out(File, std::ios::binary);
+        if (!Out.write(Bytes.data(), std::ssize(Bytes)).flush())
+            throw std::runtime_error("Cannot write " + File.string());
+    });
+}
+
+} // namespace
 
 TWorkspace::TWorkspace(const fs::path& Parent, fs::path YardstickProgram)
     : Yardstick(std::move(YardstickProgram))
@@ -39,6 +58,31 @@ fs::path TWorkspace::KeyedOrders(std::uint64_t Rows, std::uint64_t TableRows)
 {
     const auto Name = "keyed-" + std::to_string(Rows) + "-of-" + std::to_string(TableRows) + ".csv";
     return Made(Name, [&](const fs::path& File) { WriteKeyedOrders(File, Rows, TableRows); });
+}
+
+fs::path TWorkspace::Workbook(std::uint64_t Rows)
+{
+    return Made("orders.xls", [&](const fs::path& File) { Write(File, MakeWorkbook, Rows); });
+}
+
+fs::path TWorkspace::LotusSheet(std::uint64_t Rows)
+{
+    return Made("orders.wk1", [&](const fs::path& File) { Write(File, MakeLotusSheet, Rows); });
+}
+
+fs::path TWorkspace::QuattroSheet(std::uint64_t Rows)
+{
+    return Made("orders.wq1", [&](const fs::path& File) { Write(File, MakeQuattroSheet, Rows); });
+}
+
+fs::path TWorkspace::SheetOrders(std::uint64_t Rows)
+{
+    return Made("sheet-orders.csv", [&](const fs::path& File) { WriteSheetOrders(File, Rows); });
+}
+
+fs::path TWorkspace::SheetTable()
+{
+    return Made("sheet-orders.db", [&](const fs::path& File) { TSqlDatabase(File).Execute(CreateSheetOrdersSql()); });
 }
 
 fs::path TWorkspace::Table(TOrderKey Key, std::uint64_t Rows)

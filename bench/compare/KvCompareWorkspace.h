@@ -24,6 +24,14 @@ public:
     std::filesystem::path Orders(TOrderLines Lines, std::uint64_t Rows);
     std::filesystem::path KeyedOrders(std::uint64_t Rows, std::uint64_t TableRows);
 
+    /// See KvBenchWorkbook and KvBenchSheetOrders: the same rows in every kind of file.
+    std::filesystem::path Workbook(std::uint64_t Rows);
+    std::filesystem::path LotusSheet(std::uint64_t Rows);
+    std::filesystem::path QuattroSheet(std::uint64_t Rows);
+    std::filesystem::path SheetOrders(std::uint64_t Rows);
+    /// A database with an empty table for those rows.
+    std::filesystem::path SheetTable();
+
     /// A database with the orders 1 to `Rows`, not to be changed.
     std::filesystem::path Table(TOrderKey Key, std::uint64_t Rows);
 
