@@ -41,6 +41,9 @@ TCommand KvImportSheetCommand(const TPrograms& Programs, TWork Work, const TPair
 /// Loads a workbook or worksheet and lists its sheets.
 TCommand KvImportLoadCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
 
+/// Appends the table "orders" of an Access database.
+TCommand KvImportAccessCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
+
 TCommand YardstickCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
 
 /// With `.import`, straight into the table for wkAppend, otherwise into a temporary table from which one
@@ -53,5 +56,8 @@ TCommand Xls2CsvCommand(const TPrograms& Programs, TWork Work, const TPair& Pair
 TCommand SsConvertCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
 /// The first of them, from which the sqlite3 tool appends to the table "orders".
 TCommand Xls2CsvIntoSqlite3Command(const TPrograms& Programs, TWork Work, const TPair& Pair);
+
+/// mdbtools exports the table "orders" of an Access database as CSV, the sqlite3 tool appends it.
+TCommand MdbExportIntoSqlite3Command(const TPrograms& Programs, TWork Work, const TPair& Pair);
 
 } // namespace kv::bench
