@@ -29,6 +29,7 @@ public:
     void First() override;
     void Next() override;
     bool Eof() const override { return Record == nullptr; }
+    std::size_t Number() const override { return RecordIndex + 1; }
 
     TVariant Value(std::size_t Field) override;
 

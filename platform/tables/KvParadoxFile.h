@@ -32,6 +32,7 @@ public:
     void First() override;
     void Next() override;
     bool Eof() const override { return Record == nullptr; }
+    std::size_t Number() const override { return RecordNumber; }
     /// Formatted memos come as their text alone.
     TVariant Value(std::size_t Field) override;
 

@@ -62,6 +62,12 @@ const TFormat& FormatOf(const std::string& FileName, TTableType Type)
     throw EDatabaseError(FormatText("File \"%s\" is neither a Paradox nor a dBase table", {FileName}));
 }
 
+int ClampToInt(std::size_t Count)
+{
+    constexpr std::size_t Most = std::numeric_limits<int>::max();
+    return static_cast<int>(std::min(Count, Most));
+}
+
 /// Tables used to be named without the extension that their type implies.
 std::string FileNameOf(const std::string& TableName, TTableType Type)
 {
@@ -104,6 +110,11 @@ TPublishedProperties TTable::PublishedProperties() const
     return Properties;
 }
 
+int TTable::RecNo()
+{
+    return Eof() ? 0 : ClampToInt(File->Number());
+}
+
 void TTable::InternalOpen()
 {
     if (TableName.empty())
@@ -140,8 +151,7 @@ bool TTable::InternalEof()
 
 int TTable::InternalRecordCount()
 {
-    constexpr std::size_t Most = std::numeric_limits<int>::max();
-    return static_cast<int>(std::min(File->RecordCount(), Most));
+    return ClampToInt(File->RecordCount());
 }
 
 TVariant TTable::InternalGetValue(const TField& Field)

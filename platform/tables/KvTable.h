@@ -62,6 +62,9 @@ public:
     /// Texts become process text, by the code page that the file names. False: they stay as they are.
     bool Transliterate = true;
 
+    /// The number of the current record, from 1, 0 when there is none; deleted ones have numbers too.
+    int RecNo();
+
 protected:
     void InternalOpen() override;
     void InternalClose() override;

@@ -27,6 +27,8 @@ public:
     virtual void First() = 0;
     virtual void Next() = 0;                        ///< Does nothing past the last record.
     virtual bool Eof() const = 0;                   ///< True when no record is current.
+    /// The number of the current record, from 1; deleted ones have numbers too.
+    virtual std::size_t Number() const = 0;
 
     /// The value of field `Field`, from 0, in the current record, in the kind that the field's type names:
     /// null when blank or at Eof. Texts and bytes are loans where possible, which hold until the next record;

@@ -10,7 +10,7 @@ namespace kv {
 
 namespace {
 
-constexpr std::string_view ExtensionNames[] = {"xbOpensForMapping"};
+constexpr std::string_view ExtensionNames[] = {"xbOpensForMapping", "xbKeepsToRows"};
 
 constexpr std::size_t TruncatedSize = 10;           // to which mappings cut names of dBase tables
 constexpr int PreviewEnd = 20;                      // the first record, from 1, that is not shown
@@ -55,7 +55,8 @@ TPublishedProperties TKvImportFromBDE::PublishedProperties() const
 {
     using T = TKvImportFromBDE;
     auto Properties = TKvImportBaseComponent::PublishedProperties();
-    const auto Own = {Publish("SourceFileName", &T::SourceFileName),
+    const auto Own = {Publish("SourceFileName", &T::SourceFileName), Publish("RowFirst", &T::RowFirst),
+                      Publish("RowLast", &T::RowLast),
                       Publish("TableType", &T::TableType, TableTypeNames),
                       Publish("Extensions", &T::Extensions, ExtensionNames)};
     Properties.insert(Properties.end(), Own.begin(), Own.end());
@@ -119,6 +120,20 @@ void TKvImportFromBDE::GoFirst()
 {
     Table->Open();
     Table->First();
+    if (Extensions.Contains(xbKeepsToRows))
+        while (!Table->Eof() && Table->RecNo() < RowFirst)
+            Table->Next();
+}
+
+bool TKvImportFromBDE::NeedMore()
+{
+    return !Table->Eof() && (!Extensions.Contains(xbKeepsToRows) || Table->RecNo() <= RowLast);
+}
+
+std::string TKvImportFromBDE::RecordPlace() const
+{
+    return Table && Table->Active() && !Table->Eof() ? "record " + std::to_string(Table->RecNo())
+                                                     : TKvImportBaseComponent::RecordPlace();
 }
 
 bool TKvImportFromBDE::LoadRecord()

@@ -16,7 +16,10 @@ namespace kv {
 enum TKvITableExtension {
     /// A run without mappings opens the table and takes its fields into those of the same name. Without it
     /// such a run fails before its first record: a table that is not open yet knows no fields.
-    xbOpensForMapping
+    xbOpensForMapping,
+    /// RowFirst and RowLast are the numbers of the first and last record to import, deleted ones counted.
+    /// Without it all are imported, and both only shape the count that is expected.
+    xbKeepsToRows
 };
 using TKvITableExtensions = TSet<TKvITableExtension>;
 
@@ -35,9 +38,14 @@ public:
     /// What the table is opened as; with ttDBase the first 10 characters of names count. A component of the
     /// kind teDBase takes ttDefault for ttDBase.
     TTableType TableType = ttDefault;
+    using TKvImportBaseComponent::RowFirst;
+    using TKvImportBaseComponent::RowLast;
     using TKvImportBaseComponent::SourceFileName;   ///< The table.
 
     TKvITableExtensions Extensions;
+
+    /// By the number that the record has in the table.
+    std::string RecordPlace() const override;
 
 protected:
     bool NotDefined(std::string& PropName) override;
@@ -48,7 +56,7 @@ protected:
     void BeforeImport() override;
     void GoFirst() override;
     int GetTotalCount() override { return Table->RecordCount(); }
-    bool NeedMore() override { return !Table->Eof(); }
+    bool NeedMore() override;
     bool LoadRecord() override;
     TVariant GetFieldValue(const TVariant& Source) override;
     void GoNext() override { Table->Next(); }

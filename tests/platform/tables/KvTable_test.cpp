@@ -73,6 +73,16 @@ TEST_F(KvTable, ReadsTheRecordsOfItsFile)
     EXPECT_THAT(Names(), ElementsAre("Ada", "Cy", "Dee")) << "First begins anew";
 }
 
+TEST_F(KvTable, RecordsKeepTheNumbersThatTheyHaveInTheFile)
+{
+    Table.Open();
+    std::vector<int> Numbers;
+    for (; !Table.Eof(); Table.Next())
+        Numbers.push_back(Table.RecNo());
+    EXPECT_THAT(Numbers, ElementsAre(1, 3, 4)) << "the second is deleted";
+    EXPECT_EQ(Table.RecNo(), 0);
+}
+
 TEST_F(KvTable, KnowsItsFieldsWhileItIsOpen)
 {
     EXPECT_EQ(Table.FieldCount(), 0);

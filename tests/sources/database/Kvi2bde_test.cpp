@@ -192,6 +192,37 @@ TEST(Kvi2bde, ARunThatFailedLeavesNothingForTheNext)
     EXPECT_THAT(Import.Run(), ElementsAre("Ada|3", "Cy|", "Dee|5"));
 }
 
+TEST(Kvi2bde, RowFirstAndRowLastOnlyShapeTheExpectedCount)
+{
+    TTableImport Import;
+    Import.RowFirst = 2;
+    Import.RowLast = 3;
+    EXPECT_THAT(Import.Run(), ElementsAre("Ada|3", "Cy|", "Dee|5"));
+    EXPECT_EQ(Import.Statistic.TotalCount, 2);
+}
+
+TEST(Kvi2bde, KeepsToRowsImportsTheRecordsWithTheseNumbers)
+{
+    TTableImport Import;
+    Import.Extensions = {xbKeepsToRows};
+    Import.Mode = imCopy;
+    Import.RowFirst = 2;
+    EXPECT_THAT(Import.Run(), ElementsAre("Cy|", "Dee|5"));
+    Import.RowLast = 3;
+    EXPECT_THAT(Import.Run(), ElementsAre("Cy|"));
+    Import.RowFirst = 5;
+    EXPECT_THAT(Import.Run(), IsEmpty());
+}
+
+TEST(Kvi2bde, ARecordsPlaceIsItsNumberInTheTable)
+{
+    TTableImport Import;
+    TLines Places;
+    Import.OnAfterRecordEvent = [&](TKvImportBaseComponent& Sender, bool&) { Places.push_back(Sender.RecordPlace()); };
+    Import.Run();
+    EXPECT_THAT(Places, ElementsAre("record 1", "record 3", "record 4"));
+}
+
 TEST(Kvi2bde, AMissingFileFailsTheRunAndIsNamed)
 {
     TTableImport Import;
