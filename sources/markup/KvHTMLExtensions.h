@@ -26,8 +26,8 @@ enum TKvIHTMLExtension {
     /// The file says how it is encoded: by a byte order mark, a META tag or an XML declaration. Without
     /// it bytes are taken as they are, up to the first zero byte.
     xhEncoding,
-    /// With RowFirst above 1 columns are called as the cells of row 1 are, "Field1", "Field2", ... name
-    /// them all, and any other name is an error. Without it the first mapped column is the first cell
+    /// "Field1", "Field2", ... name the cells of a row; with RowFirst above 1 the cells of row 1 name those
+    /// below them, too. Any other name is an error. Without it the first mapped column is the first cell
     /// and so on, whatever its name.
     xhHeaderNames,
     /// An empty cell is no value. Without it the column's name is imported for it.

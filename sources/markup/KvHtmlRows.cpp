@@ -34,12 +34,12 @@ bool TKvHtmlRows::FindRow()
         case htTable:
             if (!InTable)
                 Spans.Clear();
-            ++Tables;
-            InTable = InTable || TableNumber == 0 || Tables == TableNumber;
+            ++FTables;
+            InTable = InTable || TableNumber == 0 || FTables == TableNumber;
             break;
         case htTableEnd:
             InTable = false;
-            if (TableNumber != 0 && Tables >= TableNumber)
+            if (TableNumber != 0 && FTables >= TableNumber)
                 return false;
             break;
         case htRow:

@@ -27,6 +27,8 @@ public:
     /// span that reaches too far.
     bool Next();
 
+    /// Tables begun up to the current row; those inside a cell that is read do not count.
+    int Tables() const { return FTables; }
     /// Cells of the current row, or the columns that they cover.
     std::size_t Columns() const { return Spanned ? Spans.Columns() : Cells.size(); }
     /// The text in column `Column`, from 0: a view until the next Next(). Empty where there is no cell.
@@ -45,7 +47,7 @@ private:
     const int TableNumber;
     const TKvHtmlCellText CellText;
     TKvHtmlTags Tags;
-    int Tables = 0;                                 // begun so far
+    int FTables = 0;
     bool InTable = false;
     std::size_t TablesInCell = 0;                   // open inside the current cell
     std::vector<TKvHtmlCell> Cells;                 // of the current row

@@ -60,11 +60,30 @@ void TKvXmlRows::CutAttributes()
     IsCut = true;
 }
 
+const TKvXmlAttributes& TKvXmlRows::Attributes()
+{
+    if (Syntax)
+        return Elements.Attributes();
+    if (!IsCut)
+        CutAttributes();
+    return TokenAttributes;
+}
+
+std::vector<std::string_view> TKvXmlRows::AttributeNames()
+{
+    std::vector<std::string_view> Names;
+    for (const auto& Attribute : Attributes()) {
+        const char* First = Attribute.Last;
+        while (First != Attribute.First && static_cast<unsigned char>(First[-1]) > ' ')
+            --First;
+        Names.emplace_back(First, static_cast<std::size_t>(Attribute.Last - First));
+    }
+    return Names;
+}
+
 std::optional<std::string_view> TKvXmlRows::Value(std::size_t Column)
 {
-    if (!Syntax && !IsCut)
-        CutAttributes();
-    const auto* const Found = Columns[Column].FindIn(Syntax ? Elements.Attributes() : TokenAttributes);
+    const auto* const Found = Columns[Column].FindIn(Attributes());
     if (!Found || !Found->Closed)
         return {};
     if (!Syntax && !References)

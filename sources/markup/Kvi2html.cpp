@@ -30,6 +30,12 @@ std::size_t NumberedColumn(std::string_view Name)
     return Number > 0 ? static_cast<std::size_t>(Number - 1) : NoColumn;
 }
 
+/// The reverse: a header's own text might read as the number of another column.
+std::string ColumnName(std::ptrdiff_t Column)
+{
+    return std::string(FieldPrefix) + std::to_string(Column + 1);
+}
+
 } // namespace
 
 TKvImportFromHTML::TKvImportFromHTML(TComponent* Owner) : TKvImportFromMarkup(Owner, teHTML, Extension()) {}
@@ -60,6 +66,7 @@ void TKvImportFromHTML::BeforeImport()
     Columns.Clear();
     Header.clear();
     TKvImportFromMarkup::BeforeImport();
+    FTablesRead = TableNumber == 0 ? Rows->Tables() : 1;
     if (HasHeader())
         Header = ReadHtmlHeader(TKvHtmlRows(Text(), Extensions, TableNumber));
 }
@@ -93,11 +100,11 @@ std::size_t TKvImportFromHTML::ResolveColumn(std::string_view Source) const
         const int Item = GetFieldItem(Source);
         return Item >= 0 ? static_cast<std::size_t>(Item) : NoColumn;
     }
+    if (const auto Numbered = NumberedColumn(Source); Numbered != NoColumn)
+        return Numbered;
     const auto Named = std::ranges::find_if(Header, [Source](const auto& Each) { return SameText(Each, Source); });
     if (Named != Header.end())
         return static_cast<std::size_t>(Named - Header.begin());
-    if (const auto Numbered = NumberedColumn(Source); Numbered != NoColumn)
-        return Numbered;
     throw Exception(FormatText(MsgNoColumn, {SourceFileName, Source}));
 }
 
@@ -113,10 +120,10 @@ void TKvImportFromHTML::DetectAutoMapping()
         const auto NamesField = [&FieldName](const auto& Each) { return SameText(Each, FieldName); };
         if (RowFirst > 1) {
             if (const auto Found = std::ranges::find_if(Header, NamesField); Found != Header.end())
-                Mappings().Add(FieldName + "=" + *Found);
+                Mappings().Add(FieldName + "=" + ColumnName(Found - Header.begin()));
         }
         else if (Extensions.Contains(xhHeaderNames)) {
-            Mappings().Add(FieldName + "=" + std::string(FieldPrefix) + std::to_string(I + 1));
+            Mappings().Add(FieldName + "=" + ColumnName(I));
         }
         else {
             Mappings().Add(FieldName + "=" + FieldName);

@@ -29,6 +29,9 @@ public:
     TKvIHTMLExtensions Extensions;
     int TableNumber = 0;                            ///< The table to import, from 1; 0: all, one after the other.
 
+    /// How many tables the rows of the last run came from, those inside others not counted.
+    int TablesRead() const { return FTablesRead; }
+
     static std::string Extension() { return ".HTML"; }
     static std::string FillFileFilters();
 
@@ -50,6 +53,7 @@ private:
     std::optional<TKvHtmlRows> Rows;
     std::vector<std::string> Header;                // names of columns; none without HasHeader()
     TKvSourceColumns<std::size_t> Columns;          // from 0
+    int FTablesRead = 0;
 };
 
 /// How an HTML file says that it is encoded, empty when it does not: UTF-16 shows in its first tag, other

@@ -239,12 +239,29 @@ TEST_F(Kvi2htmlNames, WithoutAHeaderAreNumbersOnly)
 
 TEST_F(Kvi2htmlNames, MapTheFieldsOfTheSameName)
 {
-    EXPECT_THAT(Import.DetectedMappings(), ElementsAre("A=A"));
+    EXPECT_THAT(Import.DetectedMappings(), ElementsAre("A=Field3"));
     Import.RowFirst = 1;
     EXPECT_THAT(Import.DetectedMappings(), ElementsAre("A=Field1", "B=Field2", "C=Field3"));
 }
 
+TEST(Kvi2htmlNumbers, CountColumnsWhateverTheHeaderSays)
+{
+    THtmlRun Import("<table><tr><td>Field2</td><td>B</td></tr><tr><td>1</td><td>2</td></tr></table>");
+    Import.Extensions = {xhHeaderNames};
+    Import.RowFirst = 2;
+    Import.MapTo({"Field2", "B"});
+    EXPECT_THAT(Import.Run(), ElementsAre("2|2|-"));
+}
+
 // Numbers of tables.
+
+TEST(Kvi2htmlTableNumber, ARunTellsHowManyTablesItRead)
+{
+    THtmlRun Import("<table><tr><td>1<table><tr><td>2</td></tr></table></td></tr></table><table></table>");
+    Import.Extensions = {xhTagSyntax};
+    Import.Run();
+    EXPECT_EQ(Import.TablesRead(), 2);
+}
 
 TEST(Kvi2htmlTableNumber, CountsTablesInsideOthersToo)
 {
