@@ -4,11 +4,13 @@
 #include "KvIniFile.h"
 #include "KvText.h"
 #include "Kvi2bde.h"
+#include "Kvi2html.h"
 #include "Kvi2ole.h"
 #include "Kvi2txt.h"
 #include "Kvi2wks.h"
 #include "Kvi2wq.h"
 #include "Kvi2xls.h"
+#include "Kvi2xml.h"
 #include "KviTableType.h"
 
 namespace kv {
@@ -19,12 +21,14 @@ std::unique_ptr<TKvImportBaseComponent> CreateImport(TTableTypeImport TableType,
     case teParadox:
     case teDBase:   return std::make_unique<TKvImportFromBDE>(Owner, TableType);
     case teText:    return std::make_unique<TKvImportFromText>(Owner);
+    case teHTML:    return std::make_unique<TKvImportFromHTML>(Owner);
     case teXLS:     return std::make_unique<TKvImportFromXLS>(Owner);
     case teWKS:     return std::make_unique<TKvImportFromWKS>(Owner);
     case teQuattro: return std::make_unique<TKvImportFromQuattro>(Owner);
+    case teXML:     return std::make_unique<TKvImportFromXML>(Owner);
     case teAccess:  return std::make_unique<TKvImportFromAccess>(Owner);
-    default:        throw Exception(FormatText("There is no import of the kind %s", {TableTypeName(TableType)}));
     }
+    throw Exception(FormatText("There is no import of the kind %d", {std::to_string(TableType)}));
 }
 
 std::unique_ptr<TKvImportBaseComponent> LoadImport(const std::string& FileName)

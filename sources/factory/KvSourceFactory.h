@@ -10,7 +10,7 @@ namespace kv {
 
 /// A new component that imports sources of that kind, with its defaults. An `Owner` that outlives the
 /// pointer may be given; it deletes the component when the pointer was released.
-/// Raises Exception "There is no import of the kind %s" when no component reads such sources.
+/// Raises Exception "There is no import of the kind %d" for a number that is none of the kinds.
 std::unique_ptr<TKvImportBaseComponent> CreateImport(TTableTypeImport TableType, TComponent* Owner = nullptr);
 
 /// The component that the specification `FileName` is about, with its settings loaded; it only needs a

@@ -100,6 +100,7 @@ TEST_P(KvSourceFactoryMakes, ComponentsThatWriteNoExtensionsByThemselves)
 INSTANTIATE_TEST_SUITE_P(, KvSourceFactoryMakes, testing::Values(
     TKindRow{teParadox, "TKvImportFromBDE"}, TKindRow{teDBase, "TKvImportFromBDE"},
     TKindRow{teText, "TKvImportFromText"}, TKindRow{teXLS, "TKvImportFromXLS"}, TKindRow{teWKS, "TKvImportFromWKS"},
+    TKindRow{teHTML, "TKvImportFromHTML"}, TKindRow{teXML, "TKvImportFromXML"},
     TKindRow{teQuattro, "TKvImportFromQuattro"}, TKindRow{teAccess, "TKvImportFromAccess"}),
     [](const auto& Row) { return std::string(TableTypeName(Row.param.TableType)); });
 
@@ -110,16 +111,16 @@ TEST(KvSourceFactory, AnOwnerOwnsTheComponent)
     EXPECT_EQ(Import->Owner(), &Owner);
 }
 
-TEST(KvSourceFactory, SaysWhichKindHasNoComponent)
+TEST(KvSourceFactory, ANumberThatIsNoKindHasNoComponent)
 {
     std::string Message;
     try {
-        CreateImport(teXML);
+        CreateImport(static_cast<TTableTypeImport>(teAccess + 1));
     }
     catch (const Exception& Error) {
         Message = Error.Message;
     }
-    EXPECT_EQ(Message, "There is no import of the kind XML");
+    EXPECT_EQ(Message, "There is no import of the kind 9");
 }
 
 TEST(KvSourceFactory, ASpecificationMustNameItsKind)
