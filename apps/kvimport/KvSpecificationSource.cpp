@@ -8,8 +8,10 @@
 #include "KvSourceFile.h"
 #include "KvSourceOptions.h"
 #include "KvSpecification.h"
+#include "KvSpreadSheetSource.h"
 #include "KvText.h"
 #include "KvTextSource.h"
+#include "Kvi2cell.h"
 #include "Kvi2txt.h"
 #include "Kvibase.h"
 
@@ -35,12 +37,14 @@ public:
 
 private:
     void TakeColumns();
+    void LookIntoSheet();
     void SetRow(std::string_view Property, std::optional<int> Row);
 
     const TSpecification Specification;
     const std::string NamedFile;                    // the source that the specification names
     const TSourceFile File;
     std::vector<TSourceColumn> Named;               // by the mappings
+    std::vector<std::string> OfSheet;               // warnings
 };
 
 TSpecificationSource::TSpecificationSource(const TSourceOptions& Options)
@@ -52,6 +56,7 @@ TSpecificationSource::TSpecificationSource(const TSourceOptions& Options)
     SetRow("RowFirst", Options.RowFirst);
     SetRow("RowLast", Options.RowLast);
     TakeColumns();
+    LookIntoSheet();
 }
 
 void TSpecificationSource::SetRow(std::string_view Property, std::optional<int> Row)
@@ -71,6 +76,12 @@ void TSpecificationSource::TakeColumns()
     Lines.Clear();
 }
 
+void TSpecificationSource::LookIntoSheet()
+{
+    if (auto* const Import = dynamic_cast<TKvImportFromCell*>(&Component()))
+        OfSheet = SheetWarnings(LoadWorkBook(*Import, File).Sheets.Spreadsheet(Import->SheetIndex).Cells, Import->Extensions);
+}
+
 std::vector<std::string> TSpecificationSource::Findings() const
 {
     std::vector<std::string> Result{"as " + Specification.FileName + " has it"};
@@ -84,7 +95,7 @@ std::vector<std::string> TSpecificationSource::Findings() const
 std::vector<std::string> TSpecificationSource::Warnings() const
 {
     const auto* const Text = dynamic_cast<const TKvImportFromText*>(Specification.Import.get());
-    return Text ? FieldCountWarnings(*Text) : std::vector<std::string>();
+    return Text ? FieldCountWarnings(*Text) : OfSheet;
 }
 
 } // namespace

@@ -50,10 +50,8 @@ public:
 
 private:
     const TSpreadSheetCells& Cells() const { return Book->Sheets[static_cast<std::size_t>(Import->SheetIndex)].Cells; }
-    void Load();
     void ListSheets();
     int SheetNamed(const std::string& Sheet) const;
-    void FindWarnings();
     std::string ThisSheet() const;
     std::string TextAt(int Col, int Row) const;
     bool HoldsValues(int Col) const;
@@ -78,28 +76,11 @@ TSpreadSheetSource::TSpreadSheetSource(const TSourceOptions& Given, std::unique_
     Import->RowLast = Rows.Last;
     if (!Options.Classic)
         Import->Extensions = AllExtensions;
-    Load();
+    Book = &LoadWorkBook(*Import, File);
     ListSheets();
     if (!Options.Sheet.Sheet.empty())
         Import->SheetIndex = SheetNamed(Options.Sheet.Sheet);
-    FindWarnings();
-}
-
-/// The messages of the readers do not say which file they are about.
-void TSpreadSheetSource::Load()
-{
-    try {
-        auto& Loaded = Import->LoadWorkBook();
-        Loaded.Sheets.Spreadsheet(0);               // a file without any has an empty one
-        Book = &Loaded;
-    }
-    catch (const EFileError& Error) {
-        throw EFileError(Explain(Error.Message));
-    }
-    catch (const Exception& Error) {
-        const auto Message = Explain(Error.Message);
-        throw Exception(Message.find(DisplayName()) == Message.npos ? DisplayName() + ": " + Message : Message);
-    }
+    FWarnings = SheetWarnings(Cells(), Import->Extensions);
 }
 
 void TSpreadSheetSource::ListSheets()
@@ -124,22 +105,6 @@ int TSpreadSheetSource::SheetNamed(const std::string& Sheet) const
     for (const auto& Each : FSheets)
         Names.push_back(std::to_string(Names.size() + 1) + " '" + Each.Name + "'");
     throw Exception("--sheet: " + DisplayName() + " has no sheet '" + Sheet + "'; its sheets are " + JoinNames(Names));
-}
-
-void TSpreadSheetSource::FindWarnings()
-{
-    const auto& Sheet = Cells();
-    const int RowCount = RowExtent(Sheet, Import->Extensions), ColumnCount = ColumnExtent(Sheet, Import->Extensions);
-    if (Sheet.CellRows() > RowCount)
-        FWarnings.push_back("the sheet declares " + GroupDigits(RowCount) + " rows and holds values down to row " +
-                            GroupDigits(Sheet.CellRows()) + ": the rest is not read with --classic");
-    if (Sheet.CellColumns() > ColumnCount)
-        FWarnings.push_back("the sheet declares " + GroupDigits(ColumnCount) + " columns and holds values up to column " +
-                            SpreadSheetLetters(Sheet.CellColumns()) + ": with --classic only --map finds the rest");
-    if (Sheet.CellsBeyond() > 0)
-        FWarnings.push_back(GroupDigits(static_cast<std::int64_t>(Sheet.CellsBeyond())) +
-                            (Sheet.CellsBeyond() == 1 ? " value stands" : " values stand") +
-                            " beyond column IV, the last that can be read");
 }
 
 std::string TSpreadSheetSource::ThisSheet() const
@@ -240,6 +205,41 @@ bool IsWorksheetOf(std::string_view Beginning, std::string_view Size, std::initi
 }
 
 } // namespace
+
+/// The messages of the readers do not say which file they are about.
+TSpreadSheetFile& LoadWorkBook(TKvImportFromCell& Import, const TSourceFile& File)
+{
+    try {
+        auto& Loaded = Import.LoadWorkBook();
+        Loaded.Sheets.Spreadsheet(0);               // a file without any has an empty one
+        return Loaded;
+    }
+    catch (const EFileError& Error) {
+        throw EFileError(File.Explain(Error.Message));
+    }
+    catch (const Exception& Error) {
+        const auto Message = File.Explain(Error.Message);
+        const auto Name = File.DisplayName();
+        throw Exception(Message.find(Name) == Message.npos ? Name + ": " + Message : Message);
+    }
+}
+
+std::vector<std::string> SheetWarnings(const TSpreadSheetCells& Sheet, TSpreadSheetExtensions Extensions)
+{
+    const int RowCount = RowExtent(Sheet, Extensions), ColumnCount = ColumnExtent(Sheet, Extensions);
+    std::vector<std::string> Result;
+    if (Sheet.CellRows() > RowCount)
+        Result.push_back("the sheet declares " + GroupDigits(RowCount) + " rows and holds values down to row " +
+                         GroupDigits(Sheet.CellRows()) + ": the rest is not read with --classic");
+    if (Sheet.CellColumns() > ColumnCount)
+        Result.push_back("the sheet declares " + GroupDigits(ColumnCount) + " columns and holds values up to column " +
+                         SpreadSheetLetters(Sheet.CellColumns()) + ": with --classic only --map finds the rest");
+    if (Sheet.CellsBeyond() > 0)
+        Result.push_back(GroupDigits(static_cast<std::int64_t>(Sheet.CellsBeyond())) +
+                         (Sheet.CellsBeyond() == 1 ? " value stands" : " values stand") +
+                         " beyond column IV, the last that can be read");
+    return Result;
+}
 
 std::unique_ptr<TSource> MakeXlsSource(const TSourceOptions& Options)
 {

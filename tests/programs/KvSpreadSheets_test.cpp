@@ -341,6 +341,31 @@ TEST_F(KvSpreadSheets, SheetsTellsWhatTheSheetDeclaresWithClassicReading)
     EXPECT_THAT(Kvimport("sheets", Worksheet(wfLotus), {"--classic"}, "book.wk1").Out, HasSubstr("    1  Sheet1     2        1\n"));
 }
 
+// Imports that are saved and run again.
+
+TEST_F(KvSpreadSheets, ASavedImportTakesTheSheetItWasSavedWith)
+{
+    const auto Specification = Shop.Folder / "book.kvi";
+    const auto Book = Shop.Folder.Write("book.xls", Workbook());
+    RunKvImport(Shop.Folder, {"save", Specification, Book, "--sheet", "2", "--first-row", "3", "--map", "ID=A", "--map", "CITY=B"});
+    const auto Result = RunKvImport(Shop.Folder, {"run", Specification, "--to", Shop.Database(), "--table", "orders"});
+    EXPECT_EQ(Result.Status, 0) << Result.Err;
+    EXPECT_EQ(Orders(), "7|Oslo");
+}
+
+TEST_F(KvSpreadSheets, ASavedImportWarnsOfWhatItLeavesOutAndNamesTheFileInErrors)
+{
+    const auto Specification = Shop.Folder / "book.kvi";
+    const auto Book = Shop.Folder.Write("book.wk1", Worksheet(wfLotus));
+    RunKvImport(Shop.Folder, {"save", Specification, Book, "--classic", "--map", "ID=A", "--map", "CITY=B", "--first-row", "2"});
+    const TArguments Run{"run", Specification, "--to", Shop.Database(), "--table", "orders"};
+    EXPECT_THAT(RunKvImport(Shop.Folder, Run).Err,
+                HasSubstr("book.wk1, the sheet declares 2 rows and holds values down to row 3: the rest is not read with --classic\n"));
+    EXPECT_EQ(Orders(), "1|Rom");
+    Shop.Folder.Write("book.wk1", std::string("\0\0\2\0\7\7", 6));
+    EXPECT_THAT(RunKvImport(Shop.Folder, Run).Err, HasSubstr("book.wk1: File is not a Lotus 1-2-3 file\n"));
+}
+
 TEST_F(KvSpreadSheets, ATextFileHasNoSheets)
 {
     const auto Result = Kvimport("sheets", "ID\n1\n", {}, "orders.csv");
