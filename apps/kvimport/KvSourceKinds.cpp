@@ -9,12 +9,14 @@
 #include "KvAccessSource.h"
 #include "KvExitStatus.h"
 #include "KvFile.h"
+#include "KvHtmlSource.h"
 #include "KvOptionText.h"
 #include "KvSpecificationSource.h"
 #include "KvSpooledFile.h"
 #include "KvSpreadSheetSource.h"
 #include "KvText.h"
 #include "KvTextSource.h"
+#include "KvXmlSource.h"
 
 namespace kv {
 
@@ -86,6 +88,10 @@ std::span<const TSourceKind> SourceKinds()
     static const TSourceKind Kinds[] = {
         {"text", "Text, delimited or of fixed width", {".csv", ".txt", ".tab", ".tsv", ".dat", ".prn", ".asc"},
          TextOptionGroup, nullptr, &MakeTextSource},
+        {"html", "Tables of HTML pages", {".html", ".htm", ".xhtml"},
+         HtmlOptionGroup, &BeginsLikeHtml, &MakeHtmlSource},
+        {"xml", "XML data packets", {".xml"},
+         XmlOptionGroup, &BeginsLikeXml, &MakeXmlSource},
         {"xls", "Excel workbooks, Excel 2 to 2003", {".xls", ".xlt", ".xlw"},
          SheetOptionGroup, &BeginsLikeXls, &MakeXlsSource},
         {"wks", "Worksheets of Lotus 1-2-3 and Symphony", {".wks", ".wk1", ".wk2", ".wr1", ".wrk"},

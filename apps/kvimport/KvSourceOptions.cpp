@@ -50,6 +50,8 @@ void AddSourceOptions(CLI::App& Command, TSourceOptions& Options)
 {
     AddSharedOptions(Command, Options);
     AddGroup(Command, TextOptionGroup, Options, [&] { AddTextOptions(Command, Options.Text); });
+    AddGroup(Command, HtmlOptionGroup, Options, [&] { AddHtmlOptions(Command, Options.Html); });
+    AddGroup(Command, XmlOptionGroup, Options, [&] { AddXmlOptions(Command, Options.Xml); });
     AddGroup(Command, SheetOptionGroup, Options, [&] { AddSheetOptions(Command, Options.Sheet); });
     AddGroup(Command, TableOptionGroup, Options, [&] { AddTableOptions(Command, Options.Table); });
 }

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "KvMarkupOptions.h"
 #include "KvSheetOptions.h"
 #include "KvTableOptions.h"
 #include "KvTextOptions.h"
@@ -34,6 +35,8 @@ struct TSourceOptions
     std::optional<int> RowFirst;                    ///< Not given: after the header, when there is one.
     std::optional<int> RowLast;
     TTextOptions Text;
+    THtmlOptions Html;
+    TXmlOptions Xml;
     TSheetOptions Sheet;
     TTableOptions Table;
     std::vector<TGivenOption> Given;                ///< Of the groups of the kinds.

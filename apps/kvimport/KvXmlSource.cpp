@@ -1,0 +1,158 @@
+#include "KvXmlSource.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "KvCodePage.h"
+#include "KvDisplayText.h"
+#include "KvException.h"
+#include "KvExitStatus.h"
+#include "KvRowRange.h"
+#include "KvSourceFile.h"
+#include "KvSourceOptions.h"
+#include "KvText.h"
+#include "Kvi2xml.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::string_view RowWord = "row";
+constexpr int NamingRecords = 100;                  // that are looked at when no FIELDS section names columns
+
+constexpr TKvIXMLExtensions AllExtensions{xxTagSyntax, xxWholeNames, xxReferences, xxEncoding, xxMissingIsNull};
+
+class TXmlSource final : public TSource
+{
+public:
+    explicit TXmlSource(const TSourceOptions& Given);
+
+    TKvImportBaseComponent& Component() override { return Import; }
+    std::string DisplayName() const override { return File.DisplayName(); }
+    std::string_view PlaceWord() const override { return RowWord; }
+    bool HasNames() const override { return true; }
+    std::vector<TSourceColumn> Columns() override { return FColumns; }
+    TSourceRows FirstRows(int Count) override;
+    std::string RemarkOnStranger(const std::string& Column) override;
+    std::string Explain(std::string Text) const override { return File.Explain(std::move(Text)); }
+
+private:
+    std::string ToUtf8(std::string_view Text) const;
+    template <class TUse> void UseRows(TUse Use) const;
+    std::vector<std::string> ReadNames(TKvXmlRows& Rows) const;
+
+    const TSourceOptions Options;
+    const TSourceFile File;
+    TKvImportFromXML Import;
+    std::vector<TSourceColumn> FColumns;
+};
+
+/// Names come with the attributes: no row is a header.
+TSourceOptions WithoutHeader(TSourceOptions Options)
+{
+    Options.FindNames = false;
+    return Options;
+}
+
+TXmlSource::TXmlSource(const TSourceOptions& Given) : Options(WithoutHeader(Given)), File(Options.FileName)
+{
+    const auto Range = RowRangeOf(Options, RowWord);
+    Import.SourceFileName = File.Name();
+    Import.CharacterSet = Options.MsDos ? csiASCII_MSDOS : csiANSI_WINDOWS;
+    Import.RowFirst = Range.First;
+    Import.RowLast = Range.Last;
+    Import.TableName = FromDisplay(Options.Xml.RowTag);
+    if (!Options.Classic)
+        Import.Extensions = AllExtensions;
+    UseRows([this](TKvXmlRows& Rows) {
+        for (const auto& Name : ReadNames(Rows))
+            FColumns.push_back({.Source = Name, .Name = ToUtf8(Name)});
+    });
+}
+
+std::string TXmlSource::ToUtf8(std::string_view Text) const
+{
+    return ToDisplay(Options.MsDos ? OemToAnsi(Text) : std::string(Text));
+}
+
+/// Calls `Use` with the records of the file, read as the component reads them.
+template <class TUse> void TXmlSource::UseRows(TUse Use) const
+{
+    const bool TellsEncoding = Import.Extensions.Contains(xxEncoding);
+    try {
+        const auto Whole = TellsEncoding ? TKvTextFile(File.Name(), FindXmlFileEncoding) : TKvTextFile(File.Name(), bmIsText);
+        TKvXmlRows Rows(MarkupText(Whole, File.Name(), TellsEncoding), Import.Extensions, Import.TableName, File.Name());
+        Use(Rows);
+    }
+    catch (const EFileError& Error) {
+        throw EFileError(Explain(Error.Message));
+    }
+    catch (const Exception& Error) {
+        throw Exception(Explain(Error.Message));
+    }
+}
+
+/// Those of the FIELDS section before the first record; where there is none, and for records of another tag,
+/// which it does not describe, those of the first records.
+std::vector<std::string> TXmlSource::ReadNames(TKvXmlRows& Rows) const
+{
+    std::vector<std::string> Names;
+    for (int I = 0; I < NamingRecords && Rows.Next(); ++I) {
+        if (Import.TableName.empty() && !Rows.FieldNames().empty())
+            break;
+        for (const auto Name : Rows.AttributeNames())
+            if (std::ranges::find(Names, Name) == Names.end())
+                Names.emplace_back(Name);
+    }
+    return Import.TableName.empty() && !Rows.FieldNames().empty() ? Rows.FieldNames() : Names;
+}
+
+std::string TXmlSource::RemarkOnStranger(const std::string& Column)
+{
+    if (Options.Classic)
+        return TSource::RemarkOnStranger(Column);
+    return "the file announces no such attribute: the field stays empty where it is missing";
+}
+
+TSourceRows TXmlSource::FirstRows(int Count)
+{
+    TSourceRows Result;
+    UseRows([&](TKvXmlRows& Rows) {
+        for (const auto& Column : FColumns) {
+            Rows.AddColumn(Column.Source);
+            Result.Columns.push_back({.Source = Column.Name, .Name = {}}); // they have no other names
+        }
+        std::int64_t Number = 1;
+        bool There = Rows.Next();
+        for (; There && Number <= Import.RowLast && std::ssize(Result.Rows) < Count; There = Rows.Next(), ++Number) {
+            if (Number < Import.RowFirst)
+                continue;
+            auto& Texts = Result.Rows.emplace_back();
+            for (std::size_t I = 0; I < FColumns.size(); ++I)
+                Texts.push_back(ToUtf8(Rows.Value(I).value_or(Options.Classic ? std::string_view(FColumns[I].Source) : "")));
+            Result.Places.push_back(std::to_string(Number));
+        }
+        Result.HasMore = There && Number <= Import.RowLast;
+    });
+    return Result;
+}
+
+} // namespace
+
+std::unique_ptr<TSource> MakeXmlSource(const TSourceOptions& Options)
+{
+    return std::make_unique<TXmlSource>(Options);
+}
+
+bool BeginsLikeXml(std::string_view Beginning)
+{
+    auto Start = Trim(Beginning.substr(Beginning.starts_with("\xEF\xBB\xBF") ? 3 : 0));
+    if (Start.starts_with("<?xml"))
+        Start = Trim(Start.substr(std::min(Start.find("?>"), Start.size() - 2) + 2));
+    return Start.starts_with("<DATAPACKET");
+}
+
+} // namespace kv
