@@ -7,13 +7,16 @@
 #include <string>
 
 #include "KvAccessSource.h"
+#include "KvDbaseHeader.h"
 #include "KvExitStatus.h"
 #include "KvFile.h"
 #include "KvHtmlSource.h"
 #include "KvOptionText.h"
+#include "KvParadoxHeader.h"
 #include "KvSpecificationSource.h"
 #include "KvSpooledFile.h"
 #include "KvSpreadSheetSource.h"
+#include "KvTableSource.h"
 #include "KvText.h"
 #include "KvTextSource.h"
 #include "KvXmlSource.h"
@@ -100,6 +103,10 @@ std::span<const TSourceKind> SourceKinds()
          SheetOptionGroup, &BeginsLikeQuattro, &MakeQuattroSource},
         {"access", "Tables of Access databases", {".mdb", ".mde", ".accdb"},
          TableOptionGroup, &BeginsLikeAccess, &MakeAccessSource},
+        {"dbase", "Tables of dBase and FoxPro", {".dbf"},
+         {}, &IsDbase, &MakeDbaseSource},
+        {"paradox", "Tables of Paradox", {".db"},
+         {}, &IsParadox, &MakeParadoxSource},
     };
     return Kinds;
 }

@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::size_t FieldsOffset = 32, Dbase2FieldsOffset = 8;
 constexpr std::size_t Dbase2HeaderSize = 521;
+constexpr std::string_view FieldLetters = "CNFLDIMTYVQGPWB+O@";
 
 struct TVersion
 {
@@ -97,6 +98,9 @@ bool IsDbase(std::string_view Bytes)
         return false;
     const TKvByteCursor File(Bytes);
     const bool IsDbase2 = Version->Dialect == ddDbase2;
+    const std::size_t Letter = IsDbase2 ? 19 : Version->Dialect == ddDbase7 ? 100 : 43; // of the first field
+    if (Bytes.size() <= Letter || FieldLetters.find(Bytes[Letter]) == FieldLetters.npos)
+        return false;
     const auto Month = File.At<std::uint8_t>(IsDbase2 ? 3 : 2); // dBase II: MM DD YY, later ones YY MM DD
     const auto Day = File.At<std::uint8_t>(IsDbase2 ? 4 : 3);
     return Month <= 12 && Day <= 31 && (IsDbase2 || File.At<std::uint16_t>(0x08) > FieldsOffset);
