@@ -10,6 +10,7 @@
 #include "KvDisplayText.h"
 #include "KvException.h"
 #include "KvExitStatus.h"
+#include "KvFirstRows.h"
 #include "KvRowRange.h"
 #include "KvSourceFile.h"
 #include "KvSourceOptions.h"
@@ -44,13 +45,16 @@ public:
 
 private:
     std::string ToUtf8(std::string_view Text) const;
+    void Read(int Count);
     std::vector<TSourceColumn> ReadColumns(TKvHtmlRows Rows) const;
+    TSourceRows ReadRows(TKvHtmlRows Rows, int Count) const;
 
     const TSourceOptions Options;
     const TRowRange Range;
     const TSourceFile File;
     TKvImportFromHTML Import;
     std::vector<TSourceColumn> FColumns;
+    TSourceRows First;                              // rows, as many as were asked for so far
 };
 
 /// The text of a page as its component reads it.
@@ -93,8 +97,15 @@ THtmlSource::THtmlSource(const TSourceOptions& Given)
     Import.TableNumber = Options.Html.TableNumber;
     if (!Options.Classic)
         Import.Extensions = AllExtensions;
+    Read(SampleRows);
+}
+
+void THtmlSource::Read(int Count)
+{
     try {
-        FColumns = ReadColumns(TPage(Import).Rows(Import));
+        const TPage Page(Import);
+        FColumns = ReadColumns(Page.Rows(Import));
+        First = ReadRows(Page.Rows(Import), Count);
     }
     catch (const EFileError& Error) {
         throw EFileError(Explain(Error.Message));
@@ -143,9 +154,14 @@ std::string THtmlSource::RemarkOnStranger(const std::string& Column)
 
 TSourceRows THtmlSource::FirstRows(int Count)
 {
+    if (First.HasMore && std::ssize(First.Rows) < Count)
+        Read(Count);
+    return FirstOf(First, Count);
+}
+
+TSourceRows THtmlSource::ReadRows(TKvHtmlRows Rows, int Count) const
+{
     TSourceRows Result{.Columns = FColumns, .Rows = {}, .Places = {}};
-    const TPage Page(Import);
-    auto Rows = Page.Rows(Import);
     std::int64_t Number = Range.First;
     bool There = MoveToRow(Rows, Range.First);
     for (; There && Number <= Range.Last && std::ssize(Result.Rows) < Count; There = Rows.Next(), ++Number) {

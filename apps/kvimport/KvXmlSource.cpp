@@ -10,6 +10,7 @@
 #include "KvDisplayText.h"
 #include "KvException.h"
 #include "KvExitStatus.h"
+#include "KvFirstRows.h"
 #include "KvRowRange.h"
 #include "KvSourceFile.h"
 #include "KvSourceOptions.h"
@@ -41,13 +42,15 @@ public:
 
 private:
     std::string ToUtf8(std::string_view Text) const;
-    template <class TUse> void UseRows(TUse Use) const;
-    std::vector<std::string> ReadNames(TKvXmlRows& Rows) const;
+    void Read(int Count);
+    std::vector<std::string> ReadNames(TKvXmlRows Rows) const;
+    TSourceRows ReadRows(TKvXmlRows Rows, int Count) const;
 
     const TSourceOptions Options;
     const TSourceFile File;
     TKvImportFromXML Import;
     std::vector<TSourceColumn> FColumns;
+    TSourceRows First;                              // rows, as many as were asked for so far
 };
 
 /// Names come with the attributes: no row is a header.
@@ -67,10 +70,7 @@ TXmlSource::TXmlSource(const TSourceOptions& Given) : Options(WithoutHeader(Give
     Import.TableName = FromDisplay(Options.Xml.RowTag);
     if (!Options.Classic)
         Import.Extensions = AllExtensions;
-    UseRows([this](TKvXmlRows& Rows) {
-        for (const auto& Name : ReadNames(Rows))
-            FColumns.push_back({.Source = Name, .Name = ToUtf8(Name)});
-    });
+    Read(SampleRows);
 }
 
 std::string TXmlSource::ToUtf8(std::string_view Text) const
@@ -78,14 +78,18 @@ std::string TXmlSource::ToUtf8(std::string_view Text) const
     return ToDisplay(Options.MsDos ? OemToAnsi(Text) : std::string(Text));
 }
 
-/// Calls `Use` with the records of the file, read as the component reads them.
-template <class TUse> void TXmlSource::UseRows(TUse Use) const
+/// The columns and the first records, as the component reads them.
+void TXmlSource::Read(int Count)
 {
     const bool TellsEncoding = Import.Extensions.Contains(xxEncoding);
     try {
         const auto Whole = TellsEncoding ? TKvTextFile(File.Name(), FindXmlFileEncoding) : TKvTextFile(File.Name(), bmIsText);
-        TKvXmlRows Rows(MarkupText(Whole, File.Name(), TellsEncoding), Import.Extensions, Import.TableName, File.Name());
-        Use(Rows);
+        const auto Text = MarkupText(Whole, File.Name(), TellsEncoding);
+        const auto Rows = [&] { return TKvXmlRows(Text, Import.Extensions, Import.TableName, File.Name()); };
+        FColumns.clear();
+        for (const auto& Name : ReadNames(Rows()))
+            FColumns.push_back({.Source = Name, .Name = ToUtf8(Name)});
+        First = ReadRows(Rows(), Count);
     }
     catch (const EFileError& Error) {
         throw EFileError(Explain(Error.Message));
@@ -97,7 +101,7 @@ template <class TUse> void TXmlSource::UseRows(TUse Use) const
 
 /// Those of the FIELDS section before the first record; where there is none, and for records of another tag,
 /// which it does not describe, those of the first records.
-std::vector<std::string> TXmlSource::ReadNames(TKvXmlRows& Rows) const
+std::vector<std::string> TXmlSource::ReadNames(TKvXmlRows Rows) const
 {
     std::vector<std::string> Names;
     for (int I = 0; I < NamingRecords && Rows.Next(); ++I) {
@@ -119,24 +123,29 @@ std::string TXmlSource::RemarkOnStranger(const std::string& Column)
 
 TSourceRows TXmlSource::FirstRows(int Count)
 {
+    if (First.HasMore && std::ssize(First.Rows) < Count)
+        Read(Count);
+    return FirstOf(First, Count);
+}
+
+TSourceRows TXmlSource::ReadRows(TKvXmlRows Rows, int Count) const
+{
     TSourceRows Result;
-    UseRows([&](TKvXmlRows& Rows) {
-        for (const auto& Column : FColumns) {
-            Rows.AddColumn(Column.Source);
-            Result.Columns.push_back({.Source = Column.Name, .Name = {}}); // they have no other names
-        }
-        std::int64_t Number = 1;
-        bool There = Rows.Next();
-        for (; There && Number <= Import.RowLast && std::ssize(Result.Rows) < Count; There = Rows.Next(), ++Number) {
-            if (Number < Import.RowFirst)
-                continue;
-            auto& Texts = Result.Rows.emplace_back();
-            for (std::size_t I = 0; I < FColumns.size(); ++I)
-                Texts.push_back(ToUtf8(Rows.Value(I).value_or(Options.Classic ? std::string_view(FColumns[I].Source) : "")));
-            Result.Places.push_back(std::to_string(Number));
-        }
-        Result.HasMore = There && Number <= Import.RowLast;
-    });
+    for (const auto& Column : FColumns) {
+        Rows.AddColumn(Column.Source);
+        Result.Columns.push_back({.Source = Column.Name, .Name = {}}); // they have no other names
+    }
+    std::int64_t Number = 1;
+    bool There = Rows.Next();
+    for (; There && Number <= Import.RowLast && std::ssize(Result.Rows) < Count; There = Rows.Next(), ++Number) {
+        if (Number < Import.RowFirst)
+            continue;
+        auto& Texts = Result.Rows.emplace_back();
+        for (std::size_t I = 0; I < FColumns.size(); ++I)
+            Texts.push_back(ToUtf8(Rows.Value(I).value_or(Options.Classic ? std::string_view(FColumns[I].Source) : "")));
+        Result.Places.push_back(std::to_string(Number));
+    }
+    Result.HasMore = There && Number <= Import.RowLast;
     return Result;
 }
 
