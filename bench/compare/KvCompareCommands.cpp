@@ -85,6 +85,12 @@ TCommand KvImportSheetCommand(const TPrograms& Programs, TWork Work, const TPair
             "--mode",          NameOf(Work), "--first-row", "2",           "--quiet"};
 }
 
+TCommand KvImportNamedCommand(const TPrograms& Programs, TWork Work, const TPair& Pair)
+{
+    return {Programs.KvImport, "import", Pair.File,    "--to", Pair.Database, "--table", "orders",
+            "--mode",          NameOf(Work), "--quiet"};
+}
+
 TCommand KvImportLoadCommand(const TPrograms& Programs, TWork, const TPair& Pair)
 {
     return {Programs.KvImport, "sheets", Pair.File};

@@ -38,6 +38,8 @@ struct TPair
 TCommand KvImportCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
 /// Appends a file with a row of names, of any format, to the table "orders".
 TCommand KvImportSheetCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
+/// Appends a file that names its columns, of any format, to the table "orders".
+TCommand KvImportNamedCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
 /// Loads a workbook or worksheet and lists its sheets.
 TCommand KvImportLoadCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
 

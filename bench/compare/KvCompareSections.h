@@ -36,6 +36,7 @@ public:
     void CompareAppend();
     void CompareFixedWidth();
     void CompareKeyed();
+    void CompareMarkup();
     void CompareSpreadSheets();
     void CompareAccess();
     void MeasureGrowth();
@@ -49,6 +50,7 @@ private:
     TOutcome Judge(const TContest& Contest);
     void Judge(const TContest& Contest, const std::filesystem::path& File, std::uint64_t Lines);
     void CompareKeyed(TWork Work);
+    void CompareMarkup(const char* What, TOrderLines Lines, std::uint64_t Rows);
     void CompareWorkbookLoad();
     void CompareWorkbookImport();
     void CompareWorksheetLoad();

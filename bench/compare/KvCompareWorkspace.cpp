@@ -50,7 +50,8 @@ TWorkspace::~TWorkspace()
 
 fs::path TWorkspace::Orders(TOrderLines Lines, std::uint64_t Rows)
 {
-    const auto Name = "orders-" + std::to_string(Rows) + (Lines == olDelimited ? ".csv" : ".txt");
+    static constexpr const char* Extensions[] = {".csv", ".txt", ".html", ".xml"}; // by kind of lines
+    const auto Name = "orders-" + std::to_string(Rows) + Extensions[Lines];
     return Made(Name, [&](const fs::path& File) { WriteOrders(File, Lines, Rows); });
 }
 
