@@ -58,8 +58,8 @@ TEST_P(KvImportExplains, WhatIsWrong)
 }
 
 INSTANTIATE_TEST_SUITE_P(Usage, KvImportExplains, testing::Values(
-    TBadRow{"NoCommand", {}, 2, "kvimport: a command is missing; there are import, preview, sheets, formats, save, show, run"},
-    TBadRow{"UnknownCommand", {"frobnicate"}, 2, "kvimport: 'frobnicate' is no command; there are import, preview, sheets, formats, save, show, run"},
+    TBadRow{"NoCommand", {}, 2, "kvimport: a command is missing; there are import, preview, sheets, tables, formats, save, show, run"},
+    TBadRow{"UnknownCommand", {"frobnicate"}, 2, "kvimport: 'frobnicate' is no command; there are import, preview, sheets, tables, formats, save, show, run"},
     TBadRow{"NoFile", {"import"}, 2, "kvimport: FILE is required"},
     TBadRow{"NoDatabase", {"import", "FILE"}, 2, "kvimport: --to is required"},
     TBadRow{"UnknownOption", {"import", "FILE", "--to", "SHOP", "--frobnicate"}, 2, "--frobnicate"},
