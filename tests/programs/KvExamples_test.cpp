@@ -104,6 +104,19 @@ TEST(KvExamples, TheSpecificationsDoTheSame)
     EXPECT_EQ(Shop.Ask("SELECT CUSTOMER, CITY, ORDERED, AMOUNT FROM orders WHERE ID = 10305"), "Comidas Peñón|Madrid|2024-09-13|4157");
 }
 
+TEST(KvExamples, EveryKindOfSourceHasASpecificationThatFillsTheTable)
+{
+    for (const auto& [Name, Orders] : {std::pair{"xls", 5}, {"wk1", 3}, {"wq1", 3}, {"html", 16}, {"xml", 16}}) {
+        const TShop Shop(Schema());
+        const TArguments Run{"run", Examples + "/orders-" + Name + ".kvi", "--to", Shop.Database(), "--table", "orders"};
+        for (int Time = 0; Time < 2; ++Time) {      // the second time the orders are there already
+            const auto Result = RunKvImport(Shop.Folder, Run);
+            EXPECT_EQ(Result.Status, 0) << Result.Err;
+            EXPECT_EQ(Shop.Count(), Orders) << Name;
+        }
+    }
+}
+
 TEST(KvExamples, TheLibraryDoesTheSame)
 {
     const TShop Shop(Schema());
