@@ -16,11 +16,12 @@ namespace kv {
 namespace {
 
 constexpr char DeletedMark = '*';
+constexpr std::size_t MaxHeaderSize = 65535;
 
-std::size_t CountStoredRecords(const TKvDbaseHeader& Header, std::size_t FileSize)
+std::size_t CountStoredRecords(const TKvDbaseHeader& Header, std::uint64_t FileSize)
 {
     const auto Room = FileSize > Header.HeaderSize ? (FileSize - Header.HeaderSize) / Header.RecordSize : 0;
-    return std::min(Header.RecordCount, Room);
+    return static_cast<std::size_t>(std::min<std::uint64_t>(Header.RecordCount, Room));
 }
 
 bool IsNamed(const std::vector<TFieldDef>& Defs, std::string_view Name)
@@ -59,8 +60,8 @@ std::uint64_t MemoBlock(std::string_view Stored)
 } // namespace
 
 TKvDbaseFile::TKvDbaseFile(const std::string& TableFile, bool Transliterate)
-    : FileName(TableFile), Bytes(ReadFileBytes(TableFile)), Header(ReadDbaseHeader(Bytes.View(), TableFile)),
-      StoredRecords(CountStoredRecords(Header, Bytes.Size())), LiveRecords(CountLiveRecords()),
+    : FileName(TableFile), File(TableFile), Header(ReadDbaseHeader(File.At(0, MaxHeaderSize), TableFile)),
+      StoredRecords(CountStoredRecords(Header, File.FileSize())),
       Text(Transliterate ? TKvTableText(Header.CodePage) : TKvTableText())
 {
     for (const auto& Field : Header.Fields.Visible)
@@ -69,18 +70,27 @@ TKvDbaseFile::TKvDbaseFile(const std::string& TableFile, bool Transliterate)
                         .Size = HasSize(Field.Type) ? static_cast<int>(Field.Size) : 0});
 }
 
-std::size_t TKvDbaseFile::CountLiveRecords() const
+/// None where the file has become shorter.
+const char* TKvDbaseFile::RecordAt(TKvFileWindow& Source, std::size_t Index) const
 {
-    std::size_t Live = Header.RecordCount - StoredRecords; // what the file lacks is an error, not deleted
-    const char* Mark = Bytes.View().data() + Header.HeaderSize;
-    for (std::size_t I = 0; I < StoredRecords; ++I, Mark += Header.RecordSize)
-        Live += *Mark != DeletedMark;
-    return Live;
+    const auto Bytes = Source.At(Header.HeaderSize + std::uint64_t{Index} * Header.RecordSize, Header.RecordSize);
+    return Bytes.size() == Header.RecordSize ? Bytes.data() : nullptr;
+}
+
+std::size_t TKvDbaseFile::RecordCount() const
+{
+    if (!LiveRecords) {
+        TKvFileWindow Marks(FileName);              // the other one stays where the current record is
+        LiveRecords = Header.RecordCount;           // what the file lacks is an error, not deleted
+        for (std::size_t I = 0; I < StoredRecords; ++I)
+            if (const auto* const Each = RecordAt(Marks, I); Each && *Each == DeletedMark)
+                --*LiveRecords;
+    }
+    return *LiveRecords;
 }
 
 void TKvDbaseFile::First()
 {
-    Record = Bytes.View().data() + Header.HeaderSize;
     RecordIndex = 0;
     SkipDeleted();
 }
@@ -89,20 +99,22 @@ void TKvDbaseFile::Next()
 {
     if (Record == nullptr)
         return;
-    Record += Header.RecordSize;
     ++RecordIndex;
     SkipDeleted();
 }
 
 void TKvDbaseFile::SkipDeleted()
 {
-    for (; RecordIndex < StoredRecords; ++RecordIndex, Record += Header.RecordSize)
-        if (*Record != DeletedMark)
-            return;
-    Record = nullptr;
-    if (StoredRecords < Header.RecordCount)
+    for (; RecordIndex < StoredRecords; ++RecordIndex) {
+        Record = RecordAt(File, RecordIndex);
+        if (Record == nullptr || *Record != DeletedMark)
+            break;
+    }
+    if (RecordIndex == StoredRecords)
+        Record = nullptr;
+    if (Record == nullptr && RecordIndex < Header.RecordCount)
         throw EFormatError(FormatText("File \"%s\" ends after record %d of %d",
-                                      {FileName, std::to_string(StoredRecords), std::to_string(Header.RecordCount)}));
+                                      {FileName, std::to_string(RecordIndex), std::to_string(Header.RecordCount)}));
 }
 
 TVariant TKvDbaseFile::Value(std::size_t Index)

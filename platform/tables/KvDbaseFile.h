@@ -2,12 +2,14 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "KvDbaseHeader.h"
 #include "KvFile.h"
+#include "KvFileWindow.h"
 #include "KvTableFile.h"
 #include "KvTableText.h"
 
@@ -19,12 +21,12 @@ namespace kv {
 class TKvDbaseFile final : public TKvTableFile
 {
 public:
-    /// Reads the table; its memos are read when the first of them is asked for. Texts become process text
+    /// Reads records as they come; the memos are read when the first of them is asked for. Texts become process text
     /// with `Transliterate`, else they stay as they are. Raises EFileError and what ReadDbaseHeader raises.
     explicit TKvDbaseFile(const std::string& TableFile, bool Transliterate = true);
 
     const std::vector<TFieldDef>& FieldDefs() const override { return Defs; }
-    std::size_t RecordCount() const override { return LiveRecords; }
+    std::size_t RecordCount() const override;
 
     void First() override;
     void Next() override;
@@ -34,7 +36,7 @@ public:
     TVariant Value(std::size_t Field) override;
 
 private:
-    std::size_t CountLiveRecords() const;
+    const char* RecordAt(TKvFileWindow& Source, std::size_t Index) const;
     void SkipDeleted();
     bool HasBit(int Bit) const;
     TVariant Decode(const TKvDbaseField& Field, std::string_view Stored);
@@ -43,10 +45,10 @@ private:
     std::string_view Memos();
 
     const std::string FileName;
-    const TKvFileBytes Bytes;
+    TKvFileWindow File;
     const TKvDbaseHeader Header;
     const std::size_t StoredRecords;                // that the file really has, deleted ones too
-    const std::size_t LiveRecords;
+    mutable std::optional<std::size_t> LiveRecords; // once they were asked for
     TKvTableText Text;
     std::vector<TFieldDef> Defs;
 

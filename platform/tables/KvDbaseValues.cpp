@@ -216,7 +216,10 @@ TVariant TimestampValue(std::string_view Bytes)
 
 std::string_view DbaseText(std::string_view Bytes)
 {
+    constexpr std::uint64_t EightBlanks = 0x2020202020202020;
     const auto* Last = Bytes.data() + Bytes.size();
+    while (Last - Bytes.data() >= 8 && LoadLittleEndian<std::uint64_t>(Last - 8) == EightBlanks)
+        Last -= 8;                                  // most of a text is blanks
     while (Last != Bytes.data() && (Last[-1] == ' ' || Last[-1] == '\0'))
         --Last;
     return {Bytes.data(), static_cast<std::size_t>(Last - Bytes.data())};

@@ -9,7 +9,7 @@
 
 namespace kv {
 
-/// A table file that is open: its fields, and one record after the other. A reader keeps the file in memory.
+/// A table file that is open: its fields, and one record after the other.
 class TKvTableFile
 {
 public:
