@@ -43,7 +43,7 @@ public:
 private:
     struct TFree
     {
-        void operator()(MdbTableDef* Table) const { mdb_free_tabledef(Table); }
+        void operator()(MdbTableDef* Definition) const { mdb_free_tabledef(Definition); }
     };
 
     bool NextPage();
