@@ -38,7 +38,6 @@ private:
     bool FindRow();
     void ReadRow();
     void ReadCell();
-    void CloseCell(const char* First, bool HasTags);
     bool EndsCell(TKvHtmlTag Tag);
     bool EndsRow(TKvHtmlTag Tag) const;
 
