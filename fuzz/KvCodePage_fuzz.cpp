@@ -6,6 +6,7 @@
 
 #include "KvException.h"
 #include "KvFuzz.h"
+#include "KvUtf8.h"
 
 namespace {
 

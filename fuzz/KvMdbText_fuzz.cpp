@@ -2,10 +2,10 @@
 // of any bits and scale has a text that agrees with its scaled forms.
 #include "KvMdbText.h"
 
-#include "KvCodePage.h"
 #include "KvException.h"
 #include "KvFuzz.h"
 #include "KvMdbDecimal.h"
+#include "KvUtf8.h"
 
 namespace {
 

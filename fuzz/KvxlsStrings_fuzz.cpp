@@ -4,9 +4,9 @@
 //   input := phonetic:u8 stream
 #include "KvxlsStrings.h"
 
-#include "KvCodePage.h"
 #include "KvException.h"
 #include "KvFuzz.h"
+#include "KvUtf8.h"
 
 namespace {
 

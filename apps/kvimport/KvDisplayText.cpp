@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "KvCodePage.h"
+#include "KvUtf8.h"
 
 namespace kv {
 

@@ -7,6 +7,7 @@
 #include "KvByteCursor.h"
 #include "KvCodePage.h"
 #include "KvException.h"
+#include "KvUtf8.h"
 
 namespace kv {
 

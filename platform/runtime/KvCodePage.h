@@ -19,8 +19,6 @@ void SetAnsiCodePage(std::string_view Name);
 void SetOemCodePage(std::string_view Name);
 void SetLegacyCodePage(std::string_view Name);
 
-bool IsValidUtf8(std::string_view Text);
-
 /// Text of the OEM page as text of the ANSI page.
 /// Raises EConvertError when a character does not exist there; nothing is replaced in silence.
 std::string OemToAnsi(std::string_view Text);
@@ -30,13 +28,6 @@ std::string Utf16ToAnsi(std::u16string_view Text);
 
 /// True when the process's page is UTF-8, which has every character.
 bool AnsiIsUtf8();
-
-// Text of documents, which must not fail for one damaged character. Both append to `Utf8`.
-/// The first 256 characters of Unicode, a byte each.
-void AppendLatin1AsUtf8(std::string_view Text, std::string& Utf8);
-/// UTF-16 as it stands in a file, low byte first; an odd last byte is left out. An unpaired surrogate is
-/// no character: it becomes the private use character U+10D800 to U+10DFFF of the same ending.
-void AppendUtf16AsUtf8(std::string_view Bytes, std::string& Utf8);
 
 /// Process text as UTF-8, for a destination that stores Unicode: from the ANSI page, or, when that is
 /// UTF-8 and `Text` is not, from the legacy page. `Text` itself when there is nothing to convert, else

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "KvException.h"
+#include "KvUtf16.h"
 
 namespace kv {
 
@@ -29,11 +30,6 @@ constexpr TNumberedPage NamedPages[] = {{367, "ASCII"},
 constexpr std::uint16_t NumberedPages[] = {437,  737,  775,  850,  852,  855,  857,  858,  860,  861,  862,
                                            863,  864,  865,  866,  869,  874,  932,  936,  949,  950,  1250,
                                            1251, 1252, 1253, 1254, 1255, 1256, 1257, 1258, 1361};
-
-bool IsAscii(std::string_view Text)
-{
-    return std::ranges::all_of(Text, [](char Char) { return static_cast<signed char>(Char) >= 0; });
-}
 
 } // namespace
 

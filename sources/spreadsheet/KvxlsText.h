@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "KvCodePage.h"
+#include "KvUtf8.h"
 
 namespace kv {
 

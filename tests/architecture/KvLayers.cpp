@@ -63,7 +63,7 @@ const std::vector<TForeignHeaders>& Foreign()
         {"PostgreSQL", "(postgresql/)?(libpq|postgres_ext|pg_config|pgtypes).*", {"platform/postgres"}},
         {"mdbtools", "mdb(tools|sql|fakeglib|ver)?\\.h", {"platform/access"}},
         {"GLib", "(glib|gmodule|gobject|gio)([-./].*)?", {"platform/access"}},
-        {"iconv", "iconv\\.h", {"platform/runtime/KvCodePage"}},
+        {"iconv", "iconv\\.h", {"platform/runtime/KvIconv"}},
         {"processor", "[a-z]mmintrin\\.h", {"platform/runtime/KvByteScan"}},
         {"CLI11", "CLI/.*", {"apps"}},
         {"nlohmann-json", "nlohmann/.*", {"apps"}},

@@ -9,6 +9,7 @@
 #include "KvCodePage.h"
 #include "KvException.h"
 #include "KvText.h"
+#include "KvUtf8.h"
 
 namespace kv {
 

@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "KvCodePage.h"
 #include "KvException.h"
+#include "KvUtf16.h"
+#include "KvUtf8.h"
 
 namespace kv {
 

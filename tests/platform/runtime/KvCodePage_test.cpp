@@ -6,6 +6,7 @@
 
 #include "KvException.h"
 #include "KvSettingsGuard.h"
+#include "KvUtf8.h"
 
 namespace kv {
 namespace {
@@ -64,78 +65,6 @@ TEST_F(KvCodePage, KnowsPagesByNameAndNumber)
     }
 }
 
-TEST_F(KvCodePage, TellsValidUtf8)
-{
-    const std::string_view Rows[] = {
-        {},
-        {"\0", 1},
-        "plain text of more than eight bytes",
-        "\x7F",
-        "\xC2\x80",
-        "\xDF\xBF",
-        "\xE0\xA0\x80",
-        "\xED\x9F\xBF",
-        "\xEE\x80\x80",
-        "\xEF\xBF\xBF",
-        "\xF0\x90\x80\x80",
-        "\xF4\x8F\xBF\xBF",
-        "eight by\xC3\xA9te ascii run, then one",
-    };
-    for (const auto Text : Rows)
-        EXPECT_TRUE(IsValidUtf8(Text)) << testing::PrintToString(Text);
-}
-
-TEST_F(KvCodePage, TellsInvalidUtf8)
-{
-    const std::pair<const char*, const char*> Rows[] = {
-        {"lone continuation", "\x80"},
-        {"last continuation", "abcdefgh\xBF"},
-        {"overlong, two bytes", "\xC0\x80"},
-        {"overlong, two bytes, last", "\xC1\xBF"},
-        {"overlong, three bytes", "\xE0\x9F\xBF"},
-        {"overlong, four bytes", "\xF0\x8F\xBF\xBF"},
-        {"first surrogate", "\xED\xA0\x80"},
-        {"last surrogate", "\xED\xBF\xBF"},
-        {"past the last character", "\xF4\x90\x80\x80"},
-        {"lead past the last", "\xF5\x80\x80\x80"},
-        {"five bytes", "\xF8\x88\x80\x80\x80"},
-        {"no lead", "\xFF"},
-        {"two bytes cut short", "\xC3"},
-        {"three bytes cut short", "\xE2\x82"},
-        {"four bytes cut short", "\xF0\x9F\x98"},
-        {"continuation missing", "\xC3(abcdefgh"},
-        {"third byte no continuation", "\xE2\x82("},
-        {"fourth byte no continuation", "\xF0\x9F\x98("},
-    };
-    for (const auto& [Name, Text] : Rows)
-        EXPECT_FALSE(IsValidUtf8(Text)) << Name;
-}
-
-TEST_F(KvCodePage, EveryCharacterOfUtf16BecomesValidUtf8)
-{
-    for (char32_t Point = 1; Point <= 0x10FFFF; Point += Point < 0x900 ? 1 : 251) {
-        if (Point >= 0xD800 && Point <= 0xDFFF)
-            continue;
-        std::u16string Units;
-        if (Point >= 0x10000) {
-            Units += static_cast<char16_t>(0xD800 + ((Point - 0x10000) >> 10));
-            Units += static_cast<char16_t>(0xDC00 + ((Point - 0x10000) & 0x3FF));
-        } else {
-            Units += static_cast<char16_t>(Point);
-        }
-        const auto Bytes = std::string(reinterpret_cast<const char*>(Units.data()), 2 * Units.size());
-        ASSERT_TRUE(IsValidUtf8(Utf16ToAnsi(Units)));
-        ASSERT_EQ(Utf16ToAnsi(Units), CodePageToUtf8(Bytes, "UTF-16LE")) << static_cast<std::uint32_t>(Point);
-    }
-}
-
-TEST_F(KvCodePage, RefusesUnpairedSurrogates)
-{
-    for (const auto* const Text :
-         {u"\xD83D", u"\xDE00", u"a\xD83D", u"\xD83Dx", u"\xDE00\xD83D", u"\xD83D\xD83D\xDE00"})
-        EXPECT_EQ(MessageOf<EConvertError>([&] { Utf16ToAnsi(Text); }), "Text is not valid in code page 'UTF-16'");
-}
-
 TEST_F(KvCodePage, ConvertsUtf16ToTheAnsiPage)
 {
     EXPECT_EQ(Utf16ToAnsi(u""), "");
@@ -153,38 +82,6 @@ TEST_F(KvCodePage, TellsWhetherTheAnsiPageIsUtf8)
     EXPECT_FALSE(AnsiIsUtf8());
     SetAnsiCodePage("65001");
     EXPECT_TRUE(AnsiIsUtf8());
-}
-
-TEST_F(KvCodePage, AppendsLatin1AsUtf8)
-{
-    std::string Text = "x";
-    AppendLatin1AsUtf8("", Text);
-    AppendLatin1AsUtf8("caf\xE9, \x80\xFF and some more ASCII", Text);
-    EXPECT_EQ(Text, "xcaf\xC3\xA9, \xC2\x80\xC3\xBF and some more ASCII");
-    Text.clear();
-    AppendLatin1AsUtf8(AllBytes(), Text);
-    EXPECT_EQ(Text, CodePageToUtf8(AllBytes(), "ISO-8859-1"));
-}
-
-TEST_F(KvCodePage, AppendsUtf16AsUtf8)
-{
-    std::string Text = "x";
-    AppendUtf16AsUtf8(std::string_view("a\0\xE9\0\x16\x04\x3D\xD8\0\xDE" "b\0c", 13), Text);
-    EXPECT_EQ(Text, "xa\xC3\xA9\xD0\x96\xF0\x9F\x98\x80" "b");
-}
-
-TEST_F(KvCodePage, AnUnpairedSurrogateBecomesAPrivateUseCharacter)
-{
-    const auto Utf8Of = [](std::string_view Bytes) {
-        std::string Text;
-        AppendUtf16AsUtf8(Bytes, Text);
-        return Text;
-    };
-    EXPECT_EQ(Utf8Of("\x3D\xD8"), "\xF4\x8D\xA0\xBD");                    // U+10D83D
-    EXPECT_EQ(Utf8Of({"\0\xDE", 2}), "\xF4\x8D\xB8\x80");                 // U+10DE00
-    EXPECT_EQ(Utf8Of({"\x3D\xD8x\0", 4}), "\xF4\x8D\xA0\xBDx");
-    EXPECT_EQ(Utf8Of({"\0\xDE\x3D\xD8\0\xDE", 6}), "\xF4\x8D\xB8\x80\xF0\x9F\x98\x80");
-    EXPECT_TRUE(IsValidUtf8(Utf8Of({"\xFF\xDB\xFF\xDF\xFF\xDF", 6})));
 }
 
 TEST_F(KvCodePage, ConvertsOemToTheAnsiPage)
