@@ -1,8 +1,6 @@
 #include "KvMdbRows.h"
 
-#include <algorithm>
 #include <cstring>
-#include <span>
 
 #include "KvAccessProtocol.h"
 #include "KvByteCursor.h"
@@ -106,7 +104,9 @@ bool TMdbRows::LoadMovedRow(std::uint32_t Pointer)
         const auto Start = static_cast<unsigned>(Position) & PositionMask;
         if (!IsSound || Start + Size > File.PageSize())
             RaiseDamaged("the page that it was moved to cannot be read");
-        if (static_cast<unsigned>(Position) & MovedFlag) {
+        // The library leaves the flags of the slot out of the position.
+        const auto Slot = static_cast<int>(Pointer & 0xFF);
+        if (mdb_get_int16(Page, Handle->fmt->row_count_offset + 2 + 2 * Slot) & MovedFlag) {
             if (Size < PointerSize)
                 RaiseDamaged("its pointer is cut off");
             Pointer = static_cast<std::uint32_t>(mdb_get_int32(Page, static_cast<int>(Start)));
@@ -127,10 +127,14 @@ bool TMdbRows::LoadMovedRow(std::uint32_t Pointer)
 void TMdbRows::Crack(std::size_t Start, std::size_t Size)
 {
     // It answers with the columns that the row has room for, those since deleted among them.
-    if (mdb_crack_row(Table.get(), static_cast<int>(Start), Size, Fields.data()) < 0)
+    const int Room = mdb_crack_row(Table.get(), static_cast<int>(Start), Size, Fields.data());
+    if (Room < 0)
         RaiseDamaged("it cannot be taken apart");
     RowStart = Start;
-    for (const auto& Field : std::span(Fields).first(FieldCount())) {
+    for (std::size_t I = 0; I < FieldCount(); ++I) {
+        auto& Field = Fields[I];
+        if (Column(I).col_num >= Room)              // added later: what seems to be its mark is not of this row
+            Field.is_null = 1;
         if (Field.is_null)
             continue;
         const auto Begin = static_cast<std::size_t>(Field.start), Length = static_cast<std::size_t>(Field.siz);
