@@ -29,23 +29,10 @@ constexpr int WidthUnits = 256;                     // of a character
 constexpr std::uint8_t AttributeNumber = 0x3F;
 constexpr std::uint8_t NumberInIxfe = 0x3F;
 
-/// The version that a BOF record's id tells; evUnknown for none.
-TExcelVersion VersionOf(std::uint16_t BofId)
-{
-    switch (BofId) {
-    case 0x0009: return evExcel2;
-    case 0x0209: return evExcel3;
-    case 0x0409: return evExcel4;
-    case 0x0809: return evExcel5;
-    default:     return evUnknown;
-    }
-}
-
 } // namespace
 
 TKvxlsPlain::TKvxlsPlain(TMSExcel& TheFile, TKvxlsFormats& TheFormats, std::string_view Stream)
-    : TKvxlsStream(TheFile, TheFormats, Stream),
-      AllCells(Extends(seCellRecords))
+    : TKvxlsStream(TheFile, TheFormats, Stream)
 {
 }
 
@@ -53,7 +40,7 @@ void TKvxlsPlain::Read()
 {
     // Any text begins with some id and size: what begins with no BOF is not worth another message.
     const auto FirstId = Records.NextId();
-    if (!FirstId || VersionOf(*FirstId) == evUnknown)
+    if (!FirstId || VersionOfBof(*FirstId) == evUnknown)
         throw Exception(MsgNoExcelFile);
     while (Records.Next())
         ReadRecord(Records.Record());
@@ -62,7 +49,7 @@ void TKvxlsPlain::Read()
 
 void TKvxlsPlain::ReadRecord(const TKvRecord& Record)
 {
-    if ((Record.Id & 0xFF) == rcBofLow)
+    if (IsBof(Record.Id))
         return ReadBof(Record);
     switch (Record.Id) {
     case rcFilePass:     RefuseEncrypted();
@@ -92,7 +79,7 @@ void TKvxlsPlain::ReadRecord(const TKvRecord& Record)
 
 void TKvxlsPlain::ReadBof(const TKvRecord& Record)
 {
-    File.Version = VersionOf(Record.Id);
+    File.Version = VersionOfBof(Record.Id);
     if (File.Version == evUnknown)
         throw Exception(MsgNoExcelFile);
     if (!AllCells)

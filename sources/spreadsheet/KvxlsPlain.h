@@ -61,7 +61,6 @@ private:
     TPlace NextPlace(const TKvRecord& Cell);
     bool IsDate(const TKvRecord& Cell) const;
 
-    const bool AllCells;                            // by their own layouts
     int LastRow = 0, LastColumn = 0;                // as declared, counts
     bool HasDimensions = false;
     int HighestRow = -1, HighestColumn = -1;        // of the cells

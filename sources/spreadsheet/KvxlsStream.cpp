@@ -17,8 +17,20 @@ constexpr std::uint16_t NoNumber = 0xFFFF;
 
 } // namespace
 
+TExcelVersion VersionOfBof(std::uint16_t Id)
+{
+    switch (Id) {
+    case 0x0009: return evExcel2;
+    case 0x0209: return evExcel3;
+    case 0x0409: return evExcel4;
+    case 0x0809: return evExcel5;
+    default:     return evUnknown;
+    }
+}
+
 TKvxlsStream::TKvxlsStream(TMSExcel& TheFile, TKvxlsFormats& TheFormats, std::string_view Stream)
     : File(TheFile),
+      AllCells(Extends(seCellRecords)),
       Formats(TheFormats),
       Records(Stream)
 {

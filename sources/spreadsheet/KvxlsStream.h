@@ -44,8 +44,8 @@ enum TKvxlsRecordId : std::uint16_t {
     rcFormat = 0x041E
 };
 
-/// The low byte of the id of every BOF record.
-constexpr std::uint16_t rcBofLow = 0x09;
+/// The version that the id of a BOF record tells; evUnknown for other ids.
+TExcelVersion VersionOfBof(std::uint16_t Id);
 
 /// What a BOF record begins.
 enum TKvxlsPart : std::uint16_t { xpGlobals = 0x0005, xpWorksheet = 0x0010, xpWorkspace = 0x0100 };
@@ -65,6 +65,14 @@ protected:
     ~TKvxlsStream() = default;
 
     bool Extends(TSpreadSheetExtension Extension) const { return File.Extensions.Contains(Extension); }
+
+    /// By the older reading every id whose low byte is that of a BOF is one, such as that of the markers of
+    /// a chart.
+    bool IsBof(std::uint16_t Id) const
+    {
+        constexpr std::uint16_t LowByte = 0x09;
+        return (Id & 0xFF) == LowByte && (!AllCells || VersionOfBof(Id) != evUnknown);
+    }
 
     /// The place of a cell from Excel 3 on.
     static TPlace PlaceOf(const TKvRecord& Cell, TAlignment Alignment = taLeftJustify)
@@ -116,6 +124,7 @@ protected:
     [[noreturn]] static void RefuseEncrypted();
 
     TMSExcel& File;
+    const bool AllCells;                            // by their own layouts
     TKvxlsFormats& Formats;
     TKvRecords Records;
     TKvxlsByteText ByteText;

@@ -38,8 +38,7 @@ int ToInt(std::uint32_t Value)
 } // namespace
 
 TKvxlsWorkbook::TKvxlsWorkbook(TMSExcel& TheFile, TKvxlsFormats& TheFormats, std::string_view Stream)
-    : TKvxlsStream(TheFile, TheFormats, Stream),
-      AllCells(Extends(seCellRecords))
+    : TKvxlsStream(TheFile, TheFormats, Stream)
 {
 }
 
@@ -68,7 +67,7 @@ bool TKvxlsWorkbook::Read()
 /// False when that was the end of the last sheet.
 bool TKvxlsWorkbook::ReadRecord(const TKvRecord& Record)
 {
-    if ((Record.Id & 0xFF) == rcBofLow)
+    if (IsBof(Record.Id))
         return ReadBof(Record);
     if (Record.Id == rcEof)
         return ReadEof();
@@ -99,7 +98,7 @@ bool TKvxlsWorkbook::ReadBof(const TKvRecord& Record)
         OtherParts = 0;
         return BeginSheet(Record);
     }
-    if (Part != xpGlobals || OtherParts > 0)
+    if (AllCells && (Part != xpGlobals || OtherParts > 0))
         ++OtherParts;
     return true;
 }

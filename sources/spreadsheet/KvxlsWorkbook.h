@@ -28,8 +28,9 @@
 //   label            0204        cell xf:u16 length:u16 text
 //
 // Records but the shared strings that are longer than any of their version, 2080 bytes and 8224 in Excel 8,
-// are passed over, and so is what stands in parts that are no worksheets: charts hold copies of the cells
-// that they show. Only with the extensions:
+// are passed over. Parts that are no worksheets are not told from them: a chart's copies of the cells that it
+// shows are cells of the sheet before it, and its end may be taken for that of the last sheet. With the
+// extension they are passed over. Only with the extensions:
 //
 //   string           0007 0207   length:u16 [options:u8] text                       a formula's result
 //   rich text        00D6        cell xf:u16 length:u16 text runs
@@ -93,10 +94,9 @@ private:
     std::string_view TakeText(std::size_t Position);
     std::string_view TakeCharacters(std::size_t Position, std::size_t Count, std::uint8_t Options);
 
-    const bool AllCells;                            // by their own layouts
     std::vector<TSheetEntry> Sheets;
     TKvxlsSharedStrings Strings;
-    int OtherParts = 0;                             // how many parts that are no worksheets are open
+    int OtherParts = 0;                             // how many parts that are passed over are open
     std::string Text;                               // of one cell
 };
 

@@ -204,6 +204,47 @@ TEST(KvxlsExtensions, ChartsTakeNoNameFromASheet)
                             "cell 1: 0 0 double 1 right"));
 }
 
+TEST(KvxlsExtensions, WhatStandsInChartsAndMacroSheetsIsNoCell)
+{
+    const auto Chart = TBiffBuilder()
+                           .Bof(bpChart)
+                           .Dimensions(0, 7, 0, 3)
+                           .Bof(bpChart)
+                           .Number(0, 0, 8)
+                           .Eof()
+                           .Label(0, 0, "x")
+                           .Eof();
+    const auto Sheet = TBiffBuilder().Rk(0, 0, 6).Add(Chart).Rk(1, 1, 6);
+    for (const auto Part : {bpChart, bpMacro, bpModule}) {
+        const auto Stream = TWorkbookBuilder()
+                                .Sheet("One", Sheet)
+                                .Sheet("Other", TBiffBuilder().Number(0, 0, 7), Part)
+                                .Sheet("Two", Sheet)
+                                .Build();
+        EXPECT_THAT(TRecordingExcel({seCellRecords}).Workbook(Stream),
+                    ElementsAre("sheet 0 \"One\"", "cell 0: 0 0 double 1 right", "cell 0: 1 1 double 1 right",
+                                "sheet 1 \"Two\"", "cell 1: 0 0 double 1 right", "cell 1: 1 1 double 1 right"));
+    }
+}
+
+TEST(KvxlsExtensions, TheMarkersOfAChartBeginNoPart)
+{
+    // A record of charts whose id has the low byte of a BOF; its colour may say anything.
+    for (const unsigned Part : {0x0000, 0x0010, 0x0020}) {
+        const auto Chart = TBiffBuilder().Bof(bpChart).Record(0x1009, TBytes().U16(0).U16(Part).Zeros(16)).Eof();
+        const auto Sheet = TBiffBuilder().Add(Chart).Rk(1, 1, 6);
+        EXPECT_THAT(Read({}, Sheet, {seCellRecords}), ElementsAre(SheetLine, "cell 0: 1 1 double 1 right"));
+    }
+}
+
+TEST(KvxlsExtensions, ASheetAfterAChartWithoutEndIsRead)
+{
+    const auto Stream =
+        TBiffBuilder().Bof(bpGlobals).Bof(bpChart).Number(0, 0, 9).Bof().Rk(0, 0, 6).Str();
+    EXPECT_THAT(TRecordingExcel({seCellRecords}).Workbook(Stream),
+                ElementsAre("sheet 0 \"Sheet1\"", "cell 0: 0 0 double 1 right"));
+}
+
 TEST(KvxlsExtensions, SheetsAreNamedByWhereTheyBegin)
 {
     auto Builder = TWorkbookBuilder().Sheet("One", {}).Sheet("Two", {});

@@ -374,6 +374,12 @@ TEST(KvxlsPlain, BooleansOfExcel2HaveTheirOwnLayoutUnderTheExtension)
         ElementsAre(DeclaredLine, "cell -1: 0 0 boolean True right", "cell -1: 0 1 string #NUM! left"));
 }
 
+TEST(KvxlsPlain, TheMarkersOfAChartAreNoUnknownBofUnderTheExtension)
+{
+    EXPECT_THAT(Read(Declared(bv4).Record(0x1009, TBytes().Zeros(20)).Rk(0, 0, 6), {seCellRecords}),
+                ElementsAre(DeclaredLine, "cell -1: 0 0 double 1 centre"));
+}
+
 TEST(KvxlsPlain, AnExcel4WorkbookHasSheetsUnderTheExtension)
 {
     const auto Header = [](std::string_view Name) {

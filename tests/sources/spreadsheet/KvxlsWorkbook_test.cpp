@@ -328,10 +328,9 @@ TEST(KvxlsWorkbook, ASheetBeginsInTheBofOfAnyVersion)
                 ElementsAre("sheet 0 \"Sheet1\"", "cell 0: 0 0 double 1 right"));
 }
 
-TEST(KvxlsWorkbook, WhatStandsInChartsAndMacroSheetsIsNoCell)
+TEST(KvxlsWorkbook, WhatStandsInOtherPartsBelongsToTheSheetBefore)
 {
-    const auto Chart =
-        TBiffBuilder().Bof(bpChart).Number(0, 0, 9).Bof(bpChart).Number(0, 0, 8).Eof().Label(0, 0, "x").Eof();
+    const auto Chart = TBiffBuilder().Bof(bpChart).Dimensions(0, 7, 0, 3).Number(0, 0, 9).Eof();
     for (const auto Part : {bpChart, bpMacro, bpModule}) {
         const auto Stream = TWorkbookBuilder()
                                 .Sheet("One", TBiffBuilder().Add(Cells(1)).Add(Chart).Rk(1, 1, 6))
@@ -339,16 +338,35 @@ TEST(KvxlsWorkbook, WhatStandsInChartsAndMacroSheetsIsNoCell)
                                 .Sheet("Two", Cells(2))
                                 .Build();
         EXPECT_THAT(TRecordingExcel().Workbook(Stream),
-                    ElementsAre("sheet 0 \"One\"", "cell 0: 0 0 double 1 right", "cell 0: 1 1 double 1 right",
-                                "sheet 1 \"Other\"", "cell 1: 0 0 double 2 right"));
+                    ElementsAre("sheet 0 \"One\"", "cell 0: 0 0 double 1 right", "dimensions 0: 0 7 0 3",
+                                "cell 0: 0 0 double 9 right", "cell 0: 1 1 double 1 right",
+                                "cell 0: 0 0 double 7 right", "sheet 1 \"Other\"", "cell 1: 0 0 double 2 right"));
     }
 }
 
-TEST(KvxlsWorkbook, ASheetAfterAChartWithoutEndIsRead)
+TEST(KvxlsWorkbook, WhatStandsBeforeTheFirstSheetHasTheSheetMinus1)
 {
-    const auto Stream = TBiffBuilder().Bof(bpGlobals).Bof(bpChart).Number(0, 0, 9).Bof().Add(Cells(1)).Str();
+    const auto Stream = TWorkbookBuilder().Sheet("Chart", Cells(7), bpChart).Sheet("One", Cells(1)).Build();
     EXPECT_THAT(TRecordingExcel().Workbook(Stream),
-                ElementsAre("sheet 0 \"Sheet1\"", "cell 0: 0 0 double 1 right"));
+                ElementsAre("cell -1: 0 0 double 7 right", "sheet 0 \"Chart\"", "cell 0: 0 0 double 1 right"));
+}
+
+TEST(KvxlsWorkbook, AnyEndWithinTheLastSheetEndsReading)
+{
+    const auto Chart = TBiffBuilder().Bof(bpChart).Number(0, 0, 9).Eof();
+    const auto Sheet = TBiffBuilder().Add(Cells(1)).Add(Chart).Rk(1, 1, 6);
+    EXPECT_THAT(TRecordingExcel().Workbook(TWorkbookBuilder().Sheet("One", Sheet).Build()),
+                ElementsAre("sheet 0 \"One\"", "cell 0: 0 0 double 1 right", "cell 0: 0 0 double 9 right"));
+}
+
+TEST(KvxlsWorkbook, EveryIdWithTheLowByteOfABofIsOne)
+{
+    const auto Stream = TWorkbookBuilder()
+                            .Sheet("One", TBiffBuilder().Record(0x1009, TBytes().U16(0).U16(0x10)).Rk(0, 0, 6))
+                            .Sheet("Two", {})
+                            .Build();
+    EXPECT_THAT(TRecordingExcel().Workbook(Stream),
+                ElementsAre("sheet 0 \"One\"", "sheet 1 \"Two\"", "cell 1: 0 0 double 1 right"));
 }
 
 TEST(KvxlsWorkbook, NamesOfSheetsAreEightBitText)
