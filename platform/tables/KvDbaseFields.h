@@ -64,8 +64,8 @@ struct TKvDbaseFields
     std::size_t BitsSize = 0;                       ///< In bytes; 0 when there are none.
 };
 
-/// Reads the fields at `Header`, which ends where the records begin; all of them stand within the
-/// `RecordSize` bytes of a record. Raises EFormatError with the reason.
+/// Reads the fields at `Header`, which ends where the records begin; they fill the `RecordSize` bytes of a
+/// record. Raises EFormatError with the reason.
 TKvDbaseFields ReadDbaseFields(TKvByteCursor Header, TKvDbaseDialect Dialect, std::size_t RecordSize);
 
 } // namespace kv

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -140,6 +141,14 @@ TVariant FloatValue(std::string_view Bytes)
     return *Double;
 }
 
+TVariant DoubleValue(std::string_view Bytes)
+{
+    const auto Number = LoadLittleEndian<double>(Bytes.data());
+    if (!std::isfinite(Number))
+        throw EFormatError("its number is not finite");
+    return Number;
+}
+
 TVariant LogicalValue(std::string_view Bytes)
 {
     switch (Bytes[0]) {
@@ -192,7 +201,8 @@ TVariant MomentValue(std::string_view Bytes)
     if (Day < FirstDay || Day > LastDay || Time < 0 || Time >= MillisecondsPerDay)
         throw EFormatError(FormatText("Julian day %d with %d milliseconds is no date and time",
                                       {std::to_string(Day), std::to_string(Time)}));
-    if (Time % Second == Second - 1) {              // whole seconds, cut to milliseconds from a floating point number
+    const bool IsVeryLast = Day == LastDay && Time == MillisecondsPerDay - 1; // no second follows
+    if (Time % Second == Second - 1 && !IsVeryLast) { // whole seconds, cut to milliseconds from a floating point number
         Day += (Time + 1) / MillisecondsPerDay;
         Time = (Time + 1) % MillisecondsPerDay;
     }
@@ -233,7 +243,7 @@ TVariant DbaseValue(TKvDbaseStorage Storage, std::string_view Bytes)
     case dvLogical:          return LogicalValue(Bytes);
     case dvDay:              return DayValue(Bytes);
     case dvLong:             return LoadLittleEndian<std::int32_t>(Bytes.data());
-    case dvDouble:           return LoadLittleEndian<double>(Bytes.data());
+    case dvDouble:           return DoubleValue(Bytes);
     case dvAmount:           return TCurrency{LoadLittleEndian<std::int64_t>(Bytes.data())};
     case dvMoment:           return MomentValue(Bytes);
     case dvOrderedLong:      return ParadoxValue(ptLong, Bytes);

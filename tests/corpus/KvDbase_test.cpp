@@ -199,7 +199,7 @@ bool IsKindOf(char Letter, TFieldType Type)
     case 'M': return Type == ftMemo || Type == ftBlob;
     case 'G': return Type == ftOle;
     case 'W': return Type == ftBlob;
-    case 'V': return Type == ftString;
+    case 'V': return Type == ftString || Type == ftVarBytes;
     case 'Q': return Type == ftVarBytes;
     default:  return false;
     }
