@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "KvException.h"
 #include "KvText.h"
 
 namespace kv {
@@ -51,6 +52,22 @@ std::string CompanionFileName(const std::string& FileName, std::string_view Exte
     if (!Found.empty())
         Expected.replace_filename(Found);
     return Expected.string();
+}
+
+std::string_view TKvCompanionFile::Bytes()
+{
+    if (!IsRead) {
+        IsRead = true;
+        try {
+            File = ReadFileBytes(CompanionFileName(TableName, OwnExtension));
+        }
+        catch (const EFileError& Error) {
+            Fault = Error.Message;
+        }
+    }
+    if (!Fault.empty())
+        throw EFileError(Fault);
+    return File.View();
 }
 
 } // namespace kv

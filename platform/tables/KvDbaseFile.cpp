@@ -5,7 +5,6 @@
 #include <system_error>
 
 #include "KvByteCursor.h"
-#include "KvCompanionFile.h"
 #include "KvDbaseMemo.h"
 #include "KvDbaseValues.h"
 #include "KvException.h"
@@ -22,25 +21,6 @@ std::size_t CountStoredRecords(const TKvDbaseHeader& Header, std::uint64_t FileS
 {
     const auto Room = FileSize > Header.HeaderSize ? (FileSize - Header.HeaderSize) / Header.RecordSize : 0;
     return static_cast<std::size_t>(std::min<std::uint64_t>(Header.RecordCount, Room));
-}
-
-bool IsNamed(const std::vector<TFieldDef>& Defs, std::string_view Name)
-{
-    return std::ranges::any_of(Defs, [Name](const TFieldDef& Def) { return SameText(Def.Name, Name); });
-}
-
-/// `Name`, or, where a field before has it, with the first of "_1", "_2", ... that is free.
-std::string UniqueName(const std::vector<TFieldDef>& Defs, std::string_view Name)
-{
-    std::string Result(Name);
-    for (int Number = 1; IsNamed(Defs, Result); ++Number)
-        Result = std::string(Name) + "_" + std::to_string(Number);
-    return Result;
-}
-
-bool HasSize(TFieldType Type)
-{
-    return Type == ftString || Type == ftBytes || Type == ftVarBytes;
 }
 
 /// The number of a memo's block, 0 when there is no memo.
@@ -60,14 +40,14 @@ std::uint64_t MemoBlock(std::string_view Stored)
 } // namespace
 
 TKvDbaseFile::TKvDbaseFile(const std::string& TableFile, bool Transliterate)
-    : FileName(TableFile), File(TableFile), Header(ReadDbaseHeader(File.At(0, MaxHeaderSize), TableFile)),
+    : TKvTableFile(TableFile), File(TableFile), Header(ReadDbaseHeader(File.At(0, MaxHeaderSize), TableFile)),
       StoredRecords(CountStoredRecords(Header, File.FileSize())),
-      Text(Transliterate ? TKvTableText(Header.CodePage) : TKvTableText())
+      Memos(TableFile, Header.MemoKind == dmFoxPro ? ".FPT" : ".DBT")
 {
+    if (Transliterate)
+        Text = TKvTableText(Header.CodePage);
     for (const auto& Field : Header.Fields.Visible)
-        Defs.push_back({.Name = UniqueName(Defs, Text.Convert(Field.Name)),
-                        .DataType = Field.Type,
-                        .Size = HasSize(Field.Type) ? static_cast<int>(Field.Size) : 0});
+        AddField(Field.Name, Field.Type, Field.Size);
 }
 
 /// None where the file has become shorter.
@@ -117,22 +97,6 @@ void TKvDbaseFile::SkipDeleted()
                                       {FileName, std::to_string(RecordIndex), std::to_string(Header.RecordCount)}));
 }
 
-TVariant TKvDbaseFile::Value(std::size_t Index)
-{
-    if (Record == nullptr)
-        return Null;
-    const auto& Field = Header.Fields.Visible[Index];
-    if (HasBit(Field.NullBit))
-        return Null;
-    try {
-        return Decode(Field, {Record + Field.Offset, Field.Size});
-    }
-    catch (const Exception& Error) {
-        throw EFormatError(FormatText("File \"%s\", record %d, field '%s': %s",
-                                      {FileName, std::to_string(RecordIndex + 1), Defs[Index].Name, Error.Message}));
-    }
-}
-
 bool TKvDbaseFile::HasBit(int Bit) const
 {
     if (Bit == TKvDbaseField::NoBit)
@@ -142,8 +106,14 @@ bool TKvDbaseFile::HasBit(int Bit) const
     return (Byte >> Bit % 8 & 1) != 0;
 }
 
-TVariant TKvDbaseFile::Decode(const TKvDbaseField& Field, std::string_view Stored)
+TVariant TKvDbaseFile::Decode(std::size_t Index)
 {
+    if (Record == nullptr)
+        return Null;
+    const auto& Field = Header.Fields.Visible[Index];
+    if (HasBit(Field.NullBit))
+        return Null;
+    const std::string_view Stored(Record + Field.Offset, Field.Size);
     switch (Field.Storage) {
     case dvText: {
         const auto Filled = DbaseText(Stored);
@@ -173,24 +143,8 @@ TVariant TKvDbaseFile::MemoValue(const TKvDbaseField& Field, std::string_view St
         return Null;
     if (Header.MemoKind == dmNone)
         throw EFormatError("memos of this kind of table cannot be read");
-    const auto Memo = DbaseMemo(Memos(), Header.MemoKind, Block);
+    const auto Memo = DbaseMemo(Memos.Bytes(), Header.MemoKind, Block);
     return Field.Type == ftMemo ? Text.Value(Memo) : TVariant::Borrow(Memo);
-}
-
-std::string_view TKvDbaseFile::Memos()
-{
-    if (!MemosAreRead) {
-        MemosAreRead = true;
-        try {
-            MemoBytes = ReadFileBytes(CompanionFileName(FileName, Header.MemoKind == dmFoxPro ? ".FPT" : ".DBT"));
-        }
-        catch (const EFileError& Error) {
-            MemoFault = Error.Message;
-        }
-    }
-    if (!MemoFault.empty())
-        throw EFileError(MemoFault);
-    return MemoBytes.View();
 }
 
 } // namespace kv

@@ -5,13 +5,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "KvCompanionFile.h"
 #include "KvDbaseHeader.h"
-#include "KvFile.h"
 #include "KvFileWindow.h"
 #include "KvTableFile.h"
-#include "KvTableText.h"
 
 namespace kv {
 
@@ -22,10 +20,10 @@ class TKvDbaseFile final : public TKvTableFile
 {
 public:
     /// Reads records as they come; the memos are read when the first of them is asked for. Texts become process text
-    /// with `Transliterate`, else they stay as they are. Raises EFileError and what ReadDbaseHeader raises.
+    /// with `Transliterate`, else they stay as they are. Raises EFileError, what ReadDbaseHeader and what AddField
+    /// raise.
     explicit TKvDbaseFile(const std::string& TableFile, bool Transliterate = true);
 
-    const std::vector<TFieldDef>& FieldDefs() const override { return Defs; }
     std::size_t RecordCount() const override;
 
     void First() override;
@@ -33,31 +31,24 @@ public:
     bool Eof() const override { return Record == nullptr; }
     std::size_t Number() const override { return RecordIndex + 1; }
 
-    TVariant Value(std::size_t Field) override;
+protected:
+    TVariant Decode(std::size_t Field) override;
 
 private:
     const char* RecordAt(TKvFileWindow& Source, std::size_t Index) const;
     void SkipDeleted();
     bool HasBit(int Bit) const;
-    TVariant Decode(const TKvDbaseField& Field, std::string_view Stored);
     TVariant MemoValue(const TKvDbaseField& Field, std::string_view Stored);
     std::string_view WithoutRest(const TKvDbaseField& Field, std::string_view Stored) const;
-    std::string_view Memos();
 
-    const std::string FileName;
     TKvFileWindow File;
     const TKvDbaseHeader Header;
     const std::size_t StoredRecords;                // that the file really has, deleted ones too
     mutable std::optional<std::size_t> LiveRecords; // once they were asked for
-    TKvTableText Text;
-    std::vector<TFieldDef> Defs;
+    TKvCompanionFile Memos;
 
     const char* Record = nullptr;                   // the current one
     std::size_t RecordIndex = 0;                    // from 0, deleted ones too
-
-    TKvFileBytes MemoBytes;
-    bool MemosAreRead = false;
-    std::string MemoFault;                          // why they could not be read
 };
 
 } // namespace kv

@@ -1,6 +1,5 @@
 #include "KvParadoxFile.h"
 
-#include "KvCompanionFile.h"
 #include "KvException.h"
 #include "KvParadoxValues.h"
 #include "KvText.h"
@@ -33,30 +32,16 @@ TFieldType FieldTypeOf(TKvParadoxType Type)
     return ftUnknown;
 }
 
-TFieldDef FieldDefOf(const TKvParadoxField& Field, TKvTableText& Text)
-{
-    const bool HasSize = Field.Type == ptAlpha || Field.Type == ptBytes;
-    return {.Name = std::string(Text.Convert(Field.Name)),
-            .DataType = FieldTypeOf(Field.Type),
-            .Size = HasSize ? static_cast<int>(Field.Size) : 0};
-}
-
 } // namespace
 
 TKvParadoxFile::TKvParadoxFile(const std::string& TableFile, bool Transliterate)
-    : FileName(TableFile), Bytes(ReadFileBytes(TableFile)), Header(ReadParadoxHeader(Bytes.View(), TableFile)),
-      Records(FollowParadoxBlocks(Bytes.View(), Header)),
-      Text(Transliterate ? TKvTableText(Header.CodePage) : TKvTableText())
+    : TKvTableFile(TableFile), Bytes(ReadFileBytes(TableFile)), Header(ReadParadoxHeader(Bytes.View(), TableFile)),
+      Records(FollowParadoxBlocks(Bytes.View(), Header)), Blobs(TableFile, ".MB")
 {
-    for (const auto& Field : Header.Fields) {
-        try {
-            Defs.push_back(FieldDefOf(Field, Text));
-        }
-        catch (const EConvertError& Error) {
-            throw EFormatError(FormatText("File \"%s\", name of field %d: %s",
-                                          {FileName, std::to_string(Defs.size() + 1), Error.Message}));
-        }
-    }
+    if (Transliterate)
+        Text = TKvTableText(Header.CodePage);
+    for (const auto& Field : Header.Fields)
+        AddField(Field.Name, FieldTypeOf(Field.Type), Field.Size);
 }
 
 void TKvParadoxFile::First()
@@ -93,22 +78,12 @@ void TKvParadoxFile::EnterBlock()
     }
 }
 
-TVariant TKvParadoxFile::Value(std::size_t Index)
+TVariant TKvParadoxFile::Decode(std::size_t Index)
 {
-    const auto& Field = Header.Fields[Index];
     if (Record == nullptr)
         return Null;
-    try {
-        return Decode(Field, {Record + Field.Offset, Field.Size});
-    }
-    catch (const Exception& Error) {
-        throw EFormatError(FormatText("File \"%s\", record %d, field '%s': %s",
-                                      {FileName, std::to_string(RecordNumber), Defs[Index].Name, Error.Message}));
-    }
-}
-
-TVariant TKvParadoxFile::Decode(const TKvParadoxField& Field, std::string_view Stored)
-{
+    const auto& Field = Header.Fields[Index];
+    const std::string_view Stored(Record + Field.Offset, Field.Size);
     if (IsParadoxBlob(Field.Type))
         return BlobValue(Field, Stored);
     auto Value = ParadoxValue(Field.Type, Stored);
@@ -120,28 +95,12 @@ TVariant TKvParadoxFile::BlobValue(const TKvParadoxField& Field, std::string_vie
     const auto Blob = ParadoxBlob(Stored);
     if (Blob.Size == 0)
         return Null;
-    const auto Content = Blob.IsInLeader() ? Blob.Leader.substr(0, Blob.Size) : ParadoxBlobBytes(Blobs(), Blob);
+    const auto Content = Blob.IsInLeader() ? Blob.Leader.substr(0, Blob.Size) : ParadoxBlobBytes(Blobs.Bytes(), Blob);
     switch (Field.Type) {
     case ptMemo:          return Text.Value(Content);
     case ptFormattedMemo: return Text.Value(FormattedMemoText(Content));
     default:              return TVariant::Borrow(Content);
     }
-}
-
-std::string_view TKvParadoxFile::Blobs()
-{
-    if (!BlobsAreRead) {
-        BlobsAreRead = true;
-        try {
-            BlobBytes = ReadFileBytes(CompanionFileName(FileName, ".MB"));
-        }
-        catch (const EFileError& Error) {
-            BlobFault = Error.Message;
-        }
-    }
-    if (!BlobFault.empty())
-        throw EFileError(BlobFault);
-    return BlobBytes.View();
 }
 
 } // namespace kv

@@ -4,14 +4,13 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "KvCompanionFile.h"
 #include "KvFile.h"
 #include "KvParadoxBlobs.h"
 #include "KvParadoxBlocks.h"
 #include "KvParadoxHeader.h"
 #include "KvTableFile.h"
-#include "KvTableText.h"
 #include "KvVariant.h"
 
 namespace kv {
@@ -23,40 +22,32 @@ class TKvParadoxFile final : public TKvTableFile
 public:
     /// Reads the table; long values are read when the first of them is asked for that its record does not
     /// hold. `Transliterate` makes process text of the texts, by the code page that the table names.
-    /// Raises EFileError, what ReadParadoxHeader raises, and EFormatError "File "%s", name of field %d: %s" for
-    /// a name that is no text of that page.
+    /// Raises EFileError, what ReadParadoxHeader raises, and what AddField raises.
     explicit TKvParadoxFile(const std::string& TableFile, bool Transliterate = true);
 
-    const std::vector<TFieldDef>& FieldDefs() const override { return Defs; }
     std::size_t RecordCount() const override { return Records.RecordCount; }
     void First() override;
     void Next() override;
     bool Eof() const override { return Record == nullptr; }
     std::size_t Number() const override { return RecordNumber; }
+
+protected:
     /// Formatted memos come as their text alone.
-    TVariant Value(std::size_t Field) override;
+    TVariant Decode(std::size_t Field) override;
 
 private:
-    TVariant Decode(const TKvParadoxField& Field, std::string_view Bytes);
-    TVariant BlobValue(const TKvParadoxField& Field, std::string_view Bytes);
-    std::string_view Blobs();
+    TVariant BlobValue(const TKvParadoxField& Field, std::string_view Stored);
     void EnterBlock();
 
-    const std::string FileName;
     const TKvFileBytes Bytes;
     const TKvParadoxHeader Header;
     const TKvParadoxBlocks Records;
-    TKvTableText Text;
-    std::vector<TFieldDef> Defs;
+    TKvCompanionFile Blobs;
 
     const char* Record = nullptr;                   // the current one
     std::size_t RecordNumber = 0;                   // from 1
     std::size_t Block = 0;                          // of Records.Blocks
     std::size_t LeftInBlock = 0;                    // records behind the current one
-
-    TKvFileBytes BlobBytes;
-    bool BlobsAreRead = false;
-    std::string BlobFault;                          // why they could not be read
 };
 
 } // namespace kv

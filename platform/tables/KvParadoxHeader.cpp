@@ -131,7 +131,8 @@ TKvParadoxHeader ReadHeader(TKvByteCursor File)
     Result.BlockSize = File.At<std::uint8_t>(0x05) * std::size_t{1024};
     Result.RecordCount = File.At<std::uint32_t>(0x06);
     Result.FirstBlock = File.At<std::uint16_t>(0x0E);
-    Result.CodePage = IsLong ? File.At<std::uint16_t>(0x6A) : std::uint16_t{0};
+    if (const auto Page = IsLong ? File.At<std::uint16_t>(0x6A) : std::uint16_t{0}; Page != 0)
+        Result.CodePage = std::to_string(Page);
     CheckSizes(Result, File.Size());
 
     const auto Count = File.At<std::uint16_t>(0x21);

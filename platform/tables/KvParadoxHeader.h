@@ -60,7 +60,7 @@ struct TKvParadoxHeader
     std::size_t BlockSize = 0;
     std::uint32_t RecordCount = 0;                  ///< As the header has it.
     std::uint16_t FirstBlock = 0;                   ///< From 1; 0 when there is none.
-    std::uint16_t CodePage = 0;                     ///< Number of an IBM or Windows page; 0 when none is named.
+    std::string CodePage;                           ///< In the words of KvCodePage; empty when none is named.
     std::vector<TKvParadoxField> Fields;
 };
 

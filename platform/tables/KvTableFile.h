@@ -3,9 +3,11 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "KvField.h"
+#include "KvTableText.h"
 
 namespace kv {
 
@@ -13,13 +15,12 @@ namespace kv {
 class TKvTableFile
 {
 public:
-    TKvTableFile() = default;
     TKvTableFile(const TKvTableFile&) = delete;
     TKvTableFile& operator=(const TKvTableFile&) = delete;
     virtual ~TKvTableFile() = default;
 
     /// The fields in the order of the file, those that programs hide left out.
-    virtual const std::vector<TFieldDef>& FieldDefs() const = 0;
+    const std::vector<TFieldDef>& FieldDefs() const { return Defs; }
     /// The records that First and Next make current; deleted ones do not count.
     virtual std::size_t RecordCount() const = 0;
 
@@ -34,7 +35,23 @@ public:
     /// null when blank or at Eof. Texts and bytes are loans where possible, which hold until the next record;
     /// texts are process text. Raises EFormatError "File "%s", record %d, field '%s': %s" for what has no
     /// meaning in the type ("*****" as a number, a 30th of February) and for what cannot be read.
-    virtual TVariant Value(std::size_t Field) = 0;
+    TVariant Value(std::size_t Field);
+
+protected:
+    explicit TKvTableFile(const std::string& TableFile) : FileName(TableFile) {}
+
+    /// Adds a field. Where one before has its name it gets the first of "_1", "_2", ... that is free.
+    /// Raises EFormatError "File "%s", name of field %d: %s" for a name that is no text of the file's code page.
+    void AddField(std::string_view StoredName, TFieldType Type, std::size_t Size);
+
+    /// As Value, but raises any Exception with the reason alone.
+    virtual TVariant Decode(std::size_t Field) = 0;
+
+    const std::string FileName;
+    TKvTableText Text;                              ///< Of the file's code page, to be set before AddField.
+
+private:
+    std::vector<TFieldDef> Defs;
 };
 
 } // namespace kv

@@ -56,13 +56,6 @@ std::string CharacterOf(unsigned Byte, const std::string& Page)
 
 } // namespace
 
-TKvTableText::TKvTableText(std::uint16_t CodePage)
-{
-    const auto Name = std::to_string(CodePage);
-    if (CodePage != 0 && IsKnown(Name))
-        *this = TKvTableText(Name);
-}
-
 TKvTableText::TKvTableText(std::string_view Name) : Page(Name)
 {
     if (!Page.empty() && std::ranges::find(WidePages, Name) == std::end(WidePages) && IsKnown(Page))

@@ -1,7 +1,6 @@
 // KvTableText - texts of a table file: 8-bit text of the code page that the file names.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,8 +15,6 @@ class TKvTableText
 public:
     /// Texts stay as they are: the file names no code page.
     TKvTableText() = default;
-    /// `CodePage` is the number of an IBM or Windows page. Texts stay as they are when nobody knows it.
-    explicit TKvTableText(std::uint16_t CodePage);
     /// `Name` is that of a page in the words of KvCodePage, empty when the file names none. Texts of a page
     /// that nobody knows can be converted only where they are ASCII.
     explicit TKvTableText(std::string_view Name);

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 
+#include "KvException.h"
 #include "KvTempFolder.h"
 
 namespace kv {
@@ -56,6 +57,32 @@ TEST(KvCompanionFile, ATableWithoutAFolderIsLookedForInTheCurrentOne)
     const auto Name = CompanionFileName("orders.db", ".MB");
     std::filesystem::current_path(Before);
     EXPECT_EQ(Name, "ORDERS.MB");
+}
+
+TEST(KvCompanionFile, IsReadWhenItIsFirstAskedFor)
+{
+    const TTempFolder Folder;
+    TKvCompanionFile Companion(Folder / "orders.db", ".MB");
+    Folder.Write("ORDERS.MB", "blobs");
+    EXPECT_EQ(Companion.Bytes(), "blobs");
+    Folder.Write("ORDERS.MB", "others");
+    EXPECT_EQ(Companion.Bytes(), "blobs");
+}
+
+TEST(KvCompanionFile, OneThatIsNotThereIsTheSameErrorEveryTime)
+{
+    const TTempFolder Folder;
+    TKvCompanionFile Companion(Folder / "orders.db", ".MB");
+    for (int Try = 0; Try < 2; ++Try) {
+        try {
+            Companion.Bytes();
+            ADD_FAILURE() << "no error";
+        }
+        catch (const EFileError& Error) {
+            EXPECT_EQ(Error.Message, "Cannot open file \"" + (Folder / "orders.mb") + "\": No such file or directory");
+        }
+        Folder.Write("orders.mb", "too late");
+    }
 }
 
 } // namespace kv

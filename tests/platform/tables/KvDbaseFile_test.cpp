@@ -236,6 +236,13 @@ TEST(KvDbaseFile, TextsOfVariableSizeKeepTheirBlanks)
     EXPECT_THAT(ReadAll(File), ElementsAre("ab |123456", "abcdef|12", "|"));
 }
 
+TEST(KvDbaseFile, TextOfVariableSizeThatIsNotToBeTranslatedIsBytes)
+{
+    const TTableFile File(TDbaseBuilder(0x32).Language(0x65).Field("A", 'V', 6, 0, 4).Field("_NullFlags", '0', 1, 0, 5)
+                              .Record({DbaseVarText("\x8F\xE0", 6), std::string(1, '\x01')}));
+    EXPECT_THAT(ReadAll(File), ElementsAre("\x8F\xE0"));
+}
+
 TEST(KvDbaseFile, ATextOfVariableSizeIsNoLongerThanItsField)
 {
     const TTableFile File(TDbaseBuilder(0x32).Field("A", 'V', 4).Field("_NullFlags", '0', 1, 0, 5)
@@ -285,6 +292,12 @@ TEST(KvDbaseFile, TextOfACodePageThatNobodyKnowsIsAnError)
     const TTableFile File(TDbaseBuilder().Language(0x68).Field("A", 'C', 6).Record({"ascii"}).Record({"\x84"}));
     EXPECT_THAT(ReadAll(File), ElementsAre("ascii", "File \"%a.dbf\", record 2, field 'A': Unknown code page '895'"));
     EXPECT_THAT(ReadAll(File, false), ElementsAre("ascii", "\x84"));
+}
+
+TEST(KvDbaseFile, ANameThatIsNoneOfItsCodePageIsAnErrorOfTheTable)
+{
+    const TTableFile File(TDbaseBuilder().Language(0x68).Field("ID", 'N', 5).Field("\x84", 'C', 6));
+    EXPECT_THAT(ReadAll(File), ElementsAre("File \"%a.dbf\", name of field 2: Unknown code page '895'"));
 }
 
 TEST(KvDbaseFile, BytesAreOfNoCodePage)

@@ -106,6 +106,14 @@ TEST(KvParadoxFile, FieldsHaveTheKindsOfTheTable)
     EXPECT_THAT(Sizes, ElementsAre(20, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 5));
 }
 
+TEST(KvParadoxFile, ANameThatOccursAgainGetsANumber)
+{
+    const TTableFile File(TParadoxBuilder().Field("ID", 'I').Field("id", 'I'));
+    const TKvParadoxFile Table(File.Name);
+    EXPECT_EQ(Table.FieldDefs()[0].Name, "ID");
+    EXPECT_EQ(Table.FieldDefs()[1].Name, "id_1");
+}
+
 TEST(KvParadoxFile, ATableWithoutRecordsIsAtItsEnd)
 {
     const TTableFile File(TParadoxBuilder().Field("ID", 'I'));
@@ -223,6 +231,14 @@ TEST(KvParadoxFile, ATableThatNamesNoCodePageGivesItsTextsAsTheyAre)
     for (const unsigned Version : {3, 12})
         EXPECT_EQ(SingleValue(TTableFile(TParadoxBuilder(Version).Field("CITY", 'A', 20).Record({"Z\xFCrich"}))),
                   TVariant("Z\xFCrich"));
+}
+
+TEST(KvParadoxFile, TextOfACodePageThatNobodyKnowsIsAnErrorOfItsRecord)
+{
+    const auto Table = TParadoxBuilder().Field("CITY", 'A', 20).CodePage(895);
+    EXPECT_EQ(SingleValue(TTableFile(TParadoxBuilder(Table).Record({"Zurich"}))), TVariant("Zurich"));
+    const TTableFile File(TParadoxBuilder(Table).Record({"Z\xFCrich"}));
+    EXPECT_EQ(ErrorOfSingleValue(File), "File \"" + File.Name + "\", record 1, field 'CITY': Unknown code page '895'");
 }
 
 TEST(KvParadoxFile, TextsStayAsTheyAreWhenAskedFor)

@@ -74,8 +74,8 @@ TEST(KvParadoxHeader, TellsOfTheBlocks)
 
 TEST(KvParadoxHeader, VersionsFrom5OnNameACodePage)
 {
-    EXPECT_EQ(ReadParadoxHeader(Table(5).CodePage(850).Build(), "a.db").CodePage, 850);
-    EXPECT_EQ(ReadParadoxHeader(Patched(Table(4).Build(), 0x6A, "\x01"), "a.db").CodePage, 0);
+    EXPECT_EQ(ReadParadoxHeader(Table(5).CodePage(850).Build(), "a.db").CodePage, "850");
+    EXPECT_EQ(ReadParadoxHeader(Patched(Table(4).Build(), 0x6A, "\x01"), "a.db").CodePage, "");
 }
 
 TEST(KvParadoxHeader, KeyedAndHeapTablesAreTables)

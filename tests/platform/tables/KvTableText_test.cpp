@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -23,7 +22,7 @@ public:
     ~TAnsiPage() { SetAnsiCodePage("UTF-8"); }
 };
 
-std::string Converted(std::uint16_t CodePage, std::string_view Stored)
+std::string Converted(std::string_view CodePage, std::string_view Stored)
 {
     TKvTableText Text(CodePage);
     return std::string(Text.Convert(Stored));
@@ -33,48 +32,60 @@ std::string Converted(std::uint16_t CodePage, std::string_view Stored)
 
 TEST(KvTableText, TextOfThePageOfTheFileBecomesUtf8)
 {
-    EXPECT_EQ(Converted(437, "Z\x81rich"), "Zürich");
-    EXPECT_EQ(Converted(850, "\x9D\xE0"), "ØÓ");
-    EXPECT_EQ(Converted(1252, "\x80 5"), "€ 5");
-    EXPECT_EQ(Converted(866, "\x8C\xA8\xE0"), "Мир");
+    EXPECT_EQ(Converted("437", "Z\x81rich"), "Zürich");
+    EXPECT_EQ(Converted("850", "\x9D\xE0"), "ØÓ");
+    EXPECT_EQ(Converted("1252", "\x80 5"), "€ 5");
+    EXPECT_EQ(Converted("866", "\x8C\xA8\xE0"), "Мир");
 }
 
 TEST(KvTableText, CharactersOfSeveralBytesAreReadWhole)
 {
-    EXPECT_EQ(Converted(932, "\x93\xFA\x96{"), "日本");
+    EXPECT_EQ(Converted("932", "\x93\xFA\x96{"), "日本");
 }
 
 TEST(KvTableText, TextThatIsNoneOfAWidePageIsAnError)
 {
-    TKvTableText Text(932);
+    TKvTableText Text("932");
     EXPECT_THROW(Text.Convert("\x93"), EConvertError);
 }
 
 TEST(KvTableText, BytesThatAPageLeavesUndefinedAreKeptAsStandIns)
 {
-    EXPECT_EQ(Converted(1252, "a\x81z"), "a\xC2\x81z");
-    EXPECT_EQ(Converted(874, "\xDB"), "\xEF\x9F\x9B");
-    EXPECT_EQ(Converted(1255, "\xD9"), "\xEF\x9F\x99");
+    EXPECT_EQ(Converted("1252", "a\x81z"), "a\xC2\x81z");
+    EXPECT_EQ(Converted("874", "\xDB"), "\xEF\x9F\x9B");
+    EXPECT_EQ(Converted("1255", "\xD9"), "\xEF\x9F\x99");
 }
 
-TEST(KvTableText, TextOfAPageThatNobodyKnowsStaysAsItIs)
+TEST(KvTableText, TextStaysAsItIsWhenNoPageIsNamed)
 {
-    EXPECT_EQ(Converted(0, "Z\x81rich"), "Z\x81rich");
-    EXPECT_EQ(Converted(7, "Z\x81rich"), "Z\x81rich");
-    EXPECT_EQ(Converted(65535, "Z\x81rich"), "Z\x81rich");
+    EXPECT_EQ(Converted("", "Z\x81rich"), "Z\x81rich");
+    TKvTableText Text;
+    EXPECT_EQ(Text.Convert("Z\x81rich"), "Z\x81rich");
+}
+
+TEST(KvTableText, TextOfAPageThatNobodyKnowsIsAnErrorWhereItIsNotAscii)
+{
+    EXPECT_EQ(Converted("895", "Zurich"), "Zurich");
+    try {
+        Converted("895", "Z\x81rich");
+        ADD_FAILURE() << "no error";
+    }
+    catch (const EConvertError& Error) {
+        EXPECT_EQ(Error.Message, "Unknown code page '895'");
+    }
 }
 
 TEST(KvTableText, AsciiIsNeverCopied)
 {
     const std::string_view Stored = "plain text";
-    TKvTableText Text(437);
+    TKvTableText Text("437");
     EXPECT_EQ(Text.Convert(Stored).data(), Stored.data());
     EXPECT_EQ(Text.Value(Stored).Text().data(), Stored.data());
 }
 
 TEST(KvTableText, ConvertedValuesOwnTheirText)
 {
-    TKvTableText Text(437);
+    TKvTableText Text("437");
     const auto First = Text.Value("Z\x81rich");
     const auto Second = Text.Value("K\x94ln");
     EXPECT_EQ(First, TVariant("Zürich"));
@@ -84,13 +95,13 @@ TEST(KvTableText, ConvertedValuesOwnTheirText)
 TEST(KvTableText, TheProcessMayHaveAnotherPage)
 {
     const TAnsiPage Page("windows-1252");
-    EXPECT_EQ(Converted(437, "Z\x81rich"), "Z\xFCrich");
+    EXPECT_EQ(Converted("437", "Z\x81rich"), "Z\xFCrich");
 }
 
 TEST(KvTableText, ACharacterThatTheProcessCannotShowIsAnError)
 {
     const TAnsiPage Page("windows-1252");
-    TKvTableText Text(866);
+    TKvTableText Text("866");
     EXPECT_THROW(Text.Convert("\x8C"), EConvertError);
 }
 

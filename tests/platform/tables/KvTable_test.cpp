@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -172,6 +173,17 @@ TEST_F(KvTable, ANameWithoutAnExtensionGetsThatOfItsType)
     Folder.Write("people", Dbase());
     EXPECT_THAT(MessageOf([&] { Table.Open(); }), HasSubstr("is no Paradox table"))
         << "a file of that name goes first";
+}
+
+TEST_F(KvTable, AFileThatMayOnlyBeReadIsRead)
+{
+    for (const char* const Name : {"people.dbf", "people.db"}) {
+        Table.TableName = Folder / Name;
+        std::filesystem::permissions(Table.TableName, std::filesystem::perms::owner_read);
+        Table.Open();
+        EXPECT_FALSE(Names().empty());
+        Table.Close();
+    }
 }
 
 TEST_F(KvTable, AMissingFileIsNamed)
