@@ -76,7 +76,7 @@ public:
     }
     void MoveFirst() override
     {
-        if (!AtFirst || !Stream)
+        if (!AtFirst)
             Start();
     }
     void MoveNext() override
@@ -94,6 +94,7 @@ public:
     void Close() override
     {
         Stream.reset();
+        AtFirst = false;
         AtEnd = true;
     }
 
@@ -115,23 +116,23 @@ private:
         Counted = Stream->Named([&Message] { return ReadAccessCount(Message.Body); });
         Records = {};
         Records.SetFieldCount(FFields.size());
-        AtEnd = false;
         Step();
         AtFirst = true;
     }
 
+    /// An error leaves no current record: its bytes are gone with the message before.
     void Step()
     {
+        AtEnd = true;
         while (!Stream->Named([this] { return Records.Next(); })) {
             const auto Message = Stream->Next();
-            if (Message.Kind == amEnd) {
-                AtEnd = true;
+            if (Message.Kind == amEnd)
                 return;
-            }
             if (Message.Kind != amRecords)
                 Stream->RaiseUnexpected();
             Stream->Named([&] { Records.Load(Message.Body); });
         }
+        AtEnd = false;
     }
 
     static std::string ToUtf8(const std::string& Text)
@@ -146,7 +147,7 @@ private:
     std::vector<TAccessField> FFields;
     std::uint32_t Counted = 0;
     TAccessRecords Records;                         // of the last message
-    bool AtFirst = true, AtEnd = true;
+    bool AtFirst = false, AtEnd = true;
 };
 
 class THelperDatabase final : public TAccessDatabase

@@ -35,16 +35,20 @@ class KvAccess : public testing::Test
 protected:
     KvAccess()
     {
-        Script.Table("MSysObjects", {{.Name = "Id"}}, 0, [](auto&) {}, ttSystem);
-        Script.Table("Orders", {{.Name = "ID", .Type = afLong, .Size = 4}, {.Name = "CITY", .Type = afText, .Size = 20}}, 3,
-                     [](TAccessWriter& Writer) {
-                         for (const char* const City : {"Rom", "", "Bern"}) {
-                             Writer.Integer(City[0]);
-                             *City ? Writer.Text(City) : Writer.Null();
-                             Writer.EndRecord();
-                         }
-                     });
-        Script.Table("Elsewhere", {{.Name = "ID"}}, 0, [](auto&) {}, ttLinked);
+        Script.Table(
+            "MSysObjects", {{.Name = "Id"}}, 0, [](auto&) {}, ttSystem);
+        Script.Table(
+            "Orders",
+            {{.Name = "ID", .Type = afLong, .Size = 4}, {.Name = "CITY", .Type = afText, .Size = 20}}, 3,
+            [](TAccessWriter& Writer) {
+                for (const char* const City : {"Rom", "", "Bern"}) {
+                    Writer.Integer(City[0]);
+                    *City ? Writer.Text(City) : Writer.Null();
+                    Writer.EndRecord();
+                }
+            });
+        Script.Table(
+            "Elsewhere", {{.Name = "ID"}}, 0, [](auto&) {}, ttLinked);
         Script.Table("Empty", {{.Name = "ID"}}, 0, [](auto&) {});
     }
 
@@ -155,7 +159,8 @@ TEST_F(KvAccess, ACrashIsAnErrorOfTheDatabase)
 TEST_F(KvAccess, ACrashAfterSomeRecordsKeepsThose)
 {
     const auto Records = OpenTable("Orders");
-    Script.Answer("records.Orders", Script.AnswerTo("records.Orders").substr(0, Script.AnswerTo("records.Orders").size() - 5));
+    Script.Answer("records.Orders",
+                  Script.AnswerTo("records.Orders").substr(0, Script.AnswerTo("records.Orders").size() - 5));
     Script.Afterwards("kill -SEGV $$");
     Records->MoveNext();
     Records->MoveFirst();
@@ -166,17 +171,52 @@ TEST_F(KvAccess, ACrashAfterSomeRecordsKeepsThose)
               "shop.mdb: the reader of Access databases stopped: killed by signal 11 (Segmentation fault)");
 }
 
+TEST_F(KvAccess, AfterAnErrorThereIsNoCurrentRecord)
+{
+    Script.Answer("records.Orders", AccessStream([](TAccessWriter& Writer) {
+                      Writer.Field({.Name = "ID", .Type = afLong});
+                      Writer.Count(2);
+                      Writer.Integer(7);
+                      Writer.EndRecord();
+                      Writer.Error("record 2 of table Orders is damaged: it cannot be taken apart");
+                  }));
+    const auto Records = OpenTable("Orders");
+    EXPECT_EQ(Records->Value(0).Integer(), 7);
+    EXPECT_EQ(MessageOf([&] { Records->MoveNext(); }),
+              "shop.mdb: record 2 of table Orders is damaged: it cannot be taken apart");
+    EXPECT_TRUE(Records->Eof());
+    EXPECT_EQ(MessageOf([&] { Records->Value(0); }), "shop.mdb: no current record in table Orders");
+    Records->MoveFirst();
+    EXPECT_EQ(Records->Value(0).Integer(), 7);
+    Records->Close();
+    Script.Answer("records.Orders", "");
+    for (int Time = 0; Time < 2; ++Time)
+        EXPECT_EQ(MessageOf([&] { Records->MoveFirst(); }),
+                  "shop.mdb: the reader of Access databases stopped before its end");
+}
+
+TEST_F(KvAccess, AnotherProgramInItsPlaceIsAnError)
+{
+    Script.Answer("tables", "\x7F" "ELF and what else such a file has");
+    EXPECT_EQ(MessageOf([&] { Open(); }),
+              "shop.mdb: the reader of Access databases gave an answer that has no meaning (not its own)");
+    Script.Answer("tables", "");
+    EXPECT_EQ(MessageOf([&] { Open(); }), "shop.mdb: the reader of Access databases stopped before its end");
+}
+
 TEST_F(KvAccess, AHangIsAnErrorOfTheDatabase)
 {
     Script.Answer("tables", "KVAC\1");
     Script.Afterwards("exec sleep 60");
-    EXPECT_EQ(MessageOf([&] { Open(1s); }), "shop.mdb: the reader of Access databases stopped: it made no progress for 1 s");
+    EXPECT_EQ(MessageOf([&] { Open(1s); }),
+              "shop.mdb: the reader of Access databases stopped: it made no progress for 1 s");
 }
 
 TEST_F(KvAccess, AnAnswerThatIsCutOffIsAnError)
 {
     Script.Answer("records.Orders", Script.AnswerTo("records.Orders").substr(0, 30));
-    EXPECT_EQ(MessageOf([&] { OpenTable("Orders"); }), "shop.mdb: the reader of Access databases stopped before its end");
+    EXPECT_EQ(MessageOf([&] { OpenTable("Orders"); }),
+              "shop.mdb: the reader of Access databases stopped before its end");
 }
 
 TEST_F(KvAccess, AnswersOutOfTheirOrderAreErrors)
@@ -208,8 +248,10 @@ TEST_F(KvAccess, AValueThatCannotBeReadNamesTheDatabase)
 
 TEST_F(KvAccess, EnginesAreCreatedByTheNameOfTheirClass)
 {
-    EXPECT_EQ(MessageOf([] { CreateAccessEngine("DAO.DBEngine.99"); }), "There is no automation class DAO.DBEngine.99");
-    const auto Before = RegisterAccessEngine("DAO.DBEngine.36", [this] { return MakeAccessEngine({Script.Program()}); });
+    EXPECT_EQ(MessageOf([] { CreateAccessEngine("DAO.DBEngine.99"); }),
+              "There is no automation class DAO.DBEngine.99");
+    const auto Before =
+        RegisterAccessEngine("DAO.DBEngine.36", [this] { return MakeAccessEngine({Script.Program()}); });
     EXPECT_TRUE(Before);
     EXPECT_EQ(CreateAccessEngine("DAO.DBEngine.36")->OpenDatabase("shop.mdb")->TableDefs().size(), 4);
     RegisterAccessEngine("DAO.DBEngine.36", Before);
