@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -33,7 +34,8 @@ std::string SystemWord(int Code)
 
 bool IsProgram(const std::string& File)
 {
-    return !File.empty() && ::access(File.c_str(), X_OK) == 0;
+    struct stat Status {};
+    return ::stat(File.c_str(), &Status) == 0 && S_ISREG(Status.st_mode) && ::access(File.c_str(), X_OK) == 0;
 }
 
 /// Empty when no folder of `Folders`, separated by ":", has the program.
@@ -61,12 +63,14 @@ public:
         // The library writes about every damaged byte there.
         ::posix_spawn_file_actions_addopen(&Actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
 
-        // A program that ignores or blocks signals must not make a child that cannot be ended by them.
-        sigset_t None, All;
-        sigemptyset(&None);
+        // A program that ignores or blocks signals must not make a child that cannot be ended by them. But
+        // Ctrl+C, which reaches both, is left to the one that waits for the answer.
+        sigset_t CtrlC, All;
+        sigemptyset(&CtrlC);
+        sigaddset(&CtrlC, SIGINT);
         sigfillset(&All);
         ::posix_spawnattr_init(&Attributes);
-        ::posix_spawnattr_setsigmask(&Attributes, &None);
+        ::posix_spawnattr_setsigmask(&Attributes, &CtrlC);
         ::posix_spawnattr_setsigdefault(&Attributes, &All);
         ::posix_spawnattr_setflags(&Attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
     }

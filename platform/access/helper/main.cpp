@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <iostream>
 #include <new>
@@ -107,7 +106,6 @@ int main(int Count, char** Arguments)
         return kv::WrongUsage;
     }
     kv::LimitResources();
-    std::signal(SIGINT, SIG_IGN);                   // who waits for the answer decides what Ctrl+C means
     for (const char* const Variable : {"MDBOPTS", "MDBICONV", "MDB_JET3_CHARSET"})
         ::unsetenv(Variable);                       // settings of the library; text is to be UTF-8
     kv::Answer(Count, Arguments);

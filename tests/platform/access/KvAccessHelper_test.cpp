@@ -2,11 +2,16 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/time.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <optional>
 #include <string>
 
@@ -95,8 +100,9 @@ TEST_F(KvAccessHelper, SaysWhichSignalKilledIt)
 TEST_F(KvAccessHelper, SaysWithWhichStatusItEnded)
 {
     EXPECT_EQ(Run("exit 3"), "[the reader of Access databases stopped: exit status 3]");
-    EXPECT_EQ(Run("exit 127"), "[the reader of Access databases stopped: a library that it needs is missing, or it is "
-                               "no program of this system]");
+    EXPECT_EQ(Run("exit 127"),
+              "[the reader of Access databases stopped: a library that it needs is missing, or it is "
+              "no program of this system]");
 }
 
 TEST_F(KvAccessHelper, EndsOneThatKeepsSilent)
@@ -124,8 +130,63 @@ TEST_F(KvAccessHelper, EndsWithItsOwner)
 TEST_F(KvAccessHelper, ASignalThatTheParentIgnoresStillEndsIt)
 {
     const auto Before = std::signal(SIGPIPE, SIG_IGN);
-    EXPECT_EQ(Run("kill -PIPE $$; echo alive"), "[the reader of Access databases stopped: killed by signal 13 (Broken pipe)]");
+    EXPECT_EQ(Run("kill -PIPE $$; echo alive"),
+              "[the reader of Access databases stopped: killed by signal 13 (Broken pipe)]");
     std::signal(SIGPIPE, Before);
+}
+
+TEST_F(KvAccessHelper, CtrlCIsLeftToWhoWaitsForIt)
+{
+    EXPECT_EQ(Run("kill -INT $$; echo alive"), "alive\n");
+}
+
+TEST_F(KvAccessHelper, ASignalDuringTheWaitChangesNothing)
+{
+    static int Signals = 0;
+    struct sigaction Counting = {}, Before = {};
+    Counting.sa_handler = [](int) { ++Signals; };   // without SA_RESTART: calls of the system end early
+    ::sigaction(SIGALRM, &Counting, &Before);
+    const itimerval Often{.it_interval = {0, 10'000}, .it_value = {0, 10'000}}, Never{};
+    ::setitimer(ITIMER_REAL, &Often, nullptr);
+    EXPECT_EQ(Run("sleep 0.3; echo said"), "said\n");
+    EXPECT_EQ(Run("exec sleep 60", 1s), "[the reader of Access databases stopped: it made no progress for 1 s]");
+    ::setitimer(ITIMER_REAL, &Never, nullptr);
+    ::sigaction(SIGALRM, &Before, nullptr);
+    EXPECT_GT(Signals, 10);
+}
+
+TEST_F(KvAccessHelper, LeavesNoProcessAndNoDescriptorBehind)
+{
+    const auto Descriptors = [] {
+        const std::filesystem::directory_iterator All("/proc/self/fd");
+        return std::distance(begin(All), end(All));
+    };
+    const auto Before = Descriptors();
+    for (int I = 0; I < 20; ++I) {
+        Run("echo to the end");
+        Run("kill -KILL $$");
+        const TAccessHelper NotAsked({Script("yes"), 30s}, {});
+        TAccessHelper LeftEarly({Script("yes"), 30s}, {});
+        char Bytes[7];
+        EXPECT_EQ(LeftEarly.Receive(Bytes, sizeof Bytes), sizeof Bytes);
+        EXPECT_THROW(TAccessHelper({Folder / "none", 30s}, {}), EDatabaseError);
+    }
+    EXPECT_EQ(Descriptors(), Before);
+    EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
+    EXPECT_EQ(errno, ECHILD) << "a child is left";
+}
+
+TEST_F(KvAccessHelper, NeedsNoStandardStreamsOfItsParent)
+{
+    for (const int Closed : {1, 2, 4, 3, 5, 6, 7}) {
+        const auto RunWithout = [this, Closed] {
+            for (const int Stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+                if (Closed >> Stream & 1)
+                    ::close(Stream);
+            std::_Exit(Run("cat; echo said; echo trouble >&2") == "said\n" ? 7 : 1);
+        };
+        EXPECT_EXIT(RunWithout(), testing::ExitedWithCode(7), "") << Closed;
+    }
 }
 
 TEST_F(KvAccessHelper, SaysWhyItCannotBeStarted)
@@ -144,8 +205,24 @@ TEST_F(KvAccessHelper, IsTheOneThatTheEnvironmentNames)
 TEST_F(KvAccessHelper, AWrongNameInTheEnvironmentIsAnError)
 {
     const TVariable Named("KV_ACCESS_HELPER", "/nowhere/kvaccess");
-    EXPECT_EQ(MessageOf([] { FindAccessHelper(""); }), "/nowhere/kvaccess, which KV_ACCESS_HELPER names as the reader of "
-                                                       "Access databases, is not a program");
+    EXPECT_EQ(MessageOf([] { FindAccessHelper(""); }),
+              "/nowhere/kvaccess, which KV_ACCESS_HELPER names as the reader of "
+              "Access databases, is not a program");
+}
+
+TEST_F(KvAccessHelper, AFolderOfItsNameIsNoProgram)
+{
+    std::filesystem::create_directory(Folder / "kvaccess");
+    const TVariable Path("PATH", Folder.Path.c_str());
+    {
+        const TVariable Named("KV_ACCESS_HELPER", nullptr);
+        EXPECT_THAT(MessageOf([this] { FindAccessHelper(Folder / ""); }),
+                    testing::StartsWith("The reader of Access databases is missing"));
+    }
+    const TVariable Named("KV_ACCESS_HELPER", (Folder / "kvaccess").c_str());
+    EXPECT_EQ(MessageOf([] { FindAccessHelper(""); }),
+              (Folder / "kvaccess") +
+                  ", which KV_ACCESS_HELPER names as the reader of Access databases, is not a program");
 }
 
 TEST_F(KvAccessHelper, IsElseTheOneBesideTheProgram)
