@@ -9,9 +9,9 @@
 #include <string>
 
 #include "KvBenchOrders.h"
-#include "KvDateText.h"
 #include "KvDbaseBuilder.h"
 #include "KvDbaseFile.h"
+#include "KvIsoDate.h"
 #include "KvParadoxBuilder.h"
 #include "KvParadoxFile.h"
 

@@ -3,9 +3,11 @@
 
 #include <cmath>
 
+#include "KvCalendar.h"
 #include "KvException.h"
 #include "KvFormatSettings.h"
 #include "KvFuzz.h"
+#include "KvIsoDate.h"
 
 namespace {
 

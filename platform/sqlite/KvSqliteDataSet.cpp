@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "KvDateText.h"
+#include "KvIsoDate.h"
 #include "KvSqliteConnection.h"
 #include "KvSqliteCursor.h"
 #include "KvSqliteDatabase.h"

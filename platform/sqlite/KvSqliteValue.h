@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "KvCodePage.h"
-#include "KvDateText.h"
+#include "KvIsoDate.h"
 #include "KvSqliteType.h"
 #include "KvVariant.h"
 

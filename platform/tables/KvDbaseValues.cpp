@@ -9,7 +9,7 @@
 #include <system_error>
 
 #include "KvByteCursor.h"
-#include "KvDateText.h"
+#include "KvCalendar.h"
 #include "KvException.h"
 #include "KvFormatSettings.h"
 #include "KvParadoxValues.h"

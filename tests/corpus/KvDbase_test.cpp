@@ -18,11 +18,11 @@
 #include "KvCodePage.h"
 #include "KvCorpus.h"
 #include "KvCsvDump.h"
-#include "KvDateText.h"
 #include "KvDbaseFile.h"
 #include "KvDbaseHeader.h"
 #include "KvException.h"
 #include "KvFile.h"
+#include "KvIsoDate.h"
 #include "KvText.h"
 
 namespace kv {

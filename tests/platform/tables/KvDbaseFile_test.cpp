@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "KvCodePage.h"
-#include "KvDateText.h"
 #include "KvDbaseBuilder.h"
 #include "KvException.h"
+#include "KvIsoDate.h"
 #include "KvTempFolder.h"
 
 namespace kv {

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "KvBytes.h"
-#include "KvDateText.h"
 #include "KvDbaseBuilder.h"
 #include "KvException.h"
 #include "KvFormatSettings.h"
+#include "KvIsoDate.h"
 
 namespace kv {
 

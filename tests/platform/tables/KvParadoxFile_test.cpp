@@ -9,8 +9,8 @@
 
 #include "KvAllocationCount.h"
 #include "KvBytes.h"
-#include "KvDateText.h"
 #include "KvException.h"
+#include "KvIsoDate.h"
 #include "KvParadoxBuilder.h"
 #include "KvTempFolder.h"
 

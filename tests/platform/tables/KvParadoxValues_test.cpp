@@ -8,9 +8,10 @@
 #include <string>
 #include <string_view>
 
-#include "KvDateText.h"
+#include "KvCalendar.h"
 #include "KvException.h"
 #include "KvFormatSettings.h"
+#include "KvIsoDate.h"
 #include "KvParadoxBuilder.h"
 
 namespace kv {
