@@ -3,6 +3,7 @@
 
 #include <concepts>
 #include <functional>
+#include <initializer_list>
 #include <span>
 #include <string>
 #include <string_view>
@@ -159,6 +160,14 @@ inline TPublishedProperty PublishEvent(std::string_view Name)
     Property.Name = Name;
     Property.Kind = pkEvent;
     return Property;
+}
+
+/// The properties of the base class, then those that a class adds.
+inline TPublishedProperties PublishAfter(TPublishedProperties Inherited,
+                                         std::initializer_list<TPublishedProperty> Own)
+{
+    Inherited.insert(Inherited.end(), Own.begin(), Own.end());
+    return Inherited;
 }
 
 /// The same property, left out when the object is saved.

@@ -47,35 +47,21 @@ std::string ListFields(const TDataSet& Table, TStrings* Columns)
 } // namespace
 
 TKvImportFromBDE::TKvImportFromBDE(TComponent* Owner, TTableTypeImport Kind)
-    : TKvImportBaseComponent(Owner, Kind, Extension())
+    : TKvImportFromFile(Owner, Kind, Extension())
 {
 }
 
 TPublishedProperties TKvImportFromBDE::PublishedProperties() const
 {
     using T = TKvImportFromBDE;
-    auto Properties = TKvImportBaseComponent::PublishedProperties();
-    const auto Own = {Publish("SourceFileName", &T::SourceFileName), Publish("RowFirst", &T::RowFirst),
-                      Publish("RowLast", &T::RowLast),
-                      Publish("TableType", &T::TableType, TableTypeNames),
-                      Publish("Extensions", &T::Extensions, ExtensionNames)};
-    Properties.insert(Properties.end(), Own.begin(), Own.end());
-    return Properties;
-}
-
-bool TKvImportFromBDE::NotDefined(std::string& PropName)
-{
-    if (TKvImportBaseComponent::NotDefined(PropName))
-        return true;
-    if (!SourceFileName.empty())
-        return false;
-    PropName = "SourceFileName";
-    return true;
+    return PublishAfter(TKvImportFromFile::PublishedProperties(),
+                        {Publish("TableType", &T::TableType, TableTypeNames),
+                         Publish("Extensions", &T::Extensions, ExtensionNames)});
 }
 
 TTableType TKvImportFromBDE::TypeOfTable() const
 {
-    return TableType == ttDefault && TKvImportBaseComponent::TableType == teDBase ? ttDBase : TableType;
+    return TableType == ttDefault && TKvImportFromFile::TableType == teDBase ? ttDBase : TableType;
 }
 
 void TKvImportFromBDE::DetectAutoMapping()
@@ -133,13 +119,13 @@ bool TKvImportFromBDE::NeedMore()
 std::string TKvImportFromBDE::RecordPlace() const
 {
     return Table && Table->Active() && !Table->Eof() ? "record " + std::to_string(Table->RecNo())
-                                                     : TKvImportBaseComponent::RecordPlace();
+                                                     : TKvImportFromFile::RecordPlace();
 }
 
 bool TKvImportFromBDE::LoadRecord()
 {
     try {
-        return TKvImportBaseComponent::LoadRecord();
+        return TKvImportFromFile::LoadRecord();
     }
     catch (const EFormatError& Error) {             // a value that the table cannot read
         RecordFailed(Error);
@@ -151,7 +137,7 @@ TVariant TKvImportFromBDE::GetFieldValue(const TVariant& Source)
 {
     const auto* const Field = Columns.Find(Source, [this](const std::string& Each) { return FindColumn(Each); });
     if (!Field)
-        return TKvImportBaseComponent::GetFieldValue(Source);
+        return TKvImportFromFile::GetFieldValue(Source);
     auto Value = Field->PeekValue();
     if (Field->DataType() == ftBCD && Value.IsString())
         return WithSeparator(Value, DataFormats.DecimalSeparator);

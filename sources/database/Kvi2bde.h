@@ -7,7 +7,7 @@
 #include "KvSet.h"
 #include "KvStringList.h"
 #include "KvTable.h"
-#include "Kvibase.h"
+#include "KviFileImport.h"
 #include "KviSourceColumns.h"
 
 namespace kv {
@@ -26,7 +26,7 @@ using TKvITableExtensions = TSet<TKvITableExtension>;
 /// Imports the records of a table file, all that are not deleted. Source columns are field names; a name that
 /// the table does not have is a constant that imports itself. A record with a value that cannot be read is an
 /// error of that record. With csiASCII_MSDOS texts are of the OEM code page, whatever the table says of them.
-class TKvImportFromBDE : public TKvImportBaseComponent
+class TKvImportFromBDE : public TKvImportFromFile
 {
 public:
     /// `Kind` is teParadox or teDBase: what a specification that is saved calls the source.
@@ -38,17 +38,12 @@ public:
     /// What the table is opened as; with ttDBase the first 10 characters of names count. A component of the
     /// kind teDBase takes ttDefault for ttDBase.
     TTableType TableType = ttDefault;
-    using TKvImportBaseComponent::RowFirst;
-    using TKvImportBaseComponent::RowLast;
-    using TKvImportBaseComponent::SourceFileName;   ///< The table.
-
     TKvITableExtensions Extensions;
 
     /// By the number that the record has in the table.
     std::string RecordPlace() const override;
 
 protected:
-    bool NotDefined(std::string& PropName) override;
     bool FieldIsTruncated() const override { return TypeOfTable() == ttDBase; }
     /// For the fields that the closed table knows, which are none: see xbOpensForMapping.
     void DetectAutoMapping() override;

@@ -26,31 +26,28 @@ int FieldNamed(const TAccessRecordset& Recordset, std::string_view Name)
 
 } // namespace
 
-TKvImportFromAccess::TKvImportFromAccess(TComponent* Owner) : TKvImportBaseComponent(Owner, teAccess, Extension()) {}
+TKvImportFromAccess::TKvImportFromAccess(TComponent* Owner) : TKvImportFromFile(Owner, teAccess, Extension()) {}
 
 TPublishedProperties TKvImportFromAccess::PublishedProperties() const
 {
     using T = TKvImportFromAccess;
-    auto Properties = TKvImportBaseComponent::PublishedProperties();
-    const auto Own = {Publish("TableName", &T::TableName), Publish("SourceFileName", &T::SourceFileName),
-                      Publish("RowFirst", &T::RowFirst), Publish("RowLast", &T::RowLast),
-                      Publish("Extensions", &T::Extensions, ExtensionNames)};
-    Properties.insert(Properties.end(), Own.begin(), Own.end());
-    return Properties;
+    return PublishAfter(TKvImportFromFile::PublishedProperties(),
+                        {Publish("TableName", &T::TableName),
+                         Publish("Extensions", &T::Extensions, ExtensionNames)});
 }
 
 std::string TKvImportFromAccess::FillFileFilters()
 {
-    return "MS Access database (*.mdb)|*.MDB|" + TKvImportBaseComponent::FillFileFilters();
+    return "MS Access database (*.mdb)|*.MDB|" + TKvImportFromFile::FillFileFilters();
 }
 
 bool TKvImportFromAccess::NotDefined(std::string& PropName)
 {
-    if (TKvImportBaseComponent::NotDefined(PropName))
+    if (TKvImportFromFile::NotDefined(PropName))
         return true;
-    if (!SourceFileName.empty() && !TableName.empty())
+    if (!TableName.empty())
         return false;
-    PropName = SourceFileName.empty() ? "SourceFileName" : "TableName";
+    PropName = "TableName";
     return true;
 }
 
@@ -122,12 +119,12 @@ void TKvImportFromAccess::GoNext()
 bool TKvImportFromAccess::NeedMore()
 {
     const auto* const Recordset = Session.Recordset();
-    return Recordset && !Recordset->Eof() && std::int64_t(RowLast) - RowFirst >= CurrentRow;
+    return Recordset && !Recordset->Eof() && WantsMoreThan(CurrentRow);
 }
 
 int TKvImportFromAccess::GetTotalCount()
 {
-    return Session.Recordset() ? Session.Recordset()->RecordCount() : TKvImportBaseComponent::GetTotalCount();
+    return Session.Recordset() ? Session.Recordset()->RecordCount() : TKvImportFromFile::GetTotalCount();
 }
 
 TVariant TKvImportFromAccess::GetFieldValue(const TVariant& Source)
@@ -135,7 +132,7 @@ TVariant TKvImportFromAccess::GetFieldValue(const TVariant& Source)
     const int Field = Columns.Find(
         Source, [this](const std::string& Each) { return FieldNamed(*Session.Recordset(), Each); });
     return Field >= 0 ? Session.Value(Field, DataFormats.DecimalSeparator)
-                      : TKvImportBaseComponent::GetFieldValue(Source);
+                      : TKvImportFromFile::GetFieldValue(Source);
 }
 
 // Routines without a component.

@@ -6,7 +6,7 @@
 #include "KvAccessSession.h"
 #include "KvSet.h"
 #include "KvStringList.h"
-#include "Kvibase.h"
+#include "KviFileImport.h"
 #include "KviSourceColumns.h"
 
 namespace kv {
@@ -26,7 +26,7 @@ using TKvIAccessExtensions = TSet<TKvIAccessExtension>;
 /// Imports a table of an Access database. Source columns are the names of its fields, exactly as they are
 /// written there; another name is a constant that imports itself. The run begins with the table's first
 /// record, whatever RowFirst says: RowLast - RowFirst + 1 is how many records it takes.
-class TKvImportFromAccess : public TKvImportBaseComponent
+class TKvImportFromAccess : public TKvImportFromFile
 {
 public:
     explicit TKvImportFromAccess(TComponent* Owner = nullptr);
@@ -35,9 +35,6 @@ public:
     TPublishedProperties PublishedProperties() const override;
 
     std::string TableName;                          ///< In the database.
-    using TKvImportBaseComponent::RowFirst;
-    using TKvImportBaseComponent::RowLast;
-    using TKvImportBaseComponent::SourceFileName;   ///< The database.
 
     TKvIAccessExtensions Extensions;
 

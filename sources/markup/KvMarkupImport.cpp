@@ -3,10 +3,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "KvPublish.h"
 #include "KvText.h"
-#include "KvUserInterface.h"
-#include "Kvistat.h"
 
 namespace kv {
 
@@ -16,36 +13,9 @@ constexpr std::int64_t PollRows = 16384;            // between two looks at the 
 
 } // namespace
 
-TPublishedProperties TKvImportFromMarkup::PublishedProperties() const
-{
-    using T = TKvImportFromMarkup;
-    auto Properties = TKvImportBaseComponent::PublishedProperties();
-    const auto Own = {Publish("SourceFileName", &T::SourceFileName), Publish("RowFirst", &T::RowFirst),
-                      Publish("RowLast", &T::RowLast)};
-    Properties.insert(Properties.end(), Own.begin(), Own.end());
-    return Properties;
-}
-
-bool TKvImportFromMarkup::NotDefined(std::string& PropName)
-{
-    if (TKvImportBaseComponent::NotDefined(PropName))
-        return true;
-    if (!SourceFileName.empty())
-        return false;
-    PropName = "SourceFileName";
-    return true;
-}
-
 std::string TKvImportFromMarkup::RecordPlace() const
 {
     return "row " + std::to_string(std::max(RowFirst, 1) + CurrentRow);
-}
-
-bool TKvImportFromMarkup::KeepsRunning() const
-{
-    if (AnimatedStatus)
-        UserInterface().ProcessMessages();          // so that a click on Cancel is seen
-    return !ProgressCanceled();
 }
 
 // Loading.
@@ -119,7 +89,7 @@ int TKvImportFromMarkup::GetTotalCount()
 
 bool TKvImportFromMarkup::NeedMore()
 {
-    return CurrentRow < RowCount && std::int64_t{RowLast} - RowFirst >= CurrentRow;
+    return CurrentRow < RowCount && WantsMoreThan(CurrentRow);
 }
 
 } // namespace kv

@@ -8,25 +8,19 @@
 #include <string_view>
 
 #include "KvTextFile.h"
-#include "Kvibase.h"
+#include "KviFileImport.h"
 
 namespace kv {
 
 /// Imports the rows of a file from RowFirst to RowLast. A row is looked at when it is its turn: none of
 /// them is kept.
-class TKvImportFromMarkup : public TKvImportBaseComponent
+class TKvImportFromMarkup : public TKvImportFromFile
 {
 public:
-    TPublishedProperties PublishedProperties() const override;
-
-    using TKvImportBaseComponent::RowFirst;         ///< First row to import, from 1.
-    using TKvImportBaseComponent::RowLast;          ///< Last row to import.
-    using TKvImportBaseComponent::SourceFileName;
-
     std::string RecordPlace() const override;       ///< "row 18"
 
 protected:
-    using TKvImportBaseComponent::TKvImportBaseComponent;
+    using TKvImportFromFile::TKvImportFromFile;
 
     // What a source answers.
 
@@ -39,7 +33,6 @@ protected:
     virtual bool SkipRow() { return NextRow(); }
 
     // The run. BeforeImport counts the rows; a source that overrides it calls it.
-    bool NotDefined(std::string& PropName) override;
     void BeforeImport() override;
     void GoFirst() override;
     int GetTotalCount() override;
@@ -50,7 +43,6 @@ protected:
     std::string_view Text() const { return FText; } ///< Of the file, between BeforeImport and AfterImport.
 
 private:
-    bool KeepsRunning() const;                      // false: the user has cancelled
     void CountRows();
 
     // One run, from BeforeImport to AfterImport.

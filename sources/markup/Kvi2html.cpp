@@ -43,10 +43,9 @@ TKvImportFromHTML::TKvImportFromHTML(TComponent* Owner) : TKvImportFromMarkup(Ow
 TPublishedProperties TKvImportFromHTML::PublishedProperties() const
 {
     using T = TKvImportFromHTML;
-    auto Properties = TKvImportFromMarkup::PublishedProperties();
-    Properties.push_back(Publish("TableNumber", &T::TableNumber));
-    Properties.push_back(Publish("Extensions", &T::Extensions, ExtensionNames));
-    return Properties;
+    return PublishAfter(TKvImportFromMarkup::PublishedProperties(),
+                        {Publish("TableNumber", &T::TableNumber),
+                         Publish("Extensions", &T::Extensions, ExtensionNames)});
 }
 
 std::string TKvImportFromHTML::FillFileFilters()

@@ -21,10 +21,9 @@ TKvImportFromXML::TKvImportFromXML(TComponent* Owner) : TKvImportFromMarkup(Owne
 TPublishedProperties TKvImportFromXML::PublishedProperties() const
 {
     using T = TKvImportFromXML;
-    auto Properties = TKvImportFromMarkup::PublishedProperties();
-    Properties.push_back(Publish("TableName", &T::TableName));
-    Properties.push_back(Publish("Extensions", &T::Extensions, ExtensionNames));
-    return Properties;
+    return PublishAfter(TKvImportFromMarkup::PublishedProperties(),
+                        {Publish("TableName", &T::TableName),
+                         Publish("Extensions", &T::Extensions, ExtensionNames)});
 }
 
 std::string TKvImportFromXML::FillFileFilters()

@@ -39,22 +39,9 @@ int ColumnExtent(const TSpreadSheetCells& Cells, TSpreadSheetExtensions Extensio
 TPublishedProperties TKvImportFromCell::PublishedProperties() const
 {
     using T = TKvImportFromCell;
-    auto Properties = TKvImportBaseComponent::PublishedProperties();
-    const auto Own = {Publish("SheetIndex", &T::SheetIndex), Publish("SourceFileName", &T::SourceFileName),
-                      Publish("RowFirst", &T::RowFirst), Publish("RowLast", &T::RowLast),
-                      Publish("Extensions", &T::Extensions, ExtensionNames)};
-    Properties.insert(Properties.end(), Own.begin(), Own.end());
-    return Properties;
-}
-
-bool TKvImportFromCell::NotDefined(std::string& PropName)
-{
-    if (TKvImportBaseComponent::NotDefined(PropName))
-        return true;
-    if (!SourceFileName.empty())
-        return false;
-    PropName = "SourceFileName";
-    return true;
+    return PublishAfter(TKvImportFromFile::PublishedProperties(),
+                        {Publish("SheetIndex", &T::SheetIndex),
+                         Publish("Extensions", &T::Extensions, ExtensionNames)});
 }
 
 // Loading.
@@ -101,7 +88,7 @@ void TKvImportFromCell::GoFirst()
 
 int TKvImportFromCell::GetTotalCount()
 {
-    return WorkBook ? RowExtent(Cells(), Extensions) : TKvImportBaseComponent::GetTotalCount();
+    return WorkBook ? RowExtent(Cells(), Extensions) : TKvImportFromFile::GetTotalCount();
 }
 
 bool TKvImportFromCell::NeedMore()
@@ -115,7 +102,7 @@ bool TKvImportFromCell::LoadRecord()
     if (WorkBook)
         if (const int Position = Cells().GetRow(CurrentRow, false); Position >= 0)
             Record = &Cells()[static_cast<std::size_t>(Position)];
-    return TKvImportBaseComponent::LoadRecord();
+    return TKvImportFromFile::LoadRecord();
 }
 
 TVariant TKvImportFromCell::GetFieldValue(const TVariant& Source)

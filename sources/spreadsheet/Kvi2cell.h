@@ -9,7 +9,7 @@
 
 #include "KvCells.h"
 #include "KvStringList.h"
-#include "Kvibase.h"
+#include "KviFileImport.h"
 #include "KviSourceColumns.h"
 
 namespace kv {
@@ -17,18 +17,15 @@ namespace kv {
 /// Imports a sheet of the workbook that a subclass reads. Source columns are column letters: A is the first
 /// column, AA the 27th. A row without values is a record without values. This class itself has no reader:
 /// a run of it fails.
-class TKvImportFromCell : public TKvImportBaseComponent
+class TKvImportFromCell : public TKvImportFromFile
 {
 public:
-    explicit TKvImportFromCell(TComponent* Owner = nullptr) : TKvImportBaseComponent(Owner) {}
+    explicit TKvImportFromCell(TComponent* Owner = nullptr) : TKvImportFromFile(Owner) {}
 
     std::string_view ClassName() const override { return "TKvImportFromCell"; }
     TPublishedProperties PublishedProperties() const override;
 
     int SheetIndex = 0;                             ///< From 0. Past the last sheet there are no records.
-    using TKvImportBaseComponent::RowFirst;         ///< First row to import, from 1.
-    using TKvImportBaseComponent::RowLast;          ///< Last row to import.
-    using TKvImportBaseComponent::SourceFileName;
     TSpreadSheetExtensions Extensions;
 
     std::string RecordPlace() const override;       ///< "row 18"
@@ -40,14 +37,13 @@ public:
 protected:
     /// `Extension` is that of the files of the subclass.
     TKvImportFromCell(TComponent* Owner, TTableTypeImport Type, std::string_view Extension)
-        : TKvImportBaseComponent(Owner, Type, Extension)
+        : TKvImportFromFile(Owner, Type, Extension)
     {
     }
 
     /// A new reader of the format.
     virtual std::unique_ptr<TSpreadSheetFile> WorkBookCreation() { return nullptr; }
 
-    bool NotDefined(std::string& PropName) override;
     void DetectAutoMapping() override;
     void BeforeImport() override;
     void GoFirst() override;

@@ -5,8 +5,6 @@
 #include "KvNumberText.h"
 #include "KvPublish.h"
 #include "KvText.h"
-#include "KvUserInterface.h"
-#include "Kvistat.h"
 
 namespace kv {
 
@@ -139,43 +137,27 @@ void FillBreaks(const TDataSet& DataSet, char Delimiter, char TextQualifier, std
 
 } // namespace
 
-TKvImportFromText::TKvImportFromText(TComponent* Owner) : TKvImportBaseComponent(Owner, teText, Extension()) {}
+TKvImportFromText::TKvImportFromText(TComponent* Owner) : TKvImportFromFile(Owner, teText, Extension()) {}
 
 TPublishedProperties TKvImportFromText::PublishedProperties() const
 {
     using T = TKvImportFromText;
-    auto Properties = TKvImportBaseComponent::PublishedProperties();
-    const auto Own = {
-        Publish("SourceFileName", &T::SourceFileName),
+    return PublishAfter(TKvImportFromFile::PublishedProperties(), {
         Publish("Fixed", &T::Fixed),
-        Publish("RowFirst", &T::RowFirst),
-        Publish("RowLast", &T::RowLast),
         Publish<T>("FieldDelimiter", &T::GetFieldDelimiter, &T::SetFieldDelimiter, FieldDelimiterNames),
         Publish<T>("FieldDelimiterCustom", &T::GetFieldDelimiterCustom, &T::SetFieldDelimiterCustom),
         Publish<T>("TextQualifier", &T::GetTextQualifier, &T::SetTextQualifier, TextQualifierNames),
         Publish<T>("TextQualifierCustom", &T::GetTextQualifierCustom, &T::SetTextQualifierCustom),
         Publish<T>("RecordSeparator", &T::GetRecordSeparator, &T::SetRecordSeparator, RecordSeparatorNames),
         Publish<T>("RecordSeparatorCustom", &T::GetRecordSeparatorCustom, &T::SetRecordSeparatorCustom),
-        Publish("Extensions", &T::Extensions, ExtensionNames)};
-    Properties.insert(Properties.end(), Own.begin(), Own.end());
-    return Properties;
+        Publish("Extensions", &T::Extensions, ExtensionNames)});
 }
 
 std::string TKvImportFromText::FillFileFilters()
 {
-    return TKvImportBaseComponent::FillFileFilters() +
+    return TKvImportFromFile::FillFileFilters() +
            "|Text file (*.txt)|*.TXT|Comma-delimited file (*.csv)|*.CSV|Data file (*.dat)|*.DAT|"
            "Text file (*.prn)|*.PRN|Tabular file (*.tab)|*.TAB|ASCII file (*.asc)|*.ASC|";
-}
-
-bool TKvImportFromText::NotDefined(std::string& PropName)
-{
-    if (TKvImportBaseComponent::NotDefined(PropName))
-        return true;
-    if (!SourceFileName.empty())
-        return false;
-    PropName = "SourceFileName";
-    return true;
 }
 
 // Loading.
@@ -224,13 +206,6 @@ void TKvImportFromText::LoadFirstLine()
     const bool MayGoOn = FirstLine.data() + FirstLine.size() == File->Text().data() + File->Text().size();
     if (MayGoOn && !File->IsWhole())
         Load(1, TKvTextFile::WholeFile);
-}
-
-bool TKvImportFromText::KeepsRunning() const
-{
-    if (AnimatedStatus)
-        UserInterface().ProcessMessages();          // so that a click on Cancel is seen
-    return !ProgressCanceled();
 }
 
 TKvTextLines TKvImportFromText::LineCutter(std::string_view Text) const
@@ -283,7 +258,7 @@ int TKvImportFromText::GetTotalCount()
 
 bool TKvImportFromText::NeedMore()
 {
-    return CurrentRow < Lines.size() && std::int64_t{RowLast} - RowFirst >= static_cast<std::int64_t>(CurrentRow);
+    return CurrentRow < Lines.size() && WantsMoreThan(static_cast<std::int64_t>(CurrentRow));
 }
 
 bool TKvImportFromText::LoadRecord()
@@ -295,7 +270,7 @@ bool TKvImportFromText::LoadRecord()
         if (HeaderFields > 0 && FieldPositions->Count() != HeaderFields)
             CountFields();
     }
-    return TKvImportBaseComponent::LoadRecord();
+    return TKvImportFromFile::LoadRecord();
 }
 
 void TKvImportFromText::CheckLength(std::string_view Line, std::size_t Number) const

@@ -13,7 +13,7 @@
 #include "KvTextFields.h"
 #include "KvTextFile.h"
 #include "KvTextLines.h"
-#include "Kvibase.h"
+#include "KviFileImport.h"
 #include "KviSourceColumns.h"
 
 namespace kv {
@@ -45,8 +45,8 @@ struct TKvITextFieldCounts
 
 /// Imports a text file. Source columns are "Field1", "Field2", ... of a delimited line and "Text1-10",
 /// "Text11-20", ... (first and last byte, from 1) of a fixed one. A column of another name is a
-/// constant that imports itself.
-class TKvImportFromText : public TKvImportBaseComponent
+/// constant that imports itself. Rows are lines; every line of the file counts.
+class TKvImportFromText : public TKvImportFromFile
 {
 public:
     explicit TKvImportFromText(TComponent* Owner = nullptr);
@@ -55,9 +55,6 @@ public:
     TPublishedProperties PublishedProperties() const override;
 
     using TKvImportBaseComponent::Fixed;            ///< Values stand at fixed positions.
-    using TKvImportBaseComponent::RowFirst;         ///< First line to import, from 1; every line counts.
-    using TKvImportBaseComponent::RowLast;          ///< Last line to import.
-    using TKvImportBaseComponent::SourceFileName;
 
     // Each pair is kept in step: the kind and the characters that are used.
     using TKvImportBaseComponent::GetFieldDelimiter;
@@ -89,7 +86,6 @@ public:
     static std::string FillFileFilters();
 
 protected:
-    bool NotDefined(std::string& PropName) override;
     void DetectAutoMapping() override;
     void BeforeImport() override;
     void GoFirst() override { CurrentRow = 0; }
@@ -113,7 +109,6 @@ private:
     void LoadLines(int LastLine);
     void LoadFirstLine();
     void Unload();
-    bool KeepsRunning() const;                      // false: the user has cancelled
     void CheckLength(std::string_view Line, std::size_t Number) const;
     void CountFields();
     std::size_t LineNumber() const;

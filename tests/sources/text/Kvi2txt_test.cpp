@@ -46,7 +46,7 @@ TEST(Kvi2txt, PublishesItsPropertiesAfterThoseOfEveryImport)
         Names.push_back(Property.Name);
     const auto Inherited = TKvImportBaseComponent().PublishedProperties().size();
     Names.erase(Names.begin(), Names.begin() + static_cast<std::ptrdiff_t>(Inherited));
-    EXPECT_THAT(Names, ElementsAre("SourceFileName", "Fixed", "RowFirst", "RowLast", "FieldDelimiter",
+    EXPECT_THAT(Names, ElementsAre("SourceFileName", "RowFirst", "RowLast", "Fixed", "FieldDelimiter",
                                    "FieldDelimiterCustom", "TextQualifier", "TextQualifierCustom", "RecordSeparator",
                                    "RecordSeparatorCustom", "Extensions"));
 }

@@ -1,0 +1,35 @@
+#include "KviFileImport.h"
+
+#include "KvPublish.h"
+#include "KvUserInterface.h"
+#include "Kvistat.h"
+
+namespace kv {
+
+TPublishedProperties TKvImportFromFile::PublishedProperties() const
+{
+    using T = TKvImportFromFile;
+    return PublishAfter(TKvImportBaseComponent::PublishedProperties(),
+                        {Publish("SourceFileName", &T::SourceFileName),
+                         Publish("RowFirst", &T::RowFirst),
+                         Publish("RowLast", &T::RowLast)});
+}
+
+bool TKvImportFromFile::NotDefined(std::string& PropName)
+{
+    if (TKvImportBaseComponent::NotDefined(PropName))
+        return true;
+    if (!SourceFileName.empty())
+        return false;
+    PropName = "SourceFileName";
+    return true;
+}
+
+bool TKvImportFromFile::KeepsRunning() const
+{
+    if (AnimatedStatus)
+        UserInterface().ProcessMessages();
+    return !ProgressCanceled();
+}
+
+} // namespace kv

@@ -1,0 +1,34 @@
+// KviFileImport - what all sources that read a file have in common: its name, and which of its rows are
+// imported.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "Kvibase.h"
+
+namespace kv {
+
+/// The abstract import of a file. A source says what its rows are.
+class TKvImportFromFile : public TKvImportBaseComponent
+{
+public:
+    TPublishedProperties PublishedProperties() const override;
+
+    using TKvImportBaseComponent::SourceFileName;   ///< The file; a run needs one.
+    using TKvImportBaseComponent::RowFirst;         ///< First row to import, from 1.
+    using TKvImportBaseComponent::RowLast;          ///< Last row to import.
+
+protected:
+    using TKvImportBaseComponent::TKvImportBaseComponent;
+
+    bool NotDefined(std::string& PropName) override;
+
+    /// False once the user has cancelled. Lets a click on Cancel be seen, for what takes long before the
+    /// first record.
+    bool KeepsRunning() const;
+    /// True while the rows from RowFirst to RowLast are more than the `Count` that were imported.
+    bool WantsMoreThan(std::int64_t Count) const { return std::int64_t{RowLast} - RowFirst >= Count; }
+};
+
+} // namespace kv
