@@ -29,7 +29,6 @@ struct TNasty
     std::string_view Before, Unit, After;
 };
 void PrintTo(const TNasty& Nasty, std::ostream* Out) { *Out << Nasty.Before << "..." << Nasty.Unit; }
-std::string NameOfRow(const testing::TestParamInfo<TNasty>& Info) { return Info.param.Name; }
 
 } // namespace
 

@@ -48,6 +48,12 @@ public:
             this->Mappings().Add(Destination.Fields(static_cast<int>(I)).FieldName() + "=" + Sources[I]);
     }
 
+    /// The same with extensions.
+    TMarkupRun(std::string_view Text, decltype(TImport::Extensions) Rules) : TMarkupRun(Text)
+    {
+        this->Extensions = Rules;
+    }
+
     /// Executes and gives the records of the destination, values separated by "|", no value as "-".
     TRows Run()
     {
@@ -115,5 +121,50 @@ struct TPreviewed
         };
     }
 };
+
+/// What `Load`, a preview routine, shows of a file.
+template <class TLoad>
+TRows PreviewOf(TLoad Load, const std::string& FileName, const std::string& Names, const std::string& RowTag = "",
+                int RowFirst = 1, int RowLast = RowLastMax)
+{
+    TPreviewed Seen;
+    Load(nullptr, Names, FileName, RowTag, RowFirst, RowLast, false, Seen.Columns, Seen.Callback());
+    return Seen.Rows;
+}
+
+/// Rows of three cells: the number of the row, "b" and "c".
+inline std::string NumberedHtmlRows(int Count)
+{
+    std::string Rows;
+    for (int I = 1; I <= Count; ++I)
+        Rows += "<tr><td>" + std::to_string(I) + "</td><td>b</td><td>c</td></tr>\n";
+    return Rows;
+}
+
+/// The same as attributes a, b and c.
+inline std::string NumberedXmlRows(int Count)
+{
+    std::string Rows;
+    for (int I = 1; I <= Count; ++I)
+        Rows += "<ROW a=\"" + std::to_string(I) + "\" b=\"b\" c=\"c\"/>\n";
+    return Rows;
+}
+
+/// One text, as the older rules read it and as they do with extensions.
+template <class TExtensions> struct TReadingsWith
+{
+    const char* Name;
+    TExtensions Extensions;
+    std::string Text;
+    TRows Classic;
+    TRows Extended;
+};
+template <class TExtensions> void PrintTo(const TReadingsWith<TExtensions>& Readings, std::ostream* Out)
+{
+    *Out << Readings.Text;
+}
+
+/// The name of a row in a table of tests.
+inline constexpr auto NameOfRow = [](const auto& Info) { return std::string(Info.param.Name); };
 
 } // namespace kv

@@ -17,29 +17,16 @@ namespace kv {
 
 namespace {
 
-struct TReadings
-{
-    const char* Name;
-    TKvIHTMLExtensions Extensions;
-    std::string Table;
-    TRows Classic;
-    TRows Extended;
-};
-void PrintTo(const TReadings& Readings, std::ostream* Out) { *Out << Readings.Table; }
-std::string NameOfRow(const testing::TestParamInfo<TReadings>& Info) { return Info.param.Name; }
-
-TRows Imported(const std::string& Table, TKvIHTMLExtensions Extensions)
-{
-    THtmlRun Import("<table>" + Table + "</table>");
-    Import.Extensions = Extensions;
-    return Import.Run();
-}
+using TReadings = TReadingsWith<TKvIHTMLExtensions>;
 
 TRows ImportedFile(const std::string& Text, TKvIHTMLExtensions Extensions)
 {
-    THtmlRun Import(Text);
-    Import.Extensions = Extensions;
-    return Import.Run();
+    return THtmlRun(Text, Extensions).Run();
+}
+
+TRows Imported(const std::string& Table, TKvIHTMLExtensions Extensions)
+{
+    return ImportedFile("<table>" + Table + "</table>", Extensions);
 }
 
 } // namespace
@@ -48,8 +35,8 @@ class Kvi2htmlReads : public testing::TestWithParam<TReadings> {};
 
 TEST_P(Kvi2htmlReads, ClassicThenExtended)
 {
-    EXPECT_EQ(Imported(GetParam().Table, {}), GetParam().Classic);
-    EXPECT_EQ(Imported(GetParam().Table, GetParam().Extensions), GetParam().Extended);
+    EXPECT_EQ(Imported(GetParam().Text, {}), GetParam().Classic);
+    EXPECT_EQ(Imported(GetParam().Text, GetParam().Extensions), GetParam().Extended);
 }
 
 INSTANTIATE_TEST_SUITE_P(Syntax, Kvi2htmlReads, testing::Values(
@@ -128,8 +115,7 @@ INSTANTIATE_TEST_SUITE_P(EmptyCells, Kvi2htmlReads, testing::Values(
 // Rows that reach into those below count from the first row of the file.
 TEST(Kvi2htmlSpans, ReachFromRowsBeforeRowFirst)
 {
-    THtmlRun Import("<table><tr><td rowspan=3>1</td><td>2</td></tr><tr><td>3</td></tr><tr><td>4</td></tr></table>");
-    Import.Extensions = {xhSpans};
+    THtmlRun Import("<table><tr><td rowspan=3>1</td><td>2</td></tr><tr><td>3</td></tr><tr><td>4</td></tr></table>", {xhSpans});
     Import.RowFirst = 2;
     EXPECT_THAT(Import.Run(), ElementsAre("1|3|c", "1|4|c"));
 }
@@ -139,8 +125,7 @@ TEST(Kvi2htmlSpans, TooFarARowSpanFailsTheRunBeforeItWrites)
     std::string Cells;
     for (int I = 0; I < 1024; ++I)
         Cells += "<td>";
-    THtmlRun Import("<table><tr><td>1</td></tr><tr>" + Cells + "<td rowspan=2></tr></table>");
-    Import.Extensions = {xhSpans, xhTagSyntax};
+    THtmlRun Import("<table><tr><td>1</td></tr><tr>" + Cells + "<td rowspan=2></tr></table>", {xhSpans, xhTagSyntax});
     EXPECT_EQ(Import.RunAndFail(), "A cell in column 1025 covers several rows; column 1024 is the last that may");
     EXPECT_EQ(Import.Destination.RecordCount(), 0);
 }
@@ -174,15 +159,13 @@ TEST(Kvi2htmlEncoding, Utf16IsRecognisedWithAMarkOrWithout)
 
 TEST(Kvi2htmlEncoding, AZeroByteIsNoText)
 {
-    THtmlRun Import("<table>\0<tr><td>1</td></tr></table>"s);
-    Import.Extensions = {xhEncoding};
+    THtmlRun Import("<table>\0<tr><td>1</td></tr></table>"s, {xhEncoding});
     EXPECT_EQ(Import.RunAndFail(), "File \"FILE\" has a zero byte at offset 7, as no text of its kind has");
 }
 
 TEST(Kvi2htmlEncoding, AnUnknownOneFailsTheRun)
 {
-    THtmlRun Import("<meta charset=no-such><table>");
-    Import.Extensions = {xhEncoding};
+    THtmlRun Import("<meta charset=no-such><table>", {xhEncoding});
     EXPECT_EQ(Import.RunAndFail(), "Cannot convert the text of file \"FILE\" from no-such to UTF-8");
 }
 
@@ -246,8 +229,7 @@ TEST_F(Kvi2htmlNames, MapTheFieldsOfTheSameName)
 
 TEST(Kvi2htmlNumbers, CountColumnsWhateverTheHeaderSays)
 {
-    THtmlRun Import("<table><tr><td>Field2</td><td>B</td></tr><tr><td>1</td><td>2</td></tr></table>");
-    Import.Extensions = {xhHeaderNames};
+    THtmlRun Import("<table><tr><td>Field2</td><td>B</td></tr><tr><td>1</td><td>2</td></tr></table>", {xhHeaderNames});
     Import.RowFirst = 2;
     Import.MapTo({"Field2", "B"});
     EXPECT_THAT(Import.Run(), ElementsAre("2|2|-"));
@@ -257,8 +239,7 @@ TEST(Kvi2htmlNumbers, CountColumnsWhateverTheHeaderSays)
 
 TEST(Kvi2htmlTableNumber, ARunTellsHowManyTablesItRead)
 {
-    THtmlRun Import("<table><tr><td>1<table><tr><td>2</td></tr></table></td></tr></table><table></table>");
-    Import.Extensions = {xhTagSyntax};
+    THtmlRun Import("<table><tr><td>1<table><tr><td>2</td></tr></table></td></tr></table><table></table>", {xhTagSyntax});
     Import.Run();
     EXPECT_EQ(Import.TablesRead(), 2);
 }

@@ -7,7 +7,6 @@
 #include <string>
 #include <string_view>
 
-#include "KvImpatientUser.h"
 #include "KvMarkupRun.h"
 
 using namespace std::string_literals;
@@ -24,20 +23,9 @@ TRows Imported(const std::string& Table)
     return THtmlRun("<html><TABLE>" + Table + "</TABLE></html>").Run();
 }
 
-TRows Preview(const THtmlRun& Import, const std::string& Names, int RowFirst = 1, int RowLast = RowLastMax)
+TRows Preview(const THtmlRun& Import, const std::string& Names)
 {
-    TPreviewed Seen;
-    LoadHTMLPreview(nullptr, Names, Import.SourceFileName, "unused", RowFirst, RowLast, false, Seen.Columns,
-                    Seen.Callback());
-    return Seen.Rows;
-}
-
-std::string NumberedRows(int Count)
-{
-    std::string Rows;
-    for (int I = 1; I <= Count; ++I)
-        Rows += "<tr><td>" + std::to_string(I) + "</td><td>b</td><td>c</td></tr>\n";
-    return Rows;
+    return PreviewOf(LoadHTMLPreview, Import.SourceFileName, Names, "unused");
 }
 
 } // namespace
@@ -177,7 +165,7 @@ TEST(Kvi2html, ACommentThatNothingEndsHidesTheRest)
 
 TEST(Kvi2html, TwoTablesAreOneSequenceOfRows)
 {
-    THtmlRun Import("<table>" + NumberedRows(2) + "</table>x<tr><td>no</td></tr><table>" + NumberedRows(1) +
+    THtmlRun Import("<table>" + NumberedHtmlRows(2) + "</table>x<tr><td>no</td></tr><table>" + NumberedHtmlRows(1) +
                     "</table>");
     EXPECT_THAT(Import.Run(), ElementsAre("1|b|c", "2|b|c", "1|b|c"));
 }
@@ -191,8 +179,8 @@ TEST(Kvi2html, ATableInACellIsNotRecognised)
 
 TEST(Kvi2html, ATableOfAnotherNumberIsLeftOut)
 {
-    THtmlRun Import("<table>" + NumberedRows(2) + "</table><table><tr><td>x</td></tr></table><table>" +
-                    NumberedRows(1) + "</table>");
+    THtmlRun Import("<table>" + NumberedHtmlRows(2) + "</table><table><tr><td>x</td></tr></table><table>" +
+                    NumberedHtmlRows(1) + "</table>");
     Import.TableNumber = 2;
     EXPECT_THAT(Import.Run(), ElementsAre("x|b|c"));
     Import.TableNumber = 4;
@@ -211,100 +199,7 @@ TEST(Kvi2html, AZeroByteEndsTheFile)
     EXPECT_THAT(Imported("<tr><td>1</td></tr>\0<tr><td>2</td></tr>"s), ElementsAre("1|b|c"));
 }
 
-// Rows.
-
-TEST(Kvi2html, RowsCountFromRowFirstToRowLast)
-{
-    THtmlRun Import("<table>" + NumberedRows(5) + "</table>");
-    Import.RowFirst = 2;
-    Import.RowLast = 4;
-    EXPECT_THAT(Import.Run(), ElementsAre("2|b|c", "3|b|c", "4|b|c"));
-}
-
-TEST(Kvi2html, RowFirstBelowOneIsTheFirstRow)
-{
-    THtmlRun Import("<table>" + NumberedRows(2) + "</table>");
-    Import.RowFirst = -2147483647 - 1;
-    EXPECT_THAT(Import.Run(), ElementsAre("1|b|c", "2|b|c"));
-}
-
-TEST(Kvi2html, RowFirstPastTheLastRowImportsNothing)
-{
-    THtmlRun Import("<table>" + NumberedRows(2) + "</table>");
-    Import.RowFirst = 3;
-    EXPECT_THAT(Import.Run(), IsEmpty());
-}
-
-TEST(Kvi2html, ACountOfRowsIsThatOfTheRangeBeforeTheRunClipsIt)
-{
-    THtmlRun Import("<table>" + NumberedRows(5) + "</table>");
-    Import.RowFirst = 2;
-    Import.Run();
-    EXPECT_EQ(Import.GetTotalCount(), 4);
-    EXPECT_EQ(Import.Statistic.TotalCount, 3);      // the run takes RowFirst - 1 off once more
-    EXPECT_EQ(Import.Statistic.TotalImported, 4);
-}
-
-TEST(Kvi2html, ARecordsPlaceIsItsRow)
-{
-    THtmlRun Import("<table>" + NumberedRows(3) + "</table>");
-    Import.RowFirst = 2;
-    std::vector<std::string> Places;
-    Import.OnAfterRecordEvent = [&Places](TKvImportBaseComponent& Sender, bool&) {
-        Places.push_back(Sender.RecordPlace());
-    };
-    Import.Run();
-    EXPECT_THAT(Places, ElementsAre("row 2", "row 3"));
-}
-
-TEST(Kvi2html, AComponentRunsAgainAfterARunThatFailed)
-{
-    THtmlRun Import("<table>" + NumberedRows(1) + "</table>");
-    const auto Name = Import.SourceFileName;
-    Import.SourceFileName = "/no/such/file";
-    EXPECT_EQ(Import.RunAndFail(), "Cannot open file \"FILE\": No such file or directory");
-    Import.SourceFileName = Name;
-    EXPECT_THAT(Import.Run(), ElementsAre("1|b|c"));
-}
-
-class Kvi2htmlCancelled : public testing::TestWithParam<int> {};
-
-TEST_P(Kvi2htmlCancelled, WhileLoadingImportsNothing)
-{
-    TImpatientUser User(GetParam());
-    THtmlRun Import("<table>" + NumberedRows(40000) + "</table>");
-    Import.AnimatedStatus = true;
-    Import.Execute();
-    EXPECT_EQ(Import.Statistic.Result, irCanceled) << Import.ErrorMessage();
-    EXPECT_EQ(Import.Destination.RecordCount(), 0);
-    EXPECT_EQ(Import.Statistic.TotalImported, 0);
-}
-
-// One round opens the window, one follows the piece that is read, the next ones the rows counted.
-INSTANTIATE_TEST_SUITE_P(, Kvi2htmlCancelled, testing::Values(1, 2, 3));
-
 // The component.
-
-TEST(Kvi2html, NamesWhatIsMissing)
-{
-    THtmlRun Import("");
-    Import.SourceFileName.clear();
-    try {
-        Import.Execute();
-        FAIL() << "ran";
-    }
-    catch (const Exception& Error) {
-        EXPECT_EQ(Error.Message, "Property SourceFileName wasn't specified.");
-    }
-    Import.SetDataSet(nullptr);
-    try {
-        Import.Execute();
-        FAIL() << "ran";
-    }
-    catch (const Exception& Error) {
-        EXPECT_EQ(Error.Message, "Property DataSet wasn't specified.");
-    }
-}
 
 TEST(Kvi2html, IsOfItsKind)
 {
@@ -331,32 +226,19 @@ TEST(Kvi2html, PublishesItsProperties)
     EXPECT_EQ(Set->Names[xhEmptyIsNull], "xhEmptyIsNull");
 }
 
-TEST(Kvi2html, MapsEachFieldToItsOwnNameByItself)
-{
-    THtmlRun Import("<table>" + NumberedRows(1) + "</table>");
-    EXPECT_THAT(Import.DetectedMappings(), ElementsAre("A=A", "B=B", "C=C"));
-}
-
 TEST(Kvi2html, MapsNothingByItselfBehindAHeader)
 {
-    THtmlRun Import("<table><tr><td>A</td><td>B</td></tr>" + NumberedRows(1) + "</table>");
+    THtmlRun Import("<table><tr><td>A</td><td>B</td></tr>" + NumberedHtmlRows(1) + "</table>");
     Import.RowFirst = 2;
     EXPECT_THAT(Import.DetectedMappings(), IsEmpty());
 }
 
 TEST(Kvi2html, AnAutomaticMappingTakesTheCellsInTheOrderOfTheFields)
 {
-    THtmlRun Import("<table>" + NumberedRows(1) + "</table>");
+    THtmlRun Import("<table>" + NumberedHtmlRows(1) + "</table>");
     Import.Mappings().Clear();
     EXPECT_THAT(Import.Run(), ElementsAre("1|b|c"));
     EXPECT_TRUE(Import.Mappings().IsEmpty());
-}
-
-TEST(Kvi2html, DetectingAMappingOfAMissingFileIsRefused)
-{
-    THtmlRun Import("");
-    Import.SourceFileName = "/no/such/file";
-    EXPECT_THROW(Import.DetectAutoMapping(), EFileError);
 }
 
 // The preview.
@@ -371,49 +253,6 @@ TEST(Kvi2htmlPreview, ANameThatStandsTwiceGetsTheCellOfTheFirst)
 {
     const THtmlRun Import("<table><tr><td>1</td><td>2</td><td>3</td></tr></table>");
     EXPECT_THAT(Preview(Import, "x;X;z"), ElementsAre("1|1|3"));
-}
-
-TEST(Kvi2htmlPreview, ShowsNoRowPastTheTwentieth)
-{
-    const THtmlRun Import("<table>" + NumberedRows(30) + "</table>");
-    EXPECT_EQ(Preview(Import, "x").size(), 20u);
-    EXPECT_EQ(Preview(Import, "x", 1, 20).size(), 20u);
-    EXPECT_THAT(Preview(Import, "x", 19, 21), ElementsAre("19", "20"));
-    EXPECT_THAT(Preview(Import, "x", 2, 3), ElementsAre("2", "3"));
-    EXPECT_THAT(Preview(Import, "x", 21, 30), IsEmpty());
-}
-
-TEST(Kvi2htmlPreview, WithoutNamesNothingHappens)
-{
-    TPreviewed Seen;
-    LoadHTMLPreview(nullptr, "", "/no/such/file", "", 1, 2, false, Seen.Columns, Seen.Callback());
-    EXPECT_TRUE(Seen.Columns.IsEmpty());
-}
-
-TEST(Kvi2htmlPreview, PassesSenderAndFlagThrough)
-{
-    const THtmlRun Import("<table>" + NumberedRows(1) + "</table>");
-    TStrings Sender, Columns;
-    int Calls = 0;
-    LoadHTMLPreview(&Sender, "x;", Import.SourceFileName, "", 1, 9, true, Columns,
-                    [&](TPersistent* Passed, int ColCount, int Row, bool Flag, const TVariant& Values) {
-                        EXPECT_EQ(Passed, &Sender);
-                        EXPECT_EQ(ColCount, 2);
-                        EXPECT_EQ(Row, 1);
-                        EXPECT_TRUE(Flag);
-                        EXPECT_EQ(Values.LowBound(), 0);
-                        EXPECT_EQ(Values.HighBound(), 1);
-                        ++Calls;
-                    });
-    EXPECT_EQ(Calls, 1);
-    EXPECT_EQ(Columns, (TStrings{"x", ""}));
-}
-
-TEST(Kvi2htmlPreview, AMissingFileIsRefused)
-{
-    TPreviewed Seen;
-    EXPECT_THROW(LoadHTMLPreview(nullptr, "x", "/no/such/file", "", 1, 2, false, Seen.Columns, Seen.Callback()),
-                 EFileError);
 }
 
 } // namespace kv

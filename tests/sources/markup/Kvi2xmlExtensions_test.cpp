@@ -15,22 +15,11 @@ namespace kv {
 
 namespace {
 
-struct TReadings
-{
-    const char* Name;
-    TKvIXMLExtensions Extensions;
-    std::string Records;
-    TRows Classic;
-    TRows Extended;
-};
-void PrintTo(const TReadings& Readings, std::ostream* Out) { *Out << Readings.Records; }
-std::string NameOfRow(const testing::TestParamInfo<TReadings>& Info) { return Info.param.Name; }
+using TReadings = TReadingsWith<TKvIXMLExtensions>;
 
 TRows ImportedFile(const std::string& Text, TKvIXMLExtensions Extensions)
 {
-    TXmlRun Import(Text);
-    Import.Extensions = Extensions;
-    return Import.Run();
+    return TXmlRun(Text, Extensions).Run();
 }
 
 TRows Imported(const std::string& Records, TKvIXMLExtensions Extensions)
@@ -45,7 +34,6 @@ struct TRefused
     const char* Message;
 };
 void PrintTo(const TRefused& Refused, std::ostream* Out) { *Out << Refused.Text; }
-std::string NameOfRefused(const testing::TestParamInfo<TRefused>& Info) { return Info.param.Name; }
 
 } // namespace
 
@@ -53,8 +41,8 @@ class Kvi2xmlReads : public testing::TestWithParam<TReadings> {};
 
 TEST_P(Kvi2xmlReads, ClassicThenExtended)
 {
-    EXPECT_EQ(Imported(GetParam().Records, {}), GetParam().Classic);
-    EXPECT_EQ(Imported(GetParam().Records, GetParam().Extensions), GetParam().Extended);
+    EXPECT_EQ(Imported(GetParam().Text, {}), GetParam().Classic);
+    EXPECT_EQ(Imported(GetParam().Text, GetParam().Extensions), GetParam().Extended);
 }
 
 INSTANTIATE_TEST_SUITE_P(Syntax, Kvi2xmlReads, testing::Values(
@@ -137,8 +125,7 @@ class Kvi2xmlRefuses : public testing::TestWithParam<TRefused> {};
 
 TEST_P(Kvi2xmlRefuses, WhatIsNoXmlBeforeItWrites)
 {
-    TXmlRun Import(GetParam().Text);
-    Import.Extensions = {xxTagSyntax};
+    TXmlRun Import(GetParam().Text, {xxTagSyntax});
     EXPECT_EQ(Import.RunAndFail(), GetParam().Message);
     EXPECT_EQ(Import.Destination.RecordCount(), 0);
 }
@@ -166,7 +153,7 @@ INSTANTIATE_TEST_SUITE_P(, Kvi2xmlRefuses, testing::Values(
              "Line 1 of FILE is no XML: nothing ends what begins here"},
     TRefused{"InstructionWithoutEnd", "<?xml", "Line 1 of FILE is no XML: nothing ends what begins here"},
     TRefused{"DoctypeWithoutEnd", "<!DOCTYPE [>",
-             "Line 1 of FILE is no XML: nothing ends what begins here"}), NameOfRefused);
+             "Line 1 of FILE is no XML: nothing ends what begins here"}), NameOfRow);
 
 TEST(Kvi2xmlSyntax, ElementsStandAThousandDeepAtMost)
 {
@@ -176,8 +163,7 @@ TEST(Kvi2xmlSyntax, ElementsStandAThousandDeepAtMost)
         Ends += "</x>";
     }
     EXPECT_THAT(ImportedFile(Deep + Ends, {xxTagSyntax}), IsEmpty());
-    TXmlRun Import(Deep + "<x>" + Ends + "</x>");
-    Import.Extensions = {xxTagSyntax};
+    TXmlRun Import(Deep + "<x>" + Ends + "</x>", {xxTagSyntax});
     EXPECT_EQ(Import.RunAndFail(), "Line 1 of FILE is no XML: elements stand more than 1000 deep in each other");
 }
 
@@ -202,8 +188,7 @@ TEST(Kvi2xmlEncoding, Utf16IsRecognisedWithAMarkOrWithout)
 
 TEST(Kvi2xmlEncoding, AZeroByteIsNoText)
 {
-    TXmlRun Import("<ROWDATA>\0</ROWDATA>"s);
-    Import.Extensions = {xxEncoding};
+    TXmlRun Import("<ROWDATA>\0</ROWDATA>"s, {xxEncoding});
     EXPECT_EQ(Import.RunAndFail(), "File \"FILE\" has a zero byte at offset 9, as no text of its kind has");
 }
 

@@ -23,22 +23,6 @@ TRows Imported(const std::string& Records)
     return TXmlRun("<ROWDATA>" + Records + "</ROWDATA>").Run();
 }
 
-TRows Preview(const std::string& FileName, const std::string& Names, const std::string& RowTag = "",
-              int RowFirst = 1, int RowLast = RowLastMax)
-{
-    TPreviewed Seen;
-    LoadXMLPreview(nullptr, Names, FileName, RowTag, RowFirst, RowLast, false, Seen.Columns, Seen.Callback());
-    return Seen.Rows;
-}
-
-std::string NumberedRows(int Count)
-{
-    std::string Rows;
-    for (int I = 1; I <= Count; ++I)
-        Rows += "<ROW a=\"" + std::to_string(I) + "\" b=\"y\" c=\"z\"/>\n";
-    return Rows;
-}
-
 } // namespace
 
 // Values.
@@ -194,24 +178,6 @@ TEST(Kvi2xml, ARowTagStandsBesideRowdata)
     EXPECT_THAT(Import.Run(), ElementsAre("1|b|c", "3|b|c"));
 }
 
-// Rows.
-
-TEST(Kvi2xml, RecordsCountFromRowFirstToRowLast)
-{
-    TXmlRun Import("<ROWDATA>" + NumberedRows(5) + "</ROWDATA>");
-    Import.RowFirst = 2;
-    Import.RowLast = 3;
-    EXPECT_THAT(Import.Run(), ElementsAre("2|y|z", "3|y|z"));
-    EXPECT_EQ(Import.GetTotalCount(), 2);
-}
-
-TEST(Kvi2xml, AMissingFileFailsTheRun)
-{
-    TXmlRun Import("");
-    Import.SourceFileName = "/no/such/file";
-    EXPECT_EQ(Import.RunAndFail(), "Cannot open file \"FILE\": No such file or directory");
-}
-
 TEST(Kvi2xml, ALateZeroByteIsNoErrorByTheOlderRules)
 {
     EXPECT_THAT(TXmlRun("<ROWDATA>\0</ROWDATA>"s).Run(), IsEmpty());
@@ -232,19 +198,6 @@ TEST(Kvi2xml, IsOfItsKind)
     EXPECT_EQ(Import.TableName, "");
 }
 
-TEST(Kvi2xml, NamesWhatIsMissing)
-{
-    TXmlRun Import("");
-    Import.SourceFileName.clear();
-    try {
-        Import.Execute();
-        FAIL() << "ran";
-    }
-    catch (const Exception& Error) {
-        EXPECT_EQ(Error.Message, "Property SourceFileName wasn't specified.");
-    }
-}
-
 TEST(Kvi2xml, PublishesItsProperties)
 {
     TKvImportFromXML Import;
@@ -257,12 +210,6 @@ TEST(Kvi2xml, PublishesItsProperties)
 }
 
 // Automatic mapping.
-
-TEST(Kvi2xmlMapping, WithoutAHeaderEachFieldGetsItsOwnName)
-{
-    TXmlRun Import("<FIELDS><FIELD attrname=\"b\"/></FIELDS><ROWDATA/>");
-    EXPECT_THAT(Import.DetectedMappings(), ElementsAre("A=A", "B=B", "C=C"));
-}
 
 TEST(Kvi2xmlMapping, BehindAHeaderFieldsGetTheNamesOfTheFieldsSection)
 {
@@ -279,14 +226,6 @@ TEST(Kvi2xmlMapping, AFieldIsNamedByTheFirstQuotedTextOfItsTag)
     EXPECT_THAT(Import.DetectedMappings(), ElementsAre("A=A"));
 }
 
-TEST(Kvi2xmlMapping, KeepsTheLinesThatAreThere)
-{
-    TXmlRun Import("<ROWDATA>");
-    Import.SetMappings(TStrings{"X=Y"});
-    Import.DetectAutoMapping();
-    EXPECT_EQ(Import.Mappings().Count(), 4);
-}
-
 TEST(Kvi2xmlMapping, AnAutomaticMappingImportsByTheNamesOfTheFields)
 {
     TXmlRun Import("<ROWDATA><ROW c=\"3\" a=\"1\"/></ROWDATA>");
@@ -300,38 +239,20 @@ TEST(Kvi2xmlMapping, AnAutomaticMappingImportsByTheNamesOfTheFields)
 TEST(Kvi2xmlPreview, ShowsTheValuesOfEachRecord)
 {
     const TXmlRun Import("<ROWDATA><ROW a=\"1\" b=\"2\"/><ROW b=\"3\"/></ROWDATA>");
-    EXPECT_THAT(Preview(Import.SourceFileName, "b;a"), ElementsAre("2|1", "3|a"));
+    EXPECT_THAT(PreviewOf(LoadXMLPreview, Import.SourceFileName, "b;a"), ElementsAre("2|1", "3|a"));
 }
 
 TEST(Kvi2xmlPreview, AnEmptyNameTakesTheFirstValue)
 {
     const TXmlRun Import("<ROWDATA><ROW a=\"1\" b=\"2\"/></ROWDATA>");
-    EXPECT_THAT(Preview(Import.SourceFileName, "b;"), ElementsAre("2|1"));
-}
-
-TEST(Kvi2xmlPreview, ShowsNoRecordPastTheTwentieth)
-{
-    const TXmlRun Import("<ROWDATA>" + NumberedRows(30) + "</ROWDATA>");
-    EXPECT_EQ(Preview(Import.SourceFileName, "a").size(), 20u);
-    EXPECT_THAT(Preview(Import.SourceFileName, "a", "", 19, 25), ElementsAre("19", "20"));
-    EXPECT_THAT(Preview(Import.SourceFileName, "a", "", 2, 3), ElementsAre("2", "3"));
+    EXPECT_THAT(PreviewOf(LoadXMLPreview, Import.SourceFileName, "b;"), ElementsAre("2|1"));
 }
 
 TEST(Kvi2xmlPreview, ReadsTheSectionOfTheRowTag)
 {
     const TXmlRun Import("<list><ROW a=\"1\"/></list>");
-    EXPECT_THAT(Preview(Import.SourceFileName, "a", "LIST"), ElementsAre("1"));
-    EXPECT_THAT(Preview(Import.SourceFileName, "a"), IsEmpty());
-}
-
-TEST(Kvi2xmlPreview, WithoutNamesNothingHappens)
-{
-    EXPECT_THAT(Preview("/no/such/file", ""), IsEmpty());
-}
-
-TEST(Kvi2xmlPreview, AMissingFileIsRefused)
-{
-    EXPECT_THROW(Preview("/no/such/file", "a"), EFileError);
+    EXPECT_THAT(PreviewOf(LoadXMLPreview, Import.SourceFileName, "a", "LIST"), ElementsAre("1"));
+    EXPECT_THAT(PreviewOf(LoadXMLPreview, Import.SourceFileName, "a"), IsEmpty());
 }
 
 } // namespace kv
