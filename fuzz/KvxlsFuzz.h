@@ -56,7 +56,7 @@ template <class TRead> void FuzzExcel(TFuzzInput Input, TRead Read)
         Require(Sheet < Announced && Row >= 0 && Column >= 0);
         Excel.CellEvent(Sender, Sheet, Row, Column, Value, Alignment);
     };
-    Excel.OnColumnWidth = [](auto&, int, int Column, int) { Require(Column >= 0 && Column < 256); };
+    Excel.OnColumnWidth = [](auto&, int, int Column, int) { Require(Column >= 0 && Column <= 0xFFFF); };
     Excel.OnRowHeight = [](auto&, int, int Row, int) { Require(Row >= 0); };
     try {
         Read(Excel, Input.TakeRest());

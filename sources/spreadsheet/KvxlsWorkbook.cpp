@@ -1,7 +1,6 @@
 #include "KvxlsWorkbook.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "KvText.h"
 #include "KvxlsNumbers.h"
@@ -27,13 +26,6 @@ constexpr std::size_t MaxBody = 2080, MaxBodyOfExcel8 = 8224;
 
 constexpr std::uint8_t ekWorksheet = 0;             // kind of a sheet entry
 constexpr std::uint8_t soWide = 1;                  // options of a text: 16 bits a character
-
-constexpr int MaxColumn = TSpreadSheetRow::MaxColumns - 1;
-
-int ToInt(std::uint32_t Value)
-{
-    return static_cast<int>(std::min<std::uint32_t>(Value, std::numeric_limits<int>::max()));
-}
 
 } // namespace
 
@@ -178,9 +170,8 @@ void TKvxlsWorkbook::ReadDimensions(const TKvRecord& Record)
     if (!File.OnDimensions)
         return;
     if (IsExcel8())
-        File.OnDimensions(File, File.SheetIndex, ToInt(Record.At<std::uint32_t>(0)),
-                          ToInt(Record.At<std::uint32_t>(4)), Record.At<std::uint16_t>(8),
-                          Record.At<std::uint16_t>(10));
+        File.OnDimensions(File, File.SheetIndex, Record.At<std::int32_t>(0), Record.At<std::int32_t>(4),
+                          Record.At<std::uint16_t>(8), Record.At<std::uint16_t>(10));
     else
         File.OnDimensions(File, File.SheetIndex, Record.At<std::uint16_t>(0), Record.At<std::uint16_t>(2),
                           Record.At<std::uint16_t>(4), Record.At<std::uint16_t>(6));
@@ -197,8 +188,7 @@ void TKvxlsWorkbook::ReadColumnWidths(const TKvRecord& Record)
     if (!File.OnColumnWidth)
         return;
     const int Width = Record.At<std::uint16_t>(4);
-    // Excel writes 256 for "up to the end".
-    const int Last = std::min<int>(Record.At<std::uint16_t>(2), MaxColumn);
+    const int Last = Record.At<std::uint16_t>(2);   // 256, one past the last, for "up to the end"
     for (int Column = Record.At<std::uint16_t>(0); Column <= Last; ++Column)
         File.OnColumnWidth(File, File.SheetIndex, Column, Width);
 }

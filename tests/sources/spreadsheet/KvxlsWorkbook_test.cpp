@@ -198,7 +198,7 @@ TEST(KvxlsWorkbook, DimensionsArriveAsStored)
     EXPECT_THAT(ReadSheet(TBiffBuilder(bv5).Dimensions(2, 16384, 1, 256)),
                 ElementsAre("dimensions 0: 2 16384 1 256"));
     EXPECT_THAT(ReadSheet(TBiffBuilder(bv8).Dimensions(0, 0xFFFFFFFF, 0, 0)),
-                ElementsAre("dimensions 0: 0 2147483647 0 0"));
+                ElementsAre("dimensions 0: 0 -1 0 0"));
 }
 
 TEST(KvxlsWorkbook, HeightsAndWidthsArriveRaw)
@@ -207,10 +207,10 @@ TEST(KvxlsWorkbook, HeightsAndWidthsArriveRaw)
     Sheet.Record(0x0208, TBytes().U16(7).U16(0).U16(3).U16(300).Zeros(8));
     Sheet.Record(0x007D, TBytes().U16(1).U16(2).U16(2560).Zeros(6));
     Sheet.Record(0x007D, TBytes().U16(2).U16(1).U16(2560).Zeros(6));
-    Sheet.Record(0x007D, TBytes().U16(255).U16(256).U16(100).Zeros(6)); // up to the end
+    Sheet.Record(0x007D, TBytes().U16(254).U16(256).U16(100).Zeros(6)); // up to the end
     EXPECT_THAT(TRecordingExcel().WithSizes().Workbook(TWorkbookBuilder().Sheet("S", Sheet).Build()),
                 ElementsAre("sheet 0 \"S\"", "height 0: 7 300", "width 0: 1 2560", "width 0: 2 2560",
-                            "width 0: 255 100"));
+                            "width 0: 254 100", "width 0: 255 100", "width 0: 256 100"));
     EXPECT_THAT(ReadSheet(Sheet), IsEmpty());
 }
 
