@@ -44,6 +44,7 @@ void TKvxlsPlain::Read()
         throw Exception(MsgNoExcelFile);
     while (Records.Next())
         ReadRecord(Records.Record());
+    EndTextResult();
     RaiseLastDimensions();
 }
 
@@ -94,12 +95,12 @@ void TKvxlsPlain::ReadBof(const TKvRecord& Record)
 /// The next sheet of an Excel 4 workbook.
 void TKvxlsPlain::BeginSheet()
 {
+    EndTextResult();
     if (File.SheetIndex >= 0)
         RaiseLastDimensions();
     HasDimensions = false;
     LastRow = LastColumn = 0;
     HighestRow = HighestColumn = -1;
-    TextResult.reset();
     SkipsSheet = false;
     ++File.SheetIndex;
     if (File.OnSheet)

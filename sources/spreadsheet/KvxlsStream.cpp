@@ -64,7 +64,7 @@ void TKvxlsStream::RaiseMulRk(const TKvRecord& Cells)
 
 void TKvxlsStream::RaiseResult(const TPlace& Place, const TKvRecord& Formula, std::size_t Position, bool IsDate)
 {
-    TextResult.reset();
+    EndTextResult();
     if (!Extends(seFormulaResults) || Formula.At<std::uint16_t>(Position + 6) != NoNumber) {
         RaiseNumber(Place, Formula.At<double>(Position), IsDate);
         return;

@@ -115,9 +115,16 @@ protected:
 
     /// Raises the result of a formula that stands in 8 bytes at `Position`, unless it is a text: that
     /// follows in a record of its own. By the older reading they are a number whatever they say.
+    /// A formula whose text does not come has an empty one.
     void RaiseResult(const TPlace& Place, const TKvRecord& Formula, std::size_t Position, bool IsDate);
     /// The text of the last formula, if it asked for one.
     void RaiseTextResult(std::string_view Bytes);
+    /// Before the next formula, the next sheet and at the end: the text is not to come any more.
+    void EndTextResult()
+    {
+        if (TextResult)
+            RaiseTextResult({});
+    }
 
     void ReadDateMode(const TKvRecord& Record);
     void ReadCodePage(const TKvRecord& Record);

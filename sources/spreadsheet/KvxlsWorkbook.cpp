@@ -45,6 +45,14 @@ TExcelVersion TKvxlsWorkbook::VersionOf(std::string_view Stream)
 
 bool TKvxlsWorkbook::Read()
 {
+    const bool HasLastSheet = ReadRecords();
+    EndTextResult();
+    return HasLastSheet;
+}
+
+/// False when no end of the last sheet came.
+bool TKvxlsWorkbook::ReadRecords()
+{
     const auto MaxSize = IsExcel8() ? MaxBodyOfExcel8 : MaxBody;
     while (Records.Next()) {
         const auto& Record = Records.Record();
@@ -111,8 +119,8 @@ bool TKvxlsWorkbook::IsLastSheet() const
 
 bool TKvxlsWorkbook::BeginSheet(const TKvRecord& Bof)
 {
+    EndTextResult();
     ++File.SheetIndex;
-    TextResult.reset();
     bool Skip = false;
     if (File.OnSheet)
         File.OnSheet(File, SheetName(Bof.Offset), File.SheetIndex, Skip);

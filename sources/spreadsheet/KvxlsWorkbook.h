@@ -70,6 +70,7 @@ private:
     };
 
     bool IsExcel8() const { return File.Version == evExcel8; }
+    bool ReadRecords();
     bool ReadRecord(const TKvRecord& Record);
     bool ReadBof(const TKvRecord& Record);
     bool ReadEof();

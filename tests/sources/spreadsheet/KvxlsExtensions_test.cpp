@@ -72,7 +72,28 @@ TEST(KvxlsExtensions, ATextBelongsToTheFormulaBeforeIt)
     Sheet.String("stray").Formula(0, 0, TextResult()).Formula(0, 1, TBytes().F64(1)).String("stray");
     Sheet.Formula(0, 2, TextResult()).String("text").String("stray");
     EXPECT_THAT(Read({}, Sheet, {seFormulaResults}),
-                ElementsAre(SheetLine, "cell 0: 0 1 double 1 right", "cell 0: 0 2 string text left"));
+                ElementsAre(SheetLine, "cell 0: 0 0 string  left", "cell 0: 0 1 double 1 right",
+                            "cell 0: 0 2 string text left"));
+}
+
+TEST(KvxlsExtensions, AFormulaWhoseTextIsMissingHasAnEmptyOne)
+{
+    for (const auto Version : {bv5, bv8}) {
+        TBiffBuilder Sheet(Version);
+        Sheet.Formula(0, 0, TextResult()).Formula(0, 1, TextResult()).Rk(0, 2, 6);
+        const auto Workbook = TWorkbookBuilder(Version).Sheet("One", Sheet).Sheet("Two", Sheet).Build();
+        EXPECT_THAT(TRecordingExcel({seFormulaResults}).Workbook(Workbook, Version == bv8 ? evExcel8 : evExcel7),
+                    ElementsAre("sheet 0 \"One\"", "cell 0: 0 0 string  left", "cell 0: 0 2 double 1 right",
+                                "cell 0: 0 1 string  left", "sheet 1 \"Two\"", "cell 1: 0 0 string  left",
+                                "cell 1: 0 2 double 1 right", "cell 1: 0 1 string  left"));
+    }
+}
+
+TEST(KvxlsExtensions, AFormulaWhoseTextIsMissingAtTheEndOfACutStreamIsRaised)
+{
+    const auto Stream = TBiffBuilder().Bof(bpGlobals).Eof().Bof().Formula(0, 0, TextResult()).Str();
+    EXPECT_THAT(TRecordingExcel({seFormulaResults}).Workbook(Stream),
+                ElementsAre("sheet 0 \"Sheet1\"", "cell 0: 0 0 string  left"));
 }
 
 TEST(KvxlsExtensions, AResultOfUnknownKindIsTold)

@@ -295,6 +295,22 @@ TEST(KvxlsPlain, ResultsOfFormulasArriveAsWhatTheyAre)
                             "dimensions -1: 0 1 0 2"));
 }
 
+TEST(KvxlsPlain, AFormulaWhoseTextIsMissingHasAnEmptyOne)
+{
+    EXPECT_THAT(Read(File(bv2).Formula2(0, 0, Left, TextResult()).Formula2(0, 1, Left, TBytes().F64(1)),
+                     {seFormulaResults}),
+                ElementsAre("cell -1: 0 0 string  left", "cell -1: 0 1 double 1 left",
+                            "dimensions -1: 0 1 0 2"));
+    for (const auto Version : {bv3, bv4, bv5})
+        EXPECT_THAT(Read(Declared(Version).Formula(0, 0, TextResult()).Rk(0, 1, 6).Eof(), {seFormulaResults}),
+                    ElementsAre(DeclaredLine, "cell -1: 0 1 double 1 centre", "cell -1: 0 0 string  left"));
+    auto Workbook = TBiffBuilder(bv4).Bof(static_cast<TBiffPart>(0x0100));
+    Workbook.Bof().Dimensions(0, 9, 0, 9).Formula(0, 0, TextResult()).Eof().Bof().Dimensions(0, 9, 0, 9).Eof();
+    EXPECT_THAT(Read(Workbook, {seFormulaResults, seCellRecords}),
+                ElementsAre("sheet 0 \"\"", "dimensions 0: 0 10 0 10", "cell 0: 0 0 string  left",
+                            "sheet 1 \"\"", "dimensions 1: 0 10 0 10"));
+}
+
 TEST(KvxlsPlain, FormatsOfCellsOfExcel2MakeDatesUnderTheExtension)
 {
     auto Stream = File(bv2);
