@@ -34,6 +34,16 @@ const TKvStorageElement& FindWorkbook(const TKvStorage& Storage)
     return *Found;
 }
 
+/// The version that the name of a stream tells. With `FirstRecordTells` rather the one that stands there: not
+/// all programs chose the name by what they wrote.
+TExcelVersion VersionOf(std::string_view StreamName, std::string_view Stream, bool FirstRecordTells)
+{
+    const auto Version = FirstRecordTells ? TKvxlsWorkbook::VersionOf(Stream) : evUnknown;
+    if (Version != evUnknown)
+        return Version;
+    return SameText(StreamName, Excel8Stream) ? evExcel8 : evExcel7;
+}
+
 } // namespace
 
 TPublishedProperties TMSExcel::PublishedProperties() const
@@ -62,11 +72,11 @@ void TMSExcel::ImportFromStream()
 void TMSExcel::ImportFromOLEStream()
 {
     const TKvStorage Storage(FileName);
-    const auto& Workbook = FindWorkbook(Storage);
-    const auto Stream = Storage.OpenStream(Workbook.Name);
-    const auto TheVersion = SameText(Workbook.Name, Excel8Stream) ? evExcel8 : evExcel7;
+    const auto& StreamName = FindWorkbook(Storage).Name;
+    const auto Stream = Storage.OpenStream(StreamName);
+    const auto Bytes = Stream.ReadAll();
     try {
-        if (ReadWorkbookStream(Stream.ReadAll(), TheVersion))
+        if (ReadWorkbookStream(Bytes, VersionOf(StreamName, Bytes, Extensions.Contains(seCellRecords))))
             return;
     } catch (const EFormatError&) {
         Stream.RequireAll();                        // when the document is damaged, that is what to tell

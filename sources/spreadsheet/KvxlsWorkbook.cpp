@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "KvException.h"
 #include "KvText.h"
 #include "KvxlsNumbers.h"
 
@@ -22,7 +23,7 @@ enum TWorkbookRecordId : std::uint16_t {
 constexpr std::uint16_t rcBof = 0x0809;
 constexpr std::uint16_t Excel8Number = 0x0600;      // in a BOF
 
-constexpr std::size_t MaxBody = 2080, MaxBodyOfExcel8 = 8224;
+constexpr std::size_t MaxBody = 2080, MaxBodyOfExcel8 = 8224, AnySize = 0xFFFF;
 
 constexpr std::uint8_t ekWorksheet = 0;             // kind of a sheet entry
 constexpr std::uint8_t soWide = 1;                  // options of a text: 16 bits a character
@@ -47,13 +48,24 @@ bool TKvxlsWorkbook::Read()
 {
     const bool HasLastSheet = ReadRecords();
     EndTextResult();
+    if (AllCells && !HasLastSheet)
+        RequireSheets();
     return HasLastSheet;
+}
+
+/// As many as have an entry.
+void TKvxlsWorkbook::RequireSheets() const
+{
+    const auto Begun = static_cast<std::size_t>(File.SheetIndex + 1);
+    if (Begun < Sheets.size())
+        throw EFormatError(FormatText("File is truncated: of its %d sheets only %d are there",
+                                      {std::to_string(Sheets.size()), std::to_string(Begun)}));
 }
 
 /// False when no end of the last sheet came.
 bool TKvxlsWorkbook::ReadRecords()
 {
-    const auto MaxSize = IsExcel8() ? MaxBodyOfExcel8 : MaxBody;
+    const auto MaxSize = AllCells ? AnySize : IsExcel8() ? MaxBodyOfExcel8 : MaxBody;
     while (Records.Next()) {
         const auto& Record = Records.Record();
         if (Record.Size() > MaxSize && Record.Id != rcSharedStrings)
@@ -128,7 +140,10 @@ bool TKvxlsWorkbook::BeginSheet(const TKvRecord& Bof)
         return true;
     if (IsLastSheet())
         return false;
-    SeekSheet(static_cast<std::size_t>(File.SheetIndex) + 1, Bof);
+    if (AllCells)
+        ++OtherParts;                               // until its end: sheets stand in any order
+    else
+        SeekSheet(static_cast<std::size_t>(File.SheetIndex) + 1, Bof);
     return true;
 }
 

@@ -29,8 +29,9 @@
 //
 // Records but the shared strings that are longer than any of their version, 2080 bytes and 8224 in Excel 8,
 // are passed over. Parts that are no worksheets are not told from them: a chart's copies of the cells that it
-// shows are cells of the sheet before it, and its end may be taken for that of the last sheet. With the
-// extension they are passed over. Only with the extensions:
+// shows are cells of the sheet before it, and its end may be taken for that of the last sheet. With seCellRecords
+// records of any size are read and such parts passed over, and a stream without all of its sheets is truncated.
+// Only with the extensions:
 //
 //   string           0007 0207   length:u16 [options:u8] text                       a formula's result
 //   rich text        00D6        cell xf:u16 length:u16 text runs
@@ -56,7 +57,8 @@ public:
     TKvxlsWorkbook(TMSExcel& TheFile, TKvxlsFormats& TheFormats, std::string_view Stream);
 
     /// Raises what the stream holds. False when it ended before the last sheet did. Raises the errors of
-    /// TMSExcel but for "File is not a ...".
+    /// TMSExcel but for "File is not a ...", and with seCellRecords EFormatError "File is truncated: of its %d
+    /// sheets only %d are there".
     bool Read();
 
     /// evExcel7 or evExcel8 for bytes that begin like a workbook stream, evUnknown for others.
@@ -71,6 +73,7 @@ private:
 
     bool IsExcel8() const { return File.Version == evExcel8; }
     bool ReadRecords();
+    void RequireSheets() const;
     bool ReadRecord(const TKvRecord& Record);
     bool ReadBof(const TKvRecord& Record);
     bool ReadEof();

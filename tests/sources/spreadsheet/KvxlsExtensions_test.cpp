@@ -279,6 +279,65 @@ TEST(KvxlsExtensions, SheetsAreNamedByWhereTheyBegin)
     EXPECT_THAT(TRecordingExcel().Workbook(Stream), ElementsAre("sheet 0 \"One\"", "sheet 1 \"Two\""));
 }
 
+TEST(KvxlsExtensions, SheetsInAnotherOrderThanTheirEntriesMayBeSkipped)
+{
+    auto Builder = TWorkbookBuilder().Sheet("One", TBiffBuilder().Rk(0, 0, 6)).Sheet("Two", TBiffBuilder().Rk(1, 1, 6));
+    auto Stream = Builder.Build();
+    const auto FirstEntry = TBiffBuilder().Bof().Size() + 4, SecondEntry = FirstEntry + 11 + 4;
+    Stream.replace(FirstEntry, 4, TBytes().U32(static_cast<std::uint32_t>(Builder.OffsetOfSheet(1))).Str());
+    Stream.replace(SecondEntry, 4, TBytes().U32(static_cast<std::uint32_t>(Builder.OffsetOfSheet(0))).Str());
+    EXPECT_THAT(TRecordingExcel({seCellRecords}).Skipping(0).Workbook(Stream),
+                ElementsAre("sheet 0 \"Two\"", "sheet 1 \"One\"", "cell 1: 1 1 double 1 right"));
+}
+
+TEST(KvxlsExtensions, WhatStandsInASkippedSheetIsNoCell)
+{
+    const auto Chart = TBiffBuilder().Bof(bpChart).Number(0, 0, 8).Eof();
+    const auto Sheet = TBiffBuilder().Dimensions(0, 1, 0, 1).Rk(0, 0, 6).Add(Chart).Rk(0, 1, 6);
+    const auto Stream = TWorkbookBuilder().Sheet("One", Sheet).Sheet("Two", Sheet).Build();
+    EXPECT_THAT(TRecordingExcel({seCellRecords}).Skipping(0).Workbook(Stream),
+                ElementsAre("sheet 0 \"One\"", "sheet 1 \"Two\"", "dimensions 1: 0 1 0 1",
+                            "cell 1: 0 0 double 1 right", "cell 1: 0 1 double 1 right"));
+    EXPECT_THAT(TRecordingExcel({seCellRecords}).Skipping(1).Workbook(Stream),
+                ElementsAre("sheet 0 \"One\"", "dimensions 0: 0 1 0 1", "cell 0: 0 0 double 1 right",
+                            "cell 0: 0 1 double 1 right", "sheet 1 \"Two\""));
+}
+
+TEST(KvxlsExtensions, RecordsOfAnySizeAreRead)
+{
+    for (const auto Version : {bv5, bv8})
+        for (const unsigned Size : {2081u, 8225u, 65535u}) {
+            const auto Row = TBytes().U16(0).U16(0).U16(0).U32(6).Zeros(Size - 10);
+            EXPECT_THAT(Read(TBiffBuilder(Version), TBiffBuilder(Version).Record(0x027E, Row), {seCellRecords}),
+                        ElementsAre(SheetLine, "cell 0: 0 0 double 1 right"));
+        }
+}
+
+TEST(KvxlsExtensions, AStreamWithoutAllOfItsSheetsIsTruncated)
+{
+    auto Builder = TWorkbookBuilder().Sheet("One", TBiffBuilder().Rk(0, 0, 6)).Sheet("Two", {}).Sheet("Three", {});
+    const auto Stream = Builder.Build();
+    const auto ReadFirst = [&](std::size_t Size) {
+        return TRecordingExcel({seCellRecords}).Workbook(std::string_view(Stream).substr(0, Size));
+    };
+    EXPECT_THAT(ReadFirst(Builder.OffsetOfSheet(0)),
+                ElementsAre("error: File is truncated: of its 3 sheets only 0 are there"));
+    EXPECT_THAT(ReadFirst(Builder.OffsetOfSheet(1)),
+                ElementsAre("sheet 0 \"One\"", "cell 0: 0 0 double 1 right",
+                            "error: File is truncated: of its 3 sheets only 1 are there"));
+    EXPECT_THAT(ReadFirst(Stream.size() - 4),
+                ElementsAre("sheet 0 \"One\"", "cell 0: 0 0 double 1 right",
+                                                     "sheet 1 \"Two\"", "sheet 2 \"Three\""));
+    EXPECT_THAT(TRecordingExcel().Workbook(std::string_view(Stream).substr(0, Builder.OffsetOfSheet(0))),
+                testing::IsEmpty());
+}
+
+TEST(KvxlsExtensions, AWorkbookOfChartsOnlyHasNoSheets)
+{
+    const auto Stream = TWorkbookBuilder().Sheet("Chart", TBiffBuilder().Number(0, 0, 9), bpChart).Build();
+    EXPECT_THAT(TRecordingExcel({seCellRecords}).Workbook(Stream), testing::IsEmpty());
+}
+
 TEST(KvxlsExtensions, AWorkbookMayStandOutsideACompoundDocument)
 {
     for (const auto Version : {bv5, bv8}) {

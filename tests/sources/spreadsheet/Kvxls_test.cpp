@@ -80,6 +80,33 @@ TEST_F(Kvxls, TheStreamTellsTheVersion)
     EXPECT_EQ(Reader.SheetIndex, 0);
 }
 
+TEST_F(Kvxls, TheStreamTellsTheVersionWhateverItHolds)
+{
+    EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", OneSheet(bv5)))),
+              "Record 0x0200 at offset 42 is too short: 10 bytes, 12 are needed");
+    EXPECT_EQ(Load(FileOf(Workbook(u"Book", OneSheet(bv8)))), "");
+    EXPECT_EQ(Reader.Version, evExcel7);
+    EXPECT_EQ(Reader.Sheets[0].Cells.LastRow, 0);   // the upper half of the first row
+}
+
+TEST_F(Kvxls, UnderTheExtensionTheFirstRecordTellsTheVersion)
+{
+    Reader.Extensions = {seCellRecords};
+    EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", OneSheet(bv5)))), "");
+    EXPECT_EQ(Reader.Version, evExcel7);
+    EXPECT_EQ(Reader.Sheets[0].Cells.LastRow, 1);
+    EXPECT_EQ(Load(FileOf(Workbook(u"Book", OneSheet(bv8)))), "");
+    EXPECT_EQ(Reader.Version, evExcel8);
+    EXPECT_EQ(Reader.Sheets[0].Cells.LastRow, 1);
+}
+
+TEST_F(Kvxls, WithoutAFirstRecordTheStreamTellsTheVersionUnderTheExtensionToo)
+{
+    Reader.Extensions = {seCellRecords};
+    EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", TBiffBuilder().Eof().Str()))), "");
+    EXPECT_EQ(Reader.Version, evExcel8);
+}
+
 TEST_F(Kvxls, NamesOfStreamsHaveNoCase)
 {
     EXPECT_EQ(Load(FileOf(Workbook(u"WORKBOOK", OneSheet(bv8)))), "");
