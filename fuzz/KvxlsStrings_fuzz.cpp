@@ -1,7 +1,7 @@
 // Any bytes as shared strings and the records that continue them: text that is valid, and no more strings
 // than the bytes can hold.
 //
-//   input := phonetic:u8 stream
+//   input := allstrings:u8 stream
 #include "KvxlsStrings.h"
 
 #include "KvException.h"
@@ -12,13 +12,13 @@ namespace {
 
 using namespace kv;
 
-void Check(std::string_view Stream, bool Phonetic)
+void Check(std::string_view Stream, bool AllStrings)
 {
     TKvRecords Records(Stream);
     if (!Records.Next())
         return;
     TKvxlsSharedStrings Strings;
-    Strings.Read(Records, Phonetic);
+    Strings.Read(Records, AllStrings);
     Require(3 * Strings.Count() <= Stream.size());
     std::size_t Size = 0;
     for (std::size_t I = 0; I < Strings.Count(); ++I) {
@@ -33,9 +33,9 @@ void Check(std::string_view Stream, bool Phonetic)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size)
 {
     TFuzzInput Input(Data, Size);
-    const bool Phonetic = Input.TakeOneOf({false, true});
+    const bool AllStrings = Input.TakeOneOf({false, true});
     try {
-        Check(Input.TakeRest(), Phonetic);
+        Check(Input.TakeRest(), AllStrings);
     } catch (const Exception& Error) {
         Require(!Error.Message.empty());
     }

@@ -119,7 +119,7 @@ void TKvxlsStringReader::Skip(std::size_t Count)
 
 // TKvxlsSharedStrings
 
-void TKvxlsSharedStrings::Read(TKvRecords& Records, bool Phonetic)
+void TKvxlsSharedStrings::Read(TKvRecords& Records, bool AllStrings)
 {
     Characters.clear();
     Ends.clear();
@@ -128,23 +128,25 @@ void TKvxlsSharedStrings::Read(TKvRecords& Records, bool Phonetic)
     // The count is only a promise: no more strings than the bytes of the file can hold.
     Ends.reserve(std::min<std::size_t>(Unique, Records.Remaining() / MinStringSize));
     for (std::uint32_t I = 0; I < Unique; ++I)
-        ReadString(In, Phonetic);
+        ReadString(In, AllStrings);
 }
 
-void TKvxlsSharedStrings::ReadString(TKvxlsStringReader& In, bool Phonetic)
+void TKvxlsSharedStrings::ReadString(TKvxlsStringReader& In, bool AllStrings)
 {
     const auto Header = In.TakeWhole(MinStringSize);
     const auto Count = LoadLittleEndian<std::uint16_t>(Header.data());
     const auto Options = static_cast<std::uint8_t>(Header[2]);
-    const bool HasPhonetic = Phonetic && (Options & soPhonetic) != 0;
+    const bool HasPhonetic = AllStrings && (Options & soPhonetic) != 0;
     const bool IsRich = (Options & soRichText) != 0;
     if (Options > soWide && !IsRich && !HasPhonetic)
         throw Exception(FormatText(MsgUnhandledString, {HexByte(Options)}));
     const std::size_t Runs = IsRich ? In.Take<std::uint16_t>() : 0;
     const std::size_t Extra = HasPhonetic ? In.Take<std::uint32_t>() : 0;
     In.TakeCharacters(Count, (Options & soWide) != 0, Characters);
-    In.Skip(Runs * RunSize);
-    In.Skip(Extra);
+    if (AllStrings)
+        In.Skip(Runs * RunSize + Extra);
+    else
+        In.TakeWhole(Runs * RunSize);
     Ends.push_back(Characters.size());
 }
 

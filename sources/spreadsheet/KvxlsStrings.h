@@ -60,8 +60,9 @@ class TKvxlsSharedStrings
 public:
     /// Reads the current record, an SST, and those that continue it, of which the last is current then.
     /// Besides the errors of the reader raises Exception "Unhandled string in SST [%x]" for other options
-    /// than 0, 1 and rich text. `Phonetic` lets strings have phonetic text.
-    void Read(TKvRecords& Records, bool Phonetic);
+    /// than 0, 1 and rich text. `AllStrings` lets strings have phonetic text and the runs of rich text go on
+    /// from record to record; without it runs that do not fit into the record all stand in the next one.
+    void Read(TKvRecords& Records, bool AllStrings);
 
     std::size_t Count() const { return Ends.size(); }
     /// Process text, valid until the next Read.
@@ -72,7 +73,7 @@ public:
     }
 
 private:
-    void ReadString(TKvxlsStringReader& In, bool Phonetic);
+    void ReadString(TKvxlsStringReader& In, bool AllStrings);
 
     std::string Characters;                         // of all strings, one after the other
     std::vector<std::size_t> Ends;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -16,12 +17,12 @@ namespace {
 using TTexts = std::vector<std::string>;
 
 /// The strings of a stream that begins with an SST record.
-TTexts ReadAll(const std::string& Stream, bool Phonetic = false)
+TTexts ReadAll(const std::string& Stream, bool AllStrings = false)
 {
     TKvRecords Records(Stream);
     EXPECT_TRUE(Records.Next());
     TKvxlsSharedStrings Strings;
-    Strings.Read(Records, Phonetic);
+    Strings.Read(Records, AllStrings);
     TTexts Result;
     for (std::size_t I = 0; I < Strings.Count(); ++I)
         Result.emplace_back(Strings[I]);
@@ -57,6 +58,15 @@ const std::vector<TBiffString> EveryKind = {{.Text = u"plain \u00E9"},
                                             {.Text = u"end"}};
 const TTexts TextsOfEveryKind = {"plain \xC3\xA9", "", "wide \xC3\xA9", "rich", "wide+rich", "", "end"};
 
+/// The same, of which the rich ones have no runs.
+std::vector<TBiffString> EveryKindWithoutRuns()
+{
+    auto Strings = EveryKind;
+    for (auto& String : Strings)
+        String.Runs = std::min(String.Runs, 0);
+    return Strings;
+}
+
 } // namespace
 
 TEST(KvxlsStrings, NoString)
@@ -90,17 +100,43 @@ TEST(KvxlsStrings, AnUnpairedSurrogateIsKeptAsAPrivateUseCharacter)
 
 TEST(KvxlsStrings, OneBreakAnywhere)
 {
-    for (std::size_t At = 8; At <= SizeOfSharedStrings(EveryKind); ++At)
-        EXPECT_EQ(ReadAll(BiffSharedStrings(EveryKind, {.At = {At}})), TextsOfEveryKind) << At;
+    const auto Strings = EveryKindWithoutRuns();
+    for (std::size_t At = 8; At <= SizeOfSharedStrings(Strings); ++At)
+        EXPECT_EQ(ReadAll(BiffSharedStrings(Strings, {.At = {At}})), TextsOfEveryKind) << At;
 }
 
 TEST(KvxlsStrings, TwoBreaksAnywhere)
 {
-    const auto Size = SizeOfSharedStrings(EveryKind);
+    const auto Strings = EveryKindWithoutRuns();
+    const auto Size = SizeOfSharedStrings(Strings);
     for (std::size_t First = 8; First <= Size; ++First)
         for (auto Second = First + 1; Second <= Size; ++Second)
-            ASSERT_EQ(ReadAll(BiffSharedStrings(EveryKind, {.At = {First, Second}})), TextsOfEveryKind)
+            ASSERT_EQ(ReadAll(BiffSharedStrings(Strings, {.At = {First, Second}})), TextsOfEveryKind)
                 << First << ' ' << Second;
+}
+
+TEST(KvxlsStrings, BreaksWithinRunsAreReadUnderTheExtension)
+{
+    const auto Size = SizeOfSharedStrings(EveryKind);
+    for (std::size_t First = 8; First <= Size; ++First)
+        for (auto Second = First; Second <= Size; ++Second)
+            ASSERT_EQ(ReadAll(BiffSharedStrings(EveryKind, {.At = {First, Second}}), true), TextsOfEveryKind)
+                << First << ' ' << Second;
+}
+
+TEST(KvxlsStrings, RunsThatDoNotFitStandInTheNextRecord)
+{
+    const auto Next = Continue(TBytes().Zeros(8).U16(1).U8(0).Text("b"));
+    for (std::size_t Rest = 0; Rest < 8; ++Rest) {
+        const auto First = TBytes().U32(2).U32(2).U16(1).U8(8).U16(2).Text("a").Zeros(Rest);
+        EXPECT_EQ(ReadAll(Sst(First) + Next), (TTexts{"a", "b"})) << Rest;
+    }
+}
+
+TEST(KvxlsStrings, RunsThatDoNotFitIntoTheNextRecordOverflow)
+{
+    EXPECT_EQ(MessageOf(Sst(OneString(1, 8).U16(2).Text("a").U32(0)) + Continue(TBytes().U32(0))),
+              "SST Buffer owerflow (8)");
 }
 
 TEST(KvxlsStrings, CharactersGoOnInTheOtherWidth)
