@@ -57,6 +57,7 @@ TPublishedProperties TMSExcel::PublishedProperties() const
 void TMSExcel::LoadFromFile(const std::string& Path)
 {
     TSpreadSheetFile::LoadFromFile(Path);
+    Restart();                                      // a file that is refused leaves nothing of the one before
     if (IsStorageFile(FileName))
         ImportFromOLEStream();
     else

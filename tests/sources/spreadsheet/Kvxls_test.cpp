@@ -170,6 +170,17 @@ TEST_F(Kvxls, EveryLoadStartsAnew)
     EXPECT_EQ(Reader.Sheets[0].Caption, "One");
 }
 
+TEST_F(Kvxls, AFileThatIsRefusedLeavesNothingOfTheOneBefore)
+{
+    const auto First = TWorkbookBuilder().Globals(TBiffBuilder().Xf(14)).Sheet("A", {}).Build();
+    EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", First))), "");
+    EXPECT_EQ(Load(FileOf(Workbook(u"WordDocument", "text"))), "File is not a Excel Workbook");
+    EXPECT_EQ(Reader.Version, evUnknown);
+    EXPECT_EQ(Reader.SheetIndex, -1);
+    EXPECT_FALSE(Reader.FormatIsDateTime(0));
+    EXPECT_EQ(Reader.Sheets.Count(), 0u);
+}
+
 TEST_F(Kvxls, ARunOfItsOwnKeepsTheEvents)
 {
     Reader.FileName = FileOf(Workbook(u"Workbook", OneSheet(bv8)));
