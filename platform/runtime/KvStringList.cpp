@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <utility>
 
 #include "KvException.h"
 #include "KvText.h"
@@ -9,6 +10,8 @@
 namespace kv {
 
 namespace {
+
+const TVariant NothingAttached;
 
 /// Takes the first line of `Text` with its line end off the front.
 std::string_view TakeLine(std::string_view& Text)
@@ -66,13 +69,11 @@ void TStrings::SetLine(int Index, std::string_view Line)
     Changed();
 }
 
-int TStrings::Add(std::string_view Line, TPersistent* Object)
+int TStrings::Add(std::string_view Line, const TVariant& Object)
 {
     Lines.emplace_back(Line);
-    if (Object) {
-        Objects.resize(Lines.size());
-        Objects.back() = Object;
-    }
+    if (!Object.IsEmpty())
+        Attach(Lines.size() - 1, Object);
     Changed();
     return Count() - 1;
 }
@@ -83,7 +84,7 @@ void TStrings::Insert(int Index, std::string_view Line)
         Checked(Index);
     Lines.emplace(Lines.begin() + Index, Line);
     if (Index < std::ssize(Objects))
-        Objects.insert(Objects.begin() + Index, nullptr);
+        Objects.emplace(Objects.begin() + Index);
     Changed();
 }
 
@@ -138,19 +139,24 @@ int TStrings::IndexOfName(std::string_view Name) const
     return Found == Lines.end() ? -1 : static_cast<int>(Found - Lines.begin());
 }
 
-TPersistent* TStrings::Object(int Index) const
+const TVariant& TStrings::Object(int Index) const
 {
     const auto Position = Checked(Index);
-    return Position < Objects.size() ? Objects[Position] : nullptr;
+    return Position < Objects.size() ? Objects[Position] : NothingAttached;
 }
 
-void TStrings::SetObject(int Index, TPersistent* Object)
+void TStrings::SetObject(int Index, const TVariant& Object)
 {
-    const auto Position = Checked(Index);
+    Attach(Checked(Index), Object);
+    Changed();
+}
+
+/// Takes a copy: the value may be attached to another line, or text on loan.
+void TStrings::Attach(std::size_t Position, TVariant Object)
+{
     if (Position >= Objects.size())
         Objects.resize(Position + 1);
-    Objects[Position] = Object;
-    Changed();
+    Objects[Position] = std::move(Object);
 }
 
 std::string TStrings::Text() const

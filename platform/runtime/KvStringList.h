@@ -1,4 +1,4 @@
-// KvStringList - lines of text that also read as name=value pairs and may carry an object each.
+// KvStringList - lines of text that also read as name=value pairs and may carry a value each.
 #pragma once
 
 #include <functional>
@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "KvComponent.h"
+#include "KvVariant.h"
 
 namespace kv {
 
@@ -26,8 +27,8 @@ public:
     const std::string& operator[](int Index) const;
     void SetLine(int Index, std::string_view Line);
 
-    /// Adds a line at the end and returns its index.
-    int Add(std::string_view Line, TPersistent* Object = nullptr);
+    /// Adds a line at the end, with `Object` attached to it, and returns its index.
+    int Add(std::string_view Line, const TVariant& Object = {});
     void Insert(int Index, std::string_view Line);
     void Delete(int Index);
     void Clear();
@@ -43,8 +44,9 @@ public:
     std::string_view Value(std::string_view Name) const;
     int IndexOfName(std::string_view Name) const;
 
-    TPersistent* Object(int Index) const;           ///< Not owned.
-    void SetObject(int Index, TPersistent* Object);
+    // What is attached to a line stays with it: the number that it stands for, the file that it names.
+    const TVariant& Object(int Index) const;        ///< Empty where nothing is attached.
+    void SetObject(int Index, const TVariant& Object);
 
     /// All lines, each followed by a line end (CR LF).
     std::string Text() const;
@@ -65,10 +67,11 @@ public:
 
 private:
     std::size_t Checked(int Index) const;
+    void Attach(std::size_t Position, TVariant Object);
     void Changed();
 
     std::vector<std::string> Lines;
-    std::vector<TPersistent*> Objects;              // as long as the highest index that was given one
+    std::vector<TVariant> Objects;                  // as long as the highest index that was given one
     int UpdateCount = 0;
     bool ChangedInUpdate = false;
 };

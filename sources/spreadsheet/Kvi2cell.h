@@ -70,22 +70,16 @@ private:
 int RowExtent(const TSpreadSheetCells& Cells, TSpreadSheetExtensions Extensions);
 int ColumnExtent(const TSpreadSheetCells& Cells, TSpreadSheetExtensions Extensions);
 
-/// A column of a preview.
-struct TSpreadSheetColumn
-{
-    std::string Name;                               ///< Letters.
-    int Number = 0;                                 ///< From 0 for a column that was asked for, else from 1.
-};
-
 /// Shows the first rows of a sheet, 21 at most. `SpreadSheetType` is 1 for Excel, 2 for Lotus 1-2-3 and 3 for
 /// Quattro Pro; Exception "Incorrect type of spreadsheet" is raised for another one. `Sheets` receives the
-/// captions of all sheets, `Columns` those that `ColumnSpec` names, separated by ";", or all that were
-/// stored. Rows go from `FirstRow`, from 1, up to, and without, row `LastRow`, from 0. `Callback` gets
-/// `Sender`, the number of columns, the row of the preview, `Flag`, and an array that holds for each column
-/// an array of Null, its name and its value.
+/// captions of all sheets, `Columns` the letters of those columns that `ColumnSpec` names, separated by ";",
+/// each with its number from 0 attached, or of all that were stored, with their numbers from 1. Rows go from
+/// `FirstRow`, from 1, up to, and without, row `LastRow`, from 0. `Callback` gets `Sender`, the number of columns,
+/// the row of the preview, `Flag`, and an array that holds for each column an array of Null, its name and its
+/// value.
 void LoadSpreadSheetPreview(int SpreadSheetType, TPersistent* Sender, std::string_view ColumnSpec,
                             const std::string& FileName, int SheetIndex, int FirstRow, int LastRow,
-                            TStrings& Sheets, bool Flag, std::vector<TSpreadSheetColumn>& Columns, const TPreviewCallback& Callback,
+                            TStrings& Sheets, bool Flag, TStrings& Columns, const TPreviewCallback& Callback,
                             TSpreadSheetExtensions Extensions = {});
 
 } // namespace kv

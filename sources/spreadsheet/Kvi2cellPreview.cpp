@@ -29,34 +29,29 @@ std::unique_ptr<TSpreadSheetFile> CreateReader(int SpreadSheetType)
     }
 }
 
-std::vector<TSpreadSheetColumn> ColumnsNamed(std::string_view Names)
+void AddNamedColumns(TStrings& Columns, std::string_view Names)
 {
-    std::vector<TSpreadSheetColumn> Result;
     while (!Names.empty()) {
         const auto Name = Names.substr(0, Names.find(';'));
         Names.remove_prefix(std::min(Name.size() + 1, Names.size()));
-        Result.push_back({.Name = std::string(Name), .Number = ColumnOfLetters(Name)});
+        Columns.Add(Name, ColumnOfLetters(Name));
     }
-    return Result;
 }
 
-std::vector<TSpreadSheetColumn> FirstColumns(int Count)
+void AddFirstColumns(TStrings& Columns, int Count)
 {
-    std::vector<TSpreadSheetColumn> Result;
     for (int Number = 1; Number <= Count; ++Number)
-        Result.push_back({.Name = LettersOfColumn(Number), .Number = Number});
-    return Result;
+        Columns.Add(LettersOfColumn(Number), Number);
 }
 
-TVariant ArrayOf(const std::vector<TSpreadSheetColumn>& Columns)
+TVariant ArrayOf(const TStrings& Columns)
 {
-    auto Result = TVariant::Array(0, static_cast<int>(Columns.size()) - 1);
-    for (int I = 0; I < static_cast<int>(Columns.size()); ++I) {
-        const auto& Column = Columns[static_cast<std::size_t>(I)];
+    auto Result = TVariant::Array(0, Columns.Count() - 1);
+    for (int I = 0; I < Columns.Count(); ++I) {
         auto& Item = Result[I] = TVariant::Array(0, ciLast);
         Item[ciNone] = Null;
-        Item[ciName] = Column.Name;
-        Item[ciValue] = Column.Number;
+        Item[ciName] = Columns[I];
+        Item[ciValue] = Columns.Object(I);
     }
     return Result;
 }
@@ -72,7 +67,7 @@ void SetValues(TVariant& Row, const TSpreadSheetCells& Cells, int Number)
 
 void LoadSpreadSheetPreview(int SpreadSheetType, TPersistent* Sender, std::string_view ColumnSpec,
                             const std::string& FileName, int SheetIndex, int FirstRow, int LastRow,
-                            TStrings& Sheets, bool Flag, std::vector<TSpreadSheetColumn>& Columns, const TPreviewCallback& Callback,
+                            TStrings& Sheets, bool Flag, TStrings& Columns, const TPreviewCallback& Callback,
                             TSpreadSheetExtensions Extensions)
 {
     Sheets.Clear();
@@ -83,13 +78,17 @@ void LoadSpreadSheetPreview(int SpreadSheetType, TPersistent* Sender, std::strin
         Sheets.Add(Reader->Sheets[I].Caption);
 
     const auto& Cells = Reader->Sheets.Spreadsheet(SheetIndex).Cells;
-    Columns = ColumnSpec.empty() ? FirstColumns(Cells.ColCount) : ColumnsNamed(ColumnSpec);
+    Columns.Clear();
+    if (ColumnSpec.empty())
+        AddFirstColumns(Columns, Cells.ColCount);
+    else
+        AddNamedColumns(Columns, ColumnSpec);
     auto Row = ArrayOf(Columns);
     const auto End = std::min({std::int64_t{FirstRow} + RowsAfterFirst, std::int64_t{LastRow},
                                std::int64_t{RowExtent(Cells, Extensions)}});
     for (std::int64_t Number = std::int64_t{FirstRow} - 1; Number < End; ++Number) {
         SetValues(Row, Cells, static_cast<int>(Number));
-        Callback(Sender, static_cast<int>(Columns.size()), static_cast<int>(Number - FirstRow + 2), Flag, Row);
+        Callback(Sender, Columns.Count(), static_cast<int>(Number - FirstRow + 2), Flag, Row);
     }
 }
 

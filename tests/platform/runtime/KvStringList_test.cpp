@@ -45,7 +45,7 @@ TEST(KvStringList, RefusesIndexesOutOfBounds)
     EXPECT_EQ(MessageOf<Exception>([&] { List.NameAt(1); }), "List index out of bounds (1)");
     EXPECT_EQ(MessageOf<Exception>([&] { List.ValueAt(1); }), "List index out of bounds (1)");
     EXPECT_EQ(MessageOf<Exception>([&] { List.Object(1); }), "List index out of bounds (1)");
-    EXPECT_EQ(MessageOf<Exception>([&] { List.SetObject(1, nullptr); }), "List index out of bounds (1)");
+    EXPECT_EQ(MessageOf<Exception>([&] { List.SetObject(1, {}); }), "List index out of bounds (1)");
 }
 
 TEST(KvStringList, FindsLinesInAnyCase)
@@ -75,19 +75,30 @@ TEST(KvStringList, ReadsNamesAndValues)
 
 TEST(KvStringList, ObjectsMoveWithTheirLines)
 {
-    TStrings First, Second, List{"a", "b", "c"};
-    EXPECT_EQ(List.Object(2), nullptr);
-    List.SetObject(1, &First);
-    EXPECT_EQ(List.Add("d", &Second), 3);
+    TStrings List{"a", "b", "c"};
+    EXPECT_TRUE(List.Object(2).IsEmpty());
+    List.SetObject(1, 7);
+    EXPECT_EQ(List.Add("d", "orders.kvi"), 3);
     List.Insert(0, "new");
-    EXPECT_EQ(List.Object(2), &First);
-    EXPECT_EQ(List.Object(4), &Second);
+    EXPECT_EQ(List.Object(2), TVariant(7));
+    EXPECT_EQ(List.Object(4), TVariant("orders.kvi"));
     List.Delete(2);
-    EXPECT_EQ(List.Object(2), nullptr);
-    EXPECT_EQ(List.Object(3), &Second);
+    EXPECT_TRUE(List.Object(2).IsEmpty());
+    EXPECT_EQ(List.Object(3), TVariant("orders.kvi"));
     List.Clear();
     List.Add("x");
-    EXPECT_EQ(List.Object(0), nullptr);
+    EXPECT_TRUE(List.Object(0).IsEmpty());
+}
+
+TEST(KvStringList, KeepsACopyOfWhatIsAttached)
+{
+    std::string Text(100, 'x');
+    TStrings List{"a", "b"};
+    List.SetObject(0, TVariant::Borrow(Text));
+    List.SetObject(1, List.Object(0));
+    Text.assign(100, 'y');
+    EXPECT_EQ(List.Object(0), TVariant(std::string(100, 'x')));
+    EXPECT_EQ(List.Object(1), TVariant(std::string(100, 'x')));
 }
 
 TEST(KvStringList, EveryLineEndEndsALine)
@@ -141,11 +152,11 @@ TEST(KvStringList, TakesLinesFromItself)
 
 TEST(KvStringList, AssignsLinesAndObjects)
 {
-    TStrings Object, Source, Target{"old"};
-    Source.Add("a", &Object);
+    TStrings Source, Target{"old"};
+    Source.Add("a", 7);
     Target.Assign(Source);
     EXPECT_EQ(Target, Source);
-    EXPECT_EQ(Target.Object(0), &Object);
+    EXPECT_EQ(Target.Object(0), TVariant(7));
     EXPECT_EQ(MessageOf<EConvertError>([&] { Target.Assign(TComponent()); }),
               "Cannot assign a TComponent to a TStrings.");
 }
@@ -161,11 +172,11 @@ protected:
 
 TEST_F(KvStringListChange, IsToldOnceForEveryCall)
 {
-    List.Add("a", &List);
+    List.Add("a", 7);
     EXPECT_EQ(Changes, 1);
     List.SetLine(0, "b");
     List.Insert(0, "c");
-    List.SetObject(0, nullptr);
+    List.SetObject(0, {});
     List.Delete(0);
     List.SetText("x\ny");
     List.Assign(TStrings{"z"});
