@@ -237,7 +237,7 @@ bool ConvertFieldValue(TFieldType Type, const TVariant& Value, TVariant& Result)
 
 std::size_t CharacterCount(std::string_view Text)
 {
-    if (AnsiCodePage() != "UTF-8")
+    if (!AnsiIsUtf8())
         return Text.size();
     return static_cast<std::size_t>(std::ranges::count_if(
         Text, [](char Byte) { return (static_cast<unsigned char>(Byte) & 0xC0) != 0x80; }));

@@ -105,7 +105,7 @@ TVariant DecodeText(TFieldType Type, std::string_view Text)
     if (IsDateTimeField(Type))
         if (const auto Point = DecodeDateTime(Type, Text))
             return *Point;
-    if (AnsiCodePage() == "UTF-8" || IsBinaryField(Type))
+    if (AnsiIsUtf8() || IsBinaryField(Type))
         return TVariant::Borrow(Text);
     return Utf8ToAnsi(Text);
 }

@@ -7,6 +7,7 @@
 
 #include "KvCodePage.h"
 #include "KvException.h"
+#include "KvUtf8.h"
 
 namespace kv {
 
@@ -129,44 +130,15 @@ bool IsCharacter(std::uint32_t Code)
     return Code != 0 && Code <= CodeMax && !(Code >= 0xD800 && Code <= 0xDFFF);
 }
 
-std::string_view ToUtf8(std::uint32_t Code, char (&Bytes)[4])
-{
-    const auto Tail = [Code](int Shift) { return static_cast<char>(0x80 | ((Code >> Shift) & 0x3F)); };
-    if (Code < 0x80) {
-        Bytes[0] = static_cast<char>(Code);
-        return {Bytes, 1};
-    }
-    if (Code < 0x800) {
-        Bytes[0] = static_cast<char>(0xC0 | (Code >> 6));
-        Bytes[1] = Tail(0);
-        return {Bytes, 2};
-    }
-    if (Code < 0x10000) {
-        Bytes[0] = static_cast<char>(0xE0 | (Code >> 12));
-        Bytes[1] = Tail(6);
-        Bytes[2] = Tail(0);
-        return {Bytes, 3};
-    }
-    Bytes[0] = static_cast<char>(0xF0 | (Code >> 18));
-    Bytes[1] = Tail(12);
-    Bytes[2] = Tail(6);
-    Bytes[3] = Tail(0);
-    return {Bytes, 4};
-}
-
 /// False when the process's code page has no such character.
 bool AppendCharacter(std::uint32_t Code, std::string& Out)
 {
-    if (Code < 0x80) {
-        Out += static_cast<char>(Code);
+    if (Code < 0x80 || AnsiIsUtf8()) {
+        AppendUtf8(Out, Code);
         return true;
     }
-    char Bytes[4];
-    const auto Utf8 = ToUtf8(Code, Bytes);
-    if (AnsiCodePage() == "UTF-8") {
-        Out += Utf8;
-        return true;
-    }
+    std::string Utf8;
+    AppendUtf8(Utf8, Code);
     try {
         Out += Utf8ToAnsi(Utf8);
         return true;

@@ -236,6 +236,8 @@ TEST_F(KvFieldConvert, SizeCountsBytesOfSingleBytePages)
 {
     SetAnsiCodePage("windows-1252");
     EXPECT_EQ(CharacterCount("\xC3\xB6"), 2u);
+    SetAnsiCodePage("65001");
+    EXPECT_EQ(CharacterCount("\xC3\xB6"), 1u) << "UTF-8 by its number";
     SetAnsiCodePage("UTF-8");
 }
 
