@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <utility>
 
 #include "KvComponent.h"
 #include "KvException.h"
@@ -18,6 +19,12 @@ std::optional<std::int64_t> ToInteger(const TVariant& Value)
     if (Value.Kind() == vkInteger)
         return Value.Integer();
     return Value.IsString() ? TryTextToInt(Value.Text()) : std::nullopt;
+}
+
+std::optional<std::int64_t> ToInt32(const TVariant& Value)
+{
+    const auto Number = ToInteger(Value);
+    return Number && std::in_range<std::int32_t>(*Number) ? Number : std::nullopt;
 }
 
 std::optional<std::int64_t> ToBoolean(const TVariant& Value)
@@ -51,7 +58,7 @@ TVariant OrEmpty(std::optional<std::int64_t> Value) { return Value ? TVariant(*V
 TVariant ToPropertyKind(const TPublishedProperty& Property, const TVariant& Value)
 {
     switch (Property.Kind) {
-    case pkInteger:     return OrEmpty(ToInteger(Value));
+    case pkInteger:     return OrEmpty(ToInt32(Value));
     case pkEnumeration: return OrEmpty(ToOrdinal(Value, Property.Names));
     case pkSet:         return OrEmpty(ToBits(Value, Property.Names));
     case pkBoolean:

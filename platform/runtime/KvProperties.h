@@ -17,7 +17,7 @@ class TPersistent;
 
 /// How a property's value reads as a variant.
 enum TPropertyKind {
-    pkInteger,                                      ///< vkInteger
+    pkInteger,                                      ///< vkInteger of 32 bits
     pkBoolean,                                      ///< vkBoolean
     pkChar,                                         ///< vkString of one character
     pkString,                                       ///< vkString
@@ -34,7 +34,8 @@ struct TPublishedProperty
     std::string_view Name;                          ///< As declared; compared without regard to case.
     TPropertyKind Kind = pkString;
     std::function<TVariant(const TPersistent&)> Get; ///< Empty for pkObject and pkEvent.
-    std::function<void(TPersistent&, const TVariant&)> Set; ///< Empty when the property is read-only.
+    /// Empty when the property is read-only. Takes a value of just this kind: SetPropValue makes it one.
+    std::function<void(TPersistent&, const TVariant&)> Set;
     std::function<TPersistent*(const TPersistent&)> GetObject; ///< The object of pkObject, may give none.
     std::span<const std::string_view> Names = {};   ///< Element names of pkEnumeration and pkSet, in order.
     bool Stored = true;                             ///< False for values that are not saved with the object.
@@ -48,7 +49,8 @@ const TPublishedProperty* FindProperty(const TPublishedProperties& Properties, s
 /// The value of the property `Name`. Raises EPropertyError when `Object` has none of that name.
 TVariant GetPropValue(const TPersistent& Object, std::string_view Name);
 
-/// Sets the property `Name`; an enumeration also takes the name of a value.
+/// Sets the property `Name` from a value of its kind or a text that reads as one; an enumeration also takes
+/// the name of an element.
 /// Raises EPropertyError when there is no such property, it is read-only or the value does not suit it.
 void SetPropValue(TPersistent& Object, std::string_view Name, const TVariant& Value);
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <concepts>
+#include <cstdint>
 #include <functional>
 #include <initializer_list>
 #include <span>
@@ -11,64 +12,40 @@
 #include <utility>
 
 #include "KvComponent.h"
-#include "KvException.h"
-#include "KvNumberText.h"
 #include "KvSet.h"
 #include "KvStringList.h"
-#include "KvText.h"
 
 namespace kv {
 
-/// How a C++ type reads as a variant and back. `FromVariant` raises EPropertyError or EConvertError
-/// for a value that does not suit.
+/// How a C++ type reads as a variant of its kind and back.
 template <class T> struct TPropertyType;
 
 template <> struct TPropertyType<int>
 {
     static constexpr TPropertyKind Kind = pkInteger;
     static TVariant ToVariant(int Value) { return Value; }
-    static int FromVariant(const TVariant& Value)
-    {
-        const auto Number = Value.Kind() == vkInteger ? Value.Integer() : TextToInt(Value.ToText());
-        if (!std::in_range<int>(Number))
-            throw EPropertyError(std::to_string(Number) + " is out of range");
-        return static_cast<int>(Number);
-    }
+    static int FromVariant(const TVariant& Value) { return static_cast<int>(Value.Integer()); }
 };
 
 template <> struct TPropertyType<bool>
 {
     static constexpr TPropertyKind Kind = pkBoolean;
     static TVariant ToVariant(bool Value) { return Value; }
-    static bool FromVariant(const TVariant& Value)
-    {
-        const auto Word = Value.ToText();
-        if (SameText(Word, "True") || Word == "1")
-            return true;
-        if (SameText(Word, "False") || Word == "0")
-            return false;
-        throw EPropertyError("'" + Word + "' is neither True nor False");
-    }
+    static bool FromVariant(const TVariant& Value) { return Value.Boolean(); }
 };
 
 template <> struct TPropertyType<char>
 {
     static constexpr TPropertyKind Kind = pkChar;
     static TVariant ToVariant(char Value) { return std::string_view(&Value, 1); }
-    static char FromVariant(const TVariant& Value)
-    {
-        const auto Text = Value.ToText();
-        if (Text.size() != 1)
-            throw EPropertyError("'" + Text + "' is not a single character");
-        return Text[0];
-    }
+    static char FromVariant(const TVariant& Value) { return Value.Text().front(); }
 };
 
 template <> struct TPropertyType<std::string>
 {
     static constexpr TPropertyKind Kind = pkString;
     static TVariant ToVariant(const std::string& Value) { return Value; }
-    static std::string FromVariant(const TVariant& Value) { return Value.ToText(); }
+    static std::string FromVariant(const TVariant& Value) { return std::string(Value.Text()); }
 };
 
 template <class TEnum>
@@ -77,7 +54,7 @@ struct TPropertyType<TEnum>
 {
     static constexpr TPropertyKind Kind = pkEnumeration;
     static TVariant ToVariant(TEnum Value) { return static_cast<int>(Value); }
-    static TEnum FromVariant(const TVariant& Value) { return static_cast<TEnum>(TPropertyType<int>::FromVariant(Value)); }
+    static TEnum FromVariant(const TVariant& Value) { return static_cast<TEnum>(Value.Integer()); }
 };
 
 template <class TEnum> struct TPropertyType<TSet<TEnum>>
@@ -86,7 +63,7 @@ template <class TEnum> struct TPropertyType<TSet<TEnum>>
     static TVariant ToVariant(TSet<TEnum> Value) { return Value.Bits(); }
     static TSet<TEnum> FromVariant(const TVariant& Value)
     {
-        return TSet<TEnum>::FromBits(static_cast<std::uint32_t>(TPropertyType<int>::FromVariant(Value)));
+        return TSet<TEnum>::FromBits(static_cast<std::uint32_t>(Value.Integer()));
     }
 };
 
@@ -149,7 +126,7 @@ TPublishedProperty PublishStrings(std::string_view Name, TStrings TClass::*Membe
         return TVariant((dynamic_cast<const TClass&>(Object).*Member).Text());
     };
     Property.Set = [Member](TPersistent& Object, const TVariant& Value) {
-        (dynamic_cast<TClass&>(Object).*Member).SetText(Value.ToText());
+        (dynamic_cast<TClass&>(Object).*Member).SetText(Value.Text());
     };
     return Property;
 }

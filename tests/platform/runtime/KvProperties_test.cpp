@@ -77,6 +77,8 @@ TEST(KvProperties, TakeValuesThatSuitTheirKind)
     const TRow Rows[] = {
         {"Number", -5, -5},
         {"Number", " +12 ", 12},
+        {"Number", "-2147483648", std::int64_t{-2147483648}},
+        {"Number", 2147483647, 2147483647},
         {"Flag", true, true},
         {"Flag", "TRUE", true},
         {"Flag", "1", true},
@@ -113,7 +115,7 @@ TEST(KvProperties, RefuseValuesThatDoNotSuit)
         {"Number", "five"}, {"Number", 1.5},  {"Number", Null}, {"Number", ""},    {"Flag", "yes"},
         {"Flag", 2},        {"Flag", Null},   {"Letter", ""},   {"Letter", ",;"},  {"Letter", 1},
         {"Color", 3},       {"Color", -1},    {"Color", "cl"},  {"Color", true},   {"Colors", 8},
-        {"Colors", -1},     {"Colors", "x"},
+        {"Colors", -1},     {"Colors", "x"},  {"Number", std::int64_t{1} << 31}, {"Number", "-2147483649"},
     };
     for (const auto& Row : Rows) {
         TSample Sample;

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "KvException.h"
 #include "KvSettingsGuard.h"
 
 namespace kv {
@@ -68,11 +69,31 @@ TEST(KvPublish, ReadsAndWritesMembers)
     }
 }
 
-TEST(KvPublish, RefusesIntegersThatTheMemberCannotHold)
+TEST(KvPublish, MembersAreSetFromTexts)
 {
     TSample Sample;
-    EXPECT_NE(MessageOf<EPropertyError>([&] { SetPropValue(Sample, "Number", std::int64_t{1} << 40); }), "");
+    for (const auto& [Name, Text] : {std::pair("Number", "-7"), {"Flag", "TRUE"}, {"Color", "clred"}, {"Colors", "2"}})
+        SetPropValue(Sample, Name, Text);
+    EXPECT_EQ(Sample.Number, -7);
+    EXPECT_TRUE(Sample.Flag);
+    EXPECT_EQ(Sample.Color, clRed);
+    EXPECT_EQ(Sample.Colors, TSet<TColor>{clGreen});
+}
+
+TEST(KvPublish, AValueThatDoesNotSuitLeavesTheMember)
+{
+    TSample Sample;
+    EXPECT_EQ(MessageOf<EPropertyError>([&] { SetPropValue(Sample, "Number", std::int64_t{1} << 31); }),
+              "'2147483648' is not a valid value for property TPersistent.Number");
     EXPECT_EQ(Sample.Number, 1);
+}
+
+TEST(KvPublish, AddsTheOwnPropertiesBehindThoseOfTheBaseClass)
+{
+    const auto Properties = PublishAfter({PublishEvent("OnFirst"), PublishEvent("OnSecond")}, {PublishEvent("OnOwn")});
+    ASSERT_EQ(Properties.size(), 3U);
+    EXPECT_EQ(Properties[0].Name, "OnFirst");
+    EXPECT_EQ(Properties[2].Name, "OnOwn");
 }
 
 TEST(KvPublish, GivesTheObjectOfAReference)
