@@ -149,6 +149,10 @@ void TKvImportBaseComponent::WriteRecord(TKvIAction Action)
             UndoCount(Action);
         RecordFailed(Error);
     }
+    catch (...) {                                   // ends the run; what comes next would post half a record
+        FDataSet->Cancel();
+        throw;
+    }
 }
 
 void TKvImportBaseComponent::RecordFailed(const Exception& Error)

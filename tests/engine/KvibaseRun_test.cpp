@@ -1,5 +1,6 @@
 #include "KvTestRun.h"
 
+#include <new>
 #include <stdexcept>
 
 namespace kv {
@@ -590,6 +591,24 @@ TEST_F(KvibaseRun, ErrorsOutsideTheFamilyEndTheRunAndAreNoErrorsOfARecord)
     Execute();
     EXPECT_EQ(Import.Statistic.Result, irFailed);
     EXPECT_EQ(Import.ErrorMessage(), "disk on fire");
+}
+
+/// A destination that finds no memory for a record.
+class TFullDataSet final : public TMemoryDataSet
+{
+protected:
+    void InternalInsert(const TRecordBuffer&) override { throw std::bad_alloc(); }
+};
+
+TEST_F(KvibaseRun, ErrorsOutsideTheFamilyLeaveNoRecordHalfWritten)
+{
+    TFullDataSet Full;
+    Full.SetFieldDefs({{.Name = "ID", .DataType = ftInteger}, {.Name = "NAME"}});
+    Full.Open();
+    Import.SetDataSet(&Full);
+    Execute();
+    EXPECT_EQ(Import.Statistic.Result, irFailed);
+    EXPECT_EQ(Full.State(), dsBrowse);              // else the next Append would post it
 }
 
 TEST_F(KvibaseRun, WhateverIsThrownEndsTheRunAndReachesNobody)
