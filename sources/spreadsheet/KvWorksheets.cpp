@@ -79,7 +79,7 @@ void TWorksheetFile::ReadRecord(const TKvRecord& Record)
 {
     if (Record.Id == wrBegin)
         RequireVersion(Record.At<std::uint16_t>(0));
-    else if (Record.Id == wrRange)
+    else if (Record.Id == wrRange && OnDimensions)
         ReadRange(Record);
     else if (Record.Id == ColumnWidthsRecord)
         ReadColumnWidths(Record);

@@ -190,9 +190,10 @@ TYPED_TEST(KvWorksheets, OnlyAssignedEventsAreRaised)
         this->Folder.Write("sheet", this->Sheet()
                                         .Range(1, 1)
                                         .Record(TypeParam::ColumnWidths, TBytes().Zeros(4))
+                                        .Record(0x06, "x")
                                         .Record(0x0D, "x")
                                         .Build());
-    EXPECT_NO_THROW(this->Reader.ImportFromStream()); // not even the cell that is too short is looked at
+    EXPECT_NO_THROW(this->Reader.ImportFromStream()); // not even what is too short is looked at
 }
 
 TYPED_TEST(KvWorksheets, ALabelOfTheLeastLengthIsEmpty)
