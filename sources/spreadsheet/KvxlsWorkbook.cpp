@@ -157,23 +157,22 @@ void TKvxlsWorkbook::SeekSheet(std::size_t Index, const TKvRecord& Bof)
 }
 
 /// The name in the entry with the number of the sheet. Under the extension rather that of the entry that
-/// tells where it begins: entries of charts have numbers too.
-std::string TKvxlsWorkbook::SheetName(std::uint64_t BofOffset) const
+/// tells where it begins: sheets stand in any order.
+std::string TKvxlsWorkbook::SheetName(std::size_t BofOffset) const
 {
-    auto Entry = Sheets.end();
-    if (AllCells)
-        Entry = std::ranges::find(Sheets, BofOffset, &TSheetEntry::Offset);
-    const auto Index = static_cast<std::size_t>(File.SheetIndex);
-    if (Entry == Sheets.end() && Index < Sheets.size())
-        Entry = Sheets.begin() + File.SheetIndex;
-    return Entry != Sheets.end() ? Entry->Name : "Sheet" + std::to_string(Index + 1);
+    auto Index = static_cast<std::size_t>(File.SheetIndex);
+    if (const auto Found = SheetsByOffset.find(BofOffset); AllCells && Found != SheetsByOffset.end())
+        Index = Found->second;
+    return Index < Sheets.size() ? Sheets[Index].Name : "Sheet" + std::to_string(Index + 1);
 }
 
 void TKvxlsWorkbook::ReadSheetEntry(const TKvRecord& Record)
 {
     const auto Offset = Record.At<std::uint32_t>(0);
-    if (!AllCells || Record.At<std::uint8_t>(5) == ekWorksheet)
-        Sheets.push_back({EntryName(Record), Offset}); // last: the name may run on into other records
+    if (AllCells && Record.At<std::uint8_t>(5) != ekWorksheet)
+        return;
+    SheetsByOffset.try_emplace(Offset, Sheets.size());
+    Sheets.push_back({EntryName(Record), Offset});  // last: the name may run on into other records
 }
 
 std::string TKvxlsWorkbook::EntryName(const TKvRecord& Record)
@@ -182,7 +181,8 @@ std::string TKvxlsWorkbook::EntryName(const TKvRecord& Record)
         return std::string(ByteText.Convert(Record.Text(7, Record.At<std::uint8_t>(6))));
     if (Extends(seFileCodePage))
         return std::string(TakeCharacters(8, Record.At<std::uint8_t>(6), Record.At<std::uint8_t>(7)));
-    // The length takes in the options byte after it, so that of a 16-bit name is past its end.
+    // The length takes in the options byte after it, which adds 256 to that of a 16-bit name: it reaches past
+    // the record, where nothing is left to take.
     const std::size_t Length = Record.At<std::uint16_t>(6);
     const bool IsWide = Record.At<std::uint8_t>(7) != 0;
     return std::string(Record.Text(8, IsWide ? std::min(Length, Record.Size() - 8) : Length));

@@ -29,9 +29,9 @@
 //
 // Records but the shared strings that are longer than any of their version, 2080 bytes and 8224 in Excel 8,
 // are passed over. Parts that are no worksheets are not told from them: a chart's copies of the cells that it
-// shows are cells of the sheet before it, and its end may be taken for that of the last sheet. With seCellRecords
-// records of any size are read and such parts passed over, and a stream without all of its sheets is truncated.
-// Only with the extensions:
+// shows are cells of the sheet before it, and its end may be taken for that of the last sheet. With
+// seCellRecords records of any size are read, such parts are passed over, and a stream that lacks sheets is
+// truncated. Only with the extensions:
 //
 //   string           0007 0207   length:u16 [options:u8] text                       a formula's result
 //   rich text        00D6        cell xf:u16 length:u16 text runs
@@ -43,6 +43,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "KvxlsStream.h"
@@ -79,7 +80,7 @@ private:
     bool ReadEof();
     bool BeginSheet(const TKvRecord& Bof);
     void SeekSheet(std::size_t Index, const TKvRecord& Bof);
-    std::string SheetName(std::uint64_t BofOffset) const;
+    std::string SheetName(std::size_t BofOffset) const;
     bool IsLastSheet() const;
     void ReadSheetEntry(const TKvRecord& Record);
     std::string EntryName(const TKvRecord& Record);
@@ -99,6 +100,7 @@ private:
     std::string_view TakeCharacters(std::size_t Position, std::size_t Count, std::uint8_t Options);
 
     std::vector<TSheetEntry> Sheets;
+    std::unordered_map<std::size_t, std::size_t> SheetsByOffset; // their positions
     TKvxlsSharedStrings Strings;
     int OtherParts = 0;                             // how many parts that are passed over are open
     std::string Text;                               // of one cell

@@ -281,7 +281,8 @@ TEST(KvxlsExtensions, SheetsAreNamedByWhereTheyBegin)
 
 TEST(KvxlsExtensions, SheetsInAnotherOrderThanTheirEntriesMayBeSkipped)
 {
-    auto Builder = TWorkbookBuilder().Sheet("One", TBiffBuilder().Rk(0, 0, 6)).Sheet("Two", TBiffBuilder().Rk(1, 1, 6));
+    auto Builder = TWorkbookBuilder();
+    Builder.Sheet("One", TBiffBuilder().Rk(0, 0, 6)).Sheet("Two", TBiffBuilder().Rk(1, 1, 6));
     auto Stream = Builder.Build();
     const auto FirstEntry = TBiffBuilder().Bof().Size() + 4, SecondEntry = FirstEntry + 11 + 4;
     Stream.replace(FirstEntry, 4, TBytes().U32(static_cast<std::uint32_t>(Builder.OffsetOfSheet(1))).Str());

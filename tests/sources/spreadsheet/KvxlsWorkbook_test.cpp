@@ -384,6 +384,18 @@ TEST(KvxlsWorkbook, SixteenBitNamesArriveAsTheirBytes)
                 ElementsAre("sheet 0 \"A" + std::string(1, '\0') + "\x16\x04\""));
 }
 
+TEST(KvxlsWorkbook, ANameThatReachesPastItsEntryIsTold)
+{
+    for (const auto Version : {bv5, bv8}) {
+        const auto Name = TBytes().Zeros(6).U8(3).Text(Version == bv8 ? "\0ab"sv : "ab"sv);
+        const auto Stream = TBiffBuilder(Version).Bof(bpGlobals).Record(0x0085, Name).Str();
+        EXPECT_THAT(TRecordingExcel().Workbook(Stream, Version == bv8 ? evExcel8 : evExcel7),
+                    ElementsAre(Version == bv8
+                                    ? "error: Record 0x0085 at offset 20 is too short: 10 bytes, 11 are needed"
+                                    : "error: Record 0x0085 at offset 12 is too short: 9 bytes, 10 are needed"));
+    }
+}
+
 // --- Failures ----------------------------------------------------------------------------------------
 
 TEST(KvxlsWorkbook, AnEncryptedWorkbookIsRefusedBeforeAnyCell)
