@@ -51,35 +51,26 @@ bool TKvImportFromAccess::NotDefined(std::string& PropName)
     return true;
 }
 
+/// The lines name fields as the table writes them: that is how a run finds them.
 void TKvImportFromAccess::DetectAutoMapping()
 {
-    if (Extensions.Contains(xaOpensForMapping))
-        return MapByName();
-    // A table that a failed run has left open counts only when it is still the one to import.
-    if (!Session.Holds(TableName, SourceFileName))
+    const bool Opens = Extensions.Contains(xaOpensForMapping);
+    if (Opens)
+        Session.Open(TableName, SourceFileName);
+    else if (!Session.Holds(TableName, SourceFileName)) // a failed run may have left it open
         throw Exception(SourceFileName + ": table " + TableName +
                         " is not open yet, so that its fields are not known; mappings are needed");
     for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
         const auto& FieldName = GetDataSet()->Fields(I).FieldName();
         for (const auto& Field : Session.Recordset()->Fields())
-            if (Field.Name == FieldName)
-                Mappings().Add(FieldName + "=" + FieldName);
-    }
-}
-
-/// The lines name fields as the table writes them: that is how a run finds them.
-void TKvImportFromAccess::MapByName()
-{
-    Session.Open(TableName, SourceFileName);
-    for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
-        const auto& FieldName = GetDataSet()->Fields(I).FieldName();
-        for (const auto& Field : Session.Recordset()->Fields())
-            if (SameText(Field.Name, FieldName))
+            if (Opens ? SameText(Field.Name, FieldName) : Field.Name == FieldName)
                 Mappings().Add(FieldName + "=" + Field.Name);
     }
-    Session.Close(true);
+    if (Opens)
+        Session.Close(true);
     if (Mappings().IsEmpty())
-        throw Exception(SourceFileName + ": no field of table " + TableName + " has the name of a field of the destination");
+        throw Exception(SourceFileName + ": no field of table " + TableName +
+                        " has the name of a field of the destination");
 }
 
 void TKvImportFromAccess::BeforeImport()

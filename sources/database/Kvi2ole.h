@@ -45,7 +45,8 @@ public:
 
 protected:
     bool NotDefined(std::string& PropName) override;
-    /// For fields of exactly the same name. Raises Exception when the table is not open.
+    /// For fields of exactly the same name; see xaOpensForMapping. Raises Exception when the table is not open
+    /// or has no such field.
     void DetectAutoMapping() override;
     void BeforeImport() override;
     void GoFirst() override;
@@ -56,8 +57,6 @@ protected:
     void AfterImport() override;
 
 private:
-    void MapByName();
-
     // One run.
     TKvAccessSession Session;
     int CurrentRow = 0;                             // from 0

@@ -412,6 +412,21 @@ TEST_F(Kvi2ole, AnOpenTableIsMappedByExactNames)
               "shop.mdb: table Other is not open yet, so that its fields are not known; mappings are needed");
 }
 
+TEST_F(Kvi2ole, AnOpenTableWithoutFieldsOfTheSameNameIsAnError)
+{
+    Fake.FailsAtSecondRow = true;
+    Import.Execute();                               // leaves it open
+    Fake.FailsAtSecondRow = false;
+    Import.Mappings().Clear();
+    To.Close();
+    To.SetFieldDefs({{.Name = "ID"}, {.Name = "City"}});
+    To.Open();
+    Import.Execute();
+    EXPECT_EQ(Import.Statistic.Result, irFailed);
+    EXPECT_EQ(Import.ErrorMessage(), "shop.mdb: no field of table Orders has the name of a field of the destination");
+    EXPECT_EQ(Import.Statistic.TotalImported, 2) << "counted by the run before: this one has no record";
+}
+
 TEST_F(Kvi2ole, WithTheExtensionARunWithoutMappingsOpensTheTable)
 {
     Import.Mappings().Clear();
