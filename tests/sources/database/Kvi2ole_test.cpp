@@ -384,6 +384,19 @@ TEST_F(Kvi2ole, WhatAFailedRunLeftOpenIsClosedBeforeTheNext)
     EXPECT_EQ(Fake.Log[1], "Database.Close");
 }
 
+TEST_F(Kvi2ole, ASessionMayCloseTheDatabaseAlone)
+{
+    TKvAccessSession Session;
+    Session.Open("Orders", "shop.mdb");
+    Fake.Log.clear();
+    Session.Close(false);
+    EXPECT_THAT(Fake.Log, ElementsAre("Database.Close"));
+    EXPECT_FALSE(Session.IsOpen());
+    EXPECT_EQ(Session.Recordset(), nullptr);
+    Session.Close(true);
+    EXPECT_THAT(Fake.Log, ElementsAre("Database.Close")) << "what is forgotten is not closed again";
+}
+
 TEST_F(Kvi2ole, NothingIsThereBeforeTheTableIsOpen)
 {
     EXPECT_FALSE(Import.NeedMore());
@@ -461,6 +474,15 @@ TEST_F(Kvi2ole, ListsTheFieldsOfATable)
     EXPECT_THAT(LinesOf(Items), ElementsAre("Id", "CITY"));
 }
 
+TEST_F(Kvi2ole, AListOfWhatIsNotThereClosesTheDatabase)
+{
+    TStrings Items;
+    EXPECT_EQ(MessageOf([&] { GetAccessTables(Items, "shop.mdb", "Customers"); }), "shop.mdb: has no table Customers");
+    EXPECT_EQ(Fake.Log.back(), "Database.Close");
+    EXPECT_EQ(MessageOf([&] { GetAccessTables(Items, "other.mdb", ""); }), "other.mdb: is not an Access database");
+    EXPECT_TRUE(Items.IsEmpty());
+}
+
 TEST_F(Kvi2ole, AListNeedsADatabase)
 {
     TStrings Items;
@@ -501,6 +523,20 @@ TEST_F(Kvi2ole, APreviewShowsFieldsAndRecords)
     EXPECT_EQ(Preview.Rows.back(), "10|10|City 10");
     EXPECT_THAT(Fake.Log, ElementsAre("DAO.DBEngine.36", "OpenDatabase shop.mdb", "OpenRecordset Orders 1 0 2", "MoveFirst",
                                       "Recordset.Close", "Database.Close"));
+}
+
+TEST_F(Kvi2ole, APreviewNeedsNoListOfColumns)
+{
+    std::string FieldNames;
+    int Rows = 0;
+    LoadAccessPreview(&Import, "Orders", "shop.mdb", FieldNames, false, nullptr,
+                      [&](TPersistent* Sender, int, int, bool Flag, const TVariant&) {
+                          EXPECT_EQ(Sender, &Import);
+                          EXPECT_FALSE(Flag);
+                          ++Rows;
+                      });
+    EXPECT_EQ(FieldNames, "Id;CITY");
+    EXPECT_EQ(Rows, 10);
 }
 
 TEST_F(Kvi2ole, APreviewStopsAfterTwentyRecords)
