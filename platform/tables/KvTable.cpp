@@ -5,6 +5,7 @@
 #include <limits>
 #include <string_view>
 
+#include "KvCompanionFile.h"
 #include "KvDbaseFile.h"
 #include "KvException.h"
 #include "KvFile.h"
@@ -68,7 +69,7 @@ int ClampToInt(std::size_t Count)
     return static_cast<int>(std::min(Count, Most));
 }
 
-/// Tables used to be named without the extension that their type implies.
+/// Tables used to be named without the extension that their type implies, and in any case.
 std::string FileNameOf(const std::string& TableName, TTableType Type)
 {
     const std::filesystem::path Path(TableName);
@@ -76,7 +77,7 @@ std::string FileNameOf(const std::string& TableName, TTableType Type)
     std::error_code Ignored;
     if (!Format || Path.has_extension() || std::filesystem::exists(Path, Ignored))
         return TableName;
-    return TableName + std::string(Format->Extension);
+    return CompanionFileName(TableName + std::string(Format->Extension), Format->Extension);
 }
 
 } // namespace

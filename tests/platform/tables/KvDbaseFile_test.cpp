@@ -162,6 +162,15 @@ TEST(KvDbaseFile, WhatStandsBehindTheLastRecordIsNone)
     EXPECT_THAT(ReadAll(TTableFile(Numbers(2).Build() + "    9 more")), ElementsAre("1", "2"));
 }
 
+TEST(KvDbaseFile, RecordsBeginWhereTheHeaderSays)
+{
+    auto Bytes = Numbers(2).Build();
+    Bytes.insert(65, 263, '\0');                    // as Visual FoxPro leaves room for the name of its database
+    Bytes[8] = static_cast<char>((65 + 263) % 256);
+    Bytes[9] = static_cast<char>((65 + 263) / 256);
+    EXPECT_THAT(ReadAll(TTableFile(Bytes)), ElementsAre("1", "2"));
+}
+
 TEST(KvDbaseFile, AFileThatEndsTooEarlyGivesItsRecordsAndSaysSo)
 {
     const auto Bytes = Numbers(3).Build();
@@ -344,6 +353,13 @@ TEST(KvDbaseFile, MemosAreReadFromTheFileOfTheirKind)
         EXPECT_THAT(ReadAll(TTableFile(Table, Row.Name, Memos.Build())),
                     ElementsAre("first", std::string(2000, 'x'), "-")) << Row.Name;
     }
+}
+
+TEST(KvDbaseFile, BlockZeroIsNoMemo)
+{
+    for (const std::string& Zero : {std::string(10, ' '), std::string(10, '\0'), std::string("0000000000"), std::string("         0")})
+        EXPECT_THAT(ReadAll(TTableFile(TDbaseBuilder(0x83).Field("NOTE", 'M', 10).Record({Zero}))), ElementsAre("-"));
+    EXPECT_THAT(ReadAll(TTableFile(TDbaseBuilder(0x30).Field("NOTE", 'M', 4).Record({DbaseLong(0)}))), ElementsAre("-"));
 }
 
 TEST(KvDbaseFile, MemosAreTextOfTheTablesCodePageAndBlobsAreNot)

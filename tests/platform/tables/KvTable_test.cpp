@@ -175,6 +175,21 @@ TEST_F(KvTable, ANameWithoutAnExtensionGetsThatOfItsType)
         << "a file of that name goes first";
 }
 
+TEST_F(KvTable, AnExtensionThatANameLacksMayBeInAnyCase)
+{
+    Folder.Write("STOCK.DBF", Dbase());
+    Table.TableType = ttDBase;
+    for (const char* const Name : {"STOCK", "stock"}) {
+        Table.TableName = Folder / Name;
+        Table.Open();
+        EXPECT_EQ(Table.Fields(0).FieldName(), "NAME");
+        Table.Close();
+    }
+    Table.TableName = Folder / "none";
+    EXPECT_EQ(MessageOf([&] { Table.Open(); }),
+              "Cannot open file \"" + (Folder / "none.dbf") + "\": No such file or directory");
+}
+
 TEST_F(KvTable, AFileThatMayOnlyBeReadIsRead)
 {
     for (const char* const Name : {"people.dbf", "people.db"}) {
