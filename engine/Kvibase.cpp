@@ -209,10 +209,7 @@ bool TKvImportBaseComponent::NotDefined(std::string& PropName)
 
 void TKvImportBaseComponent::DetectAutoMapping()
 {
-    for (int I = 0; I < FDataSet->FieldCount(); ++I) {
-        const auto& FieldName = FDataSet->Fields(I).FieldName();
-        FMappings.Add(FieldName + "=" + FieldName);
-    }
+    MapFields([](const TField& Field) { return Field.FieldName(); });
 }
 
 } // namespace kv

@@ -135,7 +135,10 @@ protected:
     virtual bool NotDefined(std::string& PropName);
     virtual void DetectAutoMapping();               ///< Fills Mappings.
 
-    // What the run uses.
+    // What sources and the run use.
+    /// Adds a line to Mappings for each field of the destination for which `SourceOf` gives the name of a source
+    /// column; an empty name is none.
+    void MapFields(const std::function<std::string(const TField& Field)>& SourceOf);
     void FillKey4Locate();
     void FillKey4Values();
     /// Position of the first mapped field whose source column is `Source`, or -1.

@@ -26,6 +26,15 @@ template <class TFields> auto FindByName(TFields& Fields, std::string_view Name)
 
 } // namespace
 
+void TKvImportBaseComponent::MapFields(const std::function<std::string(const TField& Field)>& SourceOf)
+{
+    for (int I = 0; I < FDataSet->FieldCount(); ++I) {
+        const auto& Field = FDataSet->Fields(I);
+        if (const auto Source = SourceOf(Field); !Source.empty())
+            FMappings.Add(Field.FieldName() + "=" + Source);
+    }
+}
+
 void TKvImportBaseComponent::BuildFieldMapping()
 {
     FillKey4Locate();

@@ -69,11 +69,9 @@ void TKvImportFromBDE::DetectAutoMapping()
     PrepareTable();
     if (Extensions.Contains(xbOpensForMapping))
         Table->Open();
-    for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
-        const auto& FieldName = GetDataSet()->Fields(I).FieldName();
-        if (Table->FindField(FieldName))
-            Mappings().Add(FieldName + "=" + FieldName);
-    }
+    MapFields([this](const TField& Field) {
+        return Table->FindField(Field.FieldName()) ? Field.FieldName() : std::string();
+    });
     AfterImport();
 }
 

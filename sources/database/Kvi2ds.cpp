@@ -40,11 +40,9 @@ bool TKvImportFromDataSet::NotDefined(std::string& PropName)
 void TKvImportFromDataSet::DetectAutoMapping()
 {
     FSourceDataset->Open();                         // a closed dataset does not know its fields
-    for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
-        const auto& FieldName = GetDataSet()->Fields(I).FieldName();
-        if (FSourceDataset->FindField(FieldName))
-            Mappings().Add(FieldName + "=" + FieldName);
-    }
+    MapFields([this](const TField& Field) {
+        return FSourceDataset->FindField(Field.FieldName()) ? Field.FieldName() : std::string();
+    });
 }
 
 void TKvImportFromDataSet::BeforeImport()

@@ -93,6 +93,11 @@ TVariant TKvImportFromHTML::GetFieldValue(const TVariant& Source)
     return TVariant::Borrow(Source.Text());
 }
 
+std::vector<std::string>::const_iterator TKvImportFromHTML::FindHeader(std::string_view Source) const
+{
+    return std::ranges::find_if(Header, [Source](const auto& Each) { return SameText(Each, Source); });
+}
+
 std::size_t TKvImportFromHTML::ResolveColumn(std::string_view Source) const
 {
     if (!Extensions.Contains(xhHeaderNames)) {
@@ -101,8 +106,7 @@ std::size_t TKvImportFromHTML::ResolveColumn(std::string_view Source) const
     }
     if (const auto Numbered = NumberedColumn(Source); Numbered != NoColumn)
         return Numbered;
-    const auto Named = std::ranges::find_if(Header, [Source](const auto& Each) { return SameText(Each, Source); });
-    if (Named != Header.end())
+    if (const auto Named = FindHeader(Source); Named != Header.end())
         return static_cast<std::size_t>(Named - Header.begin());
     throw Exception(FormatText(MsgNoColumn, {SourceFileName, Source}));
 }
@@ -114,20 +118,12 @@ std::size_t TKvImportFromHTML::ResolveColumn(std::string_view Source) const
 void TKvImportFromHTML::DetectAutoMapping()
 {
     BeforeImport();
-    for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
-        const auto& FieldName = GetDataSet()->Fields(I).FieldName();
-        const auto NamesField = [&FieldName](const auto& Each) { return SameText(Each, FieldName); };
-        if (RowFirst > 1) {
-            if (const auto Found = std::ranges::find_if(Header, NamesField); Found != Header.end())
-                Mappings().Add(FieldName + "=" + ColumnName(Found - Header.begin()));
-        }
-        else if (Extensions.Contains(xhHeaderNames)) {
-            Mappings().Add(FieldName + "=" + ColumnName(I));
-        }
-        else {
-            Mappings().Add(FieldName + "=" + FieldName);
-        }
-    }
+    MapFields([this](const TField& Field) {
+        if (RowFirst <= 1)
+            return Extensions.Contains(xhHeaderNames) ? ColumnName(Field.Index()) : Field.FieldName();
+        const auto Found = FindHeader(Field.FieldName());
+        return Found != Header.end() ? ColumnName(Found - Header.begin()) : std::string();
+    });
     AfterImport();
 }
 

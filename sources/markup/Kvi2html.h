@@ -47,6 +47,7 @@ protected:
 
 private:
     bool HasHeader() const { return Extensions.Contains(xhHeaderNames) && RowFirst > 1; }
+    std::vector<std::string>::const_iterator FindHeader(std::string_view Source) const;
     std::size_t ResolveColumn(std::string_view Source) const;
 
     // One run, from BeforeImport to AfterImport.

@@ -75,14 +75,13 @@ TVariant TKvImportFromXML::GetFieldValue(const TVariant& Source)
 void TKvImportFromXML::DetectAutoMapping()
 {
     BeforeImport();
-    for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
-        const auto& FieldName = GetDataSet()->Fields(I).FieldName();
-        const auto NamesField = [&FieldName](const auto& Each) { return SameText(Each, FieldName); };
+    MapFields([this](const TField& Field) {
         if (RowFirst <= 1)
-            Mappings().Add(FieldName + "=" + FieldName);
-        else if (const auto Found = std::ranges::find_if(FieldNames, NamesField); Found != FieldNames.end())
-            Mappings().Add(FieldName + "=" + *Found);
-    }
+            return Field.FieldName();
+        const auto NamesField = [&Field](const auto& Each) { return SameText(Each, Field.FieldName()); };
+        const auto Found = std::ranges::find_if(FieldNames, NamesField);
+        return Found != FieldNames.end() ? *Found : std::string();
+    });
     AfterImport();
 }
 

@@ -122,15 +122,13 @@ void TKvImportFromCell::DetectAutoMapping()
     BeforeImport();
     const bool HasHeader = RowFirst > 1;
     const auto Header = HasHeader ? HeaderTexts() : std::vector<std::string>();
-    for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
-        const auto& Field = GetDataSet()->Fields(I).FieldName();
-        const auto NamesField = [&Field](const std::string& Text) { return SameText(Text, Field); };
-        const auto Found = std::ranges::find_if(Header, NamesField);
+    MapFields([&](const TField& Field) {
         if (!HasHeader)
-            Mappings().Add(Field + "=" + LettersOfColumn(I));
-        else if (Found != Header.end())
-            Mappings().Add(Field + "=" + LettersOfColumn(static_cast<int>(Found - Header.begin()) + 1));
-    }
+            return LettersOfColumn(Field.Index());
+        const auto NamesField = [&Field](const auto& Each) { return SameText(Each, Field.FieldName()); };
+        const auto Found = std::ranges::find_if(Header, NamesField);
+        return Found != Header.end() ? LettersOfColumn(static_cast<int>(Found - Header.begin()) + 1) : std::string();
+    });
     AfterImport();
 }
 

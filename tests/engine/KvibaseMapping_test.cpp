@@ -79,6 +79,15 @@ INSTANTIATE_TEST_SUITE_P(, KvibaseLines, testing::Values(
     TLinesRow{"NothingFromNoUsableLine",    {"A="},                              "",              ";;"}),
     [](const auto& Info) { return Info.param.Name; });
 
+TEST_F(KvibaseMapping, FieldsAreMappedInOrderWhereASourceIsNamed)
+{
+    Import.SetMappings({"X=kept"});
+    Import.MapFields([](const TField& Field) {
+        return Field.FieldName() == "B" ? "" : "Field" + std::to_string(Field.Index());
+    });
+    EXPECT_EQ(Import.Mappings(), (TStrings{"X=kept", "A=Field0", "C=Field2"}));
+}
+
 // --- Short names ------------------------------------------------------------------------------------
 
 TEST_F(KvibaseMapping, ShortNamesKeepTenCharactersOfTheColumn)

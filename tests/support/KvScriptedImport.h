@@ -42,6 +42,7 @@ public:
     using TKvImportBaseComponent::GetFieldItem;
     using TKvImportBaseComponent::GetParsedValue;
     using TKvImportBaseComponent::GetValues;
+    using TKvImportBaseComponent::MapFields;
     using TKvImportBaseComponent::UECode;
 
 protected:
