@@ -61,15 +61,22 @@ public:
         return Page;
     }
 
+    bool IsSingleByte() const override { return true; }
     bool IsSameInUtf8(std::string_view Text) const override { return HasAscii && IsAscii(Text); }
 
     bool Decode(std::string_view Text, TUndefinedBytes Undefined, std::string& Result) const override
     {
-        for (const char Char : Text) {
-            const auto& [Utf8, IsDefined] = Characters[static_cast<unsigned char>(Char)];
+        while (!Text.empty()) {
+            if (const auto Size = HasAscii ? AsciiSize(Text) : 0; Size > 0) {
+                Result.append(Text.substr(0, Size));
+                Text.remove_prefix(Size);
+                continue;
+            }
+            const auto& [Utf8, IsDefined] = Characters[static_cast<unsigned char>(Text.front())];
             if (!IsDefined && Undefined == ubRefuse)
                 return false;
             Result.append(Utf8);
+            Text.remove_prefix(1);
         }
         return true;
     }

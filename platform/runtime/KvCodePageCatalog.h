@@ -23,6 +23,7 @@ public:
     /// Appends UTF-8 as text of this page; false when a character does not exist in it.
     virtual bool Encode(std::string_view Text, std::string& Result) const = 0;
     virtual bool IsUtf8() const { return false; }
+    virtual bool IsSingleByte() const { return false; } ///< Every byte is a character.
     /// True when text of this page is the same in UTF-8.
     virtual bool IsSameInUtf8(std::string_view) const { return false; }
 };

@@ -50,10 +50,9 @@ std::size_t SequenceSize(const char* First, const char* Last)
 
 } // namespace
 
-bool IsAscii(std::string_view Text)
+std::size_t AsciiSize(std::string_view Text)
 {
-    const char* const Last = Text.data() + Text.size();
-    return SkipAscii(Text.data(), Last) == Last;
+    return static_cast<std::size_t>(SkipAscii(Text.data(), Text.data() + Text.size()) - Text.data());
 }
 
 bool IsValidUtf8(std::string_view Text) { return ValidUtf8Size(Text) == Text.size(); }

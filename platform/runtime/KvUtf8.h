@@ -7,7 +7,10 @@
 
 namespace kv {
 
-bool IsAscii(std::string_view Text);
+/// The size of the longest front of `Text` that is ASCII.
+std::size_t AsciiSize(std::string_view Text);
+inline bool IsAscii(std::string_view Text) { return AsciiSize(Text) == Text.size(); }
+
 bool IsValidUtf8(std::string_view Text);
 
 /// The size of the longest front of `Text` that is valid.

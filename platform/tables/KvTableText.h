@@ -3,11 +3,12 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "KvVariant.h"
 
 namespace kv {
+
+class TCodePage;
 
 /// Makes process text of the texts of one file.
 class TKvTableText
@@ -17,7 +18,7 @@ public:
     TKvTableText() = default;
     /// `Name` is that of a page in the words of KvCodePage, empty when the file names none. Texts of a page
     /// that nobody knows can be converted only where they are ASCII.
-    explicit TKvTableText(std::string_view Name);
+    explicit TKvTableText(std::string_view Name) : PageName(Name) {}
 
     /// `Stored` as process text: itself where nothing changes, else a view of a buffer that the next call
     /// uses again. Bytes that the page leaves undefined become the characters that AnsiToUtf8 gives them.
@@ -28,10 +29,8 @@ public:
     TVariant Value(std::string_view Stored);
 
 private:
-    void FillCharacters();
-
-    std::string Page;                               // empty: nothing is converted
-    std::vector<std::string> Characters;            // UTF-8 of bytes 80 to FF, for a page of one byte a character
+    std::string PageName;                           // empty: nothing is converted
+    const TCodePage* Page = nullptr;                // of that name, once a text has needed it
     std::string Buffer;
 };
 

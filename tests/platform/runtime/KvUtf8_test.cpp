@@ -19,6 +19,7 @@ TEST(KvUtf8, TellsAscii)
         std::string Text(20, 'a');
         Text[I] = '\xFF';
         EXPECT_FALSE(IsAscii(Text)) << I;
+        EXPECT_EQ(AsciiSize(Text), I);
     }
 }
 
