@@ -25,7 +25,7 @@ TMdbRows::TMdbRows(const TMdbFile& TheFile, MdbCatalogEntry& Entry)
 {
     if (!Table)
         throw EFormatError("the definition of table " + std::string(Entry.object_name) + " cannot be read");
-    if (Table->num_cols > TAccessBounds::MaxFields)
+    if (Table->num_cols == 0 || Table->num_cols > TAccessBounds::MaxFields)
         RaiseDamaged("it claims to have " + std::to_string(Table->num_cols) + " fields");
     const auto* const Columns = mdb_read_columns(Table.get());
     if (!Columns || Columns->len != Table->num_cols)

@@ -212,6 +212,13 @@ TEST(KvMdbRows, FieldsLongerThanTheirRecordAreDamage)
     EXPECT_THAT(LinesOf(Bytes), ElementsAre(testing::StartsWith("[record 1 of table Orders is damaged: ")));
 }
 
+TEST(KvMdbRows, ATableWithoutFieldsIsDamage)
+{
+    TJetBuilder Builder;
+    EXPECT_THAT(LinesOf(Builder.Table(u"Orders").Record({})),
+                ElementsAre("[table Orders is damaged: it claims to have 0 fields]"));
+}
+
 TEST(KvMdbRows, AFieldWithoutANameIsDamage)
 {
     EXPECT_THAT(LinesOf(Orders().Field(u"", afLong)),
