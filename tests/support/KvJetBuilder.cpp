@@ -51,8 +51,7 @@ void Encode(std::string& Bytes, std::size_t Start, std::size_t Size, std::uint32
     }
 }
 
-/// Bytes that a field takes in the fixed part of a record; none: it stands in the variable part.
-std::optional<std::size_t> FixedSize(TAccessFieldType Type)
+std::optional<std::size_t> FixedSizeOf(TAccessFieldType Type)
 {
     switch (Type) {
     case afBoolean:  return 0;                      // is told by the mark of nulls
@@ -93,9 +92,19 @@ std::string JetDecimal(bool Negative, std::uint32_t A, std::uint32_t B, std::uin
     return TBytes().U8(Negative ? 0x80 : 0).U32(A).U32(B).U32(C).U32(D);
 }
 
+std::string JetCalculated(std::string_view Bytes)
+{
+    return TBytes().Zeros(16).U32(static_cast<std::uint32_t>(Bytes.size())).Text(Bytes).Zeros(3);
+}
+
 std::string JetInline(std::string_view Bytes)
 {
     return LongField(InlineFlag | static_cast<std::uint32_t>(Bytes.size()), 0).append(Bytes);
+}
+
+std::optional<std::size_t> TJetBuilder::TField::FixedSize() const
+{
+    return IsCalculated ? std::nullopt : FixedSizeOf(Type);
 }
 
 TJetBuilder::TJetBuilder(unsigned VersionByte) : Version(VersionByte), Pages(CatalogPage + 1) {}
@@ -127,6 +136,12 @@ TJetBuilder& TJetBuilder::Field(std::u16string_view Name, TAccessFieldType Type,
 TJetBuilder& TJetBuilder::Decimal(std::u16string_view Name, unsigned Precision, unsigned Scale)
 {
     Tables.back().Fields.push_back({Stored(Name), afDecimal, 17, Precision, Scale});
+    return *this;
+}
+
+TJetBuilder& TJetBuilder::Calculated()
+{
+    Tables.back().Fields.back().IsCalculated = true;
     return *this;
 }
 
@@ -204,11 +219,11 @@ std::string TJetBuilder::Row(const std::vector<TValue>& Values, const std::vecto
     for (std::size_t I = 0; I < Fields.size(); ++I) {
         if (Values[I])
             Marks[I / 8] |= static_cast<char>(1 << I % 8);
-        if (const auto Size = FixedSize(Fields[I].Type))
+        if (const auto Size = Fields[I].FixedSize())
             Fixed += (Values[I].value_or("") + std::string(*Size, '\0')).substr(0, *Size);
     }
     for (std::size_t I = 0; I < Fields.size(); ++I)
-        if (!FixedSize(Fields[I].Type)) {
+        if (!Fields[I].FixedSize()) {
             Starts.push_back(FixedStart + Fixed.size() + Variable.size());
             Variable += Values[I].value_or("");
         }
@@ -334,7 +349,7 @@ std::string TJetBuilder::Definition(const TTable& Table, unsigned MapRow) const
     const auto& Fields = Table.Fields;
     const auto Live = static_cast<unsigned>(std::ranges::count(Fields, false, &TField::IsDropped));
     const auto Variable = static_cast<unsigned>(
-        std::ranges::count_if(Fields, [](const TField& Field) { return !FixedSize(Field.Type); }));
+        std::ranges::count_if(Fields, [](const TField& Field) { return !Field.FixedSize(); }));
     const auto Deleted = std::ranges::count(Table.Rows, PointerFlag | TargetFlag, &TRow::Flags);
     const auto Records = Table.Counted.value_or(static_cast<std::uint32_t>(std::ssize(Table.Rows) - Deleted));
     const auto Kind = static_cast<unsigned>(Table.Flags != 0 ? 'S' : 'N');
@@ -343,7 +358,7 @@ std::string TJetBuilder::Definition(const TTable& Table, unsigned MapRow) const
     unsigned FixedStart = 0, VariableNumber = 0;
     for (unsigned Number = 0; Number < Fields.size(); ++Number) {
         const auto& Field = Fields[Number];
-        const auto Size = FixedSize(Field.Type);
+        const auto Size = Field.FixedSize();
         const unsigned Stored = Field.Type == afBoolean ? 1 : Size ? static_cast<unsigned>(*Size) : Field.Size;
         const unsigned Flags = Size ? 3 : 2;        // fixed; may be null
         if (!Field.IsDropped) {
@@ -351,7 +366,7 @@ std::string TJetBuilder::Definition(const TTable& Table, unsigned MapRow) const
                 Columns.U8(Field.Type).U16(Number).U16(VariableNumber).U16(Number).U32(0).U16(0).U8(Flags);
             else
                 Columns.U8(Field.Type).U32(0).U16(Number).U16(VariableNumber).U16(Number).U8(Field.Precision)
-                    .U8(Field.Scale).U16(0).U8(Flags).U8(0).U32(0);
+                    .U8(Field.Scale).U16(0).U8(Flags).U8(Field.IsCalculated ? 0xC0 : 0).U32(0);
             Columns.U16(Size ? FixedStart : 0).U16(Stored);
             const auto NameSize = static_cast<unsigned>(Field.Name.size());
             (IsJet3() ? Names.U8(NameSize) : Names.U16(NameSize)).Text(Field.Name);

@@ -19,6 +19,8 @@ std::string JetSingle(float Value);
 std::string JetText(std::u16string_view Text);      ///< Of Jet 4, not compressed.
 /// `Words` from the highest to the lowest.
 std::string JetDecimal(bool Negative, std::uint32_t A, std::uint32_t B, std::uint32_t C, std::uint32_t D);
+/// The value of a calculated field; `Bytes` are those of its type.
+std::string JetCalculated(std::string_view Bytes);
 /// A long value that stands in its record.
 std::string JetInline(std::string_view Bytes);
 
@@ -30,7 +32,7 @@ public:
     /// What a record has of a field: its bytes or, without any, null. For a Yes/No field any bytes are Yes.
     using TValue = std::optional<std::string>;
 
-    static constexpr unsigned Jet3 = 0, Jet4 = 1, Ace12 = 2;
+    static constexpr unsigned Jet3 = 0, Jet4 = 1, Ace12 = 2, Ace14 = 3;
 
     explicit TJetBuilder(unsigned Version = Jet4);
 
@@ -45,6 +47,8 @@ public:
     /// later on.
     TJetBuilder& Field(std::u16string_view Name, TAccessFieldType Type, unsigned Size = 0);
     TJetBuilder& Decimal(std::u16string_view Name, unsigned Precision, unsigned Scale);
+    /// Makes the last field one that Access calculates.
+    TJetBuilder& Calculated();
     /// Takes the field of that name away; the records keep what they have of it.
     TJetBuilder& DropField(std::u16string_view Name);
     /// One value for each field that the table ever had.
@@ -74,7 +78,10 @@ private:
         std::string Name;                           // as stored
         TAccessFieldType Type;
         unsigned Size, Precision, Scale;
-        bool IsDropped = false;
+        bool IsCalculated = false, IsDropped = false;
+
+        /// Bytes that it takes in the fixed part of a record; none: it stands in the variable part.
+        std::optional<std::size_t> FixedSize() const;
     };
     struct TTable
     {

@@ -5,6 +5,7 @@
 #include "KvAccessProtocol.h"
 #include "KvByteCursor.h"
 #include "KvException.h"
+#include "KvMdbCalculated.h"
 
 namespace kv {
 
@@ -33,6 +34,7 @@ TMdbRows::TMdbRows(const TMdbFile& TheFile, MdbCatalogEntry& Entry)
     for (std::size_t I = 0; I < FieldCount(); ++I)
         if (!TMdbFile::IsName(Column(I).name))
             RaiseDamaged("the name of field " + std::to_string(I + 1) + " cannot be read");
+    Calculated = FindCalculatedFields(File, *Table);
     mdb_rewind_table(Table.get());
 }
 

@@ -29,6 +29,8 @@ public:
 
     std::size_t FieldCount() const { return Table->num_cols; }
     const MdbColumn& Column(std::size_t Field) const;
+    /// Its values are stored as CalculatedValue takes them.
+    bool IsCalculated(std::size_t Field) const { return Calculated[Field]; }
     std::uint32_t RecordCount() const { return Table->num_rows; }
 
     /// Moves to the next record, at first to the first. False past the last one; raises there when the
@@ -55,6 +57,7 @@ private:
     const TMdbFile& File;
     MdbHandle* const Handle;
     std::unique_ptr<MdbTableDef, TFree> Table;
+    std::vector<bool> Calculated;                   // a flag a field
     std::vector<bool> Visited;                      // a flag a page of the file
     unsigned PageRows = 0, NextSlot = 0;            // of the current page
     std::uint32_t Number = 0;

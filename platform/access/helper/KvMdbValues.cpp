@@ -8,6 +8,7 @@
 #include "KvByteCursor.h"
 #include "KvCodePage.h"
 #include "KvException.h"
+#include "KvMdbCalculated.h"
 #include "KvMdbDecimal.h"
 #include "KvMdbLongValue.h"
 #include "KvMdbText.h"
@@ -79,7 +80,10 @@ void TMdbValues::WriteRecord(const TMdbRows& Rows)
 {
     for (std::size_t I = 0; I < Rows.FieldCount(); ++I) {
         try {
-            WriteValue(Rows.Column(I), Rows.Value(I));
+            if (Rows.IsCalculated(I))
+                WriteCalculated(Rows.Column(I), Rows.Value(I));
+            else
+                WriteValue(Rows.Column(I), Rows.Value(I));
         }
         catch (const Exception& Error) {
             Writer.Refused(Rows.Place() + ", field " + Rows.Column(I).name + ": " + Error.Message);
@@ -113,6 +117,19 @@ void TMdbValues::WriteValue(const MdbColumn& Column, const TMdbValue& Value)
     case afDecimal:  return WriteDecimal(Bytes, ScaleOf(Column));
     }
     throw Exception("values of type " + std::to_string(Column.col_type) + " cannot be read");
+}
+
+void TMdbValues::WriteCalculated(const MdbColumn& Column, const TMdbValue& Value)
+{
+    if (Value.IsNull)
+        return Column.col_type == afBoolean ? Writer.Boolean(false) : Writer.Null();
+    if (Column.col_type == afMemo)
+        return WriteText(CalculatedValue(ReadLongValue(File, Value.Bytes, LongValue)));
+    const auto Bytes = CalculatedValue(Value.Bytes);
+    if (Column.col_type == afBoolean)
+        Writer.Boolean(NumberOf<std::uint8_t>(Bytes) != 0);
+    else
+        WriteValue(Column, {.IsNull = false, .Bytes = Bytes});
 }
 
 void TMdbValues::WriteText(std::string_view Bytes)

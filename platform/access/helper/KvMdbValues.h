@@ -23,6 +23,7 @@ public:
 
 private:
     void WriteValue(const MdbColumn& Column, const TMdbValue& Value);
+    void WriteCalculated(const MdbColumn& Column, const TMdbValue& Value);
     void WriteText(std::string_view Bytes);
     void WriteDecimal(std::string_view Bytes, int Scale);
 

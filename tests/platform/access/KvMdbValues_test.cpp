@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <string>
 #include <vector>
@@ -185,6 +186,64 @@ TEST(KvMdbValues, DecimalsHaveTheScaleOfTheirField)
     EXPECT_THAT(ValuesOf(Builder),
                 ElementsAre("currency -1234500", "integer -7", "text -0.0000000000000000000000000001",
                             "currency 5000", "null", "null", "null", "null"));
+}
+
+TEST(KvMdbValues, CalculatedValuesAreTakenOutOfTheirForm)
+{
+    TJetBuilder Builder(TJetBuilder::Ace14);
+    Builder.Table(u"T").Field(u"GONE", afLong).Field(u"L", afLong).Calculated().Field(u"A", afText, 20);
+    Builder.Field(u"T", afText, 255)
+        .Calculated()
+        .Field(u"B", afBoolean)
+        .Calculated()
+        .Field(u"M", afMemo)
+        .Calculated();
+    Builder.DropField(u"GONE");
+    const auto Long = Builder.OnPages(JetCalculated(JetText(u"a long one")), 10);
+    Builder.Record({{},
+                    JetCalculated(JetLong(-7)),
+                    JetText(u"a"),
+                    JetCalculated(JetText(u"t")),
+                    JetCalculated("\xFF"),
+                    Long});
+    Builder.Record(
+        {{}, JetCalculated("xy"), {}, {}, JetCalculated("\0"s), JetInline(JetCalculated(JetText(u"m")))});
+    Builder.Record({{}, {}, {}, "cut", {}, {}});
+    EXPECT_THAT(
+        ValuesOf(Builder),
+        ElementsAre(
+            "integer -7", "text a", "text t", "True", "text a long one",
+            "[record 2 of table T, field L: its value is damaged: it takes 2 bytes instead of 4]", "null",
+            "null", "False", "text m", "null", "null",
+            "[record 3 of table T, field T: its calculated value is damaged: its beginning is cut off]",
+            "False", "null"));
+}
+
+TEST(KvMdbValues, BeforeAccess2010NoFieldIsCalculated)
+{
+    TJetBuilder Builder(TJetBuilder::Ace12);
+    Builder.Table(u"T").Field(u"T", afText, 100).Calculated().Record({JetText(u"plain text of some length")});
+    EXPECT_THAT(ValuesOf(Builder), ElementsAre("text plain text of some length"));
+}
+
+TEST(KvMdbValues, CalculatedFieldsAreFoundInADefinitionOfSeveralPages)
+{
+    TJetBuilder Builder(TJetBuilder::Ace14);
+    Builder.Table(u"T");
+    std::vector<TBuilder::TValue> Values;
+    for (int I = 0; I < 200; ++I) {
+        Builder.Field(u"FIELD" + std::u16string(1, static_cast<char16_t>(u'\u4E00' + I)), afText, 40);
+        if (I % 2 == 1)
+            Builder.Calculated();
+        Values.push_back(I % 2 == 1 ? TBuilder::TValue(JetCalculated("\xFF\xFE"
+                                                                     "c"))
+                                    : TBuilder::TValue("\xFF\xFE"
+                                                       "p"));
+    }
+    const auto Found = ValuesOf(Builder.Record(Values));
+    ASSERT_EQ(Found.size(), 200);
+    EXPECT_EQ(std::ranges::count(Found, "text p"), 100);
+    EXPECT_EQ(std::ranges::count(Found, "text c"), 100);
 }
 
 TEST(KvMdbValues, ATypeThatIsNotKnownHasNoValues)
