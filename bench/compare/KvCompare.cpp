@@ -43,6 +43,7 @@ bool Compare(const TSettings& Settings)
                                      {"keyed", &TComparison::CompareKeyed},
                                      {"markup", &TComparison::CompareMarkup},
                                      {"spreadsheets", &TComparison::CompareSpreadSheets},
+                                     {"tables", &TComparison::CompareTables},
                                      {"access", &TComparison::CompareAccess},
                                      {"growth", &TComparison::MeasureGrowth}};
     TWorkspace Workspace(Settings.Parent, Settings.Programs.Yardstick);
@@ -68,7 +69,7 @@ int main(int Count, char** Arguments)
                  "nothing; status 1 means that a program failed or that two left different tables.");
     App.option_defaults()->always_capture_default();
     App.add_option("sections", Settings.Sections, "What to measure; everything by default")
-        ->check(CLI::IsMember({"append", "fixed", "keyed", "markup", "spreadsheets", "access", "growth"}));
+        ->check(CLI::IsMember({"append", "fixed", "keyed", "markup", "spreadsheets", "tables", "access", "growth"}));
     App.add_option("--rows", Settings.Rows, "Rows to append, and of the table that keyed records change");
     App.add_option("--keyed-rows", Settings.KeyedRows, "Keyed records, at most twice --rows");
     App.add_option("--access", Settings.AccessFile,

@@ -1,7 +1,6 @@
 // The section "access" of TComparison.
 #include <cstdio>
 
-#include "KvCompareProcess.h"
 #include "KvCompareSections.h"
 
 namespace kv::bench {
@@ -15,11 +14,9 @@ void TComparison::CompareAccess()
     const TPair Pair{Settings.AccessFile, {}, olDelimited};
     TContest Contest{"append the orders of an Access database", Workspace.Table(okPlain, 0),
                      {Contestant("kvimport", KvImportAccessCommand, wkAppend, Pair)}};
-    if (IsInstalled("mdb-export"))
+    if (IsThere("mdb-export", "mdbtools"))
         Contest.Contestants.push_back(
             Contestant("mdb-export, sqlite3 .import", MdbExportIntoSqlite3Command, wkAppend, Pair, 1));
-    else
-        std::printf("\nmdb-export (Debian package mdbtools) is not installed: left out\n");
     Judge(Contest);
 }
 

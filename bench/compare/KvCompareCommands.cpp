@@ -53,6 +53,18 @@ TCommand ThroughIncoming(const TPrograms& Programs, TWork Work, const TPair& Pai
             FromIncomingSql(Work)};
 }
 
+TCommand OgrCommand(const std::string& How, const TPair& Pair)
+{
+    return {"ogr2ogr", "-f", "SQLite", How, Pair.Database, Pair.File, "-nln", "orders"};
+}
+
+/// An ogr2ogr that writes in one transaction and does not wait for the disk.
+TCommand Quickly(TCommand Command)
+{
+    Command.insert(Command.end(), {"-gt", "unlimited", "--config", "OGR_SQLITE_SYNCHRONOUS", "OFF"});
+    return Command;
+}
+
 } // namespace
 
 std::string NameOf(TWork Work)
@@ -123,6 +135,26 @@ TCommand MdbExportIntoSqlite3Command(const TPrograms& Programs, TWork, const TPa
 {
     return {Programs.Sqlite3, "-bail", Pair.Database,
             ".import --csv '|mdb-export -H -D %Y-%m-%d -T %Y-%m-%d \"" + Pair.File.string() + "\" orders' orders"};
+}
+
+TCommand OgrAppendCommand(const TPrograms&, TWork, const TPair& Pair)
+{
+    return OgrCommand("-append", Pair);
+}
+
+TCommand OgrQuickAppendCommand(const TPrograms& Programs, TWork Work, const TPair& Pair)
+{
+    return Quickly(OgrAppendCommand(Programs, Work, Pair));
+}
+
+TCommand OgrOverwriteCommand(const TPrograms&, TWork, const TPair& Pair)
+{
+    return OgrCommand("-overwrite", Pair);
+}
+
+TCommand OgrQuickOverwriteCommand(const TPrograms& Programs, TWork Work, const TPair& Pair)
+{
+    return Quickly(OgrOverwriteCommand(Programs, Work, Pair));
 }
 
 TCommand YardstickCommand(const TPrograms& Programs, TWork Work, const TPair& Pair)

@@ -59,6 +59,13 @@ TCommand SsConvertCommand(const TPrograms& Programs, TWork Work, const TPair& Pa
 /// The first of them, from which the sqlite3 tool appends to the table "orders".
 TCommand Xls2CsvIntoSqlite3Command(const TPrograms& Programs, TWork Work, const TPair& Pair);
 
+// ogr2ogr appends the rows of a dBase table to the table "orders", or makes a table of its own in its place; the
+// quick ones in one transaction and without waiting for the disk.
+TCommand OgrAppendCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
+TCommand OgrQuickAppendCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
+TCommand OgrOverwriteCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
+TCommand OgrQuickOverwriteCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
+
 /// mdbtools exports the table "orders" of an Access database as CSV, the sqlite3 tool appends it.
 TCommand MdbExportIntoSqlite3Command(const TPrograms& Programs, TWork Work, const TPair& Pair);
 

@@ -1,8 +1,20 @@
 #include "KvCompareSections.h"
 
+#include <cstdio>
+
+#include "KvCompareProcess.h"
+
 namespace kv::bench {
 
 namespace fs = std::filesystem;
+
+bool TComparison::IsThere(const std::string& Program, const std::string& Package)
+{
+    const bool Found = IsInstalled(Program);
+    if (!Found)
+        std::printf("\n%s (Debian package %s) is not installed: left out\n", Program.c_str(), Package.c_str());
+    return Found;
+}
 
 TContestant TComparison::Contestant(const std::string& Name, TMakeCommand Make, TWork Work, const TPair& Pair,
                                     double Target) const

@@ -38,6 +38,7 @@ public:
     void CompareKeyed();
     void CompareMarkup();
     void CompareSpreadSheets();
+    void CompareTables();
     void CompareAccess();
     void MeasureGrowth();
 
@@ -45,6 +46,8 @@ public:
     bool Good() const { return AllGood; }
 
 private:
+    /// Whether a program is installed; says that it is left out when it is not.
+    static bool IsThere(const std::string& Program, const std::string& Package);
     TContestant Contestant(const std::string& Name, TMakeCommand Make, TWork Work, const TPair& Pair,
                            double Target = 0) const;
     TOutcome Judge(const TContest& Contest);
@@ -54,6 +57,8 @@ private:
     void CompareWorkbookLoad();
     void CompareWorkbookImport();
     void CompareWorksheetLoad();
+    void CompareDbase();
+    void CompareParadox();
     void AddGrowth(TWork Work, TOrderKey Key, const std::vector<std::uint64_t>& Sizes,
                    std::vector<TGrowthLine>& Lines);
 

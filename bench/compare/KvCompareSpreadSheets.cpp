@@ -1,9 +1,7 @@
 // The section "spreadsheets" of TComparison.
-#include <cstdio>
 #include <string>
 #include <utility>
 
-#include "KvCompareProcess.h"
 #include "KvCompareSections.h"
 
 namespace kv::bench {
@@ -13,15 +11,6 @@ namespace {
 constexpr std::uint64_t WorkbookRows = 65'000;      // near the most that a sheet holds
 constexpr std::uint64_t WorksheetRows = 8'191;
 constexpr std::uint64_t MaxWorkbookMemory = 150'000'000;
-
-/// Says so when it is not.
-bool IsThere(const std::string& Program, const std::string& Package)
-{
-    const bool Found = IsInstalled(Program);
-    if (!Found)
-        std::printf("\n%s (Debian package %s) is not installed: left out\n", Program.c_str(), Package.c_str());
-    return Found;
-}
 
 } // namespace
 

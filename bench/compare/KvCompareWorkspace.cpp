@@ -12,6 +12,7 @@
 
 #include "KvBenchSheetOrders.h"
 #include "KvBenchSql.h"
+#include "KvBenchTables.h"
 #include "KvBenchWorkbook.h"
 #include "KvCompareProcess.h"
 
@@ -84,6 +85,16 @@ fs::path TWorkspace::SheetOrders(std::uint64_t Rows)
 fs::path TWorkspace::SheetTable()
 {
     return Made("sheet-orders.db", [&](const fs::path& File) { TSqlDatabase(File).Execute(CreateSheetOrdersSql()); });
+}
+
+fs::path TWorkspace::ParadoxTable(std::uint64_t Rows)
+{
+    return Made("orders.db", [&](const fs::path& File) { Write(File, MakeParadoxTable, Rows); });
+}
+
+fs::path TWorkspace::DbaseTable(std::uint64_t Rows)
+{
+    return Made("orders.dbf", [&](const fs::path& File) { Write(File, MakeDbaseTable, Rows); });
 }
 
 fs::path TWorkspace::Table(TOrderKey Key, std::uint64_t Rows)

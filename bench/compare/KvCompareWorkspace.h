@@ -32,6 +32,10 @@ public:
     /// A database with an empty table for those rows.
     std::filesystem::path SheetTable();
 
+    /// See KvBenchTables.
+    std::filesystem::path ParadoxTable(std::uint64_t Rows);
+    std::filesystem::path DbaseTable(std::uint64_t Rows);
+
     /// A database with the orders 1 to `Rows`, not to be changed.
     std::filesystem::path Table(TOrderKey Key, std::uint64_t Rows);
 
