@@ -1,13 +1,10 @@
 #include "KvJetBuilder.h"
 
 #include <algorithm>
-#include <array>
-#include <bit>
-#include <numeric>
 #include <stdexcept>
-#include <utility>
 
 #include "KvBytes.h"
+#include "KvJetPage.h"
 
 namespace kv {
 
@@ -18,38 +15,9 @@ constexpr std::uint32_t MapPage = 1, CatalogPage = 2;
 constexpr std::uint32_t LongValueOwner = 0x4C41564C; // "LVAL"
 constexpr std::size_t MapSize = 64;                 // bytes, a bit a page
 constexpr unsigned PointerFlag = 0x4000, TargetFlag = 0x8000; // of a slot; both together: deleted
-constexpr std::uint32_t InlineFlag = 0x80000000, OnePageFlag = 0x40000000;
+constexpr std::uint32_t OnePageFlag = 0x40000000;   // of a long value
 constexpr std::uint32_t HeaderKey = 0x6B39DAC7;     // of the header's encoded part
 constexpr std::size_t EncodedStart = 0x18;
-
-void Put(std::string& Bytes, std::size_t Offset, std::string_view Part)
-{
-    Bytes.replace(Offset, Part.size(), Part);
-}
-
-unsigned U16At(std::string_view Bytes, std::size_t Offset)
-{
-    return static_cast<unsigned char>(Bytes[Offset]) |
-           static_cast<unsigned>(static_cast<unsigned char>(Bytes[Offset + 1])) << 8;
-}
-
-/// RC4, which is its own inverse.
-void Encode(std::string& Bytes, std::size_t Start, std::size_t Size, std::uint32_t Key)
-{
-    const std::string KeyBytes = TBytes().U32(Key);
-    std::array<unsigned char, 256> State;
-    std::iota(State.begin(), State.end(), static_cast<unsigned char>(0));
-    for (std::size_t I = 0, J = 0; I < 256; ++I) {
-        J = (J + State[I] + static_cast<unsigned char>(KeyBytes[I % 4])) % 256;
-        std::swap(State[I], State[J]);
-    }
-    for (std::size_t Position = Start, I = 0, J = 0; Position < Start + Size; ++Position) {
-        I = (I + 1) % 256;
-        J = (J + State[I]) % 256;
-        std::swap(State[I], State[J]);
-        Bytes[Position] ^= static_cast<char>(State[(State[I] + State[J]) % 256]);
-    }
-}
 
 std::optional<std::size_t> FixedSizeOf(TAccessFieldType Type)
 {
@@ -70,37 +38,7 @@ std::optional<std::size_t> FixedSizeOf(TAccessFieldType Type)
     }
 }
 
-std::string LongField(std::uint32_t SizeAndKind, std::uint32_t Place)
-{
-    return TBytes().U32(SizeAndKind).U32(Place).U32(0);
-}
-
 } // namespace
-
-std::string JetLong(std::int64_t Value, int Size)
-{
-    const auto Bits = std::bit_cast<std::array<char, 8>>(Value);
-    return std::string(Bits.data(), static_cast<std::size_t>(Size));
-}
-
-std::string JetDouble(double Value) { return TBytes().F64(Value); }
-std::string JetSingle(float Value) { return TBytes().U32(std::bit_cast<std::uint32_t>(Value)); }
-std::string JetText(std::u16string_view Text) { return TBytes().Text(Text); }
-
-std::string JetDecimal(bool Negative, std::uint32_t A, std::uint32_t B, std::uint32_t C, std::uint32_t D)
-{
-    return TBytes().U8(Negative ? 0x80 : 0).U32(A).U32(B).U32(C).U32(D);
-}
-
-std::string JetCalculated(std::string_view Bytes)
-{
-    return TBytes().Zeros(16).U32(static_cast<std::uint32_t>(Bytes.size())).Text(Bytes).Zeros(3);
-}
-
-std::string JetInline(std::string_view Bytes)
-{
-    return LongField(InlineFlag | static_cast<std::uint32_t>(Bytes.size()), 0).append(Bytes);
-}
 
 std::optional<std::size_t> TJetBuilder::TField::FixedSize() const
 {
@@ -177,7 +115,7 @@ TJetBuilder& TJetBuilder::Counted(std::uint32_t Records)
 
 std::string TJetBuilder::OnOnePage(std::string_view Bytes)
 {
-    return LongField(OnePageFlag | static_cast<std::uint32_t>(Bytes.size()), LongRow(Bytes));
+    return JetLongValue(OnePageFlag | static_cast<std::uint32_t>(Bytes.size()), LongRow(Bytes));
 }
 
 /// From the last piece to the first: each has the place of the next.
@@ -187,20 +125,19 @@ std::string TJetBuilder::OnPages(std::string_view Bytes, std::size_t PieceSize)
     for (auto Start = (Bytes.size() - 1) / PieceSize * PieceSize;; Start -= PieceSize) {
         Next = LongRow(TBytes().U32(Next).Text(Bytes.substr(Start, PieceSize)).Str());
         if (Start == 0)
-            return LongField(static_cast<std::uint32_t>(Bytes.size()), Next);
+            return JetLongValue(static_cast<std::uint32_t>(Bytes.size()), Next);
     }
 }
 
 /// Its place: the page, and the slot in the low byte.
 std::uint32_t TJetBuilder::LongRow(std::string_view Bytes)
 {
-    if (Pages.back().empty() || !AddRow(Pages.back(), Bytes)) {
-        Pages.push_back(EmptyPage(DataPage, LongValueOwner));
-        if (!AddRow(Pages.back(), Bytes))
+    if (Pages.back().empty() || !AddJetRow(Pages.back(), Bytes)) {
+        Pages.push_back(EmptyJetPage(PageSize(), DataPage, LongValueOwner));
+        if (!AddJetRow(Pages.back(), Bytes))
             throw std::length_error("a piece of a long value does not fit on a page");
     }
-    const auto Slot = U16At(Pages.back(), SlotsStart() - 2) - 1;
-    return static_cast<std::uint32_t>(Pages.size() - 1) << 8 | Slot;
+    return LastJetRow(Pages.back(), Pages.size() - 1);
 }
 
 std::string TJetBuilder::Stored(std::u16string_view Name) const
@@ -242,33 +179,11 @@ std::string TJetBuilder::Row(const std::vector<TValue>& Values, const std::vecto
     return Row.Text(Marks);
 }
 
-std::string TJetBuilder::EmptyPage(unsigned Kind, std::uint32_t Owner) const
-{
-    std::string Page = TBytes().U8(Kind).U8(1).U16(0).U32(Owner);
-    Page.resize(PageSize());
-    return Page;
-}
-
-/// False when it does not fit. Rows stand at the end of their page, the first one last.
-bool TJetBuilder::AddRow(std::string& Page, std::string_view Row, unsigned Flags) const
-{
-    const auto Count = U16At(Page, SlotsStart() - 2);
-    const std::size_t Slot = SlotsStart() + 2 * Count;
-    const std::size_t End = Count > 0 ? U16At(Page, Slot - 2) & 0x1FFF : PageSize();
-    if (Slot + 2 + Row.size() > End)
-        return false;
-    const auto Start = End - Row.size();
-    Put(Page, Start, Row);
-    Put(Page, Slot, TBytes().U16(static_cast<unsigned>(Start) | Flags));
-    Put(Page, SlotsStart() - 2, TBytes().U16(Count + 1));
-    return true;
-}
-
 std::string TJetBuilder::Build() const
 {
     auto All = Pages;
     All[0] = Header();
-    All[MapPage] = EmptyPage(DataPage, 0);
+    All[MapPage] = EmptyJetPage(PageSize(), DataPage, 0);
     std::vector<std::uint32_t> DefinitionPages;
     for (const auto& Table : Tables) {
         const auto MapRow = static_cast<unsigned>(2 * DefinitionPages.size());
@@ -281,7 +196,7 @@ std::string TJetBuilder::Build() const
     std::string File;
     for (std::uint32_t Number = 0; Number < All.size(); ++Number) {
         if (Key != 0 && Number > 0)
-            Encode(All[Number], 0, PageSize(), Key ^ Number);
+            EncodeJet(All[Number], 0, PageSize(), Key ^ Number);
         File += All[Number];
     }
     return File;
@@ -292,9 +207,9 @@ std::string TJetBuilder::Header() const
     std::string Page =
         TBytes().U32(0x100).Text(Version < Ace12 ? "Standard Jet DB" : "Standard ACE DB").U8(0).U32(Version);
     Page.resize(PageSize());
-    Put(Page, 0x3C, TBytes().U16(CodePageNumber));
-    Put(Page, 0x3E, TBytes().U32(Key));
-    Encode(Page, EncodedStart, IsJet3() ? 126 : 128, HeaderKey);
+    PutBytes(Page, 0x3C, TBytes().U16(CodePageNumber));
+    PutBytes(Page, 0x3E, TBytes().U32(Key));
+    EncodeJet(Page, EncodedStart, IsJet3() ? 126 : 128, HeaderKey);
     return Page;
 }
 
@@ -308,17 +223,18 @@ void TJetBuilder::AddTable(TPages& All, const TTable& Table, unsigned MapRow, st
     auto Last = Page;
     for (auto Start = PageSize(); Start < Whole.size(); Start += PageSize() - HeadSize) {
         const auto Next = static_cast<std::uint32_t>(All.size());
-        Put(All[Last], 4, TBytes().U32(Next));
+        PutBytes(All[Last], 4, TBytes().U32(Next));
         Last = Next;
-        All.push_back(EmptyPage(DefinitionPage, 0));
-        Put(All.back(), HeadSize, std::string_view(Whole).substr(Start, PageSize() - HeadSize));
+        All.push_back(EmptyJetPage(PageSize(), DefinitionPage, 0));
+        PutBytes(All.back(), HeadSize, std::string_view(Whole).substr(Start, PageSize() - HeadSize));
     }
     const auto FirstPage = static_cast<std::uint32_t>(All.size());
     const auto Count = AddRecords(All, Table, Page);
     std::string Map = TBytes().U8(0).U32(FirstPage).Zeros(MapSize);
     for (std::uint32_t I = 0; I < Count; ++I)
         Map[5 + I / 8] |= static_cast<char>(1 << I % 8);
-    if (Count > 8 * MapSize || !AddRow(All[MapPage], Map) || !AddRow(All[MapPage], std::string(5 + MapSize, '\0')))
+    if (Count > 8 * MapSize || !AddJetRow(All[MapPage], Map) ||
+        !AddJetRow(All[MapPage], std::string(5 + MapSize, '\0')))
         throw std::length_error("a map of pages does not fit");
 }
 
@@ -327,12 +243,12 @@ std::uint32_t TJetBuilder::AddRecords(TPages& All, const TTable& Table, std::uin
 {
     const auto First = All.size();
     const auto Add = [&](std::string_view Row, unsigned Flags) {
-        if (All.size() == First || !AddRow(All.back(), Row, Flags)) {
-            All.push_back(EmptyPage(DataPage, Owner));
-            if (!AddRow(All.back(), Row, Flags))
+        if (All.size() == First || !AddJetRow(All.back(), Row, Flags)) {
+            All.push_back(EmptyJetPage(PageSize(), DataPage, Owner));
+            if (!AddJetRow(All.back(), Row, Flags))
                 throw std::length_error("a record does not fit on a page");
         }
-        return static_cast<std::uint32_t>(All.size() - 1) << 8 | (U16At(All.back(), SlotsStart() - 2) - 1);
+        return LastJetRow(All.back(), All.size() - 1);
     };
     for (const auto& Row : Table.Rows) {
         auto Place = Add(Row.Bytes, Row.Flags);
@@ -358,20 +274,12 @@ std::string TJetBuilder::Definition(const TTable& Table, unsigned MapRow) const
     unsigned FixedStart = 0, VariableNumber = 0;
     for (unsigned Number = 0; Number < Fields.size(); ++Number) {
         const auto& Field = Fields[Number];
-        const auto Size = Field.FixedSize();
-        const unsigned Stored = Field.Type == afBoolean ? 1 : Size ? static_cast<unsigned>(*Size) : Field.Size;
-        const unsigned Flags = Size ? 3 : 2;        // fixed; may be null
         if (!Field.IsDropped) {
-            if (IsJet3())
-                Columns.U8(Field.Type).U16(Number).U16(VariableNumber).U16(Number).U32(0).U16(0).U8(Flags);
-            else
-                Columns.U8(Field.Type).U32(0).U16(Number).U16(VariableNumber).U16(Number).U8(Field.Precision)
-                    .U8(Field.Scale).U16(0).U8(Flags).U8(Field.IsCalculated ? 0xC0 : 0).U32(0);
-            Columns.U16(Size ? FixedStart : 0).U16(Stored);
-            const auto NameSize = static_cast<unsigned>(Field.Name.size());
-            (IsJet3() ? Names.U8(NameSize) : Names.U16(NameSize)).Text(Field.Name);
+            Columns.Text(Column(Field, Number, FixedStart, VariableNumber));
+            const auto Size = static_cast<unsigned>(Field.Name.size());
+            (IsJet3() ? Names.U8(Size) : Names.U16(Size)).Text(Field.Name);
         }
-        if (Size)
+        if (const auto Size = Field.FixedSize())
             FixedStart += static_cast<unsigned>(*Size);
         else
             ++VariableNumber;
@@ -387,6 +295,25 @@ std::string TJetBuilder::Definition(const TTable& Table, unsigned MapRow) const
     Rest.Text(Columns).Text(Names).U16(0xFFFF);
     const auto Size = static_cast<std::uint32_t>(Rest.Str().size());
     return TBytes().U8(DefinitionPage).U8(1).U16(0).U32(0).U32(Size).Text(Rest);
+}
+
+/// Of a definition; `FixedStart` and `VariableNumber` count what is before it in a record.
+std::string TJetBuilder::Column(const TField& Field, unsigned Number, unsigned FixedStart,
+                                unsigned VariableNumber) const
+{
+    const auto Fixed = Field.FixedSize();
+    const unsigned Size = Field.Type == afBoolean ? 1 : Fixed ? static_cast<unsigned>(*Fixed) : Field.Size;
+    const unsigned Flags = Fixed ? 3 : 2;           // fixed; may be null
+    TBytes Column;
+    Column.U8(Field.Type);
+    if (!IsJet3())
+        Column.U32(0);
+    Column.U16(Number).U16(VariableNumber).U16(Number);
+    if (IsJet3())
+        Column.Zeros(6).U8(Flags);
+    else
+        Column.U8(Field.Precision).U8(Field.Scale).U16(0).U8(Flags).U8(Field.IsCalculated ? 0xC0 : 0).U32(0);
+    return Column.U16(Fixed ? FixedStart : 0).U16(Size);
 }
 
 /// MSysObjects, with a record for each table, itself included.

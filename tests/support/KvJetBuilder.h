@@ -9,20 +9,9 @@
 #include <vector>
 
 #include "KvAccessTypes.h"
+#include "KvJetValues.h"
 
 namespace kv {
-
-// Values as a record stores them.
-std::string JetLong(std::int64_t Value, int Size = 4); ///< Also amounts, of 8 bytes.
-std::string JetDouble(double Value);                ///< Also days of a date.
-std::string JetSingle(float Value);
-std::string JetText(std::u16string_view Text);      ///< Of Jet 4, not compressed.
-/// `Words` from the highest to the lowest.
-std::string JetDecimal(bool Negative, std::uint32_t A, std::uint32_t B, std::uint32_t C, std::uint32_t D);
-/// The value of a calculated field; `Bytes` are those of its type.
-std::string JetCalculated(std::string_view Bytes);
-/// A long value that stands in its record.
-std::string JetInline(std::string_view Bytes);
 
 /// A database with the tables and records that a test asks for. Valid as built; a test that wants damage
 /// changes bytes of the result.
@@ -95,15 +84,13 @@ private:
     using TPages = std::vector<std::string>;
 
     bool IsJet3() const { return Version == Jet3; }
-    std::size_t SlotsStart() const { return IsJet3() ? 10 : 14; }
     std::string Stored(std::u16string_view Name) const;
     std::string Row(const std::vector<TValue>& Values, const std::vector<TField>& Fields) const;
 
-    std::string EmptyPage(unsigned Kind, std::uint32_t Owner) const;
-    bool AddRow(std::string& Page, std::string_view Row, unsigned Flags = 0) const;
     std::uint32_t LongRow(std::string_view Bytes);
     std::string Header() const;
     std::string Definition(const TTable& Table, unsigned MapRow) const;
+    std::string Column(const TField& Field, unsigned Number, unsigned FixedStart, unsigned VariableNumber) const;
     void AddTable(TPages& All, const TTable& Table, unsigned MapRow, std::uint32_t Page) const;
     std::uint32_t AddRecords(TPages& All, const TTable& Table, std::uint32_t Owner) const;
     TTable Catalog(const std::vector<std::uint32_t>& DefinitionPages) const;
