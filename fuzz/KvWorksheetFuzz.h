@@ -32,6 +32,9 @@ template <class TReader> TWorksheetFigures CountEvents(const std::string& Name, 
     Reader.OnColumnWidth = [](auto&, int Sheet, int Column, int Width) {
         Require(Sheet == 0 && Column >= 0 && Column < 256 && Width >= 0 && Width < 256);
     };
+    Reader.OnDimensions = [](auto&, int Sheet, int FirstRow, int, int FirstColumn, int) {
+        Require(Sheet == 0 && FirstRow >= 0 && FirstColumn >= 0);
+    };
     Reader.OnCellValue = [&](auto&, int Sheet, int Row, int Column, const TVariant& Value, TAlignment) {
         Require(Sheet == 0 && Row >= 0 && Row < 0x10000 && Column >= 0 && Column < 0x10000);
         Figures.TextBytes += Value.Text().size();

@@ -26,11 +26,11 @@ enum TSpreadSheetExtension {
     seFileCodePage,
     /// Integers of worksheets are signed. Without it -1 is 65535.
     seSignedIntegers,
-    /// Every cell record of an Excel file is read, whatever its size and by the layout that its version, told
-    /// by its first record, gives it, and so are shared strings with phonetic text or with runs of rich text
-    /// that go on in another record, and all sheets of a workbook outside a compound document. Parts of a
-    /// workbook that are no worksheets, such as charts, are passed over and take no name from one that is.
-    /// Without it Kvxls says what is read, and how.
+    /// Every cell record of an Excel file is read: of any size, and by the layout of the version that its
+    /// first record tells. Read are also shared strings with phonetic text, or with runs of rich text that go
+    /// on in another record, and all sheets of a workbook outside a compound document. Parts of a workbook
+    /// that are no worksheets, such as charts, are passed over and take no name from one that is. Without it
+    /// Kvxls says what is read, and how.
     seCellRecords
 };
 using TSpreadSheetExtensions = TSet<TSpreadSheetExtension>;
