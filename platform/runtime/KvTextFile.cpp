@@ -28,6 +28,12 @@ const TMark* FindMark(std::string_view Text)
 
 } // namespace
 
+std::string_view WithoutByteOrderMark(std::string_view Text)
+{
+    const auto* const Found = FindMark(Text);
+    return Found ? Text.substr(Found->Bytes.size()) : Text;
+}
+
 TKvTextFile::TKvTextFile(const std::string& FileName, TKvByteOrderMark Mark, std::size_t MaxSize,
                          const std::function<bool()>& Continue)
 {

@@ -17,6 +17,9 @@ enum TKvByteOrderMark {
     bmTellsEncoding                                 ///< It is no text; UTF-8 and UTF-16 become process text.
 };
 
+/// `Text` without the byte order mark that it may begin with.
+std::string_view WithoutByteOrderMark(std::string_view Text);
+
 /// Looks in the beginning of a text for the name of its encoding: an answer that holds as long as the text,
 /// empty when there is none.
 using TKvFindEncoding = std::string_view (*)(std::string_view Text);

@@ -40,6 +40,13 @@ TEST(KvTextFile, AMarkIsTextUnlessItTellsTheEncoding)
     EXPECT_EQ(TKvTextFile(File, bmTellsEncoding).Text(), "abc");
 }
 
+TEST(KvTextFile, AMarkIsLeftOutWhereverATextComesFrom)
+{
+    for (const auto& Mark : {""s, "\xEF\xBB\xBF"s, "\xFF\xFE"s, "\xFE\xFF"s})
+        EXPECT_EQ(WithoutByteOrderMark(Mark + "abc"), "abc");
+    EXPECT_EQ(WithoutByteOrderMark("\xEF\xBB"), "\xEF\xBB");
+}
+
 TEST(KvTextFile, ReadsAllOfAUtf16FileSoThatNoCharacterIsCut)
 {
     const TTempFolder Folder;
