@@ -68,18 +68,14 @@ std::size_t EstimateLines(std::string_view Text, std::string_view Separator)
     return std::min(InSample * Samples, Text.size() / sizeof(std::string_view));
 }
 
-/// Cuts lines up to number `RowLast`: the first becomes `FirstLine`, those from `RowFirst` on go to
-/// `Keep`. `Continue`, when given, is asked every few megabytes; false ends it with answer false.
-template <class TKeep>
-bool SelectLines(TKvTextLines& Lines, int RowFirst, int RowLast, std::string_view& FirstLine,
-                 const std::function<bool()>& Continue, TKeep Keep)
+/// Gives number and text of each line up to `LastLine`, and of line 1, to `Take`. `Continue`, when given, is
+/// asked every few megabytes; false ends it with answer false.
+template <class TTake>
+bool CutLines(TKvTextLines& Lines, int LastLine, const std::function<bool()>& Continue, TTake Take)
 {
     std::size_t NextPoll = PollBytes;
-    for (std::int64_t Number = 1; Number <= std::max(RowLast, 1) && Lines.Next(); ++Number) {
-        if (Number == 1)
-            FirstLine = Lines.Line();
-        if (RowFirst <= Number && Number <= RowLast)
-            Keep(Lines.Line());
+    for (std::int64_t Number = 1; Number <= std::max(LastLine, 1) && Lines.Next(); ++Number) {
+        Take(Number, Lines.Line());
         if (Lines.Offset() < NextPoll)
             continue;
         NextPoll = Lines.Offset() + PollBytes;
@@ -176,7 +172,7 @@ void TKvImportFromText::Unload()
 {
     FieldPositions.reset();
     Lines = {};
-    CurrentLine = FirstLine = {};
+    CurrentLine = FirstLine = Header = {};
     File.reset();
 }
 
@@ -185,7 +181,7 @@ void TKvImportFromText::Load(int LastLine, std::size_t MaxSize)
     Unload();                                       // a run that an exception ended left its lines behind
     Columns.Clear();
     CurrentRow = 0;
-    HeaderFields = 0;
+    ComparedFields = 0;
     FFieldCounts = {};
     const auto Mark = Extensions.Contains(xtByteOrderMark) ? bmTellsEncoding : bmIsText;
     File.emplace(SourceFileName, Mark, MaxSize, [this] { return KeepsRunning(); });
@@ -193,10 +189,16 @@ void TKvImportFromText::Load(int LastLine, std::size_t MaxSize)
     if (Fixed)
         return;
     FieldPositions.emplace(FieldCutter());
-    if (RowFirst > 1) {
-        FieldPositions->Split(FirstLine);
-        HeaderFields = FieldPositions->Count();
-    }
+    FieldPositions->Split(LineToCompare());
+    ComparedFields = FieldPositions->Count();
+}
+
+/// A header among the lines that are imported is none.
+std::string_view TKvImportFromText::LineToCompare() const
+{
+    if (HeaderLine == 0)
+        return Lines.empty() ? std::string_view() : Lines.front();
+    return HeaderLine < RowFirst ? Header : std::string_view();
 }
 
 /// For automatic mapping line 1 is enough: the run that follows reads the file anyway.
@@ -231,8 +233,15 @@ void TKvImportFromText::LoadLines(int LastLine)
     auto Cutter = LineCutter(File->Text());
     if (LastLine == RowLastMax)
         Lines.reserve(EstimateLines(File->Text(), GetRecordSeparatorCustom()));
-    const bool Complete = SelectLines(Cutter, RowFirst, LastLine, FirstLine, [this] { return KeepsRunning(); },
-                                      [this](std::string_view Line) { Lines.push_back(Line); });
+    const bool Complete = CutLines(Cutter, LastLine, [this] { return KeepsRunning(); },
+                                   [this, LastLine](std::int64_t Number, std::string_view Line) {
+                                       if (Number == 1)
+                                           FirstLine = Line;
+                                       if (Number == HeaderLine)
+                                           Header = Line;
+                                       if (RowFirst <= Number && Number <= LastLine)
+                                           Lines.push_back(Line);
+                                   });
     if (!Complete)
         Lines.clear();                              // cancelled: nothing of the file is imported
     else if (Cutter.Unclosed() && File->IsWhole())
@@ -267,7 +276,7 @@ bool TKvImportFromText::LoadRecord()
     if (FieldPositions) {
         CheckLength(CurrentLine, LineNumber());
         FieldPositions->Split(CurrentLine);
-        if (HeaderFields > 0 && FieldPositions->Count() != HeaderFields)
+        if (ComparedFields > 0 && FieldPositions->Count() != ComparedFields)
             CountFields();
     }
     return TKvImportFromFile::LoadRecord();
@@ -279,11 +288,11 @@ void TKvImportFromText::CheckLength(std::string_view Line, std::size_t Number) c
         throw Exception(FileAndLine(SourceFileName, Number) + MsgLineTooLong);
 }
 
-/// For a line that holds not as many values as the header.
+/// For a line that holds not as many values as the one to compare with.
 void TKvImportFromText::CountFields()
 {
     auto& Counts = FFieldCounts;
-    const bool Fewer = FieldPositions->Count() < HeaderFields;
+    const bool Fewer = FieldPositions->Count() < ComparedFields;
     if (++(Fewer ? Counts.FewerLines : Counts.MoreLines) == 1)
         (Fewer ? Counts.FirstFewer : Counts.FirstMore) = static_cast<int>(LineNumber());
 }
@@ -359,13 +368,14 @@ void TKvImportFromText::AddMapping(const TField& Field, const std::string& Sourc
 void TKvImportFromText::MapHeaderFields()
 {
     CheckLength(FirstLine, 1);
-    auto& Header = *FieldPositions;                 // split when it was loaded
+    auto& Names = *FieldPositions;
+    Names.Split(FirstLine);
     for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
         const auto& Field = GetDataSet()->Fields(I);
         std::size_t Position = 0;
-        while (Position < Header.Count() && !NamesField(Header.Value(Position), Field))
+        while (Position < Names.Count() && !NamesField(Names.Value(Position), Field))
             ++Position;
-        if (Position < Header.Count())
+        if (Position < Names.Count())
             AddMapping(Field, "Field" + std::to_string(Position + 1));
     }
 }
@@ -420,10 +430,13 @@ void LoadTextFile(bool IsPreview, std::string& FirstLine, TStrings& Lines, const
     const bool ReadsStart = IsPreview && RowFirst <= PreviewRowFirstMax;
     const TKvTextFile File(FileName, bmIsText, ReadsStart ? PreviewBytes : TKvTextFile::WholeFile);
     TKvTextLines Cutter(File.Text(), {.Separator = RecordSeparator, .Qualifier = TextQualifier});
-    std::string_view Header;
-    SelectLines(Cutter, RowFirst, IsPreview ? std::min(RowLast, PreviewRows) : RowLast, Header, {},
-                [&Lines](std::string_view Line) { Lines.Add(Line); });
-    FirstLine = Header;
+    const int LastLine = IsPreview ? std::min(RowLast, PreviewRows) : RowLast;
+    CutLines(Cutter, LastLine, {}, [&](std::int64_t Number, std::string_view Line) {
+        if (Number == 1)
+            FirstLine = Line;
+        if (RowFirst <= Number && Number <= LastLine)
+            Lines.Add(Line);
+    });
 }
 
 void FillFields(TDataSet* DataSet, bool IsFixed, char Delimiter, char TextQualifier, std::string_view Line,

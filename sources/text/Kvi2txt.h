@@ -35,12 +35,12 @@ enum TKvITextExtension {
 };
 using TKvITextExtensions = TSet<TKvITextExtension>;
 
-/// Lines of a run that hold more or fewer values than the header, line 1 of the file. Line numbers count
-/// every line of the file from 1; 0 means none.
+/// Lines of a run that hold more or fewer values than the one to compare with, usually the header. Line
+/// numbers count every line of the file from 1; 0 means none.
 struct TKvITextFieldCounts
 {
     int FewerLines = 0, FirstFewer = 0;
-    int MoreLines = 0, FirstMore = 0;               ///< Values past the header's have no name.
+    int MoreLines = 0, FirstMore = 0;
 };
 
 /// Imports a text file. Source columns are "Field1", "Field2", ... of a delimited line and "Text1-10",
@@ -71,9 +71,11 @@ public:
     using TKvImportBaseComponent::SetTextQualifierCustom;
 
     TKvITextExtensions Extensions;
+    /// The line whose values FieldCounts compares with; 0: the first that is imported.
+    int HeaderLine = 1;
 
-    /// What the last run met. All zero without a header: for fixed lines, when RowFirst is 1, when line 1
-    /// is empty.
+    /// What the last run met. All zero for fixed lines, and when the line to compare with is empty or, being
+    /// a header, imported itself.
     const TKvITextFieldCounts& FieldCounts() const { return FFieldCounts; }
     std::string RecordPlace() const override;       ///< "line 18"
 
@@ -108,6 +110,7 @@ private:
     void Load(int LastLine, std::size_t MaxSize);
     void LoadLines(int LastLine);
     void LoadFirstLine();
+    std::string_view LineToCompare() const;
     void Unload();
     void CheckLength(std::string_view Line, std::size_t Number) const;
     void CountFields();
@@ -124,13 +127,13 @@ private:
 
     // One run, from BeforeImport to AfterImport.
     std::optional<TKvTextFile> File;                // all below view it
-    std::string_view FirstLine;
+    std::string_view FirstLine, Header;             // line 1 and that of HeaderLine
     std::vector<std::string_view> Lines;            // those from RowFirst to RowLast
     std::optional<TKvTextFields> FieldPositions;    // of the current line; none for fixed lines
     std::size_t CurrentRow = 0;                     // into Lines
     std::string_view CurrentLine;
     TKvSourceColumns<TColumn> Columns;
-    std::size_t HeaderFields = 0;                   // values of line 1; 0: not counted
+    std::size_t ComparedFields = 0;                 // values of LineToCompare(); 0: not counted
     TKvITextFieldCounts FFieldCounts;
 };
 

@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "KvAllocationCount.h"
@@ -391,6 +392,19 @@ TEST(Kvi2txt, CountsLinesWithOtherThanTheHeadersValues)
     EXPECT_EQ(Import.FieldCounts().FirstFewer, 3);
     EXPECT_EQ(Import.FieldCounts().MoreLines, 2);
     EXPECT_EQ(Import.FieldCounts().FirstMore, 4);
+}
+
+TEST(Kvi2txt, TheLineToCompareWithMayBeAnyOrTheFirstThatIsImported)
+{
+    for (const int HeaderLine : {2, 0}) {
+        TTextImport Import("Orders\r\nA,B,C\r\n1,2,3\r\n4,5\r\n6,7,8,9\r\n");
+        Import.HeaderLine = HeaderLine;
+        Import.RowFirst = 3;
+        Import.Mappings().Add("ID=Field1");
+        Import.Run();
+        const auto& Counts = Import.FieldCounts();
+        EXPECT_EQ(std::tie(Counts.FewerLines, Counts.FirstFewer, Counts.MoreLines, Counts.FirstMore), std::tuple(1, 4, 1, 5));
+    }
 }
 
 TEST(Kvi2txt, CountsNoValuesWithoutAHeader)
