@@ -102,7 +102,7 @@ std::string FindAccessHelper(const std::string& ProgramFolder)
                              " names as the reader of Access databases, is not a program");
     }
     auto File = ProgramFolder + HelperName;
-    if (IsProgram(File))
+    if (!ProgramFolder.empty() && IsProgram(File))
         return File;
     const char* const Path = std::getenv("PATH");
     File = SearchIn(Path ? Path : "");

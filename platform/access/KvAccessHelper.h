@@ -18,7 +18,8 @@ struct TAccessHelperOptions
 };
 
 /// The file of kvaccess: the one that environment variable KV_ACCESS_HELPER names, else the one in
-/// `ProgramFolder`, which ends in a slash, else the first on PATH. Raises EDatabaseError when there is none.
+/// `ProgramFolder`, which ends in a slash or is empty when it is not known, else the first on PATH. Raises
+/// EDatabaseError when there is none.
 std::string FindAccessHelper(const std::string& ProgramFolder);
 
 class TAccessHelper

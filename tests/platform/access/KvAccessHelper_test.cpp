@@ -233,6 +233,19 @@ TEST_F(KvAccessHelper, IsElseTheOneBesideTheProgram)
     EXPECT_EQ(FindAccessHelper(Folder / ""), File);
 }
 
+TEST_F(KvAccessHelper, IsNeverTheOneInTheCurrentFolder)
+{
+    const TVariable Named("KV_ACCESS_HELPER", nullptr);
+    const TVariable Path("PATH", "/nowhere::");
+    Script("exit 0");
+    const auto Before = std::filesystem::current_path();
+    std::filesystem::current_path(Folder.Path);
+    EXPECT_THAT(MessageOf([] { FindAccessHelper(""); }),
+                testing::StartsWith("The reader of Access databases is missing"))
+        << "where the program's folder is not known";
+    std::filesystem::current_path(Before);
+}
+
 TEST_F(KvAccessHelper, IsElseTheFirstOnThePath)
 {
     const TVariable Named("KV_ACCESS_HELPER", "");
