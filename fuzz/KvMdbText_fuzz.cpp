@@ -1,9 +1,10 @@
 // Any bytes as text of an Access database: what comes out is UTF-8 and grows within bounds, and a decimal
-// of any bits and scale has a text that agrees with its scaled forms.
+// of any bits and scale has a text that agrees with its scaled forms. A calculated value lies within its bytes.
 #include "KvMdbText.h"
 
 #include "KvException.h"
 #include "KvFuzz.h"
+#include "KvMdbCalculated.h"
 #include "KvMdbDecimal.h"
 #include "KvUtf8.h"
 
@@ -34,12 +35,23 @@ void CheckDecimal(std::string_view Bytes)
         Require(Text.find('.') != Text.npos || *Amount % 10000 == 0);
 }
 
+void CheckCalculated(std::string_view Bytes)
+{
+    try {
+        const auto Value = CalculatedValue(Bytes);
+        Require(Value.data() >= Bytes.data() && Value.data() + Value.size() <= Bytes.data() + Bytes.size());
+    }
+    catch (const EFormatError&) {                   // not whole
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size)
 {
     const std::string_view Bytes(reinterpret_cast<const char*>(Data), Size);
     CheckText(Bytes);
+    CheckCalculated(Bytes);
     if (Bytes.size() > TMdbDecimal::Size)
         CheckDecimal(Bytes);
     return 0;
