@@ -54,12 +54,7 @@ protected:
         Writer.EndRecord();
     }
 
-    TProgramResult Import(TArguments More = {})
-    {
-        TArguments Arguments = {"import", Mdb, "--to", Shop.Database(), "--table", "orders"};
-        Arguments.insert(Arguments.end(), More.begin(), More.end());
-        return RunKvImport(Shop.Folder, Arguments);
-    }
+    TProgramResult Import(const TArguments& More = {}) const { return Shop.ImportFile(Mdb, More); }
 
     const TShop Shop{"CREATE TABLE orders (ID INTEGER PRIMARY KEY, CITY VARCHAR(20), ORDERED DATETIME, AMOUNT DECIMAL(10,4), "
                      "PAID BOOLEAN, NOTE TEXT)"};

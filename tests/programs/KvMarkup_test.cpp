@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "KvShop.h"
+#include "KvFileTest.h"
 
 namespace kv {
 
@@ -26,23 +26,15 @@ const std::string Packet = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n<DA
                            "<ROWDATA><ROW ID='1' CITY=\"K\xF6ln &amp; Bonn\" AMOUNT=\"1234.50\"></ROW>\n"
                            "<ROW CITY=\"Rom\" ID=\"2\"/></ROWDATA></DATAPACKET>";
 
-class KvMarkupOnTheCommandLine : public testing::Test
+class KvMarkupOnTheCommandLine : public TFileTest
 {
 protected:
-    TProgramResult Kvimport(const std::string& Command, const std::string& Bytes, TArguments Arguments = {},
-                            const std::string& Name = "orders") const
+    KvMarkupOnTheCommandLine()
+        : TFileTest("orders", "CREATE TABLE orders (ID INTEGER PRIMARY KEY, CITY VARCHAR(20), AMOUNT DECIMAL(10,2))")
     {
-        Arguments.insert(Arguments.begin(), {Command, Shop.Folder.Write(Name, Bytes)});
-        return RunKvImport(Shop.Folder, Arguments);
     }
-    TProgramResult Import(const std::string& Bytes, TArguments Arguments = {}, const std::string& Name = "orders") const
-    {
-        Arguments.insert(Arguments.end(), {"--to", Shop.Database(), "--table", "orders"});
-        return Kvimport("import", Bytes, Arguments, Name);
-    }
-    std::string Orders() const { return Shop.Ask("SELECT * FROM orders"); }
 
-    const TShop Shop{"CREATE TABLE orders (ID INTEGER PRIMARY KEY, CITY VARCHAR(20), AMOUNT DECIMAL(10,2))"};
+    std::string Orders() const { return Shop.Ask("SELECT * FROM orders"); }
 };
 
 using KvHtmlOnTheCommandLine = KvMarkupOnTheCommandLine;

@@ -17,9 +17,9 @@ int AppendRow(void* Target, int Count, char** Values, char**)
     return 0;
 }
 
-TArguments Complete(const TShop& Shop, std::string_view Text, const TArguments& Arguments)
+TArguments Complete(const TShop& Shop, const std::string& File, const TArguments& Arguments)
 {
-    TArguments All{Shop.Folder.Write("orders.csv", Text), "--to", Shop.Database(), "--table", "orders"};
+    TArguments All{File, "--to", Shop.Database(), "--table", "orders"};
     All.insert(All.end(), Arguments.begin(), Arguments.end());
     return All;
 }
@@ -47,12 +47,17 @@ std::string TShop::Ask(std::string_view Sql) const
 
 nlohmann::json TShop::Import(std::string_view Text, const TArguments& Arguments) const
 {
-    return ImportWithJson(Folder, Complete(*this, Text, Arguments));
+    return ImportWithJson(Folder, Complete(*this, Folder.Write("orders.csv", Text), Arguments));
 }
 
 TProgramResult TShop::Run(std::string_view Text, const TArguments& Arguments) const
 {
-    auto All = Complete(*this, Text, Arguments);
+    return ImportFile(Folder.Write("orders.csv", Text), Arguments);
+}
+
+TProgramResult TShop::ImportFile(const std::string& File, const TArguments& Arguments) const
+{
+    auto All = Complete(*this, File, Arguments);
     All.insert(All.begin(), "import");
     return RunKvImport(Folder, All);
 }

@@ -27,6 +27,9 @@ public:
     nlohmann::json Import(std::string_view Text, const TArguments& Arguments = {}) const;
     TProgramResult Run(std::string_view Text, const TArguments& Arguments = {}) const;
 
+    /// Imports a file into "orders".
+    TProgramResult ImportFile(const std::string& File, const TArguments& Arguments = {}) const;
+
     std::string Database() const { return Folder / "shop.db"; }
 
     TTempFolder Folder;

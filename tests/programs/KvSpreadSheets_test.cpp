@@ -7,7 +7,7 @@
 
 #include "KvBiffBuilder.h"
 #include "KvCompoundBuilder.h"
-#include "KvShop.h"
+#include "KvFileTest.h"
 #include "KvWorksheetBuilder.h"
 
 namespace kv {
@@ -63,23 +63,15 @@ std::string Worksheet(TWorksheetFormat Format)
         .End().Build();
 }
 
-class KvSpreadSheets : public testing::Test
+class KvSpreadSheets : public TFileTest
 {
 protected:
-    TProgramResult Kvimport(const std::string& Command, const std::string& Bytes, TArguments Arguments = {},
-                            const std::string& Name = "book.xls") const
+    KvSpreadSheets()
+        : TFileTest("book.xls", "CREATE TABLE orders (ID INTEGER PRIMARY KEY, CITY VARCHAR(20), ORDERED DATE, AMOUNT DECIMAL(10,2))")
     {
-        Arguments.insert(Arguments.begin(), {Command, Shop.Folder.Write(Name, Bytes)});
-        return RunKvImport(Shop.Folder, Arguments);
     }
-    TProgramResult Import(const std::string& Bytes, TArguments Arguments = {}, const std::string& Name = "book.xls") const
-    {
-        Arguments.insert(Arguments.end(), {"--to", Shop.Database(), "--table", "orders"});
-        return Kvimport("import", Bytes, Arguments, Name);
-    }
-    std::string Orders() const { return Shop.Ask("SELECT ID, CITY FROM orders"); }
 
-    const TShop Shop{"CREATE TABLE orders (ID INTEGER PRIMARY KEY, CITY VARCHAR(20), ORDERED DATE, AMOUNT DECIMAL(10,2))"};
+    std::string Orders() const { return Shop.Ask("SELECT ID, CITY FROM orders"); }
 };
 
 } // namespace

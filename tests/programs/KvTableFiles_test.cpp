@@ -38,11 +38,9 @@ protected:
     }
 
     const TTempFolder& Folder() const { return Shop.Folder; }
-    TProgramResult Import(const std::string& Name, TArguments More = {})
+    TProgramResult Import(const std::string& Name, const TArguments& More = {}) const
     {
-        TArguments Arguments = {"import", Folder() / Name, "--to", Shop.Database(), "--table", "orders"};
-        Arguments.insert(Arguments.end(), More.begin(), More.end());
-        return RunKvImport(Folder(), Arguments);
+        return Shop.ImportFile(Folder() / Name, More);
     }
     std::string Stored() { return Shop.Ask("SELECT ID, CITY, ORDERED, AMOUNT, PAID FROM orders ORDER BY ID"); }
 
