@@ -1,28 +1,12 @@
 // The report for scripts. Names are as stable as options.
 #include "KvImportReport.h"
 
-#include <nlohmann/json.hpp>
-
 #include "KvDisplayText.h"
+#include "KvJson.h"
 
 namespace kv {
 
 namespace {
-
-using TJson = nlohmann::ordered_json;
-
-TJson TextOrNull(const std::string& Text)
-{
-    return Text.empty() ? TJson() : TJson(ToDisplay(Text));
-}
-
-TJson TextList(const std::vector<std::string>& Texts)
-{
-    auto List = TJson::array();
-    for (const auto& Text : Texts)
-        List.push_back(ToDisplay(Text));
-    return List;
-}
 
 TJson Columns(const TColumnMap& Map)
 {
@@ -95,7 +79,7 @@ void PrintJson(std::ostream& Out, const TImportReport& Report)
                           {"warnings", TextList(Report.Warnings)},
                           {"errors", Errors(Report.Errors)},
                           {"seconds", Report.Seconds}};
-    Out << Object.dump(-1, ' ', false, TJson::error_handler_t::replace) << '\n';
+    PrintJsonLine(Out, Object);
 }
 
 } // namespace kv

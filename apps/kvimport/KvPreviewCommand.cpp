@@ -6,10 +6,9 @@
 #include <vector>
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
-#include "KvConsoleLine.h"
 #include "KvFormatOptions.h"
+#include "KvJson.h"
 #include "KvOptionCheck.h"
 #include "KvSource.h"
 #include "KvSourceKinds.h"
@@ -21,7 +20,6 @@ namespace kv {
 namespace {
 
 constexpr int UsualRows = 20;
-constexpr int StandardOutput = 1;
 
 struct TPreviewOptions
 {
@@ -47,13 +45,6 @@ void AddPreviewOptions(CLI::App& Command, TPreviewOptions& Options)
     AddCodePageOptions(Command, Options.Formats);
 }
 
-/// As wide as the screen; what goes into a pipe is not cut.
-int OutputWidth()
-{
-    const TConsoleLine Output(StandardOutput);
-    return Output.IsTerminal() ? Output.Width() : 0;
-}
-
 /// The source's own names stand above those that mappings use.
 void PrintTable(const TSourceRows& Rows, const std::string& PlaceWord, bool HasNames)
 {
@@ -71,7 +62,7 @@ void PrintTable(const TSourceRows& Rows, const std::string& PlaceWord, bool HasN
         Cells.insert(Cells.end(), Rows.Rows[I].begin(), Rows.Rows[I].end());
         Table.AddRow(std::move(Cells));
     }
-    Table.Print(std::cout, OutputWidth());
+    Table.PrintToScreen();
 }
 
 void PrintTable(TSource& Source, const TSourceRows& Rows)
@@ -90,7 +81,6 @@ void PrintTable(TSource& Source, const TSourceRows& Rows)
 
 void PrintJson(TSource& Source, const TSourceRows& Rows)
 {
-    using TJson = nlohmann::ordered_json;
     const std::string PlaceWord(Source.PlaceWord());
     auto Columns = TJson::array(), Lines = TJson::array();
     for (const auto& Column : Rows.Columns)
@@ -102,7 +92,7 @@ void PrintJson(TSource& Source, const TSourceRows& Rows)
                           {"rows", Lines},
                           {"hasMore", Rows.HasMore},
                           {"findings", Source.Findings()}};
-    std::cout << Object.dump(-1, ' ', false, TJson::error_handler_t::replace) << '\n';
+    PrintJsonLine(std::cout, Object);
 }
 
 void Preview(TPreviewOptions& Options)

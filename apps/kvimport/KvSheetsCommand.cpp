@@ -6,10 +6,10 @@
 #include <vector>
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 #include "KvException.h"
 #include "KvFormatOptions.h"
+#include "KvJson.h"
 #include "KvSourceKinds.h"
 #include "KvTextTable.h"
 
@@ -46,12 +46,11 @@ void PrintTable(const std::vector<TSourceSheet>& Sheets)
 
 void PrintJson(const TSource& Source, const std::vector<TSourceSheet>& Sheets)
 {
-    using TJson = nlohmann::ordered_json;
     auto List = TJson::array();
     for (const auto& Sheet : Sheets)
         List.push_back({{"sheet", List.size() + 1}, {"name", Sheet.Name}, {"rows", Sheet.Rows}, {"columns", Sheet.Columns}});
     const TJson Object = {{"source", Source.DisplayName()}, {"sheets", List}};
-    std::cout << Object.dump(-1, ' ', false, TJson::error_handler_t::replace) << '\n';
+    PrintJsonLine(std::cout, Object);
 }
 
 void PrintSheets(const TSheetsOptions& Options)

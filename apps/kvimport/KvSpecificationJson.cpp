@@ -4,11 +4,10 @@
 #include <string>
 #include <vector>
 
-#include <nlohmann/json.hpp>
-
 #include "KvDisplayText.h"
 #include "KvFormatOptions.h"
 #include "KvImportOptions.h"
+#include "KvJson.h"
 #include "KvSpecification.h"
 #include "KvText.h"
 #include "Kvibase.h"
@@ -17,25 +16,10 @@ namespace kv {
 
 namespace {
 
-using TJson = nlohmann::ordered_json;
-
-TJson TextJson(const std::string& Text)
-{
-    return Text.empty() ? TJson() : TJson(ToDisplay(Text));
-}
-
 /// A character as it is; none for #0.
 std::string CharacterJson(char Value)
 {
     return Value == '\0' ? std::string() : ToDisplay(std::string(1, Value));
-}
-
-TJson KeysJson(const std::vector<std::string>& Keys)
-{
-    auto List = TJson::array();
-    for (const auto& Key : Keys)
-        List.push_back(ToDisplay(Key));
-    return List;
 }
 
 TJson MappingsJson(const TStrings& Lines)
@@ -78,12 +62,12 @@ void PrintSpecificationJson(std::ostream& Out, const TSpecification& Specificati
 {
     const auto& Import = *Specification.Import;
     const TJson Object = {{"file", Specification.FileName},
-                          {"name", TextJson(Specification.Name)},
-                          {"application", TextJson(Specification.Application)},
+                          {"name", TextOrNull(Specification.Name)},
+                          {"application", TextOrNull(Specification.Application)},
                           {"kind", Specification.Kind},
-                          {"source", TextJson(Specification.Text("SourceFileName"))},
+                          {"source", TextOrNull(Specification.Text("SourceFileName"))},
                           {"sheet", NumberJson(Specification.Sheet())},
-                          {"table", TextJson(Specification.Table())},
+                          {"table", TextOrNull(Specification.Table())},
                           {"firstRow", NumberJson(Specification.Text("RowFirst"))},
                           {"lastRow", NumberJson(Specification.Text("RowLast"))},
                           {"charset", Import.CharacterSet == csiASCII_MSDOS ? "msdos" : "ansi"},
@@ -91,9 +75,9 @@ void PrintSpecificationJson(std::ostream& Out, const TSpecification& Specificati
                           {"formats", FormatsJson(Import.DataFormats)},
                           {"extensions", Specification.Extensions()},
                           {"mode", NameOfMode(Import.Mode)},
-                          {"keys", KeysJson(Specification.Keys())},
+                          {"keys", TextList(Specification.Keys())},
                           {"mappings", MappingsJson(Import.Mappings())}};
-    Out << Object.dump(-1, ' ', false, TJson::error_handler_t::replace) << '\n';
+    PrintJsonLine(Out, Object);
 }
 
 } // namespace kv

@@ -6,21 +6,18 @@
 #include <vector>
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 #include "KvAccessSession.h"
-#include "KvConsoleLine.h"
 #include "KvDisplayText.h"
 #include "KvException.h"
 #include "KvFormatOptions.h"
+#include "KvJson.h"
 #include "KvOptionText.h"
 #include "KvTextTable.h"
 
 namespace kv {
 
 namespace {
-
-constexpr int StandardOutput = 1;
 
 struct TTablesOptions
 {
@@ -92,15 +89,13 @@ void PrintTable(const std::vector<TListedTable>& Tables)
     for (const auto& Each : Tables)
         Text.AddRow({Each.Name, Each.Reason.empty() ? std::to_string(Each.Records) : "",
                      Each.Reason.empty() ? FieldsText(Each) : "(" + Each.Reason + ")"});
-    const TConsoleLine Output(StandardOutput);
-    Text.Print(std::cout, Output.IsTerminal() ? Output.Width() : 0);
+    Text.PrintToScreen();
     if (Tables.empty())
         std::cout << "There are no tables.\n";
 }
 
 void PrintJson(const std::string& Source, const std::vector<TListedTable>& Tables)
 {
-    using TJson = nlohmann::ordered_json;
     auto List = TJson::array();
     for (const auto& Each : Tables) {
         auto Fields = TJson::array();
@@ -114,7 +109,7 @@ void PrintJson(const std::string& Source, const std::vector<TListedTable>& Table
         List.push_back(Object);
     }
     const TJson Object = {{"source", Source}, {"tables", List}};
-    std::cout << Object.dump(-1, ' ', false, TJson::error_handler_t::replace) << '\n';
+    PrintJsonLine(std::cout, Object);
 }
 
 void PrintTables(const TTablesOptions& Options)

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iostream>
 #include <string_view>
 
+#include "KvConsoleLine.h"
 #include "KvTerminalText.h"
 #include "KvText.h"
 
@@ -72,6 +74,13 @@ void TTextTable::PrintLine(std::ostream& Out, const std::vector<std::string>& Ce
     const auto Used = Line.find_last_not_of(' ');
     Line.resize(Used == Line.npos ? 0 : Used + 1);
     Out << (Width > 0 ? FitToWidth(Line, Width) : Line) << '\n';
+}
+
+void TTextTable::PrintToScreen() const
+{
+    constexpr int StandardOutput = 1;
+    const TConsoleLine Output(StandardOutput);
+    Print(std::cout, Output.IsTerminal() ? Output.Width() : 0);
 }
 
 void TTextTable::Print(std::ostream& Out, int Width) const

@@ -17,6 +17,8 @@ public:
     /// In `Width` columns of the screen; 0: as wide as it gets. Wide columns give way first. Columns of
     /// numbers stand at the right.
     void Print(std::ostream& Out, int Width) const;
+    /// To standard output, as wide as the screen; what goes into a pipe is not cut.
+    void PrintToScreen() const;
 
 private:
     struct TColumn
