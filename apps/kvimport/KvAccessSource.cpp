@@ -134,10 +134,4 @@ std::unique_ptr<TSource> MakeAccessSource(const TSourceOptions& Options)
     return std::make_unique<TAccessSource>(Options);
 }
 
-bool BeginsLikeAccess(std::string_view Beginning)
-{
-    using namespace std::string_view_literals;
-    return Beginning.starts_with("\0\1\0\0Standard Jet DB\0"sv) || Beginning.starts_with("\0\1\0\0Standard ACE DB\0"sv);
-}
-
 } // namespace kv

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <string_view>
 
 #include "KvSource.h"
 
@@ -13,7 +12,5 @@ struct TSourceOptions;
 /// Raises EDatabaseError when the database cannot be opened, Exception when it does not have the table or
 /// several could be meant, EUsageError for standard input.
 std::unique_ptr<TSource> MakeAccessSource(const TSourceOptions& Options);
-
-bool BeginsLikeAccess(std::string_view Beginning);
 
 } // namespace kv

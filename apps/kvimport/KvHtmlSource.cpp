@@ -197,10 +197,4 @@ std::unique_ptr<TSource> MakeHtmlSource(const TSourceOptions& Options)
     return std::make_unique<THtmlSource>(Options);
 }
 
-bool BeginsLikeHtml(std::string_view Beginning)
-{
-    const auto Start = Trim(Beginning.substr(Beginning.starts_with("\xEF\xBB\xBF") ? 3 : 0));
-    return SameText(Start.substr(0, 14), "<!DOCTYPE html") || SameText(Start.substr(0, 5), "<html");
-}
-
 } // namespace kv

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <string_view>
 
 #include "KvSource.h"
 
@@ -13,8 +12,5 @@ struct TSourceOptions;
 /// Raises EFileError when the file cannot be read, EUsageError when the options contradict each other,
 /// Exception when it lacks the table or the header row.
 std::unique_ptr<TSource> MakeHtmlSource(const TSourceOptions& Options);
-
-/// A page begins with a document type or its tag.
-bool BeginsLikeHtml(std::string_view Beginning);
 
 } // namespace kv

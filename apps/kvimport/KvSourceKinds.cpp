@@ -8,11 +8,13 @@
 
 #include "KvAccessSource.h"
 #include "KvDbaseHeader.h"
+#include "KvException.h"
 #include "KvExitStatus.h"
 #include "KvFile.h"
 #include "KvHtmlSource.h"
 #include "KvOptionText.h"
 #include "KvParadoxHeader.h"
+#include "KvSignatures.h"
 #include "KvSpecificationSource.h"
 #include "KvSpooledFile.h"
 #include "KvSpreadSheetSource.h"
@@ -61,21 +63,6 @@ const TSourceKind& KindNamed(const std::string& Name)
     return *Found;
 }
 
-/// Bytes that no other kind begins with tell more than the name of the file.
-const TSourceKind& KindOfFile(const std::string& FileName)
-{
-    const auto Kinds = SourceKinds();
-    const auto Bytes = ReadBeginning(FileName);
-    for (const auto& Kind : Kinds)
-        if (Kind.Recognizes && Kind.Recognizes(Bytes.View()))
-            return Kind;
-    const auto Extension = ExtensionOf(FileName);
-    for (const auto& Kind : Kinds)
-        if (std::ranges::count(Kind.Extensions, Extension) > 0)
-            return Kind;
-    return Kinds.front();
-}
-
 void CheckOptions(const TSourceKind& Kind, const std::vector<TGivenOption>& Given)
 {
     for (const auto& Option : Given)
@@ -109,6 +96,24 @@ std::span<const TSourceKind> SourceKinds()
          {}, &IsParadox, &MakeParadoxSource},
     };
     return Kinds;
+}
+
+/// Bytes that no other kind begins with tell more than the name of the file.
+const TSourceKind& KindOfFile(const std::string& FileName)
+{
+    const auto Kinds = SourceKinds();
+    const auto Bytes = ReadBeginning(FileName);
+    for (const auto& Kind : Kinds)
+        if (Kind.Recognizes && Kind.Recognizes(Bytes.View()))
+            return Kind;
+    const auto Extension = ExtensionOf(FileName);
+    for (const auto& Kind : Kinds)
+        if (std::ranges::count(Kind.Extensions, Extension) > 0)
+            return Kind;
+    if (!BeginsLikeText(Bytes.View()))
+        throw Exception(FileName + " is no text and of no other kind that is known; kvimport formats lists the kinds, --from "
+                        "takes the file for one");
+    return Kinds.front();
 }
 
 std::unique_ptr<TSource> MakeSource(const TSourceOptions& Options)

@@ -26,8 +26,12 @@ struct TSourceKind
 /// All of them; the first also takes what is not known otherwise.
 std::span<const TSourceKind> SourceKinds();
 
-/// Raises EUsageError for an unknown kind and for options that it does not have, EFileError when the
-/// file cannot be read.
+/// As the file's content tells, else its name. Raises EFileError when it cannot be read, Exception when it is
+/// of no kind.
+const TSourceKind& KindOfFile(const std::string& FileName);
+
+/// Raises EUsageError for an unknown kind and for options that it does not have, and what KindOfFile and
+/// the kinds raise.
 std::unique_ptr<TSource> MakeSource(const TSourceOptions& Options);
 
 } // namespace kv

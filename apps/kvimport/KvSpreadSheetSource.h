@@ -3,7 +3,6 @@
 
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "KvSource.h"
@@ -28,10 +27,5 @@ std::unique_ptr<TSource> MakeQuattroSource(const TSourceOptions& Options);
 TSpreadSheetFile& LoadWorkBook(TKvImportFromCell& Import, const TSourceFile& File);
 /// What of a sheet an import with `Extensions` leaves out.
 std::vector<std::string> SheetWarnings(const TSpreadSheetCells& Sheet, TSpreadSheetExtensions Extensions);
-
-// What files of these kinds begin with.
-bool BeginsLikeXls(std::string_view Beginning);     ///< A compound document, or a record that begins a sheet.
-bool BeginsLikeWks(std::string_view Beginning);
-bool BeginsLikeQuattro(std::string_view Beginning);
 
 } // namespace kv

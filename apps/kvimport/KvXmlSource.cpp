@@ -156,12 +156,4 @@ std::unique_ptr<TSource> MakeXmlSource(const TSourceOptions& Options)
     return std::make_unique<TXmlSource>(Options);
 }
 
-bool BeginsLikeXml(std::string_view Beginning)
-{
-    auto Start = Trim(Beginning.substr(Beginning.starts_with("\xEF\xBB\xBF") ? 3 : 0));
-    if (Start.starts_with("<?xml"))
-        Start = Trim(Start.substr(std::min(Start.find("?>"), Start.size() - 2) + 2));
-    return Start.starts_with("<DATAPACKET");
-}
-
 } // namespace kv

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <string_view>
 
 #include "KvSource.h"
 
@@ -13,8 +12,5 @@ struct TSourceOptions;
 /// Raises EFileError when the file cannot be read, EUsageError when the options contradict each other,
 /// Exception when its beginning is no XML.
 std::unique_ptr<TSource> MakeXmlSource(const TSourceOptions& Options);
-
-/// A packet begins with its tag, perhaps after an XML declaration.
-bool BeginsLikeXml(std::string_view Beginning);
 
 } // namespace kv

@@ -105,6 +105,15 @@ TEST_F(KvTableFiles, ADamagedTableFailsWithItsReason)
     EXPECT_EQ(Shop.Count(), 0);
 }
 
+TEST_F(KvTableFiles, AFileOfMemosIsNotTakenForText)
+{
+    const auto Memos = Folder().Write("orders.mb", TParadoxBlobBuilder().Build());
+    const auto Result = RunKvImport(Folder(), {"preview", Memos});
+    EXPECT_EQ(Result.Status, 3);
+    EXPECT_EQ(Result.Err, "kvimport: " + Memos + " is no text and of no other kind that is known; kvimport formats lists the kinds, "
+                          "--from takes the file for one\n");
+}
+
 TEST_F(KvTableFiles, StandardInputIsRefused)
 {
     const auto Result = RunKvImport(
