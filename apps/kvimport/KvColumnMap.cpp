@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
 
 #include "KvDataSet.h"
 #include "KvDisplayText.h"
 #include "KvException.h"
 #include "KvOptionText.h"
+#include "KvTerminalText.h"
 #include "KvText.h"
 
 namespace kv {
@@ -85,12 +87,16 @@ void JoinOrLeaveOut(TMapBuilder& Builder, const TSourceColumn& Column, const TFi
         Builder.Join(Column, Field);
 }
 
+/// What is no header may be of any size.
 std::string NamesOf(const std::vector<TSourceColumn>& Columns)
 {
+    constexpr std::size_t MaxNames = 30;
+    constexpr int MaxWidth = 40;
     std::vector<std::string> Names;
-    for (const auto& Column : Columns)
-        Names.push_back(Column.Name);
-    return JoinNames(Names);
+    for (std::size_t I = 0; I < std::min(Columns.size(), MaxNames); ++I)
+        Names.push_back(FitToWidth(VisibleText(Columns[I].Name), MaxWidth));
+    const auto More = Columns.size() - Names.size();
+    return JoinNames(Names) + (More > 0 ? " and " + std::to_string(More) + " more" : "");
 }
 
 /// The field that a user named. Raises Exception.
@@ -101,18 +107,17 @@ const TField& FieldNamed(const std::string& Name, const std::string& Where, cons
     throw Exception(Where + ": there is no field '" + Name + "'; the fields are " + FieldNames(DataSet));
 }
 
-/// "Text11-20" is a column of a fixed line whatever the source lists.
-bool IsRange(const std::string& Source)
-{
-    const auto Dash = Source.find('-');
-    const auto IsNumber = [](std::string_view Text) {
-        return !Text.empty() && Text.find_first_not_of("0123456789") == Text.npos;
-    };
-    return Source.starts_with("Text") && Dash != Source.npos && IsNumber(std::string_view(Source).substr(4, Dash - 4)) &&
-           IsNumber(std::string_view(Source).substr(Dash + 1));
-}
-
 } // namespace
+
+TMapPair SplitMapPair(const std::string& Line)
+{
+    const auto Equal = std::min(Line.find('='), Line.size());
+    TMapPair Pair{.Field = std::string(Trim(std::string_view(Line).substr(0, Equal))),
+                  .Column = std::string(Trim(std::string_view(Line).substr(std::min(Equal + 1, Line.size()))))};
+    if (Pair.Field.empty() || Pair.Column.empty())
+        throw Exception("--map: '" + Line + "' is no pair such as ID=Field1: a field and a column");
+    return Pair;
+}
 
 TColumnMap MapByName(const std::vector<TSourceColumn>& Columns, const TDataSet& Destination)
 {
@@ -129,7 +134,7 @@ TColumnMap MapByName(const std::vector<TSourceColumn>& Columns, const TDataSet& 
     auto Map = Builder.Build();
     if (Map.Lines.empty())
         throw Exception("no column has the name of a field; the columns are " + NamesOf(Columns) + "; the fields are " +
-                        FieldNames(Destination));
+                        FieldNames(Destination) + "; --map or --by-position joins them otherwise");
     return Map;
 }
 
@@ -148,44 +153,22 @@ TColumnMap MapByPosition(const std::vector<TSourceColumn>& Columns, const TDataS
     return Map;
 }
 
-std::string RemarkOnConstant(const std::string& Source, const std::vector<TSourceColumn>& Columns)
-{
-    if (IsRange(Source))
-        return {};
-    if (Source.starts_with("Field"))
-        return "there is no such column: the field stays empty";
-    const auto Meant = std::ranges::find_if(
-        Columns, [&Source](const TSourceColumn& Column) { return SameText(Column.Name, Source); });
-    if (Meant != Columns.end())
-        return "no column but a constant: every record gets this text (the column of that name is " + Meant->Source + ")";
-    return "no column but a constant: every record gets this text";
-}
-
-TColumnMap MapAsGiven(const std::vector<std::string>& Lines, const std::vector<TSourceColumn>& Columns,
-                      const TDataSet& Destination,
-                      const std::function<std::string(const std::string& Source)>& RemarkOnStranger)
+TColumnMap MapAsGiven(const std::vector<std::string>& Lines, TSource& Source, const TDataSet& Destination)
 {
     TMapBuilder Builder(Destination);
     std::vector<std::string> Used;
     for (const auto& Line : Lines) {
-        const auto Equal = Line.find('=');
-        const std::string Name(Trim(Line.substr(0, Equal)));
-        const std::string Source(Equal == Line.npos ? "" : Trim(std::string_view(Line).substr(Equal + 1)));
-        if (Name.empty() || Source.empty())
-            throw Exception("--map: '" + Line + "' is no pair such as ID=Field1: a field and a column");
-        const auto& Field = FieldNamed(Name, "'" + Line + "'", Destination);
+        const auto Pair = SplitMapPair(Line);
+        const auto& Field = FieldNamed(Pair.Field, "'" + Line + "'", Destination);
         if (Builder.IsTaken(Field))
             throw Exception("'" + Line + "': the field has a column already");
         if (const auto Reason = Obstacle(Field); !Reason.empty())
             throw Exception("'" + Line + "': " + Reason);
-        const auto Column = std::ranges::find_if(
-            Columns, [Named = FromDisplay(Source)](const TSourceColumn& Each) { return Each.Source == Named; });
-        const bool Known = Column != Columns.end();
-        Used.push_back(FromDisplay(Source));
-        Builder.Join(Known ? *Column : TSourceColumn{.Source = FromDisplay(Source), .Name = {}}, Field,
-                     Known ? std::string() : RemarkOnStranger(Source));
+        auto [Column, Remark] = Source.ColumnNamed(Pair.Column);
+        Used.push_back(Column.Source);
+        Builder.Join(Column, Field, std::move(Remark));
     }
-    for (const auto& Column : Columns)
+    for (const auto& Column : Source.Columns())
         if (std::ranges::count(Used, Column.Source) == 0)
             Builder.LeaveOut(Column, "no --map names it: not imported");
     return Builder.Build();

@@ -2,7 +2,6 @@
 // of each of them what becomes of it.
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -34,6 +33,15 @@ struct TColumnMap
     std::vector<TFieldFate> FieldsWithout;          ///< In the order of the destination.
 };
 
+/// A field and a column, as the user spells them.
+struct TMapPair
+{
+    std::string Field, Column;
+};
+
+/// The parts of "FIELD=column", without blanks around them. Raises Exception when one is missing.
+TMapPair SplitMapPair(const std::string& Line);
+
 // All three want an open dataset and raise Exception when nothing maps.
 
 /// Each column to the field of its name, without regard to case.
@@ -42,15 +50,9 @@ TColumnMap MapByName(const std::vector<TSourceColumn>& Columns, const TDataSet& 
 /// The first column to the first field, and so on.
 TColumnMap MapByPosition(const std::vector<TSourceColumn>& Columns, const TDataSet& Destination);
 
-/// What is to be said of a mapping to `Source`, which is none of `Columns`.
-std::string RemarkOnConstant(const std::string& Source, const std::vector<TSourceColumn>& Columns);
-
-/// Exactly the given lines "FIELD=column". Raises Exception for a line that has no such form, names an
-/// unknown field or one that an earlier line names, and what `RemarkOnStranger` raises for a source that
-/// is none of `Columns`.
-TColumnMap MapAsGiven(const std::vector<std::string>& Lines, const std::vector<TSourceColumn>& Columns,
-                      const TDataSet& Destination,
-                      const std::function<std::string(const std::string& Source)>& RemarkOnStranger);
+/// Exactly the given lines "FIELD=column". Raises Exception for a line that is no such pair, names an unknown
+/// field or one that an earlier line names, and what `Source` raises for a column.
+TColumnMap MapAsGiven(const std::vector<std::string>& Lines, TSource& Source, const TDataSet& Destination);
 
 /// True when most of `Values` are names of fields: a line of them is a header.
 bool LooksLikeHeader(const std::vector<std::string>& Values, const TDataSet& Destination);

@@ -15,6 +15,11 @@ std::string ToDisplay(std::string_view Text)
     return std::string(AnsiToUtf8(Text, Buffer));
 }
 
+std::string ToDisplay(std::string_view Text, bool IsMsDos)
+{
+    return IsMsDos ? ToDisplay(OemToAnsi(Text)) : ToDisplay(Text);
+}
+
 std::string FromDisplay(std::string_view Text)
 {
     return IsValidUtf8(Text) ? Utf8ToAnsi(Text) : std::string(Text);

@@ -9,6 +9,9 @@ namespace kv {
 /// What messages and files hold, for people: UTF-8 as it is, anything else from the process's page.
 std::string ToDisplay(std::string_view Text);
 
+/// What a source holds, likewise; from the OEM page when `IsMsDos`.
+std::string ToDisplay(std::string_view Text, bool IsMsDos);
+
 /// What the user typed, as the library takes it. Raises EConvertError when it has no such characters.
 std::string FromDisplay(std::string_view Text);
 

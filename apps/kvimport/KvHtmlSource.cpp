@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "KvCodePage.h"
 #include "KvDisplayText.h"
 #include "KvException.h"
 #include "KvExitStatus.h"
@@ -14,8 +13,10 @@
 #include "KvRowRange.h"
 #include "KvSourceFile.h"
 #include "KvSourceOptions.h"
+#include "KvSourceSetUp.h"
 #include "KvTerminalText.h"
 #include "KvText.h"
+#include "KvTextFile.h"
 #include "Kvi2html.h"
 
 namespace kv {
@@ -38,12 +39,12 @@ public:
     bool HasNames() const override { return Range.Header > 0; }
     std::vector<TSourceColumn> Columns() override;
     TSourceRows FirstRows(int Count) override;
-    std::string RemarkOnStranger(const std::string& Column) override;
     std::string Explain(std::string Text) const override { return File.Explain(std::move(Text)); }
     std::vector<std::string> Findings() const override;
     std::vector<std::string> Warnings() const override;
 
 private:
+    std::string RemarkOnStranger(const std::string& Name) override;
     std::string ToUtf8(std::string_view Text) const;
     void Read(int Count);
     std::vector<TSourceColumn> ReadColumns(TKvHtmlRows Rows) const;
@@ -88,12 +89,9 @@ bool MoveToRow(TKvHtmlRows& Rows, int Number)
 }
 
 THtmlSource::THtmlSource(const TSourceOptions& Given)
-    : Options(Given), Range(RowRangeOf(Options, RowWord)), File(Options.FileName)
+    : Options(Given), Range(RowRangeBelowHeader(Options, RowWord)), File(Options.FileName)
 {
-    Import.SourceFileName = File.Name();
-    Import.CharacterSet = Options.MsDos ? csiASCII_MSDOS : csiANSI_WINDOWS;
-    Import.RowFirst = Range.First;
-    Import.RowLast = Range.Last;
+    SetUpSource(Import, File.Name(), Range, Options);
     Import.TableNumber = Options.Html.TableNumber;
     if (!Options.Classic)
         Import.Extensions = AllExtensions;
@@ -117,7 +115,7 @@ void THtmlSource::Read(int Count)
 
 std::string THtmlSource::ToUtf8(std::string_view Text) const
 {
-    return ToDisplay(Options.MsDos ? OemToAnsi(Text) : std::string(Text));
+    return ToDisplay(Text, Options.MsDos);
 }
 
 /// Those of the header row, else of the first row that is imported.
@@ -143,13 +141,13 @@ std::vector<TSourceColumn> THtmlSource::Columns()
     return FColumns;
 }
 
-std::string THtmlSource::RemarkOnStranger(const std::string& Column)
+std::string THtmlSource::RemarkOnStranger(const std::string& Name)
 {
     if (Options.Classic)
         return "cells go to the mappings in their order, whatever columns are called";
-    if (Column.starts_with("Field") && Column.find_first_not_of("0123456789", 5) == Column.npos && Column.size() > 5)
+    if (SameText(Name.substr(0, 5), "Field") && Name.find_first_not_of("0123456789", 5) == Name.npos && Name.size() > 5)
         return "there is no such column in the first row that was looked at: the field stays empty where it is missing";
-    throw Exception("'" + Column + "' is no column: columns are called Field1, Field2, ...");
+    throw Exception("'" + Name + "' is no column: columns are called Field1, Field2, ...");
 }
 
 TSourceRows THtmlSource::FirstRows(int Count)
@@ -161,7 +159,7 @@ TSourceRows THtmlSource::FirstRows(int Count)
 
 TSourceRows THtmlSource::ReadRows(TKvHtmlRows Rows, int Count) const
 {
-    TSourceRows Result{.Columns = FColumns, .Rows = {}, .Places = {}};
+    TSourceRows Result{.Columns = FColumns, .Rows = {}, .Places = {}, .Warnings = {}};
     std::int64_t Number = Range.First;
     bool There = MoveToRow(Rows, Range.First);
     for (; There && Number <= Range.Last && std::ssize(Result.Rows) < Count; There = Rows.Next(), ++Number) {

@@ -5,6 +5,7 @@
 #include <iomanip>
 #include <sstream>
 
+#include "KvDisplayText.h"
 #include "KvOptionText.h"
 #include "KvTerminalText.h"
 
@@ -53,13 +54,15 @@ std::string FateText(const TColumnFate& Fate)
 
 void PrintColumns(std::ostream& Out, const TColumnMap& Map)
 {
-    const auto SourceOf = [](const TColumnFate& Fate) { return Fate.Column.Source; };
-    const auto NameOf = [](const TColumnFate& Fate) { return Fate.Column.Name; };
+    const auto SourceOf = [](const TColumnFate& Fate) { return ToDisplay(Fate.Column.Source); };
+    const auto NameOf = [&](const TColumnFate& Fate) { // not told twice
+        return Fate.Column.Name == SourceOf(Fate) ? std::string() : Fate.Column.Name;
+    };
     const int SourceWidth = WidthOf(Map.Columns, SourceOf), NameWidth = WidthOf(Map.Columns, NameOf);
     for (const auto& Fate : Map.Columns) {
-        Out << "  " << Cell(Fate.Column.Source, SourceWidth) << "  ";
+        Out << "  " << Cell(SourceOf(Fate), SourceWidth) << "  ";
         if (NameWidth > 0)
-            Out << Cell(Fate.Column.Name, NameWidth) << "  ";
+            Out << Cell(NameOf(Fate), NameWidth) << "  ";
         Out << FateText(Fate) << '\n';
     }
 }

@@ -48,10 +48,9 @@ TColumnMap TImportRun::MapColumns()
 {
     if (Source->MapsItself())
         return {};
-    const auto Columns = Source->Columns();
     if (!Options.Map.empty())
-        return MapAsGiven(Options.Map, Columns, Destination->Table(),
-                          [this](const std::string& Column) { return Source->RemarkOnStranger(Column); });
+        return MapAsGiven(Options.Map, *Source, Destination->Table());
+    const auto Columns = Source->Columns();
     if (Options.ByPosition)
         return MapByPosition(Columns, Destination->Table());
     if (Columns.empty())
@@ -102,19 +101,22 @@ void TImportRun::SetUp(TKvImportBaseComponent& Component)
 void TImportRun::RecordFailed(const Exception& Error, bool& Abort)
 {
     ++Failed;
+    FailedAlready = true;
     Abort = Options.AbortOnError;
     if (Abort || Report.ErrorsMet++ >= Options.MaxErrors) // the error that ends the run is told with its outcome
         return;
     const auto Place = Source->Component().RecordPlace();
+    const auto Message = Source->Explain(ToDisplay(Error.Message));
+    const bool TellsPlace = Message.starts_with("File \"" + Source->DisplayName() + "\", " + Place); // as a table's does
     Report.Errors.push_back({.Place = Place, .Message = Error.Message});
-    Console.PrintLine(Source->DisplayName() + ", " + Place + ": " + ToDisplay(Error.Message));
+    Console.PrintLine(TellsPlace ? Message : Source->DisplayName() + ", " + Place + ": " + Message);
 }
 
 void TImportRun::RecordDone()
 {
-    if (Source->Component().Statistic.LastAction == iaUnknown)
+    if (Source->Component().Statistic.LastAction == iaUnknown && !FailedAlready)
         ++(Stored ? NotFound : Refused);
-    Stored = false;
+    Stored = FailedAlready = false;
     Destination->RecordDone();
 }
 

@@ -48,6 +48,7 @@ private:
     std::unique_ptr<TSource> Source;
     std::unique_ptr<TDestination> Destination;
     bool Stored = false;                            // the current record got as far as being written
+    bool FailedAlready = false;                     // the current record has an error
     int Failed = 0, Refused = 0, NotFound = 0;
 };
 

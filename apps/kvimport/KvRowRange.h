@@ -14,8 +14,11 @@ struct TRowRange
     int Header = 0;                                 ///< The row above the first; 0: none names the columns.
 };
 
-/// As the options have it, for a kind whose columns have no names but those in a header. `Word` is what
-/// a row is called. Raises EUsageError when they leave no row or no header.
-TRowRange RowRangeOf(const TSourceOptions& Options, std::string_view Word);
+// As the options have it. Both raise EUsageError when that leaves no row.
+
+TRowRange RowRangeOf(const TSourceOptions& Options);
+/// For a kind whose columns have no names but those in a header, which must be left too when names are to be
+/// found. `Word` is what a row is called.
+TRowRange RowRangeBelowHeader(const TSourceOptions& Options, std::string_view Word);
 
 } // namespace kv

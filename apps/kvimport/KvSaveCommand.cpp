@@ -83,23 +83,15 @@ void CheckTarget(const std::string& FileName)
         throw Exception(FileName + " is there and is no import specification; it is left as it is");
 }
 
-/// A pair of --map, blanks around its parts left out.
-std::string MappingLine(const std::string& Given)
-{
-    const auto Equal = std::min(Given.find('='), Given.size() - 1);
-    const auto Field = Trim(std::string_view(Given).substr(0, Equal));
-    const auto Column = Trim(std::string_view(Given).substr(Equal + 1));
-    if (Field.empty() || Column.empty())
-        throw Exception("--map: '" + Given + "' is no pair such as ID=Field1: a field and a column");
-    return FromDisplay(std::string(Field) + '=' + std::string(Column));
-}
-
 /// Sets up a component without looking at a destination.
-void SetUpAlone(TKvImportBaseComponent& Component, const TImportOptions& Options)
+void SetUpAlone(TSource& Source, const TImportOptions& Options)
 {
+    auto& Component = Source.Component();
     auto& Lines = Component.Mappings();
-    for (const auto& Given : Options.Map)
-        Lines.Add(MappingLine(Given));
+    for (const auto& Line : Options.Map) {
+        const auto Pair = SplitMapPair(Line);
+        Lines.Add(FromDisplay(Pair.Field) + '=' + Source.ColumnNamed(Pair.Column).Column.Source);
+    }
     for (const auto& Key : Options.Keys)
         if (Lines.IndexOfName(FromDisplay(Key)) < 0)
             throw Exception("--keys: the field '" + Key + "' gets no column, so no record can be found by it");
@@ -111,7 +103,7 @@ void SetUpAlone(TKvImportBaseComponent& Component, const TImportOptions& Options
 void SaveAlone(const TSaveOptions& Options)
 {
     const auto Source = MakeSource(Options.Import.Source);
-    SetUpAlone(Source->Component(), Options.Import);
+    SetUpAlone(*Source, Options.Import);
     Source->Component().SaveSpecification(FromDisplay(Options.Name), Options.FileName, false);
 }
 

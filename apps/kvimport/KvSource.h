@@ -17,6 +17,18 @@ struct TSourceColumn
     std::string Name;                               ///< As the source itself calls it, UTF-8; empty when it does not.
 };
 
+/// A column of a source that calls it as mapping lines do.
+TSourceColumn ColumnCalled(const std::string& Name);
+/// Such columns as they stand above rows: under one name, not two.
+std::vector<TSourceColumn> WithoutNames(std::vector<TSourceColumn> Columns);
+
+/// What a mapping takes from the source.
+struct TMappedColumn
+{
+    TSourceColumn Column;
+    std::string Remark;                             ///< What is odd about it; empty for a column that is there.
+};
+
 /// Rows as they stand in the source, before any conversion. UTF-8.
 struct TSourceRows
 {
@@ -24,6 +36,7 @@ struct TSourceRows
     std::vector<std::vector<std::string>> Rows;     ///< A row may be longer or shorter than Columns.
     std::vector<std::string> Places;                ///< Of each row: "2" for line 2.
     bool HasMore = false;                           ///< There are rows after these.
+    std::vector<std::string> Warnings;              ///< What of them could not be read.
 };
 
 /// A sheet of a workbook.
@@ -50,9 +63,9 @@ public:
     virtual bool HasNames() const = 0;
     virtual std::vector<TSourceColumn> Columns() = 0;
     virtual TSourceRows FirstRows(int Count) = 0;
-    /// What is to be said of a mapping to `Column`, which Columns() lacks. Raises Exception when nothing
-    /// can come of it.
-    virtual std::string RemarkOnStranger(const std::string& Column);
+    /// What a mapping to `Name` takes, UTF-8 and written in any case: one of Columns(), or what else the source
+    /// makes of it. Raises Exception when nothing can come of it.
+    virtual TMappedColumn ColumnNamed(const std::string& Name);
     /// `Text` of an error, in which the source goes by its display name.
     virtual std::string Explain(std::string Text) const { return Text; }
     /// How the source was read, where the command line left it open: "delimiter: semicolon".
@@ -61,6 +74,11 @@ public:
     virtual std::vector<std::string> Warnings() const { return {}; }
     /// All sheets of a workbook, in order; none for anything else.
     virtual std::vector<TSourceSheet> Sheets() const { return {}; }
+
+protected:
+    /// What is to be said of a mapping to `Name`, which Columns() lacks: most sources take it for a constant.
+    /// Raises Exception when nothing can come of it.
+    virtual std::string RemarkOnStranger(const std::string& Name);
 };
 
 } // namespace kv

@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "KvCodePage.h"
 #include "KvColumnLetters.h"
 #include "KvDisplayText.h"
 #include "KvException.h"
@@ -15,6 +14,7 @@
 #include "KvRowRange.h"
 #include "KvSourceFile.h"
 #include "KvSourceOptions.h"
+#include "KvSourceSetUp.h"
 #include "KvTerminalText.h"
 #include "KvText.h"
 #include "Kvi2wks.h"
@@ -42,13 +42,13 @@ public:
     bool HasNames() const override { return Rows.Header > 0; }
     std::vector<TSourceColumn> Columns() override;
     TSourceRows FirstRows(int Count) override;
-    std::string RemarkOnStranger(const std::string& Column) override;
     std::string Explain(std::string Text) const override { return File.Explain(std::move(Text)); }
     std::vector<std::string> Findings() const override;
     std::vector<std::string> Warnings() const override { return FWarnings; }
     std::vector<TSourceSheet> Sheets() const override { return FSheets; }
 
 private:
+    std::string RemarkOnStranger(const std::string& Name) override;
     const TSpreadSheetCells& Cells() const { return Book->Sheets[static_cast<std::size_t>(Import->SheetIndex)].Cells; }
     void ListSheets();
     int SheetNamed(const std::string& Sheet) const;
@@ -68,12 +68,9 @@ private:
 };
 
 TSpreadSheetSource::TSpreadSheetSource(const TSourceOptions& Given, std::unique_ptr<TKvImportFromCell> Component)
-    : Options(Given), Rows(RowRangeOf(Options, RowWord)), File(Options.FileName), Import(std::move(Component))
+    : Options(Given), Rows(RowRangeBelowHeader(Options, RowWord)), File(Options.FileName), Import(std::move(Component))
 {
-    Import->SourceFileName = File.Name();
-    Import->CharacterSet = Options.MsDos ? csiASCII_MSDOS : csiANSI_WINDOWS;
-    Import->RowFirst = Rows.First;
-    Import->RowLast = Rows.Last;
+    SetUpSource(*Import, File.Name(), Rows, Options);
     if (!Options.Classic)
         Import->Extensions = AllExtensions;
     Book = &LoadWorkBook(*Import, File);
@@ -125,8 +122,7 @@ std::vector<std::string> TSpreadSheetSource::Findings() const
 std::string TSpreadSheetSource::TextAt(int Col, int Row) const
 {
     const auto& Value = Cells().GetValue(Col, Row);
-    const auto Text = Value.ToText();
-    return ToDisplay(Options.MsDos && Value.IsString() ? OemToAnsi(Text) : Text);
+    return ToDisplay(Value.ToText(), Options.MsDos && Value.IsString());
 }
 
 std::string TSpreadSheetSource::ColumnName(int Col) const
@@ -167,18 +163,18 @@ std::vector<TSourceColumn> TSpreadSheetSource::Columns()
 }
 
 /// There are no constants: any name is read as letters, and most of them lead nowhere.
-std::string TSpreadSheetSource::RemarkOnStranger(const std::string& Column)
+std::string TSpreadSheetSource::RemarkOnStranger(const std::string& Name)
 {
-    const int Number = ColumnOfLetters(Column) + 1;
+    const int Number = ColumnOfLetters(Name) + 1;
     const auto Letters = SpreadSheetLetters(Number);
-    if (SameText(Column, Letters) && Number <= TSpreadSheetRow::MaxColumns)
+    if (SameText(Name, Letters) && Number <= TSpreadSheetRow::MaxColumns)
         return HoldsValues(Number - 1) ? "" : "the column holds no values: the field stays empty";
-    throw Exception("'" + Column + "' is no column: columns are called A to IV");
+    throw Exception("'" + Name + "' is no column: columns are called A to IV");
 }
 
 TSourceRows TSpreadSheetSource::FirstRows(int Count)
 {
-    TSourceRows Result{.Columns = ColumnsThere(), .Rows = {}, .Places = {}};
+    TSourceRows Result{.Columns = ColumnsThere(), .Rows = {}, .Places = {}, .Warnings = {}};
     const int End = std::min(FSheets[static_cast<std::size_t>(Import->SheetIndex)].Rows, Rows.Last);
     int Row = Rows.First - 1;
     for (; Row < End && std::ssize(Result.Rows) < Count; ++Row) {

@@ -4,12 +4,13 @@
 #include <filesystem>
 #include <utility>
 
-#include "KvCodePage.h"
 #include "KvDisplayText.h"
+#include "KvNumberText.h"
 #include "KvOptionText.h"
 #include "KvRowRange.h"
 #include "KvSourceFile.h"
 #include "KvSourceOptions.h"
+#include "KvSourceSetUp.h"
 #include "KvTerminalText.h"
 #include "KvText.h"
 #include "KvTextProbe.h"
@@ -29,6 +30,14 @@ std::string_view WithoutPadding(std::string_view Text)
     return Text.substr(0, Text.find_last_not_of(' ') + 1);
 }
 
+/// "Text11-20" is a column of a fixed line.
+bool IsRange(std::string_view Name)
+{
+    const auto Dash = std::min(Name.find('-'), Name.size());
+    const auto IsNumber = [](std::string_view Text) { return TryTextToInt(Text).value_or(0) > 0; };
+    return Dash > 4 && Dash < Name.size() && IsNumber(Name.substr(4, Dash - 4)) && IsNumber(Name.substr(Dash + 1));
+}
+
 class TTextSource final : public TSource
 {
 public:
@@ -40,11 +49,13 @@ public:
     bool HasNames() const override { return Rows.Header > 0; }
     std::vector<TSourceColumn> Columns() override;
     TSourceRows FirstRows(int Count) override;
+    TMappedColumn ColumnNamed(const std::string& Name) override;
     std::string Explain(std::string Text) const override { return File.Explain(std::move(Text)); }
     std::vector<std::string> Findings() const override;
     std::vector<std::string> Warnings() const override { return FieldCountWarnings(Import); }
 
 private:
+    std::string RemarkOnStranger(const std::string& Name) override;
     bool TrimsColumns() const { return Options.Text.Fixed && !Options.Classic; }
     void SetLayout();
     void FindDelimiter();
@@ -62,8 +73,10 @@ private:
 };
 
 TTextSource::TTextSource(const TSourceOptions& Given)
-    : Options(Given), Rows(RowRangeOf(Options, RowWord)), File(Options.FileName)
+    : Options(Given), Rows(RowRangeBelowHeader(Options, RowWord)), File(Options.FileName)
 {
+    SetUpSource(Import, File.Name(), Rows, Options);
+    Import.HeaderLine = Rows.Header;
     SetLayout();
     FindDelimiter();
 }
@@ -76,13 +89,8 @@ void TTextSource::SetLayout()
     Import.SetFieldDelimiterCustom(Text.Delimiter.value_or(Text.Fixed ? '\0' : Extension == ".CSV" ? ',' : '\t'));
     Import.SetTextQualifierCustom(Text.Qualifier);
     Import.SetRecordSeparatorCustom(Text.RecordSeparator);
-    Import.CharacterSet = Options.MsDos ? csiASCII_MSDOS : csiANSI_WINDOWS;
     if (!Options.Classic)
         Import.Extensions = AllExtensions;
-
-    Import.SourceFileName = File.Name();
-    Import.RowFirst = Rows.First;
-    Import.RowLast = Rows.Last;
 }
 
 /// A header that holds no delimiter as the file's name promises it, but another of the usual ones, is
@@ -105,7 +113,7 @@ void TTextSource::FindDelimiter()
 
 std::string TTextSource::ToUtf8(std::string_view Text) const
 {
-    return ToDisplay(Import.CharacterSet == csiASCII_MSDOS ? OemToAnsi(Text) : std::string(Text));
+    return ToDisplay(Text, Options.MsDos);
 }
 
 TProbedText TTextSource::Probe(int First, int Last)
@@ -181,6 +189,24 @@ TSourceRows TTextSource::FirstRows(int Count)
     return Result;
 }
 
+/// The component counts by what stands behind any five characters, or any four before a range.
+TMappedColumn TTextSource::ColumnNamed(const std::string& Name)
+{
+    if (Import.Fixed && IsRange(Name))
+        return {.Column = TSource::ColumnNamed("Text" + Name.substr(4)).Column, .Remark = {}};
+    const auto Number = Import.Fixed || Name.size() < 6 ? 0 : TryTextToInt(std::string_view(Name).substr(5)).value_or(0);
+    return TSource::ColumnNamed(Number > 0 ? "Field" + std::to_string(Number) : Name);
+}
+
+std::string TTextSource::RemarkOnStranger(const std::string& Name)
+{
+    if (!Name.starts_with("Field"))
+        return TSource::RemarkOnStranger(Name);
+    if (Import.Fixed)
+        return "there is no such column: the field stays empty";
+    return "line " + std::to_string(Import.RowFirst) + " has no such column: the field stays empty where it is missing";
+}
+
 std::vector<std::string> TTextSource::Findings() const
 {
     if (!DelimiterFound)
@@ -205,14 +231,13 @@ std::vector<std::string> FieldCountWarnings(const TKvImportFromText& Import)
 {
     std::vector<std::string> Result;
     const auto& Counts = Import.FieldCounts();
-    if (Import.RowFirst > 2)                        // line 1 is a title: the lines need not be like it
-        return {};
+    const bool HasHeader = Import.HeaderLine > 0;
+    const auto Than = " values than line " + std::to_string(HasHeader ? Import.HeaderLine : Import.RowFirst) + ": ";
     if (Counts.MoreLines > 0)
-        Result.push_back(LinesFrom(Counts.MoreLines, Counts.FirstMore) +
-                         " more values than line 1: the extra ones were not imported");
+        Result.push_back(LinesFrom(Counts.MoreLines, Counts.FirstMore) + " more" + Than +
+                         (HasHeader ? "the extra ones were not imported" : "the extra ones were imported only where a mapping names them"));
     if (Counts.FewerLines > 0)
-        Result.push_back(LinesFrom(Counts.FewerLines, Counts.FirstFewer) +
-                         " fewer values than line 1: the missing ones count as empty");
+        Result.push_back(LinesFrom(Counts.FewerLines, Counts.FirstFewer) + " fewer" + Than + "the missing ones count as empty");
     return Result;
 }
 

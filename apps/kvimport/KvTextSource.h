@@ -16,7 +16,7 @@ struct TSourceOptions;
 /// cannot be opened, EUsageError when the options contradict each other.
 std::unique_ptr<TSource> MakeTextSource(const TSourceOptions& Options);
 
-/// What its last run met: lines with more or fewer values than the header.
+/// What its last run met: lines with more or fewer values than the header or, without one, the first line.
 std::vector<std::string> FieldCountWarnings(const TKvImportFromText& Import);
 
 } // namespace kv

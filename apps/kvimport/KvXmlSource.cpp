@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "KvCodePage.h"
 #include "KvDisplayText.h"
 #include "KvException.h"
 #include "KvExitStatus.h"
@@ -14,14 +13,15 @@
 #include "KvRowRange.h"
 #include "KvSourceFile.h"
 #include "KvSourceOptions.h"
+#include "KvSourceSetUp.h"
 #include "KvText.h"
+#include "KvTextFile.h"
 #include "Kvi2xml.h"
 
 namespace kv {
 
 namespace {
 
-constexpr std::string_view RowWord = "row";
 constexpr int NamingRecords = 100;                  // that are looked at when no FIELDS section names columns
 
 constexpr TKvIXMLExtensions AllExtensions{xxTagSyntax, xxWholeNames, xxReferences, xxEncoding, xxMissingIsNull};
@@ -33,14 +33,14 @@ public:
 
     TKvImportBaseComponent& Component() override { return Import; }
     std::string DisplayName() const override { return File.DisplayName(); }
-    std::string_view PlaceWord() const override { return RowWord; }
+    std::string_view PlaceWord() const override { return "row"; }
     bool HasNames() const override { return true; }
     std::vector<TSourceColumn> Columns() override { return FColumns; }
     TSourceRows FirstRows(int Count) override;
-    std::string RemarkOnStranger(const std::string& Column) override;
     std::string Explain(std::string Text) const override { return File.Explain(std::move(Text)); }
 
 private:
+    std::string RemarkOnStranger(const std::string& Name) override;
     std::string ToUtf8(std::string_view Text) const;
     void Read(int Count);
     std::vector<std::string> ReadNames(TKvXmlRows Rows) const;
@@ -53,20 +53,9 @@ private:
     TSourceRows First;                              // rows, as many as were asked for so far
 };
 
-/// Names come with the attributes: no row is a header.
-TSourceOptions WithoutHeader(TSourceOptions Options)
+TXmlSource::TXmlSource(const TSourceOptions& Given) : Options(Given), File(Options.FileName)
 {
-    Options.FindNames = false;
-    return Options;
-}
-
-TXmlSource::TXmlSource(const TSourceOptions& Given) : Options(WithoutHeader(Given)), File(Options.FileName)
-{
-    const auto Range = RowRangeOf(Options, RowWord);
-    Import.SourceFileName = File.Name();
-    Import.CharacterSet = Options.MsDos ? csiASCII_MSDOS : csiANSI_WINDOWS;
-    Import.RowFirst = Range.First;
-    Import.RowLast = Range.Last;
+    SetUpSource(Import, File.Name(), RowRangeOf(Options), Options);
     Import.TableName = FromDisplay(Options.Xml.RowTag);
     if (!Options.Classic)
         Import.Extensions = AllExtensions;
@@ -75,7 +64,7 @@ TXmlSource::TXmlSource(const TSourceOptions& Given) : Options(WithoutHeader(Give
 
 std::string TXmlSource::ToUtf8(std::string_view Text) const
 {
-    return ToDisplay(Options.MsDos ? OemToAnsi(Text) : std::string(Text));
+    return ToDisplay(Text, Options.MsDos);
 }
 
 /// The columns and the first records, as the component reads them.
@@ -114,10 +103,10 @@ std::vector<std::string> TXmlSource::ReadNames(TKvXmlRows Rows) const
     return Import.TableName.empty() && !Rows.FieldNames().empty() ? Rows.FieldNames() : Names;
 }
 
-std::string TXmlSource::RemarkOnStranger(const std::string& Column)
+std::string TXmlSource::RemarkOnStranger(const std::string& Name)
 {
     if (Options.Classic)
-        return TSource::RemarkOnStranger(Column);
+        return TSource::RemarkOnStranger(Name);
     return "the file announces no such attribute: the field stays empty where it is missing";
 }
 
@@ -130,11 +119,9 @@ TSourceRows TXmlSource::FirstRows(int Count)
 
 TSourceRows TXmlSource::ReadRows(TKvXmlRows Rows, int Count) const
 {
-    TSourceRows Result;
-    for (const auto& Column : FColumns) {
+    TSourceRows Result{.Columns = WithoutNames(FColumns), .Rows = {}, .Places = {}, .Warnings = {}};
+    for (const auto& Column : FColumns)
         Rows.AddColumn(Column.Source);
-        Result.Columns.push_back({.Source = Column.Name, .Name = {}}); // they have no other names
-    }
     std::int64_t Number = 1;
     bool There = Rows.Next();
     for (; There && Number <= Import.RowLast && std::ssize(Result.Rows) < Count; There = Rows.Next(), ++Number) {

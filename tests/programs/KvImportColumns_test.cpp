@@ -98,10 +98,27 @@ TEST(KvImportColumns, AreMappedExactlyAsGiven)
 {
     const TShop Shop;
     const auto Run = Shop.Import("Rom,1,x\n", {"--map", "id = Field2", "--map", "CITY=Field1", "--map", "QTY=Field99", "--map", "NOTE=May"});
-    EXPECT_EQ(FatesOf(Run), "Field2 >ID\nField1 >CITY\nField99 >QTY: there is no such column: the field stays empty\n"
+    EXPECT_EQ(FatesOf(Run), "Field2 >ID\nField1 >CITY\nField99 >QTY: line 1 has no such column: the field stays empty where it is missing\n"
                             "May >NOTE: no column but a constant: every record gets this text\n"
                             "Field3 >: no --map names it: not imported\n");
     EXPECT_EQ(Shop.Ask("SELECT ID, CITY, QTY, NOTE FROM orders"), "1|Rom|NULL|May");
+}
+
+TEST(KvImportColumns, AreNamedInAnyCase)
+{
+    const TShop Shop;
+    const auto Run = Shop.Import("1,Rom\n", {"--map", "ID=field1", "--map", "CITY=FIELD2"});
+    EXPECT_EQ(FatesOf(Run), "Field1 >ID\nField2 >CITY\n");
+    EXPECT_EQ(Shop.Ask("SELECT ID, CITY FROM orders"), "1|Rom");
+}
+
+TEST(KvImportColumns, OfTextAreToldByTheNumberBehindAnyFiveCharacters)
+{
+    const TShop Shop;
+    const auto Run = Shop.Import("1,Rom\n", {"--map", "ID=Field1", "--map", "CITY=batch2", "--map", "NOTE=batch7"});
+    EXPECT_EQ(FatesOf(Run), "Field1 >ID\nField2 >CITY\n"
+                            "Field7 >NOTE: line 1 has no such column: the field stays empty where it is missing\n");
+    EXPECT_EQ(Shop.Ask("SELECT ID, CITY, NOTE FROM orders"), "1|Rom|NULL");
 }
 
 TEST(KvImportColumns, AHeaderThatWouldBeARecordIsPointedOut)

@@ -108,6 +108,22 @@ INSTANTIATE_TEST_SUITE_P(, KvImportRefuses, testing::Values(
     TRefusedValueRow{"TooLong", "VARCHAR(3)", "Bern", "'Bern' is longer than field 'V': 4 characters, it holds 3"}),
     [](const auto& Info) { return Info.param.Name; });
 
+TEST(KvImportValues, AreCountedAgainstTheHeaderWhereverItStands)
+{
+    const TShop Shop;
+    const auto Run = Shop.Import("Orders of May\nID,CITY\n1,Rom\n2,Bern,x\n", {"--first-row", "3"});
+    EXPECT_EQ(Run["warnings"], nlohmann::json::array({"line 4 has more values than line 2: the extra ones were not imported"}));
+}
+
+TEST(KvImportValues, AreCountedAgainstTheFirstLineWithoutAHeader)
+{
+    const TShop Shop;
+    const auto Run = Shop.Import("1,Rom\n2,Bern,x\n3\n", {"--by-position"});
+    EXPECT_EQ(Run["warnings"], nlohmann::json::array({
+        "line 2 has more values than line 1: the extra ones were imported only where a mapping names them",
+        "line 3 has fewer values than line 1: the missing ones count as empty"}));
+}
+
 TEST(KvImportValues, AnEmptyFileHasNoHeader)
 {
     const TShop Shop;

@@ -139,6 +139,12 @@ TEST_F(KvXmlOnTheCommandLine, RecordsOfAnotherTagAreTaken)
     EXPECT_EQ(Orders(), "1|NULL|NULL\n2|Rom|NULL");
 }
 
+TEST_F(KvXmlOnTheCommandLine, AnAttributeMayBeNamedInAnyCase)
+{
+    EXPECT_EQ(Import(Packet, {"--map", "ID=id", "--map", "CITY=City"}).Status, 0);
+    EXPECT_EQ(Orders(), "1|Köln & Bonn|NULL\n2|Rom|NULL");
+}
+
 TEST_F(KvXmlOnTheCommandLine, AFileThatWasCutOffImportsNothing)
 {
     const auto Run = Import(Packet.substr(0, Packet.size() - 40));

@@ -136,6 +136,13 @@ TEST_F(KvSpreadSheets, ColumnsAreMappedByPositionOrByTheirLetters)
     EXPECT_EQ(Orders(), "2|-0.25");
 }
 
+TEST_F(KvSpreadSheets, AColumnMayBeNamedByASmallLetter)
+{
+    const auto Out = Import(Workbook(), {"--map", "ID=a", "--map", "CITY=b", "--first-row", "2"}).Out;
+    EXPECT_EQ(Orders(), "1|Köln\n2|Rom");
+    EXPECT_THAT(Out, HasSubstr("  A  -> ID\n  B  -> CITY\n  C     no --map names it: not imported\n"));
+}
+
 TEST_F(KvSpreadSheets, AWorksheetOfLotusAndOfQuattroIsImported)
 {
     EXPECT_EQ(Import(Worksheet(wfLotus), {}, "book.wk1").Status, 0);

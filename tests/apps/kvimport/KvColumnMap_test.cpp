@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "KvException.h"
 #include "KvMemoryDataSet.h"
 
@@ -44,11 +46,34 @@ template <class TAction> std::string MessageOf(TAction Action)
     return "nothing was raised";
 }
 
-/// Under the rule of a source that has constants.
+/// A source that is nothing but its columns.
+class TColumnsOnly : public TSource
+{
+public:
+    explicit TColumnsOnly(std::vector<TSourceColumn> Given) : List(std::move(Given)) {}
+
+    TKvImportBaseComponent& Component() override { throw std::logic_error("nothing is imported"); }
+    std::string DisplayName() const override { return "columns"; }
+    std::string_view PlaceWord() const override { return "row"; }
+    bool HasNames() const override { return true; }
+    std::vector<TSourceColumn> Columns() override { return List; }
+    TSourceRows FirstRows(int) override { return {}; }
+
+private:
+    const std::vector<TSourceColumn> List;
+};
+
+struct TColumnsWithoutConstants : TColumnsOnly
+{
+    using TColumnsOnly::TColumnsOnly;
+
+    std::string RemarkOnStranger(const std::string& Name) override { throw Exception(Name + " is no column"); }
+};
+
 TColumnMap MapGiven(const std::vector<std::string>& Lines, const std::vector<TSourceColumn>& Given, const TDataSet& Destination)
 {
-    return MapAsGiven(Lines, Given, Destination,
-                      [&Given](const std::string& Source) { return RemarkOnConstant(Source, Given); });
+    TColumnsOnly Source(Given);
+    return MapAsGiven(Lines, Source, Destination);
 }
 
 TEST(KvColumnMap, JoinsByName)
@@ -65,7 +90,8 @@ TEST(KvColumnMap, RaisesWhenNoNameFits)
 {
     const TOrders Orders;
     EXPECT_EQ(MessageOf([&] { MapByName(Columns({"A", "B"}), Orders); }),
-              "no column has the name of a field; the columns are A, B; the fields are ID, CITY, TOTAL, NOTE");
+              "no column has the name of a field; the columns are A, B; the fields are ID, CITY, TOTAL, NOTE; "
+              "--map or --by-position joins them otherwise");
 }
 
 TEST(KvColumnMap, JoinsByPosition)
@@ -80,26 +106,39 @@ TEST(KvColumnMap, JoinsByPosition)
 TEST(KvColumnMap, TakesLinesAsTheyAreGiven)
 {
     const TOrders Orders;
-    const auto Map = MapGiven({" city = Field2", "NOTE=Text11-20", "ID=7"}, Columns({"", ""}), Orders);
-    EXPECT_THAT(Map.Lines, ElementsAre("CITY=Field2", "NOTE=Text11-20", "ID=7"));
+    const auto Map = MapGiven({" city = Field2", "ID=7"}, Columns({"", ""}), Orders);
+    EXPECT_THAT(Map.Lines, ElementsAre("CITY=Field2", "ID=7"));
     EXPECT_EQ(Map.Columns[0].Remark, "");
-    EXPECT_EQ(Map.Columns[1].Remark, "");
-    EXPECT_EQ(Map.Columns[2].Remark, "no column but a constant: every record gets this text");
-    EXPECT_EQ(Map.Columns[3].Remark, "no --map names it: not imported");
+    EXPECT_EQ(Map.Columns[1].Remark, "no column but a constant: every record gets this text");
+    EXPECT_EQ(Map.Columns[2].Remark, "no --map names it: not imported");
 }
 
-TEST(KvColumnMap, PointsToTheColumnThatAConstantMayMean)
+TEST(KvColumnMap, AColumnMayBeWrittenInAnyCase)
 {
     const TOrders Orders;
-    EXPECT_EQ(MapGiven({"CITY=Town"}, Columns({"ID", "town"}), Orders).Columns[0].Remark,
-              "no column but a constant: every record gets this text (the column of that name is Field2)");
+    const auto Map = MapGiven({"CITY=FIELD1", "ID=field2"}, Columns({"", ""}), Orders);
+    EXPECT_THAT(Map.Lines, ElementsAre("CITY=Field1", "ID=Field2"));
+    EXPECT_EQ(Map.Columns.size(), 2);
+}
+
+TEST(KvColumnMap, ColumnsThatDifferInCaseOnlyAreToldApart)
+{
+    const TOrders Orders;
+    const std::vector<TSourceColumn> Twins = {{.Source = "town", .Name = {}}, {.Source = "Town", .Name = {}}};
+    EXPECT_THAT(MapGiven({"CITY=Town", "NOTE=town"}, Twins, Orders).Lines, ElementsAre("CITY=Town", "NOTE=town"));
 }
 
 TEST(KvColumnMap, ASourceMayRefuseAStranger)
 {
     const TOrders Orders;
-    const auto Refuse = [](const std::string& Source) -> std::string { throw Exception(Source + " is no column"); };
-    EXPECT_EQ(MessageOf([&] { MapAsGiven({"CITY=Town"}, Columns({"ID"}), Orders, Refuse); }), "Town is no column");
+    TColumnsWithoutConstants Source(Columns({"ID"}));
+    EXPECT_EQ(MessageOf([&] { MapAsGiven({"CITY=Town"}, Source, Orders); }), "Town is no column");
+}
+
+TEST(KvColumnMap, WhatIsNoPairIsRefused)
+{
+    for (const std::string Line : {"ID", "ID=", "=Field1", "", " = "})
+        EXPECT_EQ(MessageOf([&] { SplitMapPair(Line); }), "--map: '" + Line + "' is no pair such as ID=Field1: a field and a column");
 }
 
 TEST(KvColumnMap, RefusesToWriteComputedFields)
