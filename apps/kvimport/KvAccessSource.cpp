@@ -9,7 +9,9 @@
 #include "KvExitStatus.h"
 #include "KvFormatSettings.h"
 #include "KvOptionText.h"
+#include "KvRowRange.h"
 #include "KvSourceOptions.h"
+#include "KvSourceSetUp.h"
 #include "KvText.h"
 #include "Kvi2ole.h"
 
@@ -20,7 +22,7 @@ namespace {
 class TAccessSource final : public TSource
 {
 public:
-    explicit TAccessSource(const TSourceOptions& Options);
+    explicit TAccessSource(const TSourceOptions& Given);
 
     TKvImportBaseComponent& Component() override { return Import; }
     std::string DisplayName() const override { return ToDisplay(Import.SourceFileName); }
@@ -35,19 +37,19 @@ private:
     std::vector<std::string> TableNames();
     std::string TextAt(int Field);
 
+    const TSourceOptions Options;
     TKvImportFromAccess Import;
     TKvAccessSession Session;                       // of its own, beside that of the run
     bool IsOnlyTable = false;
 };
 
-TAccessSource::TAccessSource(const TSourceOptions& Options)
+TAccessSource::TAccessSource(const TSourceOptions& Given) : Options(Given)
 {
     if (Options.FileName == "-")
         throw EUsageError("an Access database cannot be read from standard input");
-    Import.SourceFileName = Options.FileName;
-    Import.CharacterSet = Options.MsDos ? csiASCII_MSDOS : csiANSI_WINDOWS;
-    Import.RowFirst = Options.RowFirst.value_or(1);
-    Import.RowLast = Options.RowLast.value_or(RowLastMax);
+    if (Options.MsDos)
+        throw EUsageError("--charset msdos has no meaning for a source of kind access, whose text has no code page");
+    SetUpSource(Import, Options.FileName, RowRangeOf(Options), Options);
     if (!Options.Classic)
         Import.Extensions = {xaOpensForMapping, xaSkipsToRowFirst};
     Session.Open("", Import.SourceFileName);
@@ -72,12 +74,14 @@ std::string TAccessSource::FindTable(const std::string& Name)
         IsOnlyTable = true;
         return FromDisplay(Names.front());
     }
-    const auto There = Names.empty() ? "; it has none" : "; its tables are " + JoinNames(Names);
+    if (Names.empty())
+        throw Exception(DisplayName() + " has no tables");
     if (Name.empty())
-        throw Exception("--source-table: " + DisplayName() + " does not say which table is meant" + There);
+        throw Exception("--source-table is missing; the tables of " + DisplayName() + " are " + JoinNames(Names));
     const auto Found = std::ranges::find_if(Tables, [&Name](const TAccessTable& Each) { return SameText(Each.Name, Name); });
     if (Found == Tables.end())
-        throw Exception("--source-table: " + DisplayName() + " has no table '" + ToDisplay(Name) + "'" + There);
+        throw Exception("--source-table: " + DisplayName() + " has no table '" + ToDisplay(Name) + "'; its tables are " +
+                        JoinNames(Names));
     return Found->Name;
 }
 
@@ -85,7 +89,7 @@ std::vector<TSourceColumn> TAccessSource::Columns()
 {
     std::vector<TSourceColumn> Result;
     for (const auto& Field : Session.Recordset()->Fields())
-        Result.push_back({.Source = Field.Name, .Name = ToDisplay(Field.Name)});
+        Result.push_back(ColumnCalled(Field.Name));
     return Result;
 }
 
@@ -101,11 +105,8 @@ std::string TAccessSource::TextAt(int Field)
 
 TSourceRows TAccessSource::FirstRows(int Count)
 {
-    // The columns have no other names than those that mappings use.
-    TSourceRows Result;
+    TSourceRows Result{.Columns = WithoutNames(Columns()), .Rows = {}, .Places = {}, .Warnings = {}};
     auto& Recordset = *Session.Recordset();
-    for (const auto& Field : Recordset.Fields())
-        Result.Columns.push_back({.Source = ToDisplay(Field.Name), .Name = {}});
     Recordset.MoveFirst();
     int Number = 1;
     for (; !Recordset.Eof() && Number <= Import.RowLast && std::ssize(Result.Rows) < Count; Recordset.MoveNext(), ++Number) {
@@ -122,9 +123,12 @@ TSourceRows TAccessSource::FirstRows(int Count)
 
 std::vector<std::string> TAccessSource::Findings() const
 {
-    if (!IsOnlyTable)
-        return {};
-    return {"table " + ToDisplay(Import.TableName) + ", the only one"};
+    std::vector<std::string> Result;
+    if (IsOnlyTable)
+        Result.push_back("table " + ToDisplay(Import.TableName) + ", the only one");
+    if (Options.Classic && Options.RowFirst)
+        Result.emplace_back("--classic: records are taken from the first one on; --first-row and --last-row only say how many");
+    return Result;
 }
 
 } // namespace

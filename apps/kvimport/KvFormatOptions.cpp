@@ -68,7 +68,7 @@ void AddTruthOptions(CLI::App& Command, TFormatOptions& Options)
 
 void AddCodePageOptions(CLI::App& Command, TFormatOptions& Options)
 {
-    Command.add_option("--code-page", Options.CodePage, "Code page of the text, such as windows-1250 (default: UTF-8)")
+    Command.add_option("--code-page", Options.CodePage, "Code page of the text, such as windows-1250 (default: UTF-8, or what the file says of itself)")
         ->type_name("NAME");
     Command.add_option("--oem-code-page", Options.OemCodePage, "Code page of the text with --charset msdos (default: 437)")
         ->type_name("NAME");

@@ -25,6 +25,10 @@ constexpr char ExtraHelp[] =
     "      Changes the orders that are there and adds the others.\n"
     "  kvimport import book.xls --sheet 2 --to shop.db --table orders\n"
     "      A sheet of a workbook; kvimport sheets lists them.\n"
+    "  kvimport import northwind.mdb --source-table Orders --to shop.db --table orders\n"
+    "      A table of an Access database; kvimport tables lists them.\n"
+    "  kvimport import orders.dbf --to shop.db --table orders --charset msdos --oem-code-page 850\n"
+    "      A table that does not name the code page of its text; those that do need no options.\n"
     "  kvimport import old.txt --to shop.db --table orders --fixed --columns ID=1-9,CITY=10-29 --charset msdos\n"
     "      A file of fixed width from an MS-DOS program.\n"
     "  zcat orders.csv.gz | kvimport import - --to shop.db --table orders --delimiter comma --json\n"
@@ -34,6 +38,15 @@ constexpr char ExtraHelp[] =
     "are reported and left out, the others are kept. With --batch every N records are kept for good.\n"
     "\n"
     "Exit status: 0 done, 1 done but some records were not stored, 2 wrong usage, 3 failed, 130 cancelled.";
+
+constexpr char ClassicHelp[] =
+    "Read as the components do by themselves. Of text: doubled qualifiers stay doubled, lines have at most 9999 characters, "
+    "a byte order mark is text, fixed values keep their blanks. Of pages and data packets: tags are cut as they come, "
+    "references and encodings are not resolved, cells go to the mappings in their order, a missing attribute is its own name. "
+    "Of workbooks: what a sheet does not declare is not read, results of formulas are numbers or missing, only built-in date "
+    "formats make dates, the 1904 date mode and code pages are not looked at, integers of worksheets have no sign. Of tables: "
+    "--first-row and --last-row skip nothing, for Access they only say how many records are taken; field names of dBase have "
+    "10 characters";
 
 void AddMappingOptions(CLI::App& Command, TImportOptions& Options)
 {
@@ -99,11 +112,7 @@ void AddPlanOptions(CLI::App& Command, TImportOptions& Options)
     Command.option_defaults()->group("Records and columns");
     AddMappingOptions(Command, Options);
     AddSourceOptions(Command, Options.Source);
-    Command.add_flag("--classic", Options.Source.Classic,
-                     "Read as the components do by themselves. Of text: doubled qualifiers stay doubled, lines have at most "
-                     "9999 characters, a byte order mark is text, fixed values keep their blanks. Of workbooks: what a sheet "
-                     "does not declare is not read, results of formulas are numbers or missing, only built-in date formats "
-                     "make dates, the 1904 date mode and code pages are not looked at, integers of worksheets have no sign")
+    Command.add_flag("--classic", Options.Source.Classic, ClassicHelp)
         ->group("What is read");
     Command.option_defaults()->group("How values are written");
     AddFormatOptions(Command, Options.Formats);

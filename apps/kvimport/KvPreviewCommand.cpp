@@ -35,6 +35,7 @@ void AddPreviewOptions(CLI::App& Command, TPreviewOptions& Options)
                    "  kvimport preview orders.csv\n"
                    "  kvimport preview orders.csv --first-row 1       line 1 is no header\n"
                    "  kvimport preview book.xls --sheet Orders\n"
+                   "  kvimport preview northwind.mdb --source-table Orders\n"
                    "  kvimport preview old.txt --fixed --columns ID=1-9,CITY=10-29 --charset msdos");
     AddSourceFile(Command, Options.Source, "File to show; - is standard input");
     AddChecked(Command, "--rows", "N", "Rows to show (default: 20)",
@@ -42,6 +43,7 @@ void AddPreviewOptions(CLI::App& Command, TPreviewOptions& Options)
     Command.add_flag("--json", Options.Json, "Print the rows as one JSON object");
     Command.add_flag("--classic", Options.Source.Classic, "Read as the components do by themselves; see kvimport import --help");
     AddSourceOptions(Command, Options.Source);
+    Command.option_defaults()->group("How values are written");
     AddCodePageOptions(Command, Options.Formats);
 }
 
@@ -79,6 +81,13 @@ void PrintTable(TSource& Source, const TSourceRows& Rows)
         std::cout << "There are more rows; --rows N shows N of them.\n";
 }
 
+std::vector<std::string> AllWarnings(const TSource& Source, const TSourceRows& Rows)
+{
+    auto Result = Source.Warnings();
+    Result.insert(Result.end(), Rows.Warnings.begin(), Rows.Warnings.end());
+    return Result;
+}
+
 void PrintJson(TSource& Source, const TSourceRows& Rows)
 {
     const std::string PlaceWord(Source.PlaceWord());
@@ -91,7 +100,8 @@ void PrintJson(TSource& Source, const TSourceRows& Rows)
                           {"columns", Columns},
                           {"rows", Lines},
                           {"hasMore", Rows.HasMore},
-                          {"findings", Source.Findings()}};
+                          {"findings", Source.Findings()},
+                          {"warnings", AllWarnings(Source, Rows)}};
     PrintJsonLine(std::cout, Object);
 }
 
@@ -106,7 +116,7 @@ void Preview(TPreviewOptions& Options)
     else
         PrintTable(*Source, Rows);
     std::cout.flush();
-    for (const auto& Warning : Source->Warnings())
+    for (const auto& Warning : AllWarnings(*Source, Rows))
         std::cerr << "Warning: " << VisibleText(Source->DisplayName() + ", " + Warning) << '\n';
 }
 

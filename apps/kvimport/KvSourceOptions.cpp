@@ -12,7 +12,7 @@ void AddSharedOptions(CLI::App& Command, TSourceOptions& Options)
 {
     Command.option_defaults()->group("What is read");
     AddRowOptions(Command, Options);
-    AddChoice(Command, "--charset", "ansi or msdos: text is in the ANSI code page (default) or in the OEM code page",
+    AddChoice(Command, "--charset", "ansi or msdos: text is in the ANSI code page (default) or in the OEM code page, whatever a table file says of itself",
               {{"ansi", [&Options] { Options.MsDos = false; }}, {"msdos", [&Options] { Options.MsDos = true; }}});
 }
 
@@ -39,10 +39,10 @@ void AddSourceFile(CLI::App& Command, TSourceOptions& Options, const std::string
 
 void AddRowOptions(CLI::App& Command, TSourceOptions& Options)
 {
-    AddChecked(Command, "--first-row", "N", "First line or row to import, from 1 (default: 2 when columns are found by name in a "
+    AddChecked(Command, "--first-row", "N", "First line, row or record to import, from 1 (default: 2 when columns are found by name in a "
                "header, else 1)",
                [&Options](const std::string& Text) { Options.RowFirst = ReadCount(Text, 1); });
-    AddChecked(Command, "--last-row", "N", "Last line or row to import (default: the last)",
+    AddChecked(Command, "--last-row", "N", "Last line, row or record to import (default: the last)",
                [&Options](const std::string& Text) { Options.RowLast = ReadCount(Text, 1); });
 }
 

@@ -13,6 +13,7 @@
 #include "KvFormatOptions.h"
 #include "KvJson.h"
 #include "KvOptionText.h"
+#include "KvSourceKinds.h"
 #include "KvTextTable.h"
 
 namespace kv {
@@ -40,7 +41,9 @@ void AddOptions(CLI::App& Command, TTablesOptions& Options)
 {
     Command.footer("Examples:\n"
                    "  kvimport tables northwind.mdb\n"
-                   "  kvimport import northwind.mdb --source-table Orders --to shop.db --table orders");
+                   "  kvimport import northwind.mdb --source-table Orders --to shop.db --table orders\n"
+                   "\n"
+                   "Databases are read by the program kvaccess, beside this one or in the PATH; KV_ACCESS_HELPER names another.");
     Command.add_option("FILE", Options.FileName, "Access database to look into")->required()->type_name("");
     Command.add_flag("--system", Options.System, "List the tables that Access keeps for itself too");
     Command.add_flag("--json", Options.Json, "Print the tables as one JSON object");
@@ -63,8 +66,18 @@ TListedTable Describe(TAccessDatabase& Database, const std::string& Name)
     return Listed;
 }
 
+void CheckKind(const std::string& FileName)
+{
+    if (FileName == "-")
+        throw EUsageError("an Access database cannot be read from standard input");
+    if (const auto& Kind = KindOfFile(FileName); Kind.Name != "access")
+        throw Exception(FileName + " is no Access database but of kind " + std::string(Kind.Name) +
+                        "; kvimport preview shows what it holds");
+}
+
 std::vector<TListedTable> ListTables(const TTablesOptions& Options)
 {
+    CheckKind(Options.FileName);
     TKvAccessSession Session;
     Session.Open("", Options.FileName);
     std::vector<TListedTable> Listed;

@@ -74,6 +74,12 @@ TEST_F(KvAccessTables, ATableIsImportedByTheNamesOfItsFields)
               "4|Łódź|1900-01-01 00:00:00|0.0001|0|NULL");
 }
 
+TEST_F(KvAccessTables, AFieldOfTheTableMayBeNamedInAnyCase)
+{
+    EXPECT_EQ(Import({"--map", "ID=id", "--map", "CITY=CITY"}).Status, 0);
+    EXPECT_EQ(Shop.Ask("SELECT ID, CITY FROM orders WHERE ID < 3"), "1|Köln\n2|Rom");
+}
+
 TEST_F(KvAccessTables, TheOnlyTableNeedsNoName)
 {
     EXPECT_EQ(Import().Status, 0);
@@ -85,7 +91,7 @@ TEST_F(KvAccessTables, SeveralTablesNeedAName)
     Script.Table("Empty", {{.Name = "Id", .Type = afLong}}, 0, [](auto&) {});
     const auto Result = Import();
     EXPECT_EQ(Result.Status, 3);
-    EXPECT_THAT(Result.Err, HasSubstr("shop.mdb does not say which table is meant; its tables are Orders, Empty"));
+    EXPECT_THAT(Result.Err, HasSubstr("shop.mdb are Orders, Empty\n"));
     EXPECT_EQ(Import({"--source-table", "Empty"}).Status, 0);
     EXPECT_EQ(Shop.Count(), 0);
 }
@@ -115,6 +121,38 @@ TEST_F(KvAccessTables, StandardInputIsRefused)
     const auto Result = RunKvImport(Shop.Folder, {"preview", "-", "--from", "access"});
     EXPECT_EQ(Result.Status, 2);
     EXPECT_THAT(Result.Err, HasSubstr("an Access database cannot be read from standard input"));
+    EXPECT_EQ(RunKvImport(Shop.Folder, {"tables", "-"}).Err, Result.Err);
+}
+
+TEST_F(KvAccessTables, ADatabaseWithoutTablesIsAnError)
+{
+    Script.Answer("tables", AccessStream([](auto& Writer) { Writer.End(); }));
+    const auto Result = Import();
+    EXPECT_EQ(Result.Status, 3);
+    EXPECT_THAT(Result.Err, HasSubstr("shop.mdb has no tables\n"));
+}
+
+TEST_F(KvAccessTables, TextOfAnOemCodePageIsRefused)
+{
+    const auto Result = Import({"--charset", "msdos"});
+    EXPECT_EQ(Result.Status, 2);
+    EXPECT_THAT(Result.Err, HasSubstr("--charset msdos has no meaning for a source of kind access, whose text has no code page\n"));
+}
+
+TEST_F(KvAccessTables, ClassicReadingSaysThatNoRecordIsSkipped)
+{
+    const auto Result = Import({"--classic", "--first-row", "3", "--last-row", "3"});
+    EXPECT_THAT(Result.Out, HasSubstr("(--classic: records are taken from the first one on; --first-row and --last-row only say how many)"));
+    EXPECT_EQ(Shop.Ask("SELECT ID FROM orders"), "1");
+}
+
+TEST_F(KvAccessTables, ASavedImportSaysWhichOfItsColumnsAreConstants)
+{
+    const auto File = Shop.Folder / "orders.kvi";
+    RunKvImport(Shop.Folder, {"save", File, Mdb, "--map", "ID=Id", "--map", "NOTE=May"});
+    const auto Result = RunKvImport(Shop.Folder, {"run", File, "--to", Shop.Database(), "--table", "orders"});
+    EXPECT_THAT(Result.Out, HasSubstr("  Id   -> ID\n  May  -> NOTE  (no column but a constant: every record gets this text)\n"));
+    EXPECT_EQ(Shop.Ask("SELECT ID, NOTE FROM orders WHERE ID < 3"), "1|May\n2|May");
 }
 
 TEST_F(KvAccessTables, ACrashOfTheReaderLeavesTheDestinationAsItWas)

@@ -87,7 +87,7 @@ TEST_F(KvPreview, PrintsJson)
     EXPECT_EQ(Preview("ID;City\n1;Rom\n2;Bern\n", {"--rows", "1", "--json"}).Json(), nlohmann::json::parse(
         R"({"source": ")" + (Folder / "orders.csv") + R"(", "columns": [{"column": "Field1", "name": "ID"},
             {"column": "Field2", "name": "City"}], "rows": [{"line": 2, "values": ["1", "Rom"]}], "hasMore": true,
-            "findings": ["delimiter semicolon, as line 1 has it"]})"));
+            "findings": ["delimiter semicolon, as line 1 has it"], "warnings": []})"));
 }
 
 TEST_F(KvPreview, ReadsStandardInput)

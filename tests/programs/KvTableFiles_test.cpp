@@ -14,6 +14,7 @@ namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
+using testing::Not;
 
 /// "orders.dbf" with five records, of which one is deleted and one cannot be read, and "orders.db" with one.
 class KvTableFiles : public testing::Test
@@ -57,6 +58,7 @@ TEST_F(KvTableFiles, ATableOfDbaseIsImportedByTheNamesOfItsFields)
     EXPECT_EQ(Result.Json()["read"], 4);
     EXPECT_EQ(Result.Json()["added"], 3);
     EXPECT_EQ(Result.Json()["failed"], 1);
+    EXPECT_EQ(Result.Json()["refused"], 0);
 }
 
 TEST_F(KvTableFiles, ATableOfParadoxIsImportedByTheNamesOfItsFields)
@@ -66,10 +68,17 @@ TEST_F(KvTableFiles, ATableOfParadoxIsImportedByTheNamesOfItsFields)
     EXPECT_EQ(Stored(), "9|Oslo|NULL|12.5|NULL");
 }
 
+TEST_F(KvTableFiles, AFieldOfTheTableMayBeNamedInAnyCase)
+{
+    const auto Out = Import("orders.db", {"--map", "ID=id", "--map", "CITY=CITY"}).Out;
+    EXPECT_EQ(Stored(), "9|Oslo|NULL|NULL|NULL");
+    EXPECT_THAT(Out, AllOf(HasSubstr("  Id      -> ID\n  City    -> CITY\n"), Not(HasSubstr("constant"))));
+}
+
 TEST_F(KvTableFiles, WhatCannotBeReadIsToldWithItsPlace)
 {
     const auto Result = Import("orders.dbf");
-    EXPECT_THAT(Result.Err, AllOf(HasSubstr("record 4"), HasSubstr("field 'ORDERED': '20240230' is no date")));
+    EXPECT_EQ(Result.Err, "File \"" + Folder() / "orders.dbf" + "\", record 4, field 'ORDERED': '20240230' is no date\n");
 }
 
 TEST_F(KvTableFiles, TheFirstBytesTellTheKindWhateverTheName)
@@ -103,6 +112,76 @@ TEST_F(KvTableFiles, ADamagedTableFailsWithItsReason)
     EXPECT_EQ(Result.Status, 3);
     EXPECT_THAT(Result.Err, HasSubstr("ends after record"));
     EXPECT_EQ(Shop.Count(), 0);
+}
+
+TEST_F(KvTableFiles, AnEncryptedTableFailsWithItsReason)
+{
+    Folder().Write("orders.dbf", Orders().Encrypted().Build());
+    const auto Result = Import("orders.dbf");
+    EXPECT_EQ(Result.Status, 3);
+    EXPECT_THAT(Result.Err, HasSubstr("orders.dbf\" is encrypted\n"));
+}
+
+TEST_F(KvTableFiles, APreviewSaysWhyAValueCannotBeRead)
+{
+    Folder().Write("notes.dbf", TDbaseBuilder(0x83).Field("NOTE", 'M', 10).Record({"         1"}).Record({"         2"}).Build());
+    const auto Result = RunKvImport(Folder(), {"preview", Folder() / "notes.dbf"});
+    EXPECT_EQ(Result.Status, 0);
+    EXPECT_EQ(Result.Err, "Warning: " + Folder() / "notes.dbf" + ", 2 values cannot be read: File \"" + Folder() / "notes.dbf" +
+                              "\", record 1, field 'NOTE': Cannot open file \"" + Folder() / "notes.dbt" +
+                              "\": No such file or directory\n");
+}
+
+TEST_F(KvTableFiles, TextOfACodePageThatIsNotNamedIsPointedOut)
+{
+    Folder().Write("orders.dbf", TDbaseBuilder().Field("ID", 'N', 5).Field("CITY", 'C', 20).Record({"    1", "K\x94ln"}).Build());
+    EXPECT_THAT(Import("orders.dbf").Out, HasSubstr("(the table does not name the code page of its text, which is taken for "
+                                                    "windows-1252; --charset msdos takes it for 437)\n"));
+    EXPECT_THAT(Import("orders.dbf", {"--charset", "msdos", "--mode", "copy"}).Out, Not(HasSubstr("code page")));
+    EXPECT_EQ(Shop.Ask("SELECT CITY FROM orders"), "Köln");
+    EXPECT_THAT(Import("orders.db", {"--mode", "copy"}).Out, Not(HasSubstr("code page")));
+}
+
+TEST_F(KvTableFiles, RowsThatEndBeforeTheyBeginAreRefused)
+{
+    const auto Result = Import("orders.dbf", {"--first-row", "3", "--last-row", "2"});
+    EXPECT_EQ(Result.Status, 2);
+    EXPECT_THAT(Result.Err, HasSubstr("--last-row 2 lies before --first-row 3\n"));
+}
+
+TEST_F(KvTableFiles, ClassicReadingSaysThatNoRecordIsSkipped)
+{
+    EXPECT_THAT(Import("orders.dbf", {"--classic", "--first-row", "5"}).Out,
+                HasSubstr("(--classic: all records are imported, whatever --first-row and --last-row say)\n"));
+    EXPECT_EQ(Shop.Count(), 3);
+}
+
+TEST_F(KvTableFiles, ATableWithoutFieldsOfTheDestinationIsRefusedWithBothNamed)
+{
+    Folder().Write("orders.dbf", TDbaseBuilder().Field("NR", 'N', 5).Record({"    1"}).Build());
+    const auto Result = Import("orders.dbf");
+    EXPECT_EQ(Result.Status, 3);
+    EXPECT_THAT(Result.Err, HasSubstr("no column has the name of a field; the columns are NR; the fields are ID, CITY, ORDERED, "
+                                      "AMOUNT, QTY, PAID, NOTE; --map or --by-position joins them otherwise\n"));
+}
+
+TEST_F(KvTableFiles, ASavedImportSaysWhatTheTableLacks)
+{
+    const auto File = Folder() / "orders.kvi";
+    RunKvImport(Folder(), {"save", File, Folder() / "orders.dbf", "--to", Shop.Database(), "--table", "orders"});
+    const auto Result = RunKvImport(Folder(), {"run", File, "--to", Shop.Database(), "--table", "orders", "--source", Folder() / "orders.db",
+                                               "--quiet", "--json"});
+    EXPECT_EQ(Result.Status, 3) << "it is a table of Paradox";
+    Folder().Write("orders.dbf", TDbaseBuilder().Field("ID", 'N', 5).Field("CITY", 'C', 9).Record({"    7", "Rome"}).Build());
+    EXPECT_THAT(RunKvImport(Folder(), {"run", File, "--to", Shop.Database(), "--table", "orders"}).Out,
+                AllOf(HasSubstr("  CITY     -> CITY\n"),
+                      HasSubstr("  PAID     -> PAID  (no column but a constant: every record gets this text)\n")));
+}
+
+TEST_F(KvTableFiles, TablesListsThoseOfDatabasesOnly)
+{
+    EXPECT_EQ(RunKvImport(Folder(), {"tables", Folder() / "orders.dbf"}).Err,
+              "kvimport: " + Folder() / "orders.dbf" + " is no Access database but of kind dbase; kvimport preview shows what it holds\n");
 }
 
 TEST_F(KvTableFiles, AFileOfMemosIsNotTakenForText)
