@@ -4,7 +4,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "KvExampleBooks.h"
+#include "KvExampleFiles.h"
 #include "KvShop.h"
 
 namespace kv {
@@ -49,10 +49,11 @@ TEST(KvExamples, OrdersOfFixedWidthGoIntoTheTableWhole)
               "Comidas Peñón|Madrid|2024-09-13|4157\nGrößte Auswahl|München|2024-09-16|498.5");
 }
 
-TEST(KvExamples, TheWorkbooksAreAsMakeExampleBooksMakesThem)
+TEST(KvExamples, TheWorkbooksAndTablesAreAsMakeExampleFilesMakesThem)
 {
-    for (const auto& Book : ExampleBooks())
-        EXPECT_TRUE(ReadExample(Book.Name) == Book.Bytes) << Book.Name;
+    for (const auto& Files : {ExampleBooks(), ExampleTables()})
+        for (const auto& Each : Files)
+            EXPECT_TRUE(ReadExample(Each.Name) == Each.Bytes) << Each.Name;
 }
 
 TEST(KvExamples, OrdersOfAWorkbookGoIntoTheTableWhole)
@@ -92,6 +93,23 @@ TEST(KvExamples, ThePageAndTheDataPacketHoldTheSameOrders)
     }
 }
 
+TEST(KvExamples, OrdersOfTablesGoIntoTheTableWhole)
+{
+    const std::pair<std::string, std::string> Tables[] = {
+        {"orders.dbf", "10501|Größte Auswahl|München|DE|1999-06-07|1999-06-09|498.5|12|1|Call Frau Voß first:\r\n089 555 0142\n"
+                       "10502|Brødrene Sørensen|København|DK|1999-06-08|NULL|1204|30|0|Two crates, one pallet\n"
+                       "10504|Crémerie Étoile|Liège|BE|1999-06-14|1999-06-18|NULL|5|NULL|NULL"},
+        {"orders.db", "10601|Müller, Söhne & Co.|Köln|DE|1999-06-21|1999-06-23|1871.2|9|1|Paid in €, invoice in DM\n"
+                      "10602|Peña Hermanos|Cádiz|ES|1999-06-24|NULL|4157|60|0|Ship with the next load\n"
+                      "10603|Au Panier Lyonnais|Lyon|FR|1999-06-28|NULL|-120|1|0|NULL"}};
+    for (const auto& [Name, Orders] : Tables) {
+        const TShop Shop(Schema());
+        const auto Run = ImportWithJson(Shop.Folder, {Examples + "/" + Name, "--to", Shop.Database(), "--table", "orders"});
+        EXPECT_EQ(Run["exitStatus"], 0);
+        EXPECT_EQ(Shop.Ask("SELECT ID, CUSTOMER, CITY, COUNTRY, ORDERED, SHIPPED, AMOUNT, QTY, PAID, NOTE FROM orders"), Orders);
+    }
+}
+
 TEST(KvExamples, TheSpecificationsDoTheSame)
 {
     const TShop Shop(Schema());
@@ -106,7 +124,7 @@ TEST(KvExamples, TheSpecificationsDoTheSame)
 
 TEST(KvExamples, EveryKindOfSourceHasASpecificationThatFillsTheTable)
 {
-    for (const auto& [Name, Orders] : {std::pair{"xls", 5}, {"wk1", 3}, {"wq1", 3}, {"html", 16}, {"xml", 16}}) {
+    for (const auto& [Name, Orders] : {std::pair{"xls", 5}, {"wk1", 3}, {"wq1", 3}, {"html", 16}, {"xml", 16}, {"dbf", 3}, {"db", 3}}) {
         const TShop Shop(Schema());
         const TArguments Run{"run", Examples + "/orders-" + Name + ".kvi", "--to", Shop.Database(), "--table", "orders"};
         for (int Time = 0; Time < 2; ++Time) {      // the second time the orders are there already

@@ -1,4 +1,4 @@
-#include "KvExampleBooks.h"
+#include "KvExampleFiles.h"
 
 #include <map>
 #include <string_view>
@@ -105,7 +105,7 @@ std::string Worksheet(TWorksheetFormat Format)
 
 } // namespace
 
-std::vector<TExampleBook> ExampleBooks()
+std::vector<TExampleFile> ExampleBooks()
 {
     return {{"orders.xls", Workbook()}, {"orders.wk1", Worksheet(wfLotus)}, {"orders.wq1", Worksheet(wfQuattro)}};
 }
