@@ -359,25 +359,18 @@ void TKvImportFromText::DetectAutoMapping()
     AfterImport();
 }
 
-void TKvImportFromText::AddMapping(const TField& Field, const std::string& Source)
-{
-    Mappings().Add(Field.FieldName() + "=" + Source);
-}
-
 /// By the names in line 1. A field whose name is not there gets no mapping.
 void TKvImportFromText::MapHeaderFields()
 {
     CheckLength(FirstLine, 1);
     auto& Names = *FieldPositions;
     Names.Split(FirstLine);
-    for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
-        const auto& Field = GetDataSet()->Fields(I);
+    MapFields([&Names](const TField& Field) {
         std::size_t Position = 0;
         while (Position < Names.Count() && !NamesField(Names.Value(Position), Field))
             ++Position;
-        if (Position < Names.Count())
-            AddMapping(Field, "Field" + std::to_string(Position + 1));
-    }
+        return Position < Names.Count() ? "Field" + std::to_string(Position + 1) : std::string();
+    });
 }
 
 /// By the names in line 1 between breaks that the fields' widths propose. The text compared begins with
@@ -388,35 +381,31 @@ void TKvImportFromText::MapHeaderBreaks()
     std::vector<int> Breaks;
     FillFields(GetDataSet(), true, GetFieldDelimiterCustom(), GetTextQualifierCustom(), FirstLine, Breaks);
     std::size_t Pos = 0;
-    for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
-        const auto& Field = GetDataSet()->Fields(I);
+    MapFields([&](const TField& Field) {
         for (const int Break : Breaks) {
             const auto Part = Slice(FirstLine, std::max<std::size_t>(Pos, 1), static_cast<std::size_t>(Break));
             Pos = static_cast<std::size_t>(Break);
-            if (NamesField(Part, Field)) {
-                AddMapping(Field, "Text" + std::to_string(Pos) + "-" + std::to_string(Break));
-                break;
-            }
+            if (NamesField(Part, Field))
+                return "Text" + std::to_string(Pos) + "-" + std::to_string(Break);
         }
-    }
+        return std::string();
+    });
 }
 
 void TKvImportFromText::MapFieldsInOrder()
 {
-    for (int I = 0; I < GetDataSet()->FieldCount(); ++I)
-        AddMapping(GetDataSet()->Fields(I), "Field" + std::to_string(I + 1));
+    MapFields([](const TField& Field) { return "Field" + std::to_string(Field.Index() + 1); });
 }
 
 /// One column after the other. The first begins at 0, which is no position: it imports its own name.
 void TKvImportFromText::MapFieldWidths()
 {
     std::int64_t Pos = 0;
-    for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
-        const auto& Field = GetDataSet()->Fields(I);
-        const auto Stop = Pos + Field.DisplayWidth();
-        AddMapping(Field, "Text" + std::to_string(Pos) + "-" + std::to_string(Stop));
+    MapFields([&](const TField& Field) {
+        const auto Start = Pos, Stop = Start + Field.DisplayWidth();
         Pos = Stop + 1 + (GetFieldDelimiterCustom() != '\0');
-    }
+        return "Text" + std::to_string(Start) + "-" + std::to_string(Stop);
+    });
 }
 
 // Routines without a component.

@@ -119,7 +119,6 @@ private:
     static TColumn ResolveFixed(std::string_view Source);
     std::string_view TextOf(const TColumn& Column, std::string_view Source);
     std::string_view WithoutDelimiter(std::string_view Value) const;
-    void AddMapping(const TField& Field, const std::string& Source);
     void MapHeaderFields();
     void MapHeaderBreaks();
     void MapFieldsInOrder();
