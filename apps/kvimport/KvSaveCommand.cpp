@@ -83,14 +83,26 @@ void CheckTarget(const std::string& FileName)
         throw Exception(FileName + " is there and is no import specification; it is left as it is");
 }
 
-/// Sets up a component without looking at a destination.
-void SetUpAlone(TSource& Source, const TImportOptions& Options)
+/// What is odd about the column or its way, in a line; empty when nothing is.
+std::string RemarkOn(const TColumnFate& Fate)
+{
+    if (Fate.Remark.empty())
+        return {};
+    const auto Source = ToDisplay(Fate.Column.Source);
+    const bool HasOtherName = !Fate.Column.Name.empty() && Fate.Column.Name != Source;
+    return Source + (HasOtherName ? " " + Fate.Column.Name : "") + (Fate.Field.empty() ? "" : " for " + Fate.Field) + ": " + Fate.Remark;
+}
+
+/// Sets up a component without looking at a destination. Adds remarks.
+void SetUpAlone(TSource& Source, const TImportOptions& Options, std::vector<std::string>& Remarks)
 {
     auto& Component = Source.Component();
     auto& Lines = Component.Mappings();
     for (const auto& Line : Options.Map) {
         const auto Pair = SplitMapPair(Line);
-        Lines.Add(FromDisplay(Pair.Field) + '=' + Source.ColumnNamed(Pair.Column).Column.Source);
+        auto [Column, Remark] = Source.ColumnNamed(Pair.Column);
+        Lines.Add(FromDisplay(Pair.Field) + '=' + Column.Source);
+        Remarks.push_back(RemarkOn({.Column = Column, .Field = Pair.Field, .Remark = std::move(Remark)}));
     }
     for (const auto& Key : Options.Keys)
         if (Lines.IndexOfName(FromDisplay(Key)) < 0)
@@ -100,21 +112,29 @@ void SetUpAlone(TSource& Source, const TImportOptions& Options)
     SetFormats(Options.Formats, Component.DataFormats);
 }
 
-void SaveAlone(const TSaveOptions& Options)
+// Both give what is to be said of the source and of its columns; some of it may be empty.
+
+std::vector<std::string> SaveAlone(const TSaveOptions& Options)
 {
     const auto Source = MakeSource(Options.Import.Source);
-    SetUpAlone(*Source, Options.Import);
+    auto Remarks = Source->Findings();
+    SetUpAlone(*Source, Options.Import, Remarks);
     Source->Component().SaveSpecification(FromDisplay(Options.Name), Options.FileName, false);
+    return Remarks;
 }
 
 /// With fields and keys as an import into the table would have them.
-void SaveForTable(const TSaveOptions& Options)
+std::vector<std::string> SaveForTable(const TSaveOptions& Options)
 {
     TConsoleInterface Console(csQuiet);
     TImportReport Report(Options.Import);
     TImportRun Run(Options.Import, Console, Report);
     Run.Prepare();
     Run.Component().SaveSpecification(FromDisplay(Options.Name), Options.FileName, false);
+    auto Remarks = Report.Findings;
+    for (const auto& Fate : Report.Columns.Columns)
+        Remarks.push_back(RemarkOn(Fate));
+    return Remarks;
 }
 
 /// Options that have no place in the file.
@@ -141,8 +161,11 @@ void Save(TSaveOptions& Options)
     CheckOptions(Options);
     if (Options.Name.empty())
         Options.Name = std::filesystem::path(Options.FileName).stem().string();
-    Options.Import.Destination.FileName.empty() ? SaveAlone(Options) : SaveForTable(Options);
+    const auto Remarks = Options.Import.Destination.FileName.empty() ? SaveAlone(Options) : SaveForTable(Options);
     PrintSpecification(std::cout, TSpecification(Options.FileName));
+    for (const auto& Remark : Remarks)
+        if (!Remark.empty())
+            std::cout << "(" << VisibleText(Remark) << ")\n";
     if (const auto Rest = NotKept(Options.Import.Formats); !Rest.empty())
         std::cout << "Such files do not hold these; give them to kvimport run: " << VisibleText(JoinNames(Rest, " "))
                   << '\n';

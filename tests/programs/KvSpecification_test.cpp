@@ -15,6 +15,7 @@ namespace kv {
 namespace {
 
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -109,6 +110,15 @@ TEST_F(KvSpecification, NeedsNoTableWhenMappingsAreGiven)
     EXPECT_THAT(Show()["keys"], ElementsAre("id"));
     EXPECT_EQ(RunWithJson({"--mode", "append"})["added"], 3);
     EXPECT_EQ(RunWithJson()["updated"], 3);
+}
+
+TEST_F(KvSpecification, SaysWhatBecomesOfColumnsThatAreNoneOrFindNoField)
+{
+    const auto Orders = Shop.Folder.Write("more.csv", "ID,COLOUR\n1,red\n");
+    EXPECT_THAT(Run({"save", File, Orders, "--to", Shop.Database(), "--table", "orders"}).Out,
+                EndsWith("(Field2 COLOUR: no field of that name: not imported)\n"));
+    EXPECT_THAT(Run({"save", File, Orders, "--first-row", "2", "--map", "ID=Field1", "--map", "CITY=Town"}).Out,
+                EndsWith("\n(Town for CITY: no column but a constant: every record gets this text)\n"));
 }
 
 TEST_F(KvSpecification, SaysWhatTheFileDoesNotHold)
