@@ -137,7 +137,7 @@ TVariant TKvImportFromBDE::GetFieldValue(const TVariant& Source)
     if (!Field)
         return TKvImportFromFile::GetFieldValue(Source);
     auto Value = Field->PeekValue();
-    if (Field->DataType() == ftBCD && Value.IsString())
+    if (Value.IsString() && IsNumericField(Field->DataType()))
         return WithSeparator(Value, DataFormats.DecimalSeparator);
     return Value;
 }

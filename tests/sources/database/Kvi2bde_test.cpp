@@ -294,16 +294,18 @@ TEST(Kvi2bde, TextsOfMsDosAreOfTheOemCodePageWhateverTheTableSays)
 
 TEST(Kvi2bde, DigitsThatOnlyTextHoldsAreReadWithTheSeparatorsOfTheRun)
 {
-    TTableImport Import(TDbaseBuilder().Field("NAME", 'N', 20, 15).Record({"1.234567890123456"}));
-    Import.To.SetFieldDefs({{.Name = "Value", .DataType = ftFloat}});
-    Import.To.Open();
-    Import.SetMappings({"Value=NAME"});
-    const auto Decimal = Import.DataFormats.DecimalSeparator, Thousand = Import.DataFormats.ThousandSeparator;
-    Import.DataFormats.DecimalSeparator = ',';
-    Import.DataFormats.ThousandSeparator = '.';
-    EXPECT_THAT(Import.Run(), ElementsAre("1.234567890123456"));
-    Import.DataFormats.DecimalSeparator = Decimal;
-    Import.DataFormats.ThousandSeparator = Thousand;
+    for (const unsigned Decimals : {15, 0}) {       // a whole number by its field may have decimals all the same
+        TTableImport Import(TDbaseBuilder().Field("NAME", 'N', 18, Decimals).Record({"1.234567890123456"}));
+        Import.To.SetFieldDefs({{.Name = "Value", .DataType = ftFloat}});
+        Import.To.Open();
+        Import.SetMappings({"Value=NAME"});
+        const auto Decimal = Import.DataFormats.DecimalSeparator, Thousand = Import.DataFormats.ThousandSeparator;
+        Import.DataFormats.DecimalSeparator = ',';
+        Import.DataFormats.ThousandSeparator = '.';
+        EXPECT_THAT(Import.Run(), ElementsAre("1.234567890123456")) << Decimals;
+        Import.DataFormats.DecimalSeparator = Decimal;
+        Import.DataFormats.ThousandSeparator = Thousand;
+    }
 }
 
 TEST(Kvi2bde, AmountsKeepTheirDigits)
