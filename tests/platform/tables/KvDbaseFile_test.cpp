@@ -11,6 +11,7 @@
 #include "KvDbaseBuilder.h"
 #include "KvException.h"
 #include "KvIsoDate.h"
+#include "KvParadoxBuilder.h"
 #include "KvTempFolder.h"
 
 namespace kv {
@@ -75,6 +76,17 @@ std::vector<std::string> ReadAll(const TTableFile& File, bool Transliterate = tr
         Records.push_back(Tell(Error.Message));
     }
     return Records;
+}
+
+/// Of the values of the first record.
+std::vector<TVariantKind> KindsOf(const TTableFile& File)
+{
+    TKvDbaseFile Table(File.Name);
+    Table.First();
+    std::vector<TVariantKind> Kinds;
+    for (std::size_t I = 0; I < Table.FieldDefs().size(); ++I)
+        Kinds.push_back(Table.Value(I).Kind());
+    return Kinds;
 }
 
 TDbaseBuilder Numbers(unsigned Count)
@@ -223,6 +235,45 @@ TEST(KvDbaseFile, ANameThatOccursAgainGetsANumber)
     for (const auto& Def : Table.FieldDefs())
         Names.push_back(Def.Name);
     EXPECT_THAT(Names, ElementsAre("ID", "id_1", "ID_1_1", "ID_2"));
+}
+
+TEST(KvDbaseFile, ValuesOfVisualFoxProAreTyped)
+{
+    const TTableFile File(TDbaseBuilder(0x31)
+                              .Field("ID", 'I', 4, 0, 0x0C)
+                              .Field("RATE", 'B', 8, 4)
+                              .Field("NET", 'Y', 8, 4)
+                              .Field("SEEN", 'T', 8)
+                              .Field("BORN", 'D', 8)
+                              .Field("PAID", 'L', 1)
+                              .Field("QTY", 'N', 5)
+                              .Field("LOAD", 'F', 8, 3)
+                              .Record({DbaseLong(-7), DbaseDouble(0.1), DbaseAmount(9007199254740993),
+                                       DbaseMoment(2450874, 57600000), "18210905", "T", "  12", "   2.500"})
+                              .Record({DbaseLong(0), DbaseDouble(0), DbaseAmount(0), DbaseMoment(0, 0)}));
+    EXPECT_THAT(ReadAll(File),
+                ElementsAre("-7|0.1|900719925474.0993|1998-03-01 16:00:00|1821-09-05 00:00:00|True|12|2.5",
+                            "0|0|0|-|-|-|-|-"));
+    EXPECT_THAT(KindsOf(File), ElementsAre(vkInteger, vkDouble, vkCurrency, vkDateTime, vkDateTime, vkBoolean,
+                                           vkInteger, vkDouble));
+}
+
+TEST(KvDbaseFile, ValuesOfDbase7AreTyped)
+{
+    auto Moment = ParadoxNumber(63173520000000.0);  // as in Paradox tables but for the sign bit
+    Moment[0] = static_cast<char>(Moment[0] & 0x7F);
+    const std::string Zeros(8, '\0');
+    const TTableFile File(
+        TDbaseBuilder(0x8C)
+            .Field("ID", '+', 4)
+            .Field("QTY", 'I', 4)
+            .Field("RATE", 'O', 8)
+            .Field("SEEN", '@', 8)
+            .Field("NET", 'N', 20, 4)
+            .Record({ParadoxLong(1), ParadoxLong(-7), ParadoxNumber(-0.1), Moment, "900719925474.0993"})
+            .Record({Zeros.substr(4), Zeros.substr(4), Zeros, Zeros}));
+    EXPECT_THAT(ReadAll(File), ElementsAre("1|-7|-0.1|2002-11-21 00:00:00|900719925474.0993", "-|-|-|-|-"));
+    EXPECT_THAT(KindsOf(File), ElementsAre(vkInteger, vkInteger, vkDouble, vkDateTime, vkCurrency));
 }
 
 TEST(KvDbaseFile, ABitMarksNulls)
