@@ -60,6 +60,11 @@ bool BeginsLikeAccess(std::string_view Beginning)
     return Beginning.starts_with("\0\1\0\0Standard Jet DB\0"sv) || Beginning.starts_with("\0\1\0\0Standard ACE DB\0"sv);
 }
 
+bool BeginsLikeSqlite(std::string_view Beginning)
+{
+    return Beginning.starts_with("SQLite format 3\0"sv);
+}
+
 bool BeginsLikeText(std::string_view Beginning)
 {
     return Beginning.find('\0') == Beginning.npos || WithoutByteOrderMark(Beginning).size() < Beginning.size();

@@ -13,6 +13,7 @@ bool BeginsLikeXls(std::string_view Beginning);     ///< A compound document, or
 bool BeginsLikeWks(std::string_view Beginning);
 bool BeginsLikeQuattro(std::string_view Beginning);
 bool BeginsLikeAccess(std::string_view Beginning);
+bool BeginsLikeSqlite(std::string_view Beginning);  ///< A destination: no kind of source.
 /// True for what may be text: only that of UTF-16 has bytes of zero, and begins with a mark.
 bool BeginsLikeText(std::string_view Beginning);
 

@@ -103,6 +103,8 @@ const TSourceKind& KindOfFile(const std::string& FileName)
 {
     const auto Kinds = SourceKinds();
     const auto Bytes = ReadBeginning(FileName);
+    if (BeginsLikeSqlite(Bytes.View()))
+        throw Exception(FileName + " is an SQLite database, into which kvimport imports; it reads none");
     for (const auto& Kind : Kinds)
         if (Kind.Recognizes && Kind.Recognizes(Bytes.View()))
             return Kind;

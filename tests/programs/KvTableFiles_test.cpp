@@ -184,6 +184,12 @@ TEST_F(KvTableFiles, TablesListsThoseOfDatabasesOnly)
               "kvimport: " + Folder() / "orders.dbf" + " is no Access database but of kind dbase; kvimport preview shows what it holds\n");
 }
 
+TEST_F(KvTableFiles, ADestinationIsNotTakenForATableOfParadox)
+{
+    EXPECT_EQ(RunKvImport(Folder(), {"preview", Shop.Database()}).Err,
+              "kvimport: " + Shop.Database() + " is an SQLite database, into which kvimport imports; it reads none\n");
+}
+
 TEST_F(KvTableFiles, AFileOfMemosIsNotTakenForText)
 {
     const auto Memos = Folder().Write("orders.mb", TParadoxBlobBuilder().Build());

@@ -33,6 +33,7 @@ const TBeginning Beginnings[] = {
     {"access", "\0\1\0\0Standard Jet DB\0"s},
     {"access", "\0\1\0\0Standard ACE DB\0"s},
     {"", "\0\1\0\0Standard Jet"s},
+    {"sqlite", "SQLite format 3\0\x10"s},
     {"", "ID,CITY"},
     {"", ""}};
 
@@ -42,7 +43,8 @@ TEST(KvSignatures, EachKindKnowsItsFilesAndNoOther)
 {
     const std::pair<const char*, bool (*)(std::string_view)> Kinds[] = {
         {"html", BeginsLikeHtml}, {"xml", BeginsLikeXml},         {"xls", BeginsLikeXls},
-        {"wks", BeginsLikeWks},   {"quattro", BeginsLikeQuattro}, {"access", BeginsLikeAccess}};
+        {"wks", BeginsLikeWks},   {"quattro", BeginsLikeQuattro}, {"access", BeginsLikeAccess},
+        {"sqlite", BeginsLikeSqlite}};
     for (const auto& Beginning : Beginnings)
         for (const auto& [Kind, Begins] : Kinds)
             EXPECT_EQ(Begins(Beginning.Bytes), Kind == std::string(Beginning.Kind)) << Kind << ": " << Beginning.Bytes;
