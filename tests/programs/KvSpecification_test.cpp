@@ -112,6 +112,14 @@ TEST_F(KvSpecification, NeedsNoTableWhenMappingsAreGiven)
     EXPECT_EQ(RunWithJson()["updated"], 3);
 }
 
+TEST_F(KvSpecification, LinesAreComparedWithTheFirstOneWhereNoHeaderIsKnown)
+{
+    const auto Orders = Shop.Folder.Write("may.csv", "Orders of May\n\nID,CITY\n1,Rom\n2,Bern,x\n");
+    Run({"save", File, Orders, "--first-row", "4", "--to", Shop.Database(), "--table", "orders"});
+    EXPECT_THAT(RunFile().Err, HasSubstr("may.csv, line 5 has more values than line 4: the extra ones were imported only where a "
+                                         "mapping names them\n"));
+}
+
 TEST_F(KvSpecification, SaysWhatBecomesOfColumnsThatAreNoneOrFindNoField)
 {
     const auto Orders = Shop.Folder.Write("more.csv", "ID,COLOUR\n1,red\n");
