@@ -60,9 +60,10 @@ bool TKvAccessSession::Holds(const std::string& TableName, const std::string& Fi
 
 TVariant TKvAccessSession::Value(int Index, char DecimalSeparator)
 {
+    if (DecimalSeparator == '.' || FRecordset->Fields()[static_cast<std::size_t>(Index)].Type != afDecimal)
+        return FRecordset->Value(Index);            // as it is, most often
     auto Value = FRecordset->Value(Index);
-    const bool IsExactText = Value.IsString() && FRecordset->Fields()[static_cast<std::size_t>(Index)].Type == afDecimal;
-    if (!IsExactText || DecimalSeparator == '.')
+    if (!Value.IsString())
         return Value;
     std::string Text(Value.Text());
     std::ranges::replace(Text, '.', DecimalSeparator);
