@@ -1,7 +1,5 @@
 #include "KvCellImport.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -48,14 +46,9 @@ void AddSheet(TSpreadSheetFile& Reader, const std::string& Caption, const TSheet
     Reader.OnDimensions(Reader, Index, 0, static_cast<int>(Rows.size()), 0, static_cast<int>(Columns));
 }
 
-TCellImport::TCellImport(TBookScript Given) : TKvImportFromCell(nullptr), Script(std::move(Given))
+TCellImport::TCellImport(TBookScript Given) : TFileRun(""), Script(std::move(Given))
 {
-    SourceFileName = Folder.Write("book", "");
-    SetFields({{.Name = "A"}, {.Name = "B"}, {.Name = "C"}});
-    SetDataSet(&Destination);
-    SetMappings({"A=A", "B=B", "C=C"});
-    AnimatedStatus = false;
-    Options = {};
+    MapTo({"A", "B", "C"});
 }
 
 TCellImport::TCellImport(const TSheetRows& Rows)
@@ -66,41 +59,6 @@ TCellImport::TCellImport(const TSheetRows& Rows)
 std::unique_ptr<TSpreadSheetFile> TCellImport::WorkBookCreation()
 {
     return std::make_unique<TScriptedReader>(Script, Loads, Readers);
-}
-
-void TCellImport::SetFields(std::vector<TFieldDef> Defs)
-{
-    Destination.Close();
-    Destination.SetFieldDefs(std::move(Defs));
-    Destination.Open();
-}
-
-std::vector<std::string> TCellImport::Run()
-{
-    Execute();
-    EXPECT_EQ(Statistic.Result, irExecuted) << ErrorMessage();
-    std::vector<std::string> Result;
-    for (Destination.First(); !Destination.Eof(); Destination.Next()) {
-        std::string Values;
-        for (int I = 0; I < Destination.FieldCount(); ++I)
-            Values += (I == 0 ? "" : "|") + Destination.Fields(I).AsString();
-        Result.push_back(Values);
-    }
-    return Result;
-}
-
-std::string TCellImport::RunAndFail()
-{
-    Execute();
-    EXPECT_EQ(Statistic.Result, irFailed);
-    return ErrorMessage();
-}
-
-std::vector<std::string> TCellImport::DetectedMappings()
-{
-    SetMappings({});
-    DetectAutoMapping();
-    return {Mappings().begin(), Mappings().end()};
 }
 
 } // namespace kv

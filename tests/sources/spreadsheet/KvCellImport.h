@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "KvMemoryDataSet.h"
-#include "KvTempFolder.h"
+#include "KvFileRun.h"
 #include "Kvi2cell.h"
 
 namespace kv {
@@ -22,32 +21,20 @@ using TBookScript = std::function<void(TSpreadSheetFile& Reader)>;
 void AddSheet(TSpreadSheetFile& Reader, const std::string& Caption, const TSheetRows& Rows);
 
 /// Imports into the fields A, B and C (text), by default from the columns A, B and C.
-class TCellImport : public TKvImportFromCell
+class TCellImport : public TFileRun<TKvImportFromCell>
 {
 public:
     explicit TCellImport(TBookScript Script);
     /// A workbook of one sheet, "Orders".
     explicit TCellImport(const TSheetRows& Rows);
 
-    /// Other fields of the destination; drops its records.
-    void SetFields(std::vector<TFieldDef> Defs);
-
-    /// Executes and gives the records of the destination, values separated by "|".
-    std::vector<std::string> Run();
-    /// Expects a failure and gives its message.
-    std::string RunAndFail();
-    std::vector<std::string> DetectedMappings();
-
     using TKvImportFromCell::AfterImport;
     using TKvImportFromCell::BeforeImport;
-    using TKvImportFromCell::DetectAutoMapping;
     using TKvImportFromCell::GetFieldValue;
-    using TKvImportFromCell::GetTotalCount;
     using TKvImportFromCell::GoFirst;
     using TKvImportFromCell::LoadRecord;
     using TKvImportFromCell::NeedMore;
 
-    TMemoryDataSet Destination;
     int Loads = 0;                                  ///< How often a reader read the file.
     int Readers = 0;                                ///< Those that exist.
 
@@ -55,7 +42,6 @@ protected:
     std::unique_ptr<TSpreadSheetFile> WorkBookCreation() override;
 
 private:
-    TTempFolder Folder;
     TBookScript Script;
 };
 

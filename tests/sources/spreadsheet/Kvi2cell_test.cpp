@@ -95,7 +95,7 @@ TEST(Kvi2cell, ARunFailsWithTheErrorOfTheReader)
     EXPECT_EQ(Import.RunAndFail(), "File is not a Excel file");
     Import.SourceFileName = "/no/such/book.xls";
     EXPECT_EQ(Import.RunAndFail(), "File is not exists.");
-    Import.SourceFileName = " ";
+    Import.SourceFileName = "   ";
     EXPECT_EQ(Import.RunAndFail(), "File is not defined.");
 }
 
@@ -280,8 +280,10 @@ TEST(Kvi2cell, AnErrorNamesItsRow)
     Import.RowFirst = 2;
     std::string Place;
     Import.OnErrorEvent = [&](auto&, const Exception&, bool&) { Place = Import.RecordPlace(); };
-    EXPECT_THAT(Import.Run(), ElementsAre("2"));
+    Import.Execute();
     EXPECT_EQ(Place, "row 3");
+    EXPECT_EQ(Import.Statistic.TotalErrors, 1);
+    EXPECT_EQ(Import.Destination.RecordCount(), 1); // that of row 2
 }
 
 TEST(Kvi2cell, TheWorkbookLivesAsLongAsTheRun)
@@ -297,8 +299,8 @@ TEST(Kvi2cell, TheWorkbookLivesAsLongAsTheRun)
 TEST(Kvi2cell, EveryRunLoadsTheFile)
 {
     TCellImport Import(TSheetRows{{"1"}});
-    Import.Run();
-    Import.Run();
+    Import.Execute();
+    Import.Execute();
     EXPECT_EQ(Import.Loads, 2);
 }
 
@@ -308,7 +310,7 @@ TEST(Kvi2cell, AWorkbookLoadedAheadIsTheOneOfTheNextRun)
     EXPECT_EQ(Import.LoadWorkBook().Sheets[0].Caption, "Orders");
     EXPECT_THAT(Import.Run(), ElementsAre("1||"));
     EXPECT_EQ(Import.Loads, 1);
-    Import.Run();
+    Import.Execute();
     EXPECT_EQ(Import.Loads, 2);
 }
 

@@ -16,8 +16,6 @@ namespace kv {
 
 namespace {
 
-using TRows = std::vector<std::string>;
-
 struct TReadings
 {
     const char* Name;

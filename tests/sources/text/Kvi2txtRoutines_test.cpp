@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "KvTextImport.h"
+#include "KvMemoryDataSet.h"
+#include "KvTempFolder.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -25,8 +26,9 @@ struct TLoaded
 
 void Load(TLoaded& Loaded, std::string_view Text, bool IsPreview = false, int RowFirst = 1, int RowLast = RowLastMax)
 {
-    const TTemporaryFile File(Text);
-    LoadTextFile(IsPreview, Loaded.FirstLine, Loaded.Lines, File.Name(), "\r\n", "\"", RowFirst, RowLast);
+    const TTempFolder Folder;
+    LoadTextFile(IsPreview, Loaded.FirstLine, Loaded.Lines, Folder.Write("file", Text), "\r\n", "\"", RowFirst,
+                 RowLast);
 }
 
 std::string NumberedLines(int Count, std::size_t Size)
