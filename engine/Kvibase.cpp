@@ -18,7 +18,6 @@ constexpr std::string_view ModeNames[] = {"imAppend", "imUpdate", "imAppendUpdat
 constexpr std::string_view OptionNames[] = {"soShowMessage", "soExtendedStatistic"};
 
 constexpr char MsgNotSpecified[] = "Property %s wasn't specified.";
-constexpr char MsgImporting[] = "Importing...";
 constexpr char MsgCanceled[] = "Data importing was canceled by user.";
 constexpr char MsgExecuted[] = "The data importing successfuly is finished.";
 constexpr char MsgFailed[] = "Error of data import.";

@@ -191,6 +191,8 @@ private:
     };
     using TMappedFields = std::vector<TMappedField>;
 
+    static constexpr char MsgImporting[] = "Importing..."; // status of the progress dialog
+
     bool IsKeyMode() const { return Mode == imUpdate || Mode == imAppendUpdate || Mode == imDelete; }
     std::string Run();                              // the guarded part of Execute; the final message
     void WriteCommon(TIniFile& File, const std::string& SpecName) const;

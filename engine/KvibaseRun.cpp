@@ -60,7 +60,7 @@ void TKvImportBaseComponent::ImportRecords()
     int SinceRefresh = 0;
     while (!Aborted && !ProgressCanceled() && NeedMore()) {
         if (AnimatedStatus && S.UpdateStep <= SinceRefresh) {
-            UpdateProgressDlg("Importing...", S.TotalImported, S.TotalErrors, S.TotalAdded, S.TotalDeleted,
+            UpdateProgressDlg(MsgImporting, S.TotalImported, S.TotalErrors, S.TotalAdded, S.TotalDeleted,
                               S.TotalUpdated);
             SinceRefresh = 0;
         }
