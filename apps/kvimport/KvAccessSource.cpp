@@ -127,7 +127,8 @@ std::vector<std::string> TAccessSource::Findings() const
     if (IsOnlyTable)
         Result.push_back("table " + ToDisplay(Import.TableName) + ", the only one");
     if (Options.Classic && Options.RowFirst)
-        Result.emplace_back("--classic: records are taken from the first one on; --first-row and --last-row only say how many");
+        Result.emplace_back("--classic: records are taken from the first one on; --first-row and --last-row only say "
+                            "how many");
     return Result;
 }
 

@@ -40,13 +40,14 @@ constexpr char ExtraHelp[] =
     "Exit status: 0 done, 1 done but some records were not stored, 2 wrong usage, 3 failed, 130 cancelled.";
 
 constexpr char ClassicHelp[] =
-    "Read as the components do by themselves. Of text: doubled qualifiers stay doubled, lines have at most 9999 characters, "
-    "a byte order mark is text, fixed values keep their blanks. Of pages and data packets: tags are cut as they come, "
-    "references and encodings are not resolved, cells go to the mappings in their order, a missing attribute is its own name. "
-    "Of workbooks: what a sheet does not declare is not read, results of formulas are numbers or missing, only built-in date "
-    "formats make dates, the 1904 date mode and code pages are not looked at, integers of worksheets have no sign. Of tables: "
-    "--first-row and --last-row skip nothing, for Access they only say how many records are taken; field names of dBase have "
-    "10 characters";
+    "Read as the components do by themselves. Of text: doubled qualifiers stay doubled, lines have at "
+    "most 9999 characters, a byte order mark is text, fixed values keep their blanks. Of pages and data "
+    "packets: tags are cut as they come, references and encodings are not resolved, cells go to the "
+    "mappings in their order, a missing attribute is its own name. Of workbooks: what a sheet does not "
+    "declare is not read, results of formulas are numbers or missing, only built-in date formats make "
+    "dates, the 1904 date mode and code pages are not looked at, integers of worksheets have no sign. Of "
+    "tables: --first-row and --last-row skip nothing, for Access they only say how many records are "
+    "taken; field names of dBase have 10 characters";
 
 void AddMappingOptions(CLI::App& Command, TImportOptions& Options)
 {

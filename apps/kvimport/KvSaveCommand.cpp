@@ -90,7 +90,8 @@ std::string RemarkOn(const TColumnFate& Fate)
         return {};
     const auto Source = ToDisplay(Fate.Column.Source);
     const bool HasOtherName = !Fate.Column.Name.empty() && Fate.Column.Name != Source;
-    return Source + (HasOtherName ? " " + Fate.Column.Name : "") + (Fate.Field.empty() ? "" : " for " + Fate.Field) + ": " + Fate.Remark;
+    const auto Column = Source + (HasOtherName ? " " + Fate.Column.Name : "");
+    return Column + (Fate.Field.empty() ? "" : " for " + Fate.Field) + ": " + Fate.Remark;
 }
 
 /// Sets up a component without looking at a destination. Adds remarks.
