@@ -4,7 +4,7 @@
 
 #include "KvNumberText.h"
 #include "KvPublish.h"
-#include "KvText.h"
+#include "Kvi2txtLine.h"
 
 namespace kv {
 
@@ -17,11 +17,8 @@ constexpr std::string_view RecordSeparatorNames[] = {"rsCustom", "rsCRLF", "rsCR
 constexpr std::string_view ExtensionNames[] = {"xtDoubledQualifiers", "xtLongLines", "xtByteOrderMark",
                                                "xtFixedPadding"};
 
-constexpr char MsgLineTooLong[] = "is longer than 9999 characters";
 constexpr char MsgUnclosed[] = "begins a value that no text qualifier closes";
 
-constexpr std::size_t MaxLineSize = 9999;           // two positions share one number
-constexpr int PositionScale = 10000;
 constexpr std::size_t HeaderBytes = 64 << 10;       // hold line 1 of most files
 constexpr std::size_t PreviewBytes = 102400;
 constexpr int PreviewRows = 20;
@@ -35,19 +32,6 @@ constexpr std::string_view FieldPrefix = "Field";
 std::size_t PositionOf(std::string_view Text)
 {
     return static_cast<std::size_t>(std::max<std::int64_t>(TryTextToInt(Text).value_or(0), 0));
-}
-
-/// `Text` from byte `First` to byte `Last`, both from 1, as far as it reaches.
-std::string_view Slice(std::string_view Text, std::size_t First, std::size_t Last)
-{
-    if (First > Last || First > Text.size())
-        return {};
-    return Text.substr(First - 1, Last - First + 1);
-}
-
-bool NamesField(std::string_view Name, const TField& Field)
-{
-    return !Name.empty() && SameText(Name, Field.FieldName());
 }
 
 std::string FileAndLine(const std::string& FileName, std::size_t Number)
@@ -97,39 +81,6 @@ public:
 private:
     TStrings& List;
 };
-
-void FillDelimited(char Delimiter, char TextQualifier, std::string_view Line, std::vector<int>& Positions)
-{
-    if (Line.size() > MaxLineSize)
-        throw Exception(std::string("The line ") + MsgLineTooLong);
-    TKvTextFields Fields(Delimiter, TextQualifier);
-    Fields.Split(Line);
-    for (std::size_t I = 0; I < Fields.Count(); ++I)
-        Positions.push_back(static_cast<int>(Fields[I].Start + 1) * PositionScale + static_cast<int>(Fields[I].Stop));
-}
-
-/// A column holds the byte after its field's width too, unless that is a delimiter or qualifier.
-void FillBreaks(const TDataSet& DataSet, char Delimiter, char TextQualifier, std::string_view Line,
-                std::vector<int>& Positions)
-{
-    const auto Size = static_cast<std::int64_t>(Line.size());
-    const auto CharAt = [Line](std::int64_t Position) { return Line[static_cast<std::size_t>(Position - 1)]; };
-    std::int64_t Start = 1;                         // all positions count from 1
-    for (int I = 0; I < DataSet.FieldCount(); ++I) {
-        std::int64_t End = Start + DataSet.Fields(I).DisplayWidth();
-        std::int64_t Stop = End;
-        if (End > Size)
-            End = Stop = Size;
-        else if (CharAt(End) == TextQualifier || CharAt(End) == Delimiter)
-            --Stop;
-        Positions.push_back(static_cast<int>(Stop));
-        Start = End + 1;
-        if (Start <= Size && CharAt(Start) == Delimiter)
-            ++Start;
-        if (Start >= Size)
-            break;
-    }
-}
 
 } // namespace
 
@@ -347,68 +298,7 @@ std::string_view TKvImportFromText::WithoutDelimiter(std::string_view Value) con
     return Value;
 }
 
-// Automatic mapping.
-
-void TKvImportFromText::DetectAutoMapping()
-{
-    LoadFirstLine();
-    if (RowFirst > 1)
-        Fixed ? MapHeaderBreaks() : MapHeaderFields();
-    else
-        Fixed ? MapFieldWidths() : MapFieldsInOrder();
-    AfterImport();
-}
-
-/// By the names in line 1. A field whose name is not there gets no mapping.
-void TKvImportFromText::MapHeaderFields()
-{
-    CheckLength(FirstLine, 1);
-    auto& Names = *FieldPositions;
-    Names.Split(FirstLine);
-    MapFields([&Names](const TField& Field) {
-        std::size_t Position = 0;
-        while (Position < Names.Count() && !NamesField(Names.Value(Position), Field))
-            ++Position;
-        return Position < Names.Count() ? "Field" + std::to_string(Position + 1) : std::string();
-    });
-}
-
-/// By the names in line 1 between breaks that the fields' widths propose. The text compared begins with
-/// the byte at the last break, wherever the search for the field before has left it, and the column
-/// that is mapped is the one byte at the break: programs know the result as it is.
-void TKvImportFromText::MapHeaderBreaks()
-{
-    std::vector<int> Breaks;
-    FillFields(GetDataSet(), true, GetFieldDelimiterCustom(), GetTextQualifierCustom(), FirstLine, Breaks);
-    std::size_t Pos = 0;
-    MapFields([&](const TField& Field) {
-        for (const int Break : Breaks) {
-            const auto Part = Slice(FirstLine, std::max<std::size_t>(Pos, 1), static_cast<std::size_t>(Break));
-            Pos = static_cast<std::size_t>(Break);
-            if (NamesField(Part, Field))
-                return "Text" + std::to_string(Pos) + "-" + std::to_string(Break);
-        }
-        return std::string();
-    });
-}
-
-void TKvImportFromText::MapFieldsInOrder()
-{
-    MapFields([](const TField& Field) { return "Field" + std::to_string(Field.Index() + 1); });
-}
-
-/// One column after the other. The first begins at 0, which is no position: it imports its own name.
-void TKvImportFromText::MapFieldWidths()
-{
-    std::int64_t Pos = 0;
-    MapFields([&](const TField& Field) {
-        const auto Start = Pos, Stop = Start + Field.DisplayWidth();
-        Pos = Stop + 1 + (GetFieldDelimiterCustom() != '\0');
-        return "Text" + std::to_string(Start) + "-" + std::to_string(Stop);
-    });
-}
-
-// Routines without a component.
+// Without a component.
 
 void LoadTextFile(bool IsPreview, std::string& FirstLine, TStrings& Lines, const std::string& FileName,
                   std::string_view RecordSeparator, std::string_view TextQualifier, int RowFirst, int RowLast)
@@ -426,16 +316,6 @@ void LoadTextFile(bool IsPreview, std::string& FirstLine, TStrings& Lines, const
         if (RowFirst <= Number && Number <= LastLine)
             Lines.Add(Line);
     });
-}
-
-void FillFields(TDataSet* DataSet, bool IsFixed, char Delimiter, char TextQualifier, std::string_view Line,
-                std::vector<int>& Positions)
-{
-    Positions.clear();
-    if (!IsFixed)
-        FillDelimited(Delimiter, TextQualifier, Line, Positions);
-    else if (DataSet)
-        FillBreaks(*DataSet, Delimiter, TextQualifier, Line, Positions);
 }
 
 } // namespace kv

@@ -1,0 +1,20 @@
+// Kvi2txtLine - lines of text files and positions in them, for the files of Kvi2txt.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace kv {
+
+inline constexpr std::size_t MaxLineSize = 9999;    // two positions share one number
+inline constexpr char MsgLineTooLong[] = "is longer than 9999 characters";
+
+/// `Text` from byte `First` to byte `Last`, both from 1, as far as it reaches.
+inline std::string_view Slice(std::string_view Text, std::size_t First, std::size_t Last)
+{
+    if (First > Last || First > Text.size())
+        return {};
+    return Text.substr(First - 1, Last - First + 1);
+}
+
+} // namespace kv
