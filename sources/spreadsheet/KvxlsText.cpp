@@ -1,8 +1,8 @@
 #include "KvxlsText.h"
 
 #include <algorithm>
-#include <utility>
 
+#include "KvCodePageCatalog.h"
 #include "KvException.h"
 #include "KvUtf16.h"
 
@@ -54,18 +54,31 @@ std::string CodePageName(std::uint16_t Number)
 
 void TKvxlsByteText::SetCodePage(std::uint16_t Number)
 {
-    if (auto Name = CodePageName(Number); !Name.empty())
-        Page = std::move(Name);
+    const auto Name = CodePageName(Number);
+    if (Name.empty())
+        return;
+    try {
+        Page = &CodePageNamed(Name);
+    }
+    catch (const EConvertError&) {                  // one that iconv lacks
+        Page = nullptr;
+    }
 }
 
 std::string_view TKvxlsByteText::Convert(std::string_view Bytes)
 {
-    if (Page.empty() || IsAscii(Bytes))
+    if (!Page || IsAscii(Bytes))
         return Bytes;
-    try {
-        Buffer = Utf8ToAnsi(CodePageToUtf8(Bytes, Page));
+    Buffer.clear();
+    if (!Page->Decode(Bytes, ubRefuse, Buffer))
+        return Bytes;
+    if (AnsiIsUtf8())
         return Buffer;
-    } catch (const EConvertError&) {                // a page that iconv lacks, or bytes that it does not have
+    try {
+        Buffer = Utf8ToAnsi(Buffer);
+        return Buffer;
+    }
+    catch (const EConvertError&) {                  // a character that the process's page lacks
         return Bytes;
     }
 }

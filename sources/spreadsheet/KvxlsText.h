@@ -13,6 +13,8 @@
 
 namespace kv {
 
+class TCodePage;
+
 /// Appends UTF-16, low byte first. Nothing is lost as long as the process's page is UTF-8; else raises
 /// EConvertError for a character that its page lacks.
 void AppendWide(std::string_view Bytes, std::string& Text);
@@ -41,7 +43,7 @@ public:
     std::string_view Convert(std::string_view Bytes);
 
 private:
-    std::string Page;                               // empty: none
+    const TCodePage* Page = nullptr;                // none: bytes stay as they are
     std::string Buffer;
 };
 
