@@ -40,9 +40,8 @@ std::uint16_t AddBlock(TKvByteCursor Block, std::size_t Number, std::size_t Reco
 
 } // namespace
 
-TKvParadoxBlocks FollowParadoxBlocks(std::string_view File, const TKvParadoxHeader& Header)
+TKvParadoxBlocks FollowParadoxBlocks(TKvFileWindow& File, const TKvParadoxHeader& Header)
 {
-    const auto Bytes = File.substr(Header.HeaderSize);
     std::vector<bool> Visited(MaxBlocks);
     TKvParadoxBlocks Result;
     for (std::size_t Number = Header.FirstBlock; Number != 0;) {
@@ -51,8 +50,8 @@ TKvParadoxBlocks FollowParadoxBlocks(std::string_view File, const TKvParadoxHead
             break;
         }
         Visited[Number] = true;
-        const auto Offset = std::min((Number - 1) * Header.BlockSize, Bytes.size());
-        const TKvByteCursor Block(Bytes.substr(Offset, Header.BlockSize), Header.HeaderSize + Offset);
+        const auto Offset = Header.HeaderSize + (Number - 1) * Header.BlockSize;
+        const TKvByteCursor Block(File.At(Offset, Header.BlockSize), Offset);
         Number = AddBlock(Block, Number, Header.RecordSize, Result);
     }
     if (Result.Fault.empty() && Result.RecordCount < Header.RecordCount)

@@ -9,9 +9,9 @@
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "KvFileWindow.h"
 #include "KvParadoxHeader.h"
 
 namespace kv {
@@ -31,7 +31,7 @@ struct TKvParadoxBlocks
     std::string Fault;                              ///< Why there may be more records; empty when all is well.
 };
 
-/// Follows the chain until its end or a fault.
-TKvParadoxBlocks FollowParadoxBlocks(std::string_view File, const TKvParadoxHeader& Header);
+/// Follows the chain until its end or a fault. A block fits into the window of `File`. Raises EFileError.
+TKvParadoxBlocks FollowParadoxBlocks(TKvFileWindow& File, const TKvParadoxHeader& Header);
 
 } // namespace kv

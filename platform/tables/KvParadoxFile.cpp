@@ -1,5 +1,7 @@
 #include "KvParadoxFile.h"
 
+#include <algorithm>
+
 #include "KvException.h"
 #include "KvParadoxValues.h"
 #include "KvText.h"
@@ -7,6 +9,9 @@
 namespace kv {
 
 namespace {
+
+constexpr std::size_t MaxHeaderSize = 0xFFFF;
+constexpr std::size_t UsualWindow = 64 << 10;       // small, as the chain of blocks may go to and fro
 
 TFieldType FieldTypeOf(TKvParadoxType Type)
 {
@@ -35,8 +40,10 @@ TFieldType FieldTypeOf(TKvParadoxType Type)
 } // namespace
 
 TKvParadoxFile::TKvParadoxFile(const std::string& TableFile, bool Transliterate)
-    : TKvTableFile(TableFile), Bytes(ReadFileBytes(TableFile)), Header(ReadParadoxHeader(Bytes.View(), TableFile)),
-      Records(FollowParadoxBlocks(Bytes.View(), Header)), Blobs(TableFile, ".MB")
+    : TKvTableFile(TableFile),
+      Header(ReadParadoxHeader(TKvFileWindow(TableFile, MaxHeaderSize).At(0, MaxHeaderSize), TableFile)),
+      File(TableFile, std::max(UsualWindow, Header.BlockSize)), Records(FollowParadoxBlocks(File, Header)),
+      Blobs(TableFile, ".MB")
 {
     if (Transliterate)
         Text = TKvTableText(Header.CodePage);
@@ -68,14 +75,24 @@ void TKvParadoxFile::Next()
 void TKvParadoxFile::EnterBlock()
 {
     Record = nullptr;
-    if (Block < Records.Blocks.size()) {
-        Record = Bytes.View().data() + Records.Blocks[Block].FirstRecord;
-        LeftInBlock = Records.Blocks[Block].Count - 1;
-        ++RecordNumber;
-    } else if (!Records.Fault.empty()) {
-        throw EFormatError(FormatText("File \"%s\" is damaged after record %d: %s",
-                                      {FileName, std::to_string(RecordNumber), Records.Fault}));
+    if (Block == Records.Blocks.size()) {
+        if (!Records.Fault.empty())
+            RaiseDamage(Records.Fault);
+        return;
     }
+    const auto& [Offset, Count] = Records.Blocks[Block];
+    const auto Bytes = File.At(Offset, Count * Header.RecordSize);
+    if (Bytes.size() < Count * Header.RecordSize)
+        RaiseDamage("it has become shorter");
+    Record = Bytes.data();
+    LeftInBlock = Count - 1;
+    ++RecordNumber;
+}
+
+void TKvParadoxFile::RaiseDamage(std::string_view Fault) const
+{
+    throw EFormatError(FormatText("File \"%s\" is damaged after record %d: %s",
+                                  {FileName, std::to_string(RecordNumber), Fault}));
 }
 
 TVariant TKvParadoxFile::Decode(std::size_t Index)

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "KvCompanionFile.h"
-#include "KvFile.h"
+#include "KvFileWindow.h"
 #include "KvParadoxBlobs.h"
 #include "KvParadoxBlocks.h"
 #include "KvParadoxHeader.h"
@@ -20,8 +20,8 @@ namespace kv {
 class TKvParadoxFile final : public TKvTableFile
 {
 public:
-    /// Reads the table; long values are read when the first of them is asked for that its record does not
-    /// hold. `Transliterate` makes process text of the texts, by the code page that the table names.
+    /// Reads the header and follows the blocks; long values are read when the first of them is asked for that
+    /// its record does not hold. `Transliterate` makes process text of the texts, by the code page that the table names.
     /// Raises EFileError, what ReadParadoxHeader raises, and what AddField raises.
     explicit TKvParadoxFile(const std::string& TableFile, bool Transliterate = true);
 
@@ -38,9 +38,10 @@ protected:
 private:
     TVariant BlobValue(const TKvParadoxField& Field, std::string_view Stored);
     void EnterBlock();
+    [[noreturn]] void RaiseDamage(std::string_view Fault) const;
 
-    const TKvFileBytes Bytes;
     const TKvParadoxHeader Header;
+    TKvFileWindow File;
     const TKvParadoxBlocks Records;
     TKvCompanionFile Blobs;
 

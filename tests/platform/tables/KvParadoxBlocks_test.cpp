@@ -9,6 +9,7 @@
 
 #include "KvBytes.h"
 #include "KvParadoxBuilder.h"
+#include "KvTempFolder.h"
 
 namespace kv {
 
@@ -31,9 +32,11 @@ std::string Patched(std::string File, std::size_t Offset, std::string_view Bytes
     return File.replace(Offset, Bytes.size(), Bytes);
 }
 
-TKvParadoxBlocks Follow(std::string_view File)
+TKvParadoxBlocks Follow(std::string_view Bytes)
 {
-    return FollowParadoxBlocks(File, ReadParadoxHeader(File, "a.db"));
+    const TTempFolder Folder;
+    TKvFileWindow File(Folder.Write("a.db", Bytes));
+    return FollowParadoxBlocks(File, ReadParadoxHeader(Bytes, "a.db"));
 }
 
 std::vector<int> RecordsOf(std::string_view File)

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -381,6 +382,27 @@ TEST(KvParadoxFile, AFileThatIsNotThereIsNamed)
 {
     const TTempFolder Folder;
     EXPECT_THROW(TKvParadoxFile(Folder / "none.db"), EFileError);
+}
+
+TEST(KvParadoxFile, AFileThatBecomesShorterGivesTheRecordsBeforeItsEnd)
+{
+    TParadoxBuilder Builder;
+    Builder.Field("L", 'I').RecordsPerBlock(1);
+    for (int I = 1; I <= 100; ++I)
+        Builder.Record({ParadoxLong(I)});
+    const TTableFile File(Builder);
+    TKvParadoxFile Table(File.Name);
+    std::filesystem::resize_file(File.Name, TParadoxBuilder::OffsetOfBlock(80));
+    int Records = 0;
+    try {
+        for (Table.First(); !Table.Eof(); Table.Next())
+            EXPECT_EQ(Table.Value(0), TVariant(++Records));
+        ADD_FAILURE() << "no error";
+    }
+    catch (const EFormatError& Error) {
+        EXPECT_EQ(Error.Message, "File \"" + File.Name + "\" is damaged after record 79: it has become shorter");
+    }
+    EXPECT_EQ(Records, 79);
 }
 
 } // namespace kv
