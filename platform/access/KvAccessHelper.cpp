@@ -107,8 +107,9 @@ std::string FindAccessHelper(const std::string& ProgramFolder)
     const char* const Path = std::getenv("PATH");
     File = SearchIn(Path ? Path : "");
     if (File.empty())
-        throw EDatabaseError("The reader of Access databases is missing: the program kvaccess, which is built "
-                             "where mdbtools is installed (Debian package mdbtools-dev)");
+        throw EDatabaseError("The reader of Access databases is missing: there is no program kvaccess " +
+                             (ProgramFolder.empty() ? "" : "in " + ProgramFolder + " or ") +
+                             "on PATH; it is built where mdbtools is installed (Debian package mdbtools-dev)");
     return File;
 }
 

@@ -259,8 +259,8 @@ TEST_F(KvAccessHelper, SaysWhatToInstallWhenThereIsNone)
     const TVariable Named("KV_ACCESS_HELPER", nullptr);
     const TVariable Path("PATH", "/nowhere");
     EXPECT_EQ(MessageOf([] { FindAccessHelper("/nowhere/"); }),
-              "The reader of Access databases is missing: the program kvaccess, which is built where mdbtools is "
-              "installed (Debian package mdbtools-dev)");
+              "The reader of Access databases is missing: there is no program kvaccess in /nowhere/ or on PATH; it "
+              "is built where mdbtools is installed (Debian package mdbtools-dev)");
 }
 
 } // namespace
