@@ -57,6 +57,9 @@ protected:
     void GoNext() override { Table->Next(); }
     void AfterImport() override { Table.reset(); }
 
+    /// From BeforeImport to AfterImport; none outside a run.
+    const TTable* SourceTable() const { return Table.get(); }
+
 private:
     TTableType TypeOfTable() const;
     void PrepareTable();

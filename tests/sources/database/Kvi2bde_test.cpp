@@ -68,9 +68,12 @@ public:
         To.Post();
     }
 
+    using TKvImportFromBDE::AfterImport;
+    using TKvImportFromBDE::BeforeImport;
     using TKvImportFromBDE::DetectAutoMapping;
     using TKvImportFromBDE::FieldIsTruncated;
     using TKvImportFromBDE::NotDefined;
+    using TKvImportFromBDE::SourceTable;
 
     const TTempFolder Folder;
     TMemoryDataSet To;
@@ -413,6 +416,37 @@ TEST(Kvi2bde, OpensForMappingFailsWhereNoNameIsShared)
     EXPECT_EQ(Import.ErrorMessage(),
               Import.SourceFileName +
                   ": no field has the name of a field of the destination; mappings are needed");
+}
+
+// --- The table ---------------------------------------------------------------------------------------
+
+TEST(Kvi2bde, OwnsATableFromBeforeImportToAfterImport)
+{
+    TTableImport Import;
+    Import.TableType = ttFoxPro;
+    EXPECT_EQ(Import.SourceTable(), nullptr);
+    Import.BeforeImport();
+    const auto* const Table = Import.SourceTable();
+    ASSERT_NE(Table, nullptr);
+    EXPECT_EQ(Table->TableName, Import.SourceFileName);
+    EXPECT_EQ(Table->TableType, ttFoxPro);
+    EXPECT_FALSE(Table->Active()) << "GoFirst opens it";
+    Import.BeforeImport();
+    EXPECT_EQ(Import.SourceTable(), Table);
+    Import.AfterImport();
+    EXPECT_EQ(Import.SourceTable(), nullptr);
+}
+
+TEST(Kvi2bde, TheTableTakesTheSessionOfADestinationOfTheTableEngine)
+{
+    TTableImport Import;
+    Import.BeforeImport();
+    EXPECT_EQ(Import.SourceTable()->SessionName, "") << "no such destination";
+    TTable Destination;
+    Destination.SessionName = "Import";
+    Import.SetDataSet(&Destination);
+    Import.BeforeImport();
+    EXPECT_EQ(Import.SourceTable()->SessionName, "Import");
 }
 
 // --- Properties --------------------------------------------------------------------------------------
