@@ -189,7 +189,7 @@ TEST(KvAccessCorpus, AgreesWithMdbReader)
 {
     const auto Folder = CorpusFolder("access");
     if (!Folder)
-        GTEST_SKIP() << "there is no corpus";
+        GTEST_SKIP() << "no files: KV_CORPUS names no folder with access and expected/access";
     std::map<TRule, int> Rules;
     int Tables = 0;
     for (const auto& File : CorpusFiles(*Folder, "access")) {
@@ -223,7 +223,7 @@ TEST(KvAccessCorpus, AgreesWithMdbExport)
 {
     const auto Folder = CorpusFolder("access");
     if (!Folder)
-        GTEST_SKIP() << "there is no corpus";
+        GTEST_SKIP() << "no files: KV_CORPUS names no folder with access and expected/access";
     std::map<TRule, int> Rules;
     int Tables = 0;
     for (const auto& File : CorpusFiles(*Folder, "access")) {
@@ -249,7 +249,7 @@ TEST(KvAccessCorpus, ListsTheTablesThatMdbtoolsLists)
 {
     const auto Folder = CorpusFolder("access");
     if (!Folder)
-        GTEST_SKIP() << "there is no corpus";
+        GTEST_SKIP() << "no files: KV_CORPUS names no folder with access and expected/access";
     for (const auto& File : CorpusFiles(*Folder, "access")) {
         SCOPED_TRACE(File.filename().string());
         std::vector<std::string> Ours, Theirs;
@@ -269,7 +269,7 @@ TEST(KvAccessCorpus, SystemTablesCanBeReadToo)
 {
     const auto Folder = CorpusFolder("access");
     if (!Folder)
-        GTEST_SKIP() << "there is no corpus";
+        GTEST_SKIP() << "no files: KV_CORPUS names no folder with access and expected/access";
     for (const auto& File : CorpusFiles(*Folder, "access")) {
         SCOPED_TRACE(File.filename().string());
         const auto Database = Open(File);

@@ -226,7 +226,7 @@ protected:
     void SetUp() override
     {
         if (Corpus.empty())
-            GTEST_SKIP() << "there is no corpus";
+            GTEST_SKIP() << "no files: KV_CORPUS names no folder with workbooks or worksheets";
     }
 
     const std::vector<TFile> Corpus = Files();
