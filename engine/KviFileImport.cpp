@@ -1,8 +1,6 @@
 #include "KviFileImport.h"
 
 #include "KvPublish.h"
-#include "KvUserInterface.h"
-#include "Kvistat.h"
 
 namespace kv {
 
@@ -23,13 +21,6 @@ bool TKvImportFromFile::NotDefined(std::string& PropName)
         return false;
     PropName = "SourceFileName";
     return true;
-}
-
-bool TKvImportFromFile::KeepsRunning() const
-{
-    if (AnimatedStatus)
-        UserInterface().ProcessMessages();
-    return !ProgressCanceled();
 }
 
 } // namespace kv

@@ -24,9 +24,6 @@ protected:
 
     bool NotDefined(std::string& PropName) override;
 
-    /// False once the user has cancelled. Lets a click on Cancel be seen, for what takes long before the
-    /// first record.
-    bool KeepsRunning() const;
     /// True while the rows from RowFirst to RowLast are more than the `Count` that were imported.
     bool WantsMoreThan(std::int64_t Count) const { return std::int64_t{RowLast} - RowFirst >= Count; }
 };

@@ -107,7 +107,7 @@ TPublishedProperties TKvImportBaseComponent::PublishedProperties() const
 void TKvImportBaseComponent::Execute()
 {
     Statistic.Result = irUnknown;
-    FErrorMessage.clear();
+    FError = Exception(std::string());
     if (OnBeforeExecute)
         OnBeforeExecute(*this);
     std::string PropName;
@@ -134,6 +134,7 @@ void TKvImportBaseComponent::Execute()
 
 std::string TKvImportBaseComponent::Run()
 {
+    InRecord = Canceled = false;
     try {
         if (AnimatedStatus)
             CreateProgressDlg(TitleStatus, MsgImporting, "&Cancel", "Processed:", "Errors:", "Added:", "Updated:",
@@ -142,18 +143,34 @@ std::string TKvImportBaseComponent::Run()
         if (Mapped.IsAutomatic())
             DetectAutoMapping();
         Prepare();
-        const bool Canceled = ProgressCanceled() || Aborted;
-        Statistic.Result = Canceled ? irCanceled : irExecuted;
-        return Canceled ? MsgCanceled : MsgExecuted;
+        Statistic.Result = ProgressCanceled() || Aborted || Canceled ? irCanceled : irExecuted;
+    }
+    catch (const Exception& Error) {
+        Statistic.Result = EndByError(Error);
     }
     catch (const std::exception& Error) {
-        FErrorMessage = Error.what();
+        Statistic.Result = EndByError(Exception(Error.what()));
     }
     catch (...) {                                   // handlers may throw anything
-        FErrorMessage = "Unknown error";
+        Statistic.Result = EndByError(Exception("Unknown error"));
     }
-    Statistic.Result = irFailed;
-    return MsgFailed;
+    switch (Statistic.Result) {
+    case irExecuted: return MsgExecuted;
+    case irCanceled: return MsgCanceled;
+    default:         return MsgFailed;
+    }
+}
+
+/// What an observer has cancelled may end by an error: giving up a wait for a lock is one.
+TKvIResult TKvImportBaseComponent::EndByError(const Exception& Error)
+{
+    const bool WasCanceled = Observer && !Observer->KeepsRunning();
+    if (InRecord && WasCanceled)
+        RecordDone(rfBrokenOff);
+    else if (InRecord)
+        TellFailed(Error);
+    FError = Error;
+    return WasCanceled ? irCanceled : irFailed;
 }
 
 void TKvImportBaseComponent::SetDataSet(TDataSet* Value)
@@ -172,9 +189,16 @@ void TKvImportBaseComponent::Notification(TComponent& Component, TOperation Oper
         FDataSet = nullptr;
 }
 
-std::string TKvImportBaseComponent::RecordPlace() const
+TKvISourcePosition TKvImportBaseComponent::SourcePosition() const
 {
-    return "record " + std::to_string(Statistic.TotalImported);
+    return {.Unit = PositionUnit(), .Number = Statistic.TotalImported};
+}
+
+bool TKvImportBaseComponent::KeepsRunning() const
+{
+    if (AnimatedStatus)
+        UserInterface().ProcessMessages();
+    return !ProgressCanceled() && (!Observer || Observer->KeepsRunning());
 }
 
 std::string TKvImportBaseComponent::GetKeyList(const TDataSet* DataSet)

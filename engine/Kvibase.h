@@ -13,6 +13,8 @@
 #include "KvStringList.h"
 #include "KvVariant.h"
 #include "KviDataFormats.h"
+#include "KviRunObserver.h"
+#include "KviSource.h"
 #include "KviStatistic.h"
 #include "KviTypes.h"
 
@@ -101,9 +103,37 @@ public:
     void SetMappings(const TStrings& Value) { FMappings.Assign(Value); } ///< Copies the lines.
 
     /// Why the last run ended as irFailed: the message of the exception that ended it.
-    const std::string& ErrorMessage() const { return FErrorMessage; }
-    /// Where the current record stands in its source, for messages: "record 17", "line 18".
-    virtual std::string RecordPlace() const;
+    const std::string& ErrorMessage() const { return FError.Message; }
+    /// The same with its facts; without a message when the run did not end so.
+    const Exception& Error() const { return FError; }
+    /// Who is told of every record of the runs that follow; none by default. Not owned.
+    void SetObserver(TKvIRunObserver* Value) { Observer = Value; }
+
+    /// Where the current record stands in its source.
+    virtual TKvISourcePosition SourcePosition() const;
+    /// The same for messages: "record 17", "line 18".
+    std::string RecordPlace() const { return SourcePosition().Text(); }
+    /// The current record as it stands in the source: the bytes of a line of text, else an array of values by
+    /// column. Null when there is none.
+    virtual TVariant SourceRecord() { return Null; }
+
+    // Looking at the source without importing, by the code of a run. No event is fired, nothing is counted.
+
+    /// Columns and first rows as a run would read them. Raises what such a run would end by, but for values
+    /// that cannot be read. What was loaded for it is kept for the next look, and for the run where that
+    /// loads the same.
+    TKvISourceView Look(const TKvISourceLook& What);
+    /// Lets go of what a look has kept.
+    virtual void EndLook() {}
+    /// The parts of the file, of which a run imports one; none where the file is the table. Raises what
+    /// opening the source raises.
+    virtual std::vector<TKvISourcePart> SourceParts() { return {}; }
+    /// Lets the part `Index`, from 0, of SourceParts() be the one that is imported.
+    virtual void SelectPart(int Index, const TKvISourcePart& Part);
+    /// What is odd about what was loaded last, or about the last run.
+    virtual std::vector<TKvISourceRemark> SourceRemarks() const { return {}; }
+    /// What a source calls its records: "line".
+    virtual std::string_view PositionUnit() const { return "record"; }
 
     /// The published property "IndexFieldName" of `DataSet`, empty when its class has none.
     static std::string GetKeyList(const TDataSet* DataSet);
@@ -135,7 +165,23 @@ protected:
     virtual bool NotDefined(std::string& PropName);
     virtual void DetectAutoMapping();               ///< Fills Mappings.
 
+    // A look, in the order in which it calls them; GoFirst, NeedMore, LoadRecord, GetFieldValue and GoNext of the
+    // run come between, AfterLook last, also after an exception.
+    virtual void BeforeLook(const TKvISourceLook& What); ///< Opens the source, as far as `What` needs it.
+    /// The columns that the source offers, named by row `HeaderRow` where it takes its names from one.
+    virtual std::vector<TKvISourceColumn> SourceColumns(int HeaderRow);
+    /// Values that the current record holds; -1: one for each column.
+    virtual int RecordWidth() const { return -1; }
+    virtual void AfterLook() { AfterImport(); }
+    bool IsLooking() const { return Looking; }      ///< No run, but a look at the source.
+
     // What sources and the run use.
+    /// What a header says as the title of a column: without blanks at its ends, of the OEM page where the source
+    /// is.
+    std::string TitleText(std::string_view Header) const;
+    /// False once the user or the observer has cancelled. Lets a click on Cancel be seen, for what takes long
+    /// before the first record.
+    bool KeepsRunning() const;
     /// Adds a line to Mappings for each field of the destination for which `SourceOf` gives the name of a source
     /// column; an empty name is none.
     void MapFields(const std::function<std::string(const TField& Field)>& SourceOf);
@@ -191,6 +237,8 @@ private:
     };
     using TMappedFields = std::vector<TMappedField>;
 
+    class TLooking;                                 // for the length of a look
+
     static constexpr char MsgImporting[] = "Importing..."; // status of the progress dialog
 
     bool IsKeyMode() const { return Mode == imUpdate || Mode == imAppendUpdate || Mode == imDelete; }
@@ -203,16 +251,24 @@ private:
     void OfferCell(TMappedField& Mapped);
     bool OfferRecord();
     void EmptyDataSet();
+    bool IsCanceled();
     void ImportRecords();
     void StoreRecord();
+    void RecordDone(TKvIFate Fate);
+    bool TellFailed(const Exception& Error);
+    TKvIResult EndByError(const Exception& Error);
+    void PretendMappings(const std::vector<TKvISourceColumn>& Columns);
+    TKvISourceRow LookAtRecord(std::vector<TKvISourceColumn>& Columns, bool MayWiden);
+    TKvISourceValue LookAtValue(const TKvISourceColumn& Column);
     const TVariant& BuildSearchValue();
     TKvIAction ActionForRecord() const;
     void WriteRecord(TKvIAction Action);
     void UndoCount(TKvIAction Action);
 
     TDataSet* FDataSet = nullptr;
+    TKvIRunObserver* Observer = nullptr;
     TStrings FMappings;
-    std::string FErrorMessage;
+    Exception FError{std::string()};
     TKvIFieldDelimiter FFieldDelimiter = fdTab;
     char FFieldDelimiterCustom = '\t';
     TKvITextQualifier FTextQualifier = tqQuot;
@@ -227,6 +283,9 @@ private:
     TVariant SearchValue;                           // key value, or array of them, for Locate
     bool KeyFound = false;
     bool Aborted = false;
+    bool Canceled = false;                          // by the observer
+    bool InRecord = false;                          // it was read, and its fate is open
+    bool Looking = false;                           // no run, but a look at the source
 };
 
 } // namespace kv

@@ -22,6 +22,17 @@ void AssignValue(TField& Field, const TVariant& Value)
         Field.SetValue(Value);
 }
 
+TKvIFate FateAfter(TKvIAction Action)
+{
+    switch (Action) {
+    case iaAdd:     return rfAdded;
+    case iaUpdate:  return rfUpdated;
+    case iaDelete:  return rfDeleted;
+    case iaUnknown: break;
+    }
+    return rfNotFound;
+}
+
 } // namespace
 
 void TKvImportBaseComponent::Prepare()
@@ -29,6 +40,8 @@ void TKvImportBaseComponent::Prepare()
     BeforeImport();
     BuildFieldMapping();
     BuildArrayIntersection();
+    if (Observer)
+        Observer->SourceOpened();
     FDataSet->DisableControls();
     if (Mode == imCopy)
         EmptyDataSet();
@@ -48,17 +61,28 @@ void TKvImportBaseComponent::Prepare()
 void TKvImportBaseComponent::EmptyDataSet()
 {
     FDataSet->First();
-    while (!FDataSet->Eof()) {
+    std::int64_t Count = 0;
+    for (; !FDataSet->Eof() && !IsCanceled(); ++Count) {
         FDataSet->Delete();
         ++Statistic.TotalDeleted;
     }
+    if (Observer)
+        Observer->Emptied(Count);
+}
+
+/// Asked for each record: messages run when the progress dialog is refreshed.
+bool TKvImportBaseComponent::IsCanceled()
+{
+    if (!Canceled && Observer && !Observer->KeepsRunning())
+        Canceled = true;
+    return Canceled || ProgressCanceled();
 }
 
 void TKvImportBaseComponent::ImportRecords()
 {
     auto& S = Statistic;
     int SinceRefresh = 0;
-    while (!Aborted && !ProgressCanceled() && NeedMore()) {
+    while (!Aborted && !IsCanceled() && NeedMore()) {
         if (AnimatedStatus && S.UpdateStep <= SinceRefresh) {
             UpdateProgressDlg(MsgImporting, S.TotalImported, S.TotalErrors, S.TotalAdded, S.TotalDeleted,
                               S.TotalUpdated);
@@ -67,8 +91,11 @@ void TKvImportBaseComponent::ImportRecords()
         ++SinceRefresh;
         ++S.TotalImported;
         S.LastAction = iaUnknown;
+        InRecord = true;
         if (LoadRecord())
             StoreRecord();
+        else if (InRecord)                          // a source that cannot read it has told so
+            RecordDone(rfRefused);
         Aborted = false;
         if (OnAfterRecordEvent)
             OnAfterRecordEvent(*this, Aborted);
@@ -102,6 +129,8 @@ void TKvImportBaseComponent::StoreRecord()
     }
     if (FDataSet->State() == dsEdit || FDataSet->State() == dsInsert)
         WriteRecord(Action);
+    if (InRecord)
+        RecordDone(FateAfter(Action));
 }
 
 TKvIAction TKvImportBaseComponent::ActionForRecord() const
@@ -158,12 +187,28 @@ void TKvImportBaseComponent::WriteRecord(TKvIAction Action)
 void TKvImportBaseComponent::RecordFailed(const Exception& Error)
 {
     ++Statistic.TotalErrors;
-    if (!OnErrorEvent)
-        return;
-    Aborted = false;
-    OnErrorEvent(*this, Error, Aborted);
-    if (Aborted)
+    bool GoesOn = TellFailed(Error);
+    if (OnErrorEvent) {
+        Aborted = false;
+        OnErrorEvent(*this, Error, Aborted);
+        GoesOn = GoesOn && !Aborted;
+    }
+    if (!GoesOn)
         throw;
+}
+
+void TKvImportBaseComponent::RecordDone(TKvIFate Fate)
+{
+    InRecord = false;
+    if (Observer)
+        Observer->RecordDone(Fate);
+}
+
+/// False when the run shall end.
+bool TKvImportBaseComponent::TellFailed(const Exception& Error)
+{
+    InRecord = false;
+    return !Observer || Observer->RecordFailed(Error);
 }
 
 void TKvImportBaseComponent::UndoCount(TKvIAction Action)

@@ -114,10 +114,11 @@ bool TKvImportFromBDE::NeedMore()
     return !Table->Eof() && (!Extensions.Contains(xbKeepsToRows) || Table->RecNo() <= RowLast);
 }
 
-std::string TKvImportFromBDE::RecordPlace() const
+TKvISourcePosition TKvImportFromBDE::SourcePosition() const
 {
-    return Table && Table->Active() && !Table->Eof() ? "record " + std::to_string(Table->RecNo())
-                                                     : TKvImportFromFile::RecordPlace();
+    if (!Table || !Table->Active() || Table->Eof())
+        return TKvImportFromFile::SourcePosition();
+    return {.Unit = PositionUnit(), .Number = Table->RecNo()};
 }
 
 bool TKvImportFromBDE::LoadRecord()

@@ -41,7 +41,7 @@ public:
     TKvITableExtensions Extensions;
 
     /// By the number that the record has in the table.
-    std::string RecordPlace() const override;
+    TKvISourcePosition SourcePosition() const override;
 
 protected:
     bool FieldIsTruncated() const override { return TypeOfTable() == ttDBase; }

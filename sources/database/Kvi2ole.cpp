@@ -95,10 +95,10 @@ void TKvImportFromAccess::GoFirst()
 }
 
 /// Records count from the table's first.
-std::string TKvImportFromAccess::RecordPlace() const
+TKvISourcePosition TKvImportFromAccess::SourcePosition() const
 {
     const int Skipped = Extensions.Contains(xaSkipsToRowFirst) && RowFirst > 1 ? RowFirst - 1 : 0;
-    return "record " + std::to_string(std::int64_t{Skipped} + Statistic.TotalImported);
+    return {.Unit = PositionUnit(), .Number = std::int64_t{Skipped} + (IsLooking() ? CurrentRow + 1 : Statistic.TotalImported)};
 }
 
 void TKvImportFromAccess::GoNext()

@@ -38,7 +38,7 @@ public:
 
     TKvIAccessExtensions Extensions;
 
-    std::string RecordPlace() const override;
+    TKvISourcePosition SourcePosition() const override;
 
     static std::string Extension() { return ".MDB"; }
     static std::string FillFileFilters();

@@ -13,9 +13,9 @@ constexpr std::int64_t PollRows = 16384;            // between two looks at the 
 
 } // namespace
 
-std::string TKvImportFromMarkup::RecordPlace() const
+TKvISourcePosition TKvImportFromMarkup::SourcePosition() const
 {
-    return "row " + std::to_string(std::max(RowFirst, 1) + CurrentRow);
+    return {.Unit = PositionUnit(), .Number = std::max(RowFirst, 1) + CurrentRow};
 }
 
 // Loading.

@@ -17,7 +17,8 @@ namespace kv {
 class TKvImportFromMarkup : public TKvImportFromFile
 {
 public:
-    std::string RecordPlace() const override;       ///< "row 18"
+    std::string_view PositionUnit() const override { return "row"; }
+    TKvISourcePosition SourcePosition() const override;
 
 protected:
     using TKvImportFromFile::TKvImportFromFile;

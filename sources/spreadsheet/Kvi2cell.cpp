@@ -76,9 +76,9 @@ void TKvImportFromCell::AfterImport()
 
 // The records.
 
-std::string TKvImportFromCell::RecordPlace() const
+TKvISourcePosition TKvImportFromCell::SourcePosition() const
 {
-    return "row " + std::to_string(std::int64_t{CurrentRow} + 1);
+    return {.Unit = PositionUnit(), .Number = std::int64_t{CurrentRow} + 1};
 }
 
 void TKvImportFromCell::GoFirst()

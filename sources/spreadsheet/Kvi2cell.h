@@ -28,7 +28,8 @@ public:
     int SheetIndex = 0;                             ///< From 0. Past the last sheet there are no records.
     TSpreadSheetExtensions Extensions;
 
-    std::string RecordPlace() const override;       ///< "row 18"
+    std::string_view PositionUnit() const override { return "row"; }
+    TKvISourcePosition SourcePosition() const override;
 
     /// Loads the workbook ahead of a run, which then does not load it again: for programs that look at it
     /// first. It is good until that run ends. Raises what the run would end by.

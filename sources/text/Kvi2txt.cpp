@@ -206,9 +206,9 @@ std::size_t TKvImportFromText::LineNumber() const
     return static_cast<std::size_t>(std::max(RowFirst, 1)) + CurrentRow;
 }
 
-std::string TKvImportFromText::RecordPlace() const
+TKvISourcePosition TKvImportFromText::SourcePosition() const
 {
-    return "line " + std::to_string(LineNumber());
+    return {.Unit = PositionUnit(), .Number = static_cast<std::int64_t>(LineNumber())};
 }
 
 int TKvImportFromText::GetTotalCount()

@@ -77,7 +77,8 @@ public:
     /// What the last run met. All zero for fixed lines, and when the line to compare with is empty or, being
     /// a header, imported itself.
     const TKvITextFieldCounts& FieldCounts() const { return FFieldCounts; }
-    std::string RecordPlace() const override;       ///< "line 18"
+    std::string_view PositionUnit() const override { return "line"; }
+    TKvISourcePosition SourcePosition() const override;
 
     /// Cuts `Text`, which must outlive the result, into lines as a run does.
     TKvTextLines LineCutter(std::string_view Text) const;

@@ -1,0 +1,94 @@
+// KviSource - what a source shows of itself: its parts, its columns, its first rows, and where a record
+// stands in it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvField.h"
+#include "KvVariant.h"
+
+namespace kv {
+
+/// Where a record stands in its source.
+struct TKvISourcePosition
+{
+    std::string_view Unit = "record";               ///< What the number counts: "line", "row", "record". Static text.
+    std::int64_t Number = 0;                        ///< From 1; 0: there is no current record.
+    std::int64_t Offset = -1;                       ///< Of its first byte in the file; -1 where there is none.
+
+    /// For messages: "line 18".
+    std::string Text() const { return std::string(Unit) + " " + std::to_string(Number); }
+};
+
+/// A column that a source offers. Texts are in the process's code page.
+struct TKvISourceColumn
+{
+    std::string Name;                               ///< As mapping lines name it: "Field3".
+    std::string Title;                              ///< As the source itself calls it; empty when it does not.
+    TFieldType DataType = ftUnknown;                ///< The field that would hold its values, where the source knows.
+    int Size = 0;                                   ///< Characters or bytes of that field; 0: no limit.
+};
+
+/// A value as a run would get it, before it is converted for a field.
+struct TKvISourceValue
+{
+    TVariant Value;                                 ///< Owned. Null when it cannot be read.
+    std::string Error;                              ///< Why it cannot be read; empty when it can.
+};
+
+struct TKvISourceRow
+{
+    TKvISourcePosition Position;
+    std::vector<TKvISourceValue> Values;            ///< By column; a row may hold more or fewer than there are columns.
+};
+
+/// The beginning of a source.
+struct TKvISourceView
+{
+    std::vector<TKvISourceColumn> Columns;
+    std::vector<TKvISourceRow> Rows;
+    bool HasMore = false;                           ///< There are rows after these, up to RowLast.
+};
+
+/// A sheet of a workbook, a table of a database, a table of a page.
+struct TKvISourcePart
+{
+    std::string Name;                               ///< In the process's code page; empty: it has only its number.
+    int Rows = 0, Columns = 0;                      ///< As far as a run would read.
+    std::vector<TKvISourceColumn> Fields;           ///< Where the source declares them.
+    bool IsSystem = false;                          ///< The source keeps it for itself.
+    std::string Error;                              ///< Why it cannot be opened; the figures then mean nothing.
+};
+
+/// What a source has met that its user should know.
+enum TKvISourceRemarkKind {
+    /// Rows hold fewer values than the header, or the first row, has: Count of them, the first being First.
+    srFewerValues,
+    srMoreValues,                                   ///< The same for more values.
+    srRowsBeyondExtent,                             ///< Limit rows are declared and read; values go down to row Count.
+    srColumnsBeyondExtent,                          ///< Limit columns are declared and read; values go up to column Count.
+    srCellsBeyondLastColumn,                        ///< Count values stand right of the last column that can be read.
+    srSeveralTables                                 ///< The rows of Count tables were read one after the other.
+};
+
+struct TKvISourceRemark
+{
+    TKvISourceRemarkKind Kind;
+    std::int64_t Count = 0;
+    std::int64_t First = 0;                         ///< The row to which Count begins, from 1.
+    std::int64_t Limit = 0;                         ///< With srFewerValues and srMoreValues the row that is compared with.
+    bool HasHeader = false;                         ///< That row is a header.
+};
+
+/// What to look at.
+struct TKvISourceLook
+{
+    int Rows = 20;                                  ///< From RowFirst on, and none after RowLast.
+    int HeaderRow = 0;                              ///< The row above RowFirst that names the columns; 0: none does.
+    std::vector<std::string> Columns;               ///< Names as in mappings; none: all that the source offers.
+};
+
+} // namespace kv

@@ -1,0 +1,111 @@
+// A look at the source: its columns and first rows, read by what a run reads them with.
+#include "Kvibase.h"
+
+#include <utility>
+
+#include "KvText.h"
+
+namespace kv {
+
+/// No events, no counting, and everything closed afterwards.
+class TKvImportBaseComponent::TLooking
+{
+public:
+    explicit TLooking(TKvImportBaseComponent& Component) : Source(Component) { Source.Looking = true; }
+    TLooking(const TLooking&) = delete;
+    TLooking& operator=(const TLooking&) = delete;
+    ~TLooking()
+    {
+        Source.AfterLook();
+        Source.DestFields.clear();
+        Source.Looking = false;
+    }
+
+private:
+    TKvImportBaseComponent& Source;
+};
+
+TKvISourceView TKvImportBaseComponent::Look(const TKvISourceLook& What)
+{
+    const TLooking Guard(*this);
+    TKvISourceView View;
+    BeforeLook(What);
+    if (What.Columns.empty())
+        View.Columns = SourceColumns(What.HeaderRow);
+    for (const auto& Column : What.Columns)
+        View.Columns.push_back({.Name = Column, .Title = {}});
+    PretendMappings(View.Columns);
+    GoFirst();
+    for (; NeedMore(); GoNext()) {
+        View.HasMore = std::cmp_greater_equal(View.Rows.size(), What.Rows);
+        if (View.HasMore)
+            break;
+        View.Rows.push_back(LookAtRecord(View.Columns, What.Columns.empty()));
+    }
+    return View;
+}
+
+/// Some sources find a column by its place in the mappings.
+void TKvImportBaseComponent::PretendMappings(const std::vector<TKvISourceColumn>& Columns)
+{
+    DestFields.clear();
+    for (const auto& Column : Columns)
+        DestFields.push_back({.Name = {}, .Source = Column.Name, .Value = Null});
+}
+
+TKvISourceRow TKvImportBaseComponent::LookAtRecord(std::vector<TKvISourceColumn>& Columns, bool MayWiden)
+{
+    TKvISourceRow Row;
+    try {
+        LoadRecord();
+    }
+    catch (const Exception& Error) {
+        Row.Position = SourcePosition();
+        Row.Values.assign(Columns.size(), {.Value = Null, .Error = Error.Message});
+        return Row;
+    }
+    Row.Position = SourcePosition();
+    const int Width = MayWiden ? RecordWidth() : -1;
+    while (std::cmp_less(Columns.size(), Width))
+        Columns.push_back({.Name = "Field" + std::to_string(Columns.size() + 1), .Title = {}});
+    const auto Count = Width < 0 ? Columns.size() : static_cast<std::size_t>(Width);
+    for (std::size_t I = 0; I < Count; ++I)
+        Row.Values.push_back(LookAtValue(Columns[I]));
+    return Row;
+}
+
+TKvISourceValue TKvImportBaseComponent::LookAtValue(const TKvISourceColumn& Column)
+{
+    try {
+        const TVariant Lent = GetFieldValue(Column.Name);
+        TVariant Value(Lent);                       // owned
+        if (CharacterSet == csiASCII_MSDOS && Value.IsString() && !IsBinaryField(Column.DataType))
+            Value = UECode(true, Value.Text());
+        return {.Value = std::move(Value), .Error = {}};
+    }
+    catch (const Exception& Error) {
+        return {.Value = Null, .Error = Error.Message};
+    }
+}
+
+void TKvImportBaseComponent::SelectPart(int, const TKvISourcePart& Part)
+{
+    throw Exception(FormatText("%s has no parts such as '%s'", {ClassName(), Part.Name}));
+}
+
+void TKvImportBaseComponent::BeforeLook(const TKvISourceLook&)
+{
+    BeforeImport();
+}
+
+std::vector<TKvISourceColumn> TKvImportBaseComponent::SourceColumns(int)
+{
+    return {};
+}
+
+std::string TKvImportBaseComponent::TitleText(std::string_view Header) const
+{
+    return UECode(CharacterSet == csiASCII_MSDOS, Trim(Header));
+}
+
+} // namespace kv
