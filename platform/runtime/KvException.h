@@ -1,10 +1,12 @@
 // KvException - the exception family. A caller tells kinds apart only where it acts on the difference;
-// everybody else shows Message, which is complete and meant for users.
+// everybody else shows Message, which is complete and meant for users, or reads Facts.
 #pragma once
 
 #include <exception>
 #include <string>
 #include <utility>
+
+#include "KvErrorFacts.h"
 
 namespace kv {
 
@@ -13,10 +15,12 @@ class Exception : public std::exception
 {
 public:
     explicit Exception(std::string Text) : Message(std::move(Text)) {}
+    Exception(std::string Text, TKvErrorFacts Known) : Message(std::move(Text)), Facts(std::move(Known)) {}
 
     const char* what() const noexcept override { return Message.c_str(); }
 
     std::string Message;                            ///< Complete text for users, UTF-8.
+    TKvErrorFacts Facts;                            ///< What Message says, in parts; those that are known.
 };
 
 /// A value has no meaning in the type asked for.
