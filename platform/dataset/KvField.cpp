@@ -29,14 +29,14 @@ bool IsDateTimeField(TFieldType Type)
 }
 
 TField::TField(TDataSet& DataSet, int Index, TFieldDef Definition)
-    : FDataSet(DataSet), FIndex(Index), Def(std::move(Definition))
+    : FDataSet(DataSet), FIndex(Index), FDef(std::move(Definition))
 {
 }
 
 int TField::DisplayWidth() const
 {
     constexpr int UnlimitedWidth = 50;
-    switch (Def.DataType) {
+    switch (FDef.DataType) {
     case ftSmallint: return 6;                      // -32768
     case ftInteger:
     case ftAutoInc:  return 11;                     // -2147483648
@@ -50,7 +50,7 @@ int TField::DisplayWidth() const
     case ftTime:     return 12;                     // 23:59:59.999
     case ftDateTime: return 23;
     case ftGuid:     return 38;
-    default:         return Def.Size > 0 ? Def.Size : UnlimitedWidth;
+    default:         return FDef.Size > 0 ? FDef.Size : UnlimitedWidth;
     }
 }
 
@@ -79,7 +79,7 @@ void TField::SetValue(const TVariant& Value)
 {
     TVariant& Slot = FDataSet.WritableSlot(*this);
     Convert(Value, Slot);
-    if (Def.Size > 0 && Slot.IsString() && Slot.Text().size() > static_cast<std::size_t>(Def.Size))
+    if (FDef.Size > 0 && Slot.IsString() && Slot.Text().size() > static_cast<std::size_t>(FDef.Size))
         CheckFieldSize(*this, Slot);
     FDataSet.MarkAssigned(*this);
 }

@@ -53,6 +53,7 @@ struct TFieldDef
     bool Required = false;                          ///< A record without a value is refused.
     bool ReadOnly = false;                          ///< Computed or maintained by the database.
     bool HasDefault = false;                        ///< The database supplies a value that is not assigned.
+    std::string Label = {};                         ///< What people call the field; empty where nobody has said.
 };
 
 /// A field of an open dataset; the dataset owns it, and closing the dataset ends it.
@@ -62,13 +63,15 @@ public:
     TField(TDataSet& DataSet, int Index, TFieldDef Def);
 
     TDataSet& DataSet() const { return FDataSet; }
-    const std::string& FieldName() const { return Def.Name; }
+    const TFieldDef& Def() const { return FDef; }
+    const std::string& FieldName() const { return FDef.Name; }
+    const std::string& Label() const { return FDef.Label; }
     int Index() const { return FIndex; }            ///< Position in the dataset, from 0.
-    TFieldType DataType() const { return Def.DataType; }
-    int Size() const { return Def.Size; }
-    bool Required() const { return Def.Required; }
-    bool ReadOnly() const { return Def.ReadOnly; }
-    bool HasDefault() const { return Def.HasDefault; }
+    TFieldType DataType() const { return FDef.DataType; }
+    int Size() const { return FDef.Size; }
+    bool Required() const { return FDef.Required; }
+    bool ReadOnly() const { return FDef.ReadOnly; }
+    bool HasDefault() const { return FDef.HasDefault; }
     /// Characters that show any usual value of the field, at least 1.
     int DisplayWidth() const;
 
@@ -97,7 +100,7 @@ public:
 private:
     TDataSet& FDataSet;
     int FIndex;
-    TFieldDef Def;
+    TFieldDef FDef;
 };
 
 } // namespace kv

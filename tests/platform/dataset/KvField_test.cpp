@@ -14,7 +14,8 @@ struct KvField : testing::Test
         Table.SetFieldDefs({{.Name = "ID", .DataType = ftInteger, .Required = true},
                             {.Name = "Name", .DataType = ftString, .Size = 40},
                             {.Name = "SUM", .DataType = ftFloat, .ReadOnly = true},
-                            {.Name = "MADE", .DataType = ftDateTime, .Required = true, .HasDefault = true}});
+                            {.Name = "MADE", .DataType = ftDateTime, .Required = true, .HasDefault = true,
+                             .Label = "Made on"}});
         Table.Open();
     }
 
@@ -46,6 +47,9 @@ TEST_F(KvField, TellsWhatWasDeclared)
     EXPECT_EQ(Name().Size(), 40);
     EXPECT_TRUE(Table.Fields(2).ReadOnly());
     EXPECT_TRUE(Table.Fields(3).HasDefault());
+    EXPECT_EQ(Table.Fields(3).Label(), "Made on");
+    EXPECT_EQ(Id.Label(), "");
+    EXPECT_EQ(Name().Def().Size, 40);
 }
 
 TEST_F(KvField, IsFoundWithoutRegardToCase)
