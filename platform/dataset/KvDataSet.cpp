@@ -273,10 +273,21 @@ const std::vector<TField*>& TDataSet::ResolveFields(std::string_view FieldNames)
     return ListedFields;
 }
 
-void TDataSet::DataChanged()
+TDataChangeHandle TDataSet::AddDataChangeHandler(std::function<void()> Handler)
 {
-    if (OnDataChange && !ControlsDisabled())
-        OnDataChange();
+    auto Handle = std::make_shared<const std::function<void()>>(std::move(Handler));
+    ChangeHandlers.push_back(Handle);
+    return Handle;
+}
+
+/// A handler may add and remove others, itself among them, and change the dataset again.
+void TDataSet::TellChangeHandlers()
+{
+    std::erase_if(ChangeHandlers, [](const auto& Handler) { return Handler.expired(); });
+    const auto Listed = ChangeHandlers;
+    for (const auto& Handler : Listed)
+        if (const auto Alive = Handler.lock())
+            (*Alive)();
 }
 
 } // namespace kv

@@ -36,6 +36,9 @@ struct TRecordBuffer
     std::vector<std::uint8_t> Assigned;             ///< By field index: 1 when the field was assigned.
 };
 
+/// Keeps a handler of changes called; the handler goes with the last copy.
+using TDataChangeHandle = std::shared_ptr<const std::function<void()>>;
+
 class TDataSet : public TComponent
 {
 public:
@@ -81,12 +84,14 @@ public:
     void Cancel();                                  ///< Drops the record being written; does nothing without one.
     void Delete();                                  ///< Deletes the current record; the one after it becomes current.
 
-    // While controls are disabled OnDataChange is held back. Pairs nest.
+    // While controls are disabled, what listens to changes is not called. Pairs nest.
     void DisableControls() { ++DisableCount; }
     void EnableControls();
     bool ControlsDisabled() const { return DisableCount > 0; }
 
-    std::function<void()> OnDataChange;             ///< The cursor moved, or the records changed.
+    /// Calls `Handler` whenever the cursor moved or the records changed, for as long as the handle lives,
+    /// after those that were added before. The handle may outlive the dataset.
+    [[nodiscard]] TDataChangeHandle AddDataChangeHandler(std::function<void()> Handler);
 
 protected:
     // What a concrete dataset supplies. The base calls it only in a fitting state.
@@ -139,7 +144,12 @@ private:
     }
     [[noreturn]] void RaiseNotWritable(const TField& Field) const;
     const std::vector<TField*>& ResolveFields(std::string_view FieldNames);
-    void DataChanged();
+    void DataChanged()
+    {
+        if (!ChangeHandlers.empty() && !ControlsDisabled())
+            TellChangeHandlers();
+    }
+    void TellChangeHandlers();
 
     TDataSetState FState = dsInactive;
     std::vector<std::unique_ptr<TField>> FFields;
@@ -147,6 +157,7 @@ private:
     bool Modified = false;                          // a field of Record was assigned
     std::vector<const TField*> RequiredFields;
     int DisableCount = 0;
+    std::vector<std::weak_ptr<const std::function<void()>>> ChangeHandlers;
     std::string ListedNames;                        // the last list of field names that was asked for ...
     std::vector<TField*> ListedFields;              // ... and its fields
     std::vector<TVariant> LocateValues;

@@ -377,7 +377,7 @@ TEST_F(KvDataSet, LocateForgetsItsFieldsWhenTheDatasetCloses)
 TEST_F(KvDataSet, EveryMoveAndChangeIsTold)
 {
     int Told = 0;
-    Table.OnDataChange = [&] { ++Told; };
+    const auto Handle = Table.AddDataChangeHandler([&] { ++Told; });
     const std::pair<const char*, std::function<void()>> Acts[] = {
         {"First",  [&] { Table.First(); }},
         {"Next",   [&] { Table.Next(); }},
@@ -395,7 +395,7 @@ TEST_F(KvDataSet, EveryMoveAndChangeIsTold)
 TEST_F(KvDataSet, DisabledControlsAreToldOnceWhenTheLastIsEnabled)
 {
     int Told = 0;
-    Table.OnDataChange = [&] { ++Told; };
+    const auto Handle = Table.AddDataChangeHandler([&] { ++Told; });
     Table.DisableControls();
     Table.DisableControls();
     Table.First();
@@ -410,6 +410,46 @@ TEST_F(KvDataSet, DisabledControlsAreToldOnceWhenTheLastIsEnabled)
     EXPECT_EQ(Told, 1);
     Table.DisableControls();
     EXPECT_TRUE(Table.ControlsDisabled());
+}
+
+TEST_F(KvDataSet, EveryHandlerIsToldInTurnUntilItsHandleGoes)
+{
+    std::string Told;
+    auto First = Table.AddDataChangeHandler([&] { Told += "a"; });
+    const auto Second = Table.AddDataChangeHandler([&] { Told += "b"; });
+    Table.First();
+    First.reset();
+    Table.First();
+    EXPECT_EQ(Told, "abb");
+}
+
+TEST_F(KvDataSet, HandlersMayComeAndGoWhileTheyAreTold)
+{
+    std::string Told;
+    TDataChangeHandle Once, Added;
+    Once = Table.AddDataChangeHandler([&] {
+        Told += "once ";
+        Added = Table.AddDataChangeHandler([&] { Told += "added "; });
+        Once.reset();
+    });
+    const auto Last = Table.AddDataChangeHandler([&] { Told += "last "; });
+    Table.First();
+    EXPECT_EQ(Told, "once last ");
+    Table.First();
+    EXPECT_EQ(Told, "once last last added ");
+}
+
+TEST_F(KvDataSet, HandleMayOutliveTheDataset)
+{
+    TDataChangeHandle Handle;
+    int Told = 0;
+    {
+        TStubDataSet Short;
+        Handle = Short.AddDataChangeHandler([&] { ++Told; });
+        Short.Open();
+    }
+    Handle.reset();
+    EXPECT_EQ(Told, 1);
 }
 
 TEST_F(KvDataSet, ListenersLearnOfItsEnd)
