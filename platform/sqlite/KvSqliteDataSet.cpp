@@ -6,24 +6,16 @@
 #include "KvSqliteConnection.h"
 #include "KvSqliteCursor.h"
 #include "KvSqliteDatabase.h"
-#include "KvText.h"
 
 namespace kv {
 
 namespace {
 
-/// Both as a dataset shows them; date-times are equal when they are so to the millisecond, which is
-/// all that is stored of them.
-bool Matches(const TVariant& Stored, const TVariant& Wanted, TLocateOptions Options)
+/// Date-times are equal when they are so to the millisecond, which is all that is stored of them.
+bool IsSameTime(const TVariant& Stored, const TVariant& Wanted)
 {
-    if (Stored.Kind() == vkDateTime && Wanted.Kind() == vkDateTime)
-        return DateTimeToIso(Stored.DateTime()) == DateTimeToIso(Wanted.DateTime());
-    if (Options.IsEmpty() || !Stored.IsString() || !Wanted.IsString())
-        return Stored == Wanted;
-    auto Text = Stored.Text();
-    if (Options.Contains(loPartialKey))
-        Text = Text.substr(0, Wanted.Text().size());
-    return Options.Contains(loCaseInsensitive) ? SameText(Text, Wanted.Text()) : Text == Wanted.Text();
+    return Stored.Kind() == vkDateTime && Wanted.Kind() == vkDateTime &&
+           DateTimeToIso(Stored.DateTime()) == DateTimeToIso(Wanted.DateTime());
 }
 
 } // namespace
@@ -107,7 +99,8 @@ bool TSQLiteDataSet::InternalLocate(std::span<TField* const> Keys, std::span<con
 {
     auto Search = std::make_unique<TSQLiteCursor>(Connection(), *Rows);
     const auto IsMatch = [&](std::size_t I) {
-        return Matches(DecodeValue(Keys[I]->DataType(), Search->Value(Keys[I]->Index())), Values[I], Options);
+        const auto Stored = DecodeValue(Keys[I]->DataType(), Search->Value(Keys[I]->Index()));
+        return IsSameTime(Stored, Values[I]) || MatchesKey(Stored, Values[I], Options);
     };
     for (Search->First(); !Search->Eof(); Search->Next()) {
         std::size_t Equal = 0;
