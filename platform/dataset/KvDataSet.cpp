@@ -7,6 +7,30 @@
 
 namespace kv {
 
+namespace {
+
+/// The answer of `Ask`, for which `DataSet` is opened unless it is open. Nobody is told of that.
+template <class TAsk> auto AskWhileOpen(TDataSet& DataSet, TAsk Ask)
+{
+    if (DataSet.Active())
+        return Ask();
+    DataSet.DisableControls();
+    try {
+        DataSet.Open();
+        auto Answer = Ask();
+        DataSet.Close();
+        DataSet.EnableControls();
+        return Answer;
+    }
+    catch (...) {
+        DataSet.Close();
+        DataSet.EnableControls();
+        throw;
+    }
+}
+
+} // namespace
+
 void TDataSet::Open()
 {
     if (Active())
@@ -56,6 +80,29 @@ TField& TDataSet::FieldByName(std::string_view FieldName) const
         return *Field;
     Fail("field '" + std::string(FieldName) + "' not found");
 }
+
+// --- Asking before opening --------------------------------------------------------------------------
+
+std::vector<TFieldDef> TDataSet::DescribeFields()
+{
+    return AskWhileOpen(*this, [this] {
+        std::vector<TFieldDef> Defs;
+        for (const auto& Field : FFields)
+            Defs.push_back(Field->Def());
+        return Defs;
+    });
+}
+
+std::string TDataSet::KeyFields()
+{
+    const auto Properties = PublishedProperties();
+    const auto* const Property = FindProperty(Properties, "IndexFieldName");
+    if (!Property || Property->Kind != pkString)
+        return {};
+    return AskWhileOpen(*this, [&] { return Property->Get(*this).ToText(); });
+}
+
+// --- Moving and writing -----------------------------------------------------------------------------
 
 TVariant TDataSet::FieldValues(std::string_view FieldNames)
 {

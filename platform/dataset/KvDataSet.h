@@ -63,6 +63,13 @@ public:
     /// also for one. Raises EDatabaseError for an unknown field.
     TVariant FieldValues(std::string_view FieldNames);
 
+    // What the dataset is going to have, also while it is closed. One that has to be open to know is opened
+    // for the answer, which raises as Open does, and closed again.
+    virtual std::vector<TFieldDef> DescribeFields();
+    /// The fields that tell its records apart, joined by ";": what the published property "IndexFieldName"
+    /// holds; empty when there are none.
+    virtual std::string KeyFields();
+
     // The cursor. Moving posts a record that is being written and was assigned to, as Post does.
     void First();
     void Next();                                    ///< Past the last record Eof turns true and it stays there.

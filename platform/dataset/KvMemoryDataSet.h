@@ -24,6 +24,7 @@ public:
     /// The columns, to be set before the first Open. Changing them drops all records.
     const std::vector<TFieldDef>& FieldDefs() const { return Defs; }
     void SetFieldDefs(std::vector<TFieldDef> Value);
+    std::vector<TFieldDef> DescribeFields() override { return Defs; }
 
 protected:
     void InternalOpen() override;

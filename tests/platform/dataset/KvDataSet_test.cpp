@@ -18,6 +18,16 @@ class TStubDataSet final : public TDataSet
 public:
     ~TStubDataSet() override { Close(); }
 
+    TPublishedProperties PublishedProperties() const override
+    {
+        TPublishedProperty Keys;
+        Keys.Name = "IndexFieldName";
+        Keys.Get = [](const TPersistent& Object) {
+            return TVariant(dynamic_cast<const TStubDataSet&>(Object).Active() ? "ID" : "");
+        };
+        return {Keys};
+    }
+
     int Count = 3;
     int Current = 1;
     std::string FailAt;
@@ -370,6 +380,43 @@ TEST_F(KvDataSet, LocateForgetsItsFieldsWhenTheDatasetCloses)
     Table.Open();
     EXPECT_TRUE(Table.Locate("ID", 1));
     EXPECT_EQ(Table.Calls.back(), "locate ID=1");
+}
+
+// --- Asking before opening --------------------------------------------------------------------------
+
+TEST_F(KvDataSet, ClosedOneIsOpenedToTellItsFieldsAndKey)
+{
+    int Told = 0;
+    const auto Handle = Table.AddDataChangeHandler([&] { ++Told; });
+    Table.Close();
+    Table.Calls.clear();
+    const auto Defs = Table.DescribeFields();
+    ASSERT_EQ(Defs.size(), 2u);
+    EXPECT_EQ(Defs[0].Name, "ID");
+    EXPECT_TRUE(Defs[0].Required);
+    EXPECT_THAT(Table.Calls, ElementsAre("open", "first", "close"));
+    EXPECT_EQ(Table.KeyFields(), "ID");
+    EXPECT_FALSE(Table.Active());
+    EXPECT_FALSE(Table.ControlsDisabled());
+    EXPECT_EQ(Told, 0);
+}
+
+TEST_F(KvDataSet, OpenOneTellsItsFieldsAndKeyAsItStands)
+{
+    Table.Append();
+    EXPECT_EQ(Table.DescribeFields().size(), 2u);
+    EXPECT_EQ(Table.KeyFields(), "ID");
+    EXPECT_EQ(Table.State(), dsInsert);
+    EXPECT_THAT(Table.Calls, IsEmpty());
+}
+
+TEST_F(KvDataSet, OneThatCannotBeOpenedSaysWhy)
+{
+    Table.Close();
+    Table.FailAt = "open";
+    EXPECT_EQ(MessageOf([&] { Table.DescribeFields(); }), "open refused");
+    EXPECT_EQ(MessageOf([&] { Table.KeyFields(); }), "open refused");
+    EXPECT_FALSE(Table.Active() || Table.ControlsDisabled());
 }
 
 // --- Telling that something changed -----------------------------------------------------------------

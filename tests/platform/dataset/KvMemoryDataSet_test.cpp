@@ -46,6 +46,17 @@ struct KvMemoryDataSet : testing::Test
     TMemoryDataSet Table;
 };
 
+TEST_F(KvMemoryDataSet, TellsItsFieldsWhileItIsClosed)
+{
+    Table.Close();
+    const auto Defs = Table.DescribeFields();
+    ASSERT_EQ(Defs.size(), 2u);
+    EXPECT_EQ(Defs[0].Name, "ID");
+    EXPECT_EQ(Defs[0].DataType, ftInteger);
+    EXPECT_EQ(Table.KeyFields(), "");
+    EXPECT_FALSE(Table.Active());
+}
+
 TEST_F(KvMemoryDataSet, IsEmptyAtFirst)
 {
     EXPECT_TRUE(Table.Eof());
