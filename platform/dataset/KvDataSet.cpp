@@ -78,7 +78,7 @@ TField& TDataSet::FieldByName(std::string_view FieldName) const
 {
     if (auto* const Field = FindField(FieldName))
         return *Field;
-    Fail("field '" + std::string(FieldName) + "' not found");
+    Fail("field '" + std::string(FieldName) + "' not found", {.Field = std::string(FieldName), .Rule = erMissing});
 }
 
 // --- Asking before opening --------------------------------------------------------------------------
@@ -182,12 +182,27 @@ void TDataSet::Post()
     CheckActive();
     if (FState == dsBrowse)
         Fail("not in edit or insert mode");
-    CheckRequired();
-    if (FState == dsInsert)
-        InternalInsert(Record);
-    else if (Modified)
-        InternalUpdate(Record);
+    WriteTagged([this] {
+        CheckRequired();
+        if (FState == dsInsert)
+            InternalInsert(Record);
+        else if (Modified)
+            InternalUpdate(Record);
+    });
     EndRecord();
+}
+
+/// An error that does not know of another record concerns this one.
+template <class TAct> void TDataSet::WriteTagged(TAct Act)
+{
+    try {
+        Act();
+    }
+    catch (Exception& Error) {
+        if (Error.Facts.Record < 0)
+            Error.Facts.Record = RecordTag;
+        throw;
+    }
 }
 
 void TDataSet::Cancel()
@@ -206,7 +221,7 @@ void TDataSet::Delete()
     Cancel();
     if (InternalEof())
         Fail("no current record to delete");
-    InternalDelete();
+    WriteTagged([this] { InternalDelete(); });
     DataChanged();
 }
 
@@ -244,9 +259,9 @@ void TDataSet::CheckActive() const
         Fail("cannot perform this operation on a closed dataset");
 }
 
-void TDataSet::Fail(std::string_view Text) const
+void TDataSet::Fail(std::string_view Text, TKvErrorFacts Facts) const
 {
-    throw EDatabaseError(DisplayName() + ": " + std::string(Text));
+    throw EDatabaseError(DisplayName() + ": " + std::string(Text), std::move(Facts));
 }
 
 void TDataSet::CheckBrowseMode()
@@ -267,7 +282,8 @@ void TDataSet::CheckRequired() const
         const bool Missing = Record.Assigned[I] ? !Record.Values[I].HasValue()
                                                 : FState == dsInsert && !Field->HasDefault();
         if (Missing)
-            throw EDatabaseError("Field '" + Field->FieldName() + "' must have a value");
+            throw EDatabaseError("Field '" + Field->FieldName() + "' must have a value",
+                                 {.Field = Field->FieldName(), .Rule = erRequired});
     }
 }
 
@@ -302,7 +318,8 @@ void TDataSet::RaiseNotWritable(const TField& Field) const
 {
     if (FState < dsEdit)
         Fail("not in edit or insert mode");
-    throw EDatabaseError("Field '" + Field.FieldName() + "' cannot be modified");
+    throw EDatabaseError("Field '" + Field.FieldName() + "' cannot be modified",
+                         {.Field = Field.FieldName(), .Rule = erReadOnly, .Record = RecordTag});
 }
 
 const std::vector<TField*>& TDataSet::ResolveFields(std::string_view FieldNames)

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "KvComponent.h"
+#include "KvErrorFacts.h"
 #include "KvField.h"
 #include "KvSet.h"
 
@@ -91,6 +92,10 @@ public:
     void Cancel();                                  ///< Drops the record being written; does nothing without one.
     void Delete();                                  ///< Deletes the current record; the one after it becomes current.
 
+    /// The record that is being written, in the numbers of whoever writes; to be set before it is begun or
+    /// deleted. Errors name it as Facts.Record, also those that come late. -1: none.
+    std::int64_t RecordTag = -1;
+
     // While controls are disabled, what listens to changes is not called. Pairs nest.
     void DisableControls() { ++DisableCount; }
     void EnableControls();
@@ -124,7 +129,8 @@ protected:
 
     void AddField(TFieldDef Def);
     void CheckActive() const;
-    [[noreturn]] void Fail(std::string_view Text) const; ///< Raises EDatabaseError "<DisplayName>: <Text>".
+    /// Raises EDatabaseError "<DisplayName>: <Text>".
+    [[noreturn]] void Fail(std::string_view Text, TKvErrorFacts Facts = {}) const;
 
 private:
     friend class TField;
@@ -132,6 +138,7 @@ private:
     void Shut();
     void CheckBrowseMode();
     void CheckRequired() const;
+    template <class TAct> void WriteTagged(TAct Act);
     void BeginRecord(TDataSetState State);
     void EndRecord();
     TVariant FieldValue(const TField& Field);

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "KvCodePage.h"
+#include "KvDataSet.h"
 #include "KvDateText.h"
 #include "KvException.h"
 #include "KvNumberText.h"
@@ -203,6 +204,15 @@ std::string Quoted(const TVariant& Value)
     return "'" + Text + "'";
 }
 
+/// `Why` follows the value in the message.
+[[noreturn]] void Refuse(const TField& Field, const TVariant& Value, TKvErrorRule Rule, const std::string& Why)
+{
+    throw EConvertError(Quoted(Value) + Why, {.Field = Field.FieldName(),
+                                              .Value = Value.IsArray() ? "" : Value.ToText(),
+                                              .Rule = Rule,
+                                              .Record = Field.DataSet().RecordTag});
+}
+
 } // namespace
 
 bool IsIntegerField(TFieldType Type)
@@ -250,9 +260,9 @@ void CheckFieldSize(const TField& Field, const TVariant& Value)
     const bool Binary = IsBinaryField(Field.DataType());
     const auto Length = Binary ? Text.size() : CharacterCount(Text);
     if (Length > Limit && (Binary || IsTextField(Field.DataType())))
-        throw EConvertError(Quoted(Value) + " is longer than field '" + Field.FieldName() + "': " +
-                            std::to_string(Length) + (Binary ? " bytes" : " characters") + ", it holds " +
-                            std::to_string(Limit));
+        Refuse(Field, Value, erLength,
+               " is longer than field '" + Field.FieldName() + "': " + std::to_string(Length) +
+                   (Binary ? " bytes" : " characters") + ", it holds " + std::to_string(Limit));
 }
 
 void RaiseConversion(const TField& Field, const TVariant& Value)
@@ -260,11 +270,12 @@ void RaiseConversion(const TField& Field, const TVariant& Value)
     const auto Type = Field.DataType();
     if (IsIntegerField(Type) && AsInteger(Value)) {
         const auto Range = RangeOf(Type);
-        throw EConvertError(Quoted(Value) + " is not between " + std::to_string(Range.Low) + " and " +
-                            std::to_string(Range.High) + " for field '" + Field.FieldName() + "'");
+        Refuse(Field, Value, erRange,
+               " is not between " + std::to_string(Range.Low) + " and " + std::to_string(Range.High) +
+                   " for field '" + Field.FieldName() + "'");
     }
-    throw EConvertError(Quoted(Value) + " is not a valid " + std::string(TypeInWords(Type)) + " value for field '" +
-                        Field.FieldName() + "'");
+    Refuse(Field, Value, erConversion,
+           " is not a valid " + std::string(TypeInWords(Type)) + " value for field '" + Field.FieldName() + "'");
 }
 
 } // namespace kv

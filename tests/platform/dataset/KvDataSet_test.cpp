@@ -32,6 +32,7 @@ public:
     int Current = 1;
     std::string FailAt;
     TTexts Calls;
+    std::int64_t LateRecord = -1;                   // that the error at FailAt knows of
 
 protected:
     void InternalOpen() override
@@ -79,7 +80,7 @@ private:
     {
         Calls.push_back(Entry);
         if (Entry == FailAt)
-            throw EDatabaseError(Entry + " refused");
+            throw EDatabaseError(Entry + " refused", {.Record = LateRecord});
     }
 };
 
@@ -100,6 +101,18 @@ struct KvDataSet : testing::Test
             return Error.Message;
         }
         return "nothing was raised";
+    }
+
+    static TKvErrorFacts FactsOf(const std::function<void()>& Act)
+    {
+        try {
+            Act();
+        }
+        catch (const Exception& Error) {
+            return Error.Facts;
+        }
+        ADD_FAILURE() << "nothing was raised";
+        return {};
     }
 
     TStubDataSet Table;
@@ -417,6 +430,58 @@ TEST_F(KvDataSet, OneThatCannotBeOpenedSaysWhy)
     EXPECT_EQ(MessageOf([&] { Table.DescribeFields(); }), "open refused");
     EXPECT_EQ(MessageOf([&] { Table.KeyFields(); }), "open refused");
     EXPECT_FALSE(Table.Active() || Table.ControlsDisabled());
+}
+
+// --- Facts of errors --------------------------------------------------------------------------------
+
+TEST_F(KvDataSet, ErrorsOfWritingNameTheRecordByItsTag)
+{
+    Table.RecordTag = 17;
+    Table.Append();
+    const auto Missing = FactsOf([&] { Table.Post(); });
+    EXPECT_EQ(Missing.Field, "ID");
+    EXPECT_EQ(Missing.Rule, erRequired);
+    EXPECT_EQ(Missing.Record, 17);
+    Table.Cancel();
+    for (const char* const Step : {"insert", "update", "delete"}) {
+        Table.FailAt = Step;
+        ++Table.RecordTag;
+        EXPECT_EQ(FactsOf([&] {
+                      if (Table.FailAt == "delete")
+                          Table.Delete();
+                      Table.FailAt == "insert" ? Table.Append() : Table.Edit();
+                      Table.Fields(0).SetValue(1);
+                      Table.Post();
+                  }).Record,
+                  Table.RecordTag);
+        Table.Cancel();
+    }
+}
+
+TEST_F(KvDataSet, ErrorThatComesLateKeepsTheRecordThatItKnows)
+{
+    Table.RecordTag = 17;
+    Table.FailAt = "insert";
+    Table.LateRecord = 4;
+    Table.Append();
+    Table.Fields(0).SetValue(1);
+    EXPECT_EQ(FactsOf([&] { Table.Post(); }).Record, 4);
+}
+
+TEST_F(KvDataSet, UnknownAndReadOnlyFieldsAreFacts)
+{
+    const auto Unknown = FactsOf([&] { Table.FieldByName("CITY"); });
+    EXPECT_EQ(Unknown.Field, "CITY");
+    EXPECT_EQ(Unknown.Rule, erMissing);
+    TMemoryDataSet Memory;
+    Memory.SetFieldDefs({{.Name = "SUM", .ReadOnly = true}});
+    Memory.Open();
+    Memory.RecordTag = 2;
+    Memory.Append();
+    const auto Fixed = FactsOf([&] { Memory.Fields(0).SetValue(1); });
+    EXPECT_EQ(Fixed.Field, "SUM");
+    EXPECT_EQ(Fixed.Rule, erReadOnly);
+    EXPECT_EQ(Fixed.Record, 2);
 }
 
 // --- Telling that something changed -----------------------------------------------------------------

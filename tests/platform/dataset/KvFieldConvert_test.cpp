@@ -199,6 +199,40 @@ TEST_F(KvFieldConvert, RefusesWhatHasNoExactMeaningAndSaysSo)
     }
 }
 
+TEST_F(KvFieldConvert, RefusalKnowsFieldValueRuleAndRecord)
+{
+    const struct
+    {
+        TFieldDef Field;
+        TVariant Given;
+        std::string Value;
+        TKvErrorRule Rule;
+    } Rows[] = {
+        {{.Name = "QTY", .DataType = ftInteger}, "abc", "abc", erConversion},
+        {{.Name = "QTY", .DataType = ftSmallint}, 40000, "40000", erRange},
+        {{.Name = "DAY", .DataType = ftDate}, std::string(200, '9'), std::string(200, '9'), erConversion}, // whole
+        {{.Name = "NAME", .DataType = ftString, .Size = 3}, "four", "four", erLength},
+        {{.Name = "NAME"}, TVariant::Array(0, 1), "", erConversion},
+    };
+    for (const auto& Row : Rows) {
+        TMemoryDataSet Table;
+        Table.SetFieldDefs({Row.Field});
+        Table.Open();
+        Table.RecordTag = 17;
+        Table.Append();
+        try {
+            Table.Fields(0).SetValue(Row.Given);
+            ADD_FAILURE() << Row.Value << " was accepted";
+        }
+        catch (const EConvertError& Error) {
+            EXPECT_EQ(Error.Facts.Field, Row.Field.Name);
+            EXPECT_EQ(Error.Facts.Value, Row.Value);
+            EXPECT_EQ(Error.Facts.Rule, Row.Rule) << Error.Message;
+            EXPECT_EQ(Error.Facts.Record, 17);
+        }
+    }
+}
+
 TEST_F(KvFieldConvert, MessageQuotesTheBeginningOfALongValue)
 {
     TMemoryDataSet Table;
