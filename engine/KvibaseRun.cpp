@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "KvBulkRun.h"
 #include "Kvistat.h"
 
 namespace kv {
@@ -33,6 +34,35 @@ TKvIFate FateAfter(TKvIAction Action)
     return rfNotFound;
 }
 
+TKvBulkKind BulkKind(TImportMode Mode)
+{
+    switch (Mode) {
+    case imAppend:       break;
+    case imUpdate:       return bkUpdate;
+    case imAppendUpdate: return bkAppendUpdate;
+    case imDelete:       return bkDelete;
+    case imCopy:         return bkCopy;
+    }
+    return bkAppend;
+}
+
+/// Tells the destination of a run, and of its end however it ends.
+class TAnnouncedRun
+{
+public:
+    TAnnouncedRun(TDataSet& Table, const TKvBulkRun& Run) : DataSet(Table) { DataSet.BeginBulk(Run); }
+    TAnnouncedRun(const TAnnouncedRun&) = delete;
+    TAnnouncedRun& operator=(const TAnnouncedRun&) = delete;
+    ~TAnnouncedRun()
+    {
+        DataSet.EndBulk();
+        DataSet.RecordTag = -1;
+    }
+
+private:
+    TDataSet& DataSet;
+};
+
 } // namespace
 
 void TKvImportBaseComponent::Prepare()
@@ -52,7 +82,13 @@ void TKvImportBaseComponent::Prepare()
         ChangeProgressDlg(0, Statistic.TotalCount, 0);
     KeyFound = false;
     Aborted = false;
-    ImportRecords();
+    TKvBulkRun Run{.Kind = BulkKind(Mode), .ExpectedRecords = Statistic.TotalCount > 0 ? Statistic.TotalCount : -1};
+    for (const auto& Key : KeyFields)
+        Run.Keys.push_back(Key.Name);
+    {
+        const TAnnouncedRun Announced(*FDataSet, Run);
+        ImportRecords();
+    }
     FDataSet->First();
     FDataSet->EnableControls();
     AfterImport();
@@ -90,6 +126,7 @@ void TKvImportBaseComponent::ImportRecords()
         }
         ++SinceRefresh;
         ++S.TotalImported;
+        FDataSet->RecordTag = S.TotalImported;
         S.LastAction = iaUnknown;
         InRecord = true;
         if (LoadRecord())

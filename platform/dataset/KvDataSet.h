@@ -20,6 +20,8 @@
 
 namespace kv {
 
+struct TKvBulkRun;
+
 enum TDataSetState {
     dsInactive,                                     ///< Closed.
     dsBrowse,                                       ///< Open, nothing being written.
@@ -92,6 +94,10 @@ public:
     void Cancel();                                  ///< Drops the record being written; does nothing without one.
     void Delete();                                  ///< Deletes the current record; the one after it becomes current.
 
+    // Many records in a row. Whoever writes them says so first, and at the end whatever has happened; changes
+    // may then be kept back for as long as nobody can see it, and errors come late.
+    virtual void BeginBulk(const TKvBulkRun& /*Run*/) {}
+    virtual void EndBulk() {}                       ///< Does not raise.
     /// The record that is being written, in the numbers of whoever writes; to be set before it is begun or
     /// deleted. Errors name it as Facts.Record, also those that come late. -1: none.
     std::int64_t RecordTag = -1;
