@@ -16,7 +16,7 @@ class TKvImportBaseComponent;
 
 /// How the part of a file that is imported is told apart from others in it.
 enum TKvISourcePartKind {
-    spNone,                                       ///< The file is the table.
+    spNone,                                         ///< The file is the table.
     spSheet,                                        ///< A sheet, by number or name.
     spTable,                                        ///< A table, by name.
     spTableNumber,                                  ///< A table, by number; without one all of them.
@@ -29,6 +29,7 @@ enum TKvIColumnNames {
     cnSource                                        ///< The source itself.
 };
 
+/// What there is to know. Texts are static.
 struct TKvISourceKind
 {
     TTableTypeImport TableType;
@@ -48,5 +49,11 @@ struct TKvISourceKind
     /// Entries of a file dialog, see FillFileFilters.
     std::string (*FileFilters)() = nullptr;
 };
+
+/// For TKvISourceKind::Create.
+template <class TImport> std::unique_ptr<TKvImportBaseComponent> NewImport(TComponent* Owner)
+{
+    return std::make_unique<TImport>(Owner);
+}
 
 } // namespace kv
