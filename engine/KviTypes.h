@@ -7,8 +7,8 @@
 
 namespace kv {
 
-/// The kind of source that a component handles.
-enum TTableTypeImport { teParadox, teDBase, teText, teHTML, teXLS, teWKS, teQuattro, teXML, teAccess };
+/// The kind of source that a component handles. -1 is a value too: that of a choice which is still open.
+enum TTableTypeImport : int { teParadox, teDBase, teText, teHTML, teXLS, teWKS, teQuattro, teXML, teAccess };
 using TImportFormatTypes = TSet<TTableTypeImport>;
 
 /// The code page of the source's text.

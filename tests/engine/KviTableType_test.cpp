@@ -5,6 +5,7 @@ namespace kv {
 namespace {
 
 constexpr auto NoKind = static_cast<TTableTypeImport>(teAccess + 1);
+constexpr auto StillOpen = static_cast<TTableTypeImport>(-1);
 
 TEST(KviTableType, EveryKindHasAnExtension)
 {
@@ -18,6 +19,7 @@ TEST(KviTableType, EveryKindHasAnExtension)
     EXPECT_EQ(GetDefExt(teXML), ".XML");
     EXPECT_EQ(GetDefExt(teAccess), ".MDB");
     EXPECT_EQ(GetDefExt(NoKind), "");
+    EXPECT_EQ(GetDefExt(StillOpen), "");
 }
 
 TEST(KviTableType, NamesAreThoseOfTheValuesWithoutPrefix)
@@ -29,6 +31,7 @@ TEST(KviTableType, NamesAreThoseOfTheValuesWithoutPrefix)
         EXPECT_EQ(TableTypeOfName(Names[I]), static_cast<TTableTypeImport>(I));
     }
     EXPECT_EQ(TableTypeName(NoKind), "");
+    EXPECT_EQ(TableTypeName(StillOpen), "");
 }
 
 TEST(KviTableType, NamesAreFoundInAnyCase)
