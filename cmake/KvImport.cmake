@@ -5,7 +5,7 @@
 #   kv_add_test(<Unit> [SOURCES file...] [LINK target...] [DEPENDS target...] [DEFINE NAME=value...])
 #   kv_add_fuzzer(<Unit> [LINK target...])
 #   kv_add_bench(<Unit> [LINK target...])
-#   kv_leave_out(<Name> <what is missing>)   kv_leave_out_program(<name> <what is missing>)
+#   kv_leave_out(<Name> <what is missing>)   kv_leave_out_program(<name> [<what is missing>])
 
 include_guard(GLOBAL)
 include(GNUInstallDirs)
@@ -52,9 +52,9 @@ endif()
 # --- Options of every target ------------------------------------------------------------------------
 
 # Each option is set on the targets themselves, not on a directory, so that nothing leaks into a
-# project that adds this one as a subdirectory.
+# project that adds this one as a subdirectory. Such a project gets one thing: the language of the headers.
 function(kv_configure_target Target)
-    target_compile_features(${Target} PRIVATE cxx_std_20)
+    target_compile_features(${Target} PUBLIC cxx_std_20)
     target_compile_options(${Target} PRIVATE
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
         # clang counts sign conversions among -Wconversion and g++ does not: here both do not, since
@@ -89,10 +89,13 @@ function(kv_leave_out Name Missing)
     message(STATUS "Leaving out KvImport::${Name}: ${Missing} not found")
 endfunction()
 
-# The same for a program and for the library that holds its parts.
-function(kv_leave_out_program Name Missing)
+# The same for a program and for the library that holds its parts. Nothing is said of a program that
+# nobody asked for.
+function(kv_leave_out_program Name)
     set_property(GLOBAL APPEND PROPERTY KV_LEFT_OUT ${Name} "KvImport::${Name}Parts")
-    message(STATUS "Leaving out ${Name}: ${Missing} not found")
+    if(ARGC GREATER 1)
+        message(STATUS "Leaving out ${Name}: ${ARGV1} not found")
+    endif()
 endfunction()
 
 # Sets `Result` to the targets of the list that were left out.
@@ -111,7 +114,7 @@ endfunction()
 
 # The static library of the current folder, KvImport::<Alias>. Whoever links it sees the headers of
 # this folder and of its PUBLIC targets by their bare names, and no others. A folder that has only
-# headers becomes an interface library.
+# headers becomes an interface library. In a project that adds this one it is built when something links it.
 function(kv_add_library Name)
     cmake_parse_arguments(PARSE_ARGV 1 Arg "" "ALIAS" "SOURCES;PUBLIC;PRIVATE")
     if(NOT Arg_ALIAS)
@@ -125,14 +128,18 @@ function(kv_add_library Name)
         kv_configure_target(${Target})
     else()
         add_library(${Target} INTERFACE)
+        target_compile_features(${Target} INTERFACE cxx_std_20)
         target_include_directories(${Target} INTERFACE "${CMAKE_CURRENT_SOURCE_DIR}")
         target_link_libraries(${Target} INTERFACE ${Arg_PUBLIC})
+    endif()
+    if(NOT PROJECT_IS_TOP_LEVEL)
+        set_target_properties(${Target} PROPERTIES EXCLUDE_FROM_ALL ON)
     endif()
     add_library(KvImport::${Arg_ALIAS} ALIAS ${Target})
 endfunction()
 
 # A program of the current folder. All but its main file goes into KvImport::<name>Parts, which tests
-# can link.
+# can link. Where programs are not asked for it can still be built by its name.
 function(kv_add_program Name)
     cmake_parse_arguments(PARSE_ARGV 1 Arg "" "MAIN" "SOURCES;LINK")
     kv_find_left_out(LeftOut ${Arg_LINK})
@@ -144,7 +151,11 @@ function(kv_add_program Name)
     add_executable(${Name} ${Arg_MAIN})
     target_link_libraries(${Name} PRIVATE KvImport::${Name}Parts)
     kv_configure_target(${Name})
-    install(TARGETS ${Name} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+    if(KVIMPORT_PROGRAMS)
+        install(TARGETS ${Name} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+    else()
+        set_target_properties(${Name} PROPERTIES EXCLUDE_FROM_ALL ON)
+    endif()
 endfunction()
 
 # --- Tests ------------------------------------------------------------------------------------------
