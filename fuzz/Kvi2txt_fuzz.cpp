@@ -1,7 +1,8 @@
 // Any bytes as a text file that is imported under any settings: the run ends, its figures add up, and
 // by the older reading it has the lines that a program gets for its preview.
 //
-//   input := extensions:u8 fixed:u8 rowfirst:u8 delimiter:u8 qualifier:u8 automapping:u8 text
+//   input := extensions:u8 fixed:u8 rowfirst:u8 delimiter:u8 qualifier:u8 automapping:u8 separator:u8
+//            headerline:u8 charset:u8 text
 #include "Kvi2txt.h"
 
 #include <string>
@@ -20,8 +21,8 @@ void CheckLines(const TKvImportFromText& Import)
     const char Qualifier = Import.GetTextQualifierCustom();
     std::string FirstLine;
     TStrings Lines;
-    LoadTextFile(false, FirstLine, Lines, Import.SourceFileName, Import.GetRecordSeparatorCustom(), {&Qualifier, 1},
-                 Import.RowFirst, Import.RowLast);
+    LoadTextFile(false, FirstLine, Lines, Import.SourceFileName, Import.GetRecordSeparatorCustom(),
+                 {&Qualifier, 1}, Import.RowFirst, Import.RowLast);
     Require(Import.Statistic.TotalImported == Lines.Count());
 }
 
@@ -37,13 +38,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size
     TFuzzInput Input(Data, Size);
     Import.SetDataSet(&Table);
     Import.AnimatedStatus = false;
-    Import.Extensions = TKvITextExtensions::FromBits(Input.Take<std::uint8_t>() & 7);
+    Import.Extensions = TKvITextExtensions::FromBits(Input.Take<std::uint8_t>() & 15);
     Import.Fixed = Input.TakeOneOf({false, true});
     Import.RowFirst = Input.TakeOneOf({1, 2, 0, 5});
     Import.SetFieldDelimiterCustom(Input.TakeOneOf({',', '\t', '\0', '"'}));
     Import.SetTextQualifierCustom(Input.TakeOneOf({'"', '\'', '\0'}));
     const bool AutoMapping = Input.TakeOneOf({false, true});
     Import.SetMappings(AutoMapping ? TStrings() : TStrings{"A=Field1", "B=Field2", "C=Text3-9"});
+    Import.SetRecordSeparatorCustom(Input.TakeOneOf({"\r\n", "\n", "\r", "|", ""}));
+    Import.HeaderLine = Input.TakeOneOf({1, 0, 2, 7});
+    Import.CharacterSet = Input.TakeOneOf({csiANSI_WINDOWS, csiASCII_MSDOS});
     const TMemoryFile File(Input.TakeRest());
     Import.SourceFileName = File.Name();
 
