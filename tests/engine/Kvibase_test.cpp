@@ -213,14 +213,27 @@ TEST_F(Kvibase, KeepsItsDatasetWhenAFormerOneIsDestroyed)
     EXPECT_EQ(Import.GetDataSet(), &Table);
 }
 
+/// Tells when it dies whether it still has a dataset.
+class TMortalImport : public TKvImportBaseComponent
+{
+public:
+    TMortalImport(TComponent* Owner, TTexts& Ends) : TKvImportBaseComponent(Owner), Log(Ends) {}
+    ~TMortalImport() override { Log.emplace_back(GetDataSet() ? "has its dataset" : "has none"); }
+
+private:
+    TTexts& Log;
+};
+
 TEST_F(Kvibase, DiesBeforeOrAfterTheDatasetOfTheSameOwner)
 {
+    TTexts Ends;
     for (const bool DataSetFirst : {true, false}) {
-        TComponent Form;
+        TComponent Form;                            // deletes the last added first
         auto* const First = DataSetFirst ? new TMemoryDataSet(&Form) : nullptr;
-        auto* const Import2 = new TKvImportBaseComponent(&Form);
-        Import2->SetDataSet(First ? First : new TMemoryDataSet(&Form));
+        auto* const Mortal = new TMortalImport(&Form, Ends);
+        Mortal->SetDataSet(First ? First : new TMemoryDataSet(&Form));
     }
+    EXPECT_THAT(Ends, ElementsAre("has its dataset", "has none"));
 }
 
 // --- What Execute raises ----------------------------------------------------------------------------
@@ -295,13 +308,44 @@ TEST_F(Kvibase, EmptyMappingsMapEveryFieldToTheSourceFieldOfItsNameForTheRun)
 
 TEST_F(Kvibase, AutomaticMappingDoesNotSurviveAFailedRun)
 {
-    for (const char* const Call : {"DetectAutoMapping", "BeforeImport"}) {
-        Import.SetMappings({});
-        Log.Refuse(Call);
-        Execute();
-        EXPECT_EQ(Import.Statistic.Result, irFailed);
-        EXPECT_TRUE(Import.Mappings().IsEmpty());
+    for (const char* const Call : {"BeforeImport", "GoFirst", "GoNext"}) {
+        TTestRun Failing;
+        Failing.Import.Rows = {{1, "Ada"}};
+        Failing.Import.SetMappings({});
+        Failing.Log.Refuse(Call);
+        Failing.Execute();
+        EXPECT_EQ(Failing.Import.Statistic.Result, irFailed) << Call;
+        EXPECT_TRUE(Failing.Log.Has("DetectAutoMapping") && Failing.Log.Has(Call)) << Call;
+        EXPECT_TRUE(Failing.Import.Mappings().IsEmpty()) << Call;
     }
+}
+
+/// Finds a mapping and fails all the same.
+class TStumblingImport : public TScriptedImport
+{
+public:
+    using TScriptedImport::TScriptedImport;
+
+    TStrings Found;
+
+protected:
+    void DetectAutoMapping() override
+    {
+        TScriptedImport::DetectAutoMapping();
+        Found.Assign(Mappings());
+        throw Exception("stumbled");
+    }
+};
+
+TEST_F(Kvibase, AutomaticMappingDoesNotSurviveAFailedDetection)
+{
+    TStumblingImport Stumbling(Log);
+    Stumbling.SetDataSet(&Table);
+    Stumbling.AnimatedStatus = false;
+    Stumbling.Execute();
+    EXPECT_EQ(Stumbling.ErrorMessage(), "stumbled");
+    EXPECT_EQ(Stumbling.Found, (TStrings{"ID=ID", "NAME=NAME"}));
+    EXPECT_TRUE(Stumbling.Mappings().IsEmpty());
 }
 
 TEST_F(Kvibase, MappingsThatWereGivenSurviveTheRun)

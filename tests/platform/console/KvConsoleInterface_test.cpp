@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
@@ -182,7 +183,9 @@ TEST(KvConsoleInterface, DoesNotMindAReaderThatWentAway)
     const TOutput Output(TOutput::Pipe);
     std::signal(SIGPIPE, SIG_IGN);
     close(Output.Reader);
-    TConsoleInterface(csLines, Output.Writer).PrintLine("nobody reads this");
+    errno = 0;
+    EXPECT_NO_THROW(TConsoleInterface(csLines, Output.Writer).PrintLine("nobody reads this"));
+    EXPECT_EQ(errno, EPIPE) << "nothing was written";
     std::signal(SIGPIPE, SIG_DFL);
 }
 

@@ -136,8 +136,13 @@ TEST(KvComponent, RemovedPartnersAreNotTold)
 
 TEST(KvComponent, IsNoPartnerOfItself)
 {
-    TComponent Component;
-    Component.FreeNotification(Component);
+    TLog Log;
+    auto Component = std::make_unique<TListener>(Log, "component");
+    TListener Listener(Log, "listener");
+    Component->FreeNotification(Listener);
+    Component->FreeNotification(*Component);
+    Component.reset();
+    EXPECT_EQ(Log, (TLog{"~component", "listener-"}));
 }
 
 TEST(KvComponent, OwnedComponentsLearnThatTheirOwnerGoes)
