@@ -14,9 +14,34 @@ struct TMark
 {
     std::string_view Bytes;
     std::string_view CodePage;
+    std::string_view (*WholeCharacters)(std::string_view Text); // without one at the end that is cut short
 };
+
+std::string_view WholeUtf8(std::string_view Text)
+{
+    const auto IsContinuation = [](char Byte) { return (Byte & 0xC0) == 0x80; };
+    std::size_t Last = Text.size();                 // where the last character begins, and one past that
+    while (Last > 0 && Text.size() - Last < 3 && IsContinuation(Text[Last - 1]))
+        --Last;
+    if (Last == 0)
+        return Text;
+    const auto First = static_cast<unsigned char>(Text[Last - 1]);
+    const std::size_t Length = First >= 0xF0 ? 4 : First >= 0xE0 ? 3 : First >= 0xC0 ? 2 : 1;
+    return Text.size() - Last + 1 < Length ? Text.substr(0, Last - 1) : Text;
+}
+
+/// `HighByte` is its place in each pair.
+template <std::size_t HighByte> std::string_view WholeUtf16(std::string_view Text)
+{
+    Text = Text.substr(0, Text.size() / 2 * 2);
+    const bool EndsInHalf = !Text.empty() && (Text[Text.size() - 2 + HighByte] & 0xFC) == 0xD8;
+    return EndsInHalf ? Text.substr(0, Text.size() - 2) : Text;
+}
+
 constexpr std::string_view Utf8 = "UTF-8";
-constexpr TMark Marks[] = {{"\xEF\xBB\xBF", Utf8}, {"\xFF\xFE", "UTF-16LE"}, {"\xFE\xFF", "UTF-16BE"}};
+constexpr TMark Marks[] = {{"\xEF\xBB\xBF", Utf8, WholeUtf8},
+                           {"\xFF\xFE", "UTF-16LE", WholeUtf16<1>},
+                           {"\xFE\xFF", "UTF-16BE", WholeUtf16<0>}};
 
 /// The mark that a text begins with, or none.
 const TMark* FindMark(std::string_view Text)
@@ -41,9 +66,9 @@ TKvTextFile::TKvTextFile(const std::string& FileName, TKvByteOrderMark Mark, std
     const auto* const Found = Mark == bmTellsEncoding ? FindMark(FText) : nullptr;
     if (!Found)
         return;
-    if (!FIsWhole && Found->CodePage != Utf8)
-        Read(FileName, WholeFile, Continue);
-    FText.remove_prefix(std::min(FText.size(), Found->Bytes.size()));
+    DropMark(Found->Bytes.size());
+    if (!FIsWhole)
+        FText = Found->WholeCharacters(FText);
     Decode(FileName, std::string(Found->CodePage));
 }
 
@@ -52,7 +77,7 @@ TKvTextFile::TKvTextFile(const std::string& FileName, TKvFindEncoding Declared,
 {
     Read(FileName, WholeFile, Continue);
     if (const auto* const Found = FindMark(FText)) {
-        FText.remove_prefix(Found->Bytes.size());
+        DropMark(Found->Bytes.size());
         Decode(FileName, std::string(Found->CodePage));
     }
     else if (const auto Name = Declared(FText); !Name.empty()) {
@@ -67,6 +92,12 @@ void TKvTextFile::Read(const std::string& FileName, std::size_t MaxSize, const s
     FIsWhole = FText.size() < MaxSize;
 }
 
+void TKvTextFile::DropMark(std::size_t Size)
+{
+    FText.remove_prefix(Size);
+    FOffset = static_cast<std::int64_t>(Size);
+}
+
 void TKvTextFile::Decode(const std::string& FileName, const std::string& CodePage)
 {
     if (SameText(CodePage, AnsiCodePage()))
@@ -79,6 +110,7 @@ void TKvTextFile::Decode(const std::string& FileName, const std::string& CodePag
                                        {FileName, CodePage, AnsiCodePage()}));
     }
     FText = Decoded;
+    FOffset = -1;
     Bytes = {};
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <limits>
 #include <string>
@@ -30,7 +31,7 @@ class TKvTextFile
 public:
     static constexpr std::size_t WholeFile = std::numeric_limits<std::size_t>::max();
 
-    /// Reads the first `MaxSize` bytes, of UTF-16 always all: half a character could not be converted.
+    /// Reads the first `MaxSize` bytes; a part whose mark tells the encoding ends with a whole character.
     /// `Continue` as ReadFileBytes has it. Raises EFileError, or EConvertError when the mark belies the
     /// text or a character does not exist in the process's code page.
     TKvTextFile(const std::string& FileName, TKvByteOrderMark Mark, std::size_t MaxSize = WholeFile,
@@ -43,15 +44,19 @@ public:
 
     std::string_view Text() const { return FText; } ///< Views the object.
     bool IsWhole() const { return FIsWhole; }       ///< False when the file may hold more.
+    /// Where Text() begins in the file; -1 when it was converted and has other bytes than the file.
+    std::int64_t Offset() const { return FOffset; }
 
 private:
     void Read(const std::string& FileName, std::size_t MaxSize, const std::function<bool()>& Continue);
+    void DropMark(std::size_t Size);
     void Decode(const std::string& FileName, const std::string& CodePage);
 
     TKvFileBytes Bytes;
     std::string Decoded;                            // instead of Bytes, for another encoding
     std::string_view FText;
     bool FIsWhole = false;
+    std::int64_t FOffset = 0;
 };
 
 } // namespace kv

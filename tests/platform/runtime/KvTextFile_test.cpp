@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "KvCodePage.h"
 #include "KvException.h"
 #include "KvTempFolder.h"
 
@@ -47,13 +48,55 @@ TEST(KvTextFile, AMarkIsLeftOutWhereverATextComesFrom)
     EXPECT_EQ(WithoutByteOrderMark("\xEF\xBB"), "\xEF\xBB");
 }
 
-TEST(KvTextFile, ReadsAllOfAUtf16FileSoThatNoCharacterIsCut)
+TEST(KvTextFile, APartOfUtf16EndsWithAWholeCharacter)
 {
     const TTempFolder Folder;
-    const auto File = Folder.Write("file", "\xFF\xFE" "a\0b\0c\0"s);
-    const TKvTextFile Text(File, bmTellsEncoding, 5);
-    EXPECT_EQ(Text.Text(), "abc");
-    EXPECT_TRUE(Text.IsWhole());
+    const auto Part = [&Folder](std::string_view Bytes, std::size_t MaxSize) {
+        const TKvTextFile Text(Folder.Write("file", Bytes), bmTellsEncoding, MaxSize);
+        EXPECT_EQ(Text.IsWhole(), MaxSize > Bytes.size());
+        return std::string(Text.Text());
+    };
+    const auto LowFirst = "\xFF\xFE" "a\0b\0\x3D\xD8\x00\xDE"s; // at last U+1F600, a pair of surrogates
+    const auto HighFirst = "\xFE\xFF" "\0a\0b\xD8\x3D\xDE\x00"s;
+    for (const auto& Bytes : {LowFirst, HighFirst}) {
+        EXPECT_EQ(Part(Bytes, 11), "ab\xF0\x9F\x98\x80");
+        EXPECT_EQ(Part(Bytes, 10), "ab\xF0\x9F\x98\x80");
+        for (const std::size_t Size : {9U, 8U, 7U, 6U})
+            EXPECT_EQ(Part(Bytes, Size), "ab") << Size;
+        EXPECT_EQ(Part(Bytes, 5), "a");
+        EXPECT_EQ(Part(Bytes, 3), "");
+        EXPECT_EQ(Part(Bytes, 2), "");
+    }
+}
+
+TEST(KvTextFile, APartOfUtf8EndsWithAWholeCharacter)
+{
+    const TTempFolder Folder;
+    const auto File = Folder.Write("file", "\xEF\xBB\xBF" "a\xE2\x82\xAC\xF0\x9F\x98\x80" "b");
+    const auto Part = [&File](std::size_t MaxSize) {
+        return std::string(TKvTextFile(File, bmTellsEncoding, MaxSize).Text());
+    };
+    EXPECT_EQ(Part(12), "a\xE2\x82\xAC\xF0\x9F\x98\x80" "b");
+    EXPECT_EQ(Part(11), "a\xE2\x82\xAC\xF0\x9F\x98\x80");
+    for (const std::size_t Size : {10U, 9U, 8U, 7U})
+        EXPECT_EQ(Part(Size), "a\xE2\x82\xAC") << Size;
+    for (const std::size_t Size : {6U, 5U, 4U})
+        EXPECT_EQ(Part(Size), "a") << Size;
+    EXPECT_EQ(Part(3), "");
+    SetAnsiCodePage("windows-1252");
+    EXPECT_EQ(Part(7), "a\x80");
+    EXPECT_EQ(Part(6), "a");
+    SetAnsiCodePage("UTF-8");
+    EXPECT_EQ(TKvTextFile(File, bmIsText, 6).Text(), "\xEF\xBB\xBF" "a\xE2\x82");
+}
+
+TEST(KvTextFile, TellsWhereItsTextBeginsInTheFile)
+{
+    const TTempFolder Folder;
+    const auto Marked = Folder.Write("utf8", "\xEF\xBB\xBF" "abc");
+    EXPECT_EQ(TKvTextFile(Marked, bmIsText).Offset(), 0);
+    EXPECT_EQ(TKvTextFile(Marked, bmTellsEncoding).Offset(), 3);
+    EXPECT_EQ(TKvTextFile(Folder.Write("utf16", "\xFF\xFE" "a\0"s), bmTellsEncoding).Offset(), -1);
 }
 
 TEST(KvTextFile, TextThatBeliesItsMarkIsRefused)
