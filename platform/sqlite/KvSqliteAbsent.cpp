@@ -32,7 +32,7 @@ void StopSqliteMemoryCount() {}
 
 // --- TSQLiteDatabase --------------------------------------------------------------------------------
 
-TSQLiteDatabase::TSQLiteDatabase(TComponent* Owner) : TComponent(Owner) {}
+TSQLiteDatabase::TSQLiteDatabase(TComponent* Owner) : TKvDatabase(Owner) {}
 TSQLiteDatabase::~TSQLiteDatabase() = default;
 
 void TSQLiteDatabase::Open() { RaiseAbsent(DatabaseName); }
@@ -42,7 +42,10 @@ void TSQLiteDatabase::StartTransaction() { Open(); }
 void TSQLiteDatabase::Commit() {}
 void TSQLiteDatabase::Rollback() {}
 bool TSQLiteDatabase::InTransaction() const { return false; }
-std::vector<std::string> TSQLiteDatabase::TableNames() { RaiseAbsent(DatabaseName); }
+void TSQLiteDatabase::Flush() {}
+std::vector<TKvTableInfo> TSQLiteDatabase::Tables() { RaiseAbsent(DatabaseName); }
+TKvTableDef TSQLiteDatabase::Describe(std::string_view) { RaiseAbsent(DatabaseName); }
+std::unique_ptr<TDataSet> TSQLiteDatabase::OpenTable(std::string_view) { RaiseAbsent(DatabaseName); }
 TSQLiteConnection& TSQLiteDatabase::Connection() { RaiseAbsent(DatabaseName); }
 
 // --- TSQLiteDataSet: it never gets beyond opening ----------------------------------------------------
@@ -76,6 +79,8 @@ bool TSQLiteTable::InternalLocate(std::span<TField* const>, std::span<const TVar
 void TSQLiteTable::ReleaseCursor() {}
 void TSQLiteTable::TransactionRolledBack() {}
 std::string TSQLiteTable::PrimaryKeyFields() const { return {}; }
+std::vector<TFieldDef> TSQLiteTable::DescribeFields() { RaiseAbsent(FileName()); }
+std::string TSQLiteTable::KeyFields() { RaiseAbsent(FileName()); }
 void TSQLiteTable::StartTransaction() { RaiseAbsent(FileName()); }
 void TSQLiteTable::Commit() { RaiseAbsent(FileName()); }
 void TSQLiteTable::Rollback() { RaiseAbsent(FileName()); }

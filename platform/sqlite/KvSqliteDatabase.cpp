@@ -1,10 +1,14 @@
 #include "KvSqliteDatabase.h"
 
+#include <filesystem>
+#include <system_error>
+
 #include "KvCodePage.h"
 #include "KvException.h"
 #include "KvSqliteConnection.h"
-#include "KvSqliteDataSet.h"
+#include "KvSqliteSchema.h"
 #include "KvSqliteStatement.h"
+#include "KvSqliteTable.h"
 
 namespace kv {
 
@@ -13,7 +17,26 @@ void StopSqliteMemoryCount()
     sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
 }
 
-TSQLiteDatabase::TSQLiteDatabase(TComponent* Owner) : TComponent(Owner) {}
+namespace {
+
+/// What SQLite would say about it is less clear.
+void CheckDatabaseFile(const TSQLiteDatabase& Database)
+{
+    const auto& FileName = Database.DatabaseName;
+    std::error_code Ignored;
+    const auto Refuse = [&FileName](const char* Reason) {
+        throw EDatabaseError("Cannot open database \"" + FileName + "\": " + Reason);
+    };
+    if (std::filesystem::is_directory(FileName, Ignored))
+        Refuse("it is a directory");
+    if (!Database.CreateIfMissing && std::filesystem::exists(FileName, Ignored) &&
+        std::filesystem::is_empty(FileName, Ignored))
+        Refuse("the file is empty, it has no tables");
+}
+
+} // namespace
+
+TSQLiteDatabase::TSQLiteDatabase(TComponent* Owner) : TKvDatabase(Owner) {}
 
 TSQLiteDatabase::~TSQLiteDatabase()
 {
@@ -28,8 +51,11 @@ TSQLiteDatabase::~TSQLiteDatabase()
 
 void TSQLiteDatabase::Open()
 {
-    if (!FConnection)
-        FConnection = std::make_unique<TSQLiteConnection>(*this);
+    if (FConnection)
+        return;
+    if (CheckFile)
+        CheckDatabaseFile(*this);
+    FConnection = std::make_unique<TSQLiteConnection>(*this);
 }
 
 void TSQLiteDatabase::Close()
@@ -78,14 +104,42 @@ bool TSQLiteDatabase::InTransaction() const
     return FConnection && FConnection->InTransaction();
 }
 
-std::vector<std::string> TSQLiteDatabase::TableNames()
+void TSQLiteDatabase::Flush()
 {
-    TSQLiteStatement Select(Connection(), "SELECT name FROM main.sqlite_schema WHERE type IN ('table', 'view') "
+    if (FConnection)
+        FConnection->Settle();
+}
+
+// --- Tables -----------------------------------------------------------------------------------------
+
+std::vector<TKvTableInfo> TSQLiteDatabase::Tables()
+{
+    TSQLiteStatement Select(Connection(), "SELECT name, type = 'view' FROM main.sqlite_schema WHERE type IN ('table', 'view') "
                                           "AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\' ORDER BY name COLLATE NOCASE");
-    std::vector<std::string> Names;
+    std::vector<TKvTableInfo> Found;
     while (Select.Step())
-        Names.push_back(Utf8ToAnsi(Select.Column(0).Bytes));
-    return Names;
+        Found.push_back({.Name = Utf8ToAnsi(Select.Column(0).Bytes), .IsView = Select.Column(1).Integer != 0});
+    return Found;
+}
+
+TKvTableDef TSQLiteDatabase::Describe(std::string_view TableName)
+{
+    const auto Table = ReadTableSchema(Connection(), TableName);
+    TKvTableDef Def;
+    for (const auto& Column : Table.Columns)
+        Def.Fields.push_back(Column.Def);
+    for (const int Column : Table.PrimaryKey)
+        Def.KeyFields.push_back(Table.Column(Column).Def.Name);
+    return Def;
+}
+
+std::unique_ptr<TDataSet> TSQLiteDatabase::OpenTable(std::string_view TableName)
+{
+    auto Table = std::make_unique<TSQLiteTable>();
+    Table->SetDatabase(this);
+    Table->TableName = TableName;
+    Table->Open();
+    return Table;
 }
 
 } // namespace kv

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "KvComponent.h"
+#include "KvDatabase.h"
 
 namespace kv {
 
@@ -18,10 +18,18 @@ class TSQLiteConnection;
 /// afterwards it does nothing.
 void StopSqliteMemoryCount();
 
-/// Datasets share the connection through their SetDatabase. Every operation raises EDatabaseError that
-/// names the file and the reason. Journal and synchronisation are as the database has them, so that a
-/// crash at any instant leaves what was committed.
-class TSQLiteDatabase : public TComponent
+/// Makes "sqlite:shop.db" and "shop.db" URLs of databases, for the start of a program.
+void RegisterSqliteDatabases();
+
+/// Datasets share the connection through their SetDatabase. Journal and synchronisation are as the
+/// database has them, so that a crash at any instant leaves what was committed. What is said of CacheSize,
+/// OnWait and Commit in TKvDatabase holds here so:
+/// - CacheSize 0 is SQLite's own choice, 2000, and more during a run that looks records up by keys;
+/// - a statement that OnWait ends undoes the transaction, and the error says so; a commit that it refuses
+///   leaves it open;
+/// - a transaction that the database has rolled back by itself (a full disk) cannot be committed: that
+///   raises and says so.
+class TSQLiteDatabase : public TKvDatabase
 {
 public:
     explicit TSQLiteDatabase(TComponent* Owner = nullptr);
@@ -31,39 +39,34 @@ public:
     std::string_view ClassName() const override { return "TSQLiteDatabase"; }
     TPublishedProperties PublishedProperties() const override;
 
-    // Each of the following counts from the next Open.
-    std::string DatabaseName;                       ///< The file; ":memory:" for a database without one.
+    // DatabaseName is the file, ":memory:" for a database without one. These count from the next Open too.
     bool ReadOnly = false;
     bool CreateIfMissing = false;                   ///< Otherwise a file that does not exist is an error.
-    int CacheSize = 0;                              ///< Page cache in KiB; 0: SQLite's own choice, 2000.
+    /// Open looks at the file first: a directory is an error, and so is a file without a byte, which SQLite
+    /// takes for a database without tables, unless CreateIfMissing. On in databases that a URL has named.
+    bool CheckFile = false;
 
-    int BusyTimeout = 5000;                         ///< Milliseconds to wait for other programs' locks.
-    /// Asked between two tries while another program holds a lock; false gives up at once.
+    /// OnWait for locks of other programs alone: asked between two tries.
     std::function<bool()> OnBusy;
-    /// Asked every millisecond or so while a statement works, such as one that builds an index; false ends
-    /// it with an error. Set before Open. It must not raise.
+    /// OnWait for statements that work alone, such as one that builds an index: asked every millisecond or so.
     std::function<bool()> OnWork;
 
-    void Open();                                    ///< Does nothing when open.
-    /// Closes the datasets that are open on it, then itself. A transaction that the program started and
-    /// did not commit is rolled back.
-    void Close();
-    bool Connected() const { return FConnection != nullptr; }
+    void Open() override;
+    void Close() override;
+    bool Connected() const override { return FConnection != nullptr; }
 
-    /// Runs one or several statements, separated by ";", for their effect. Opens the database.
+    /// Runs one or several statements, separated by ";", for their effect.
     void Execute(std::string_view Sql);
 
-    // A transaction of the program's own: until Commit or Rollback all changes belong together.
-    void StartTransaction();                        ///< Opens the database; waits for the right to write.
-    /// Makes the changes permanent; does nothing without a transaction. When another program is in the
-    /// way it raises and leaves the transaction open, to be tried again. When the database has rolled
-    /// the transaction back by itself (a full disk), it raises and says so.
-    void Commit();
-    void Rollback();                                ///< Does nothing without a transaction.
-    bool InTransaction() const;
+    std::vector<TKvTableInfo> Tables() override;    ///< Of the main database.
+    TKvTableDef Describe(std::string_view TableName) override;
+    std::unique_ptr<TDataSet> OpenTable(std::string_view TableName) override; ///< Gives a TSQLiteTable.
 
-    /// Tables and views of the main database in alphabetical order. Opens the database.
-    std::vector<std::string> TableNames();
+    void StartTransaction() override;               ///< Waits for the right to write.
+    void Commit() override;
+    void Rollback() override;
+    bool InTransaction() const override;
+    void Flush() override;
 
     /// For the datasets of this folder: the connection, opened.
     TSQLiteConnection& Connection();

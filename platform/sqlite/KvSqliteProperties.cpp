@@ -7,15 +7,23 @@
 
 namespace kv {
 
+void RegisterSqliteDatabases()
+{
+    const auto Create = [](std::string_view Name) {
+        auto Database = std::make_unique<TSQLiteDatabase>();
+        Database->DatabaseName = Name;
+        Database->CheckFile = true;
+        return Database;
+    };
+    RegisterDatabaseDriver({.Scheme = "sqlite", .Title = "SQLite", .Create = Create, .TakesPaths = true});
+}
+
 TPublishedProperties TSQLiteDatabase::PublishedProperties() const
 {
-    auto Properties = TComponent::PublishedProperties();
-    Properties.push_back(Publish("DatabaseName", &TSQLiteDatabase::DatabaseName));
-    Properties.push_back(Publish("ReadOnly", &TSQLiteDatabase::ReadOnly));
-    Properties.push_back(Publish("CreateIfMissing", &TSQLiteDatabase::CreateIfMissing));
-    Properties.push_back(Publish("CacheSize", &TSQLiteDatabase::CacheSize));
-    Properties.push_back(Publish("BusyTimeout", &TSQLiteDatabase::BusyTimeout));
-    return Properties;
+    return PublishAfter(TKvDatabase::PublishedProperties(),
+                        {Publish("ReadOnly", &TSQLiteDatabase::ReadOnly),
+                         Publish("CreateIfMissing", &TSQLiteDatabase::CreateIfMissing),
+                         Publish("CheckFile", &TSQLiteDatabase::CheckFile)});
 }
 
 TPublishedProperties TSQLiteDataSet::PublishedProperties() const

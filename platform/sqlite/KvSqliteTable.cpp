@@ -38,13 +38,44 @@ std::string TSQLiteTable::PrimaryKeyFields() const
     return Names;
 }
 
+TKvTableDef TSQLiteTable::ReadDeclaration() const
+{
+    CheckTableName();
+    if (auto* const Shared = GetDatabase())
+        return Shared->Describe(TableName);
+    TSQLiteDatabase Own;
+    Own.DatabaseName = DatabaseName;
+    return Own.Describe(TableName);
+}
+
+std::vector<TFieldDef> TSQLiteTable::DescribeFields()
+{
+    return Active() ? TSQLiteDataSet::DescribeFields() : ReadDeclaration().Fields;
+}
+
+std::string TSQLiteTable::KeyFields()
+{
+    if (Active())
+        return PrimaryKeyFields();
+    const auto Declared = ReadDeclaration();
+    std::string Names;
+    for (const auto& Field : Declared.KeyFields)
+        AddToList(Names, Field, ";");
+    return Names;
+}
+
 // --- Opening ----------------------------------------------------------------------------------------
+
+void TSQLiteTable::CheckTableName() const
+{
+    if (TableName.empty())
+        throw EDatabaseError("Property TableName wasn't specified.");
+}
 
 void TSQLiteTable::InternalOpen()
 {
     OpenConnection();
-    if (TableName.empty())
-        throw EDatabaseError("Property TableName wasn't specified.");
+    CheckTableName();
     Schema = std::make_unique<TSQLiteTableSchema>(ReadTableSchema(Connection(), TableName));
     Writer = std::make_unique<TSQLiteWriter>(Connection(), *Schema);
     Queue = std::make_unique<TSQLiteInsertQueue>(Connection(), *Schema);

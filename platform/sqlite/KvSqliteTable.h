@@ -18,6 +18,7 @@ class TSQLiteInsertQueue;
 class TSQLiteLookup;
 class TSQLiteOwnValue;
 class TSQLiteWriter;
+struct TKvTableDef;
 struct TSQLiteTableSchema;
 
 /// The records run in the order of the rowid, in a WITHOUT ROWID table of the primary key; those of a
@@ -61,6 +62,9 @@ public:
 
     /// What IndexFieldName reads.
     std::string PrimaryKeyFields() const;
+    // As the database declares them; a closed table stays closed. The second is the primary key's, also then.
+    std::vector<TFieldDef> DescribeFields() override;
+    std::string KeyFields() override;
 
 protected:
     void InternalOpen() override;
@@ -91,6 +95,8 @@ private:
     bool Find(std::span<TField* const> Keys, std::span<const TVariant> Values);
     bool QueueInsert(const TRecordBuffer& Written);
     void BeginChange();
+    void CheckTableName() const;
+    TKvTableDef ReadDeclaration() const;
 
     std::unique_ptr<TSQLiteTableSchema> Schema;     // these five while open
     std::unique_ptr<TSQLiteWriter> Writer;

@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 
+#include "KvProperties.h"
+#include "KvSqliteConnection.h"
 #include "KvSqliteTestTable.h"
 
 namespace kv {
@@ -97,6 +99,137 @@ TEST(KvSqliteDatabase, TablesAndViewsAreListedByName)
     Database.DatabaseName = File.FileName();
     EXPECT_EQ(Database.TableNames(), (TTexts{"A", "b", "c"}));
 }
+
+// --- As a database of any kind ----------------------------------------------------------------------
+
+/// Opened by URL.
+struct KvSqliteDatabaseUrl : testing::Test
+{
+    KvSqliteDatabaseUrl() { RegisterSqliteDatabases(); }
+
+    static std::string OpenMessage(const std::string& Url)
+    {
+        return MessageOf("", [&] { OpenDatabase(Url); });
+    }
+};
+
+TEST_F(KvSqliteDatabaseUrl, IsTheFileWithAndWithoutScheme)
+{
+    TTestFile File;
+    for (const auto& Url : {"sqlite:" + File.FileName(), "SQLite:" + File.FileName(), File.FileName()}) {
+        const auto Database = OpenDatabase(Url);
+        EXPECT_TRUE(Database->Connected());
+        EXPECT_EQ(Database->DatabaseName, File.FileName());
+        EXPECT_EQ(Database->TableNames(), TTexts{"orders"});
+    }
+}
+
+TEST_F(KvSqliteDatabaseUrl, OfWhatIsNoDatabaseSaysSo)
+{
+    TTestFile Empty(""), Other("");
+    std::ofstream{Empty.FileName()};
+    std::ofstream(Other.FileName()) << std::string(1000, 'x');
+    const auto Folder = std::filesystem::temp_directory_path().string();
+    EXPECT_EQ(OpenMessage(Folder), "Cannot open database \"" + Folder + "\": it is a directory");
+    EXPECT_EQ(OpenMessage("/tmp/no/such.db"), "Cannot open database \"/tmp/no/such.db\": No such file or directory");
+    EXPECT_EQ(OpenMessage(Empty.FileName()),
+              "Cannot open database \"" + Empty.FileName() + "\": the file is empty, it has no tables");
+    EXPECT_EQ(OpenMessage(Other.FileName()), Other.FileName() + ": file is not a database");
+    EXPECT_EQ(OpenMessage("sqlite:"), "Property DatabaseName wasn't specified.");
+}
+
+TEST_F(KvSqliteDatabaseUrl, OfAnEmptyFileIsFineForWhoCreates)
+{
+    TTestFile File("");
+    std::ofstream{File.FileName()};
+    const auto Database = MakeDatabase(File.FileName());
+    SetPropValue(*Database, "CreateIfMissing", true);
+    Database->Open();
+    EXPECT_TRUE(Database->Tables().empty());
+}
+
+TEST_F(KvSqliteDatabaseUrl, TellsTablesFromViews)
+{
+    TTestFile File("CREATE TABLE b (x); CREATE TABLE A (x); CREATE VIEW c AS SELECT 1");
+    std::string Text;
+    const auto Database = OpenDatabase(File.FileName());
+    for (const auto& Table : Database->Tables())
+        Text += Table.Name + (Table.IsView ? "* " : " ") + Table.Label;
+    EXPECT_EQ(Text, "A b c* ");
+}
+
+TEST_F(KvSqliteDatabaseUrl, DescribesATableWithoutOpeningIt)
+{
+    TTestFile File("CREATE TABLE Orders (day DATE NOT NULL, nr INTEGER DEFAULT 1, name VARCHAR(20),"
+                   " size INT AS (length(name)), PRIMARY KEY (nr, day)); CREATE VIEW v AS SELECT name FROM Orders");
+    const auto Database = OpenDatabase(File.FileName());
+    const auto Table = Database->Describe("ORDERS");
+    EXPECT_EQ(Table.KeyFields, (TTexts{"nr", "day"}));
+    ASSERT_EQ(Table.Fields.size(), 4u);
+    EXPECT_EQ(Table.Fields[0].DataType, ftDate);
+    EXPECT_TRUE(Table.Fields[0].Required);
+    EXPECT_TRUE(Table.Fields[1].HasDefault);
+    EXPECT_EQ(Table.Fields[2].Size, 20);
+    EXPECT_TRUE(Table.Fields[3].ReadOnly);
+    EXPECT_EQ(Table.Fields[0].Label, "");
+    EXPECT_TRUE(Database->Describe("main.v").Fields[0].ReadOnly);
+    EXPECT_TRUE(Database->Describe("v").KeyFields.empty());
+    EXPECT_EQ(MessageOf(File.FileName(), [&] { Database->Describe("nothing"); }),
+              "no such table: nothing (there are: Orders, v)");
+}
+
+TEST_F(KvSqliteDatabaseUrl, OpensTablesInItsTransaction)
+{
+    TTestFile File;
+    const auto Database = OpenDatabase(File.FileName());
+    EXPECT_EQ(MessageOf(File.FileName(), [&] { Database->OpenTable("nothing"); }),
+              "no such table: nothing (there are: orders)");
+    const auto Table = Database->OpenTable("ORDERS");
+    EXPECT_TRUE(Table->Active());
+    Database->StartTransaction();
+    AppendRecord(*Table, {{"qty", 1}});
+    EXPECT_TRUE(Database->InTransaction());
+    Database->Rollback();
+    Database->StartTransaction();
+    AppendRecord(*Table, {{"qty", 2}});
+    Database->Commit();
+    EXPECT_EQ(File.Rows("SELECT qty FROM orders"), TRowTexts{"2"});
+}
+
+TEST_F(KvSqliteDatabaseUrl, ClosesTheTablesThatOutliveIt)
+{
+    TTestFile File;
+    auto Database = OpenDatabase(File.FileName());
+    const auto Table = Database->OpenTable("orders");
+    Database.reset();
+    EXPECT_FALSE(Table->Active());
+}
+
+TEST_F(KvSqliteDatabaseUrl, FlushStoresWhatWaitsAndRaisesWhatWentWrong)
+{
+    TTestFile File;
+    TSQLiteDatabase Database;
+    Database.Flush();                               // closed: nothing waits
+    Database.DatabaseName = File.FileName();
+    Database.Execute("PRAGMA max_page_count = 5");
+    const auto Table = Database.OpenTable("orders");
+    Database.StartTransaction();
+    const auto Append = [&](int Count) {
+        for (int I = 0; I < Count; ++I)
+            AppendRecord(*Table, {{"name", std::string(20, 'x')}});
+    };
+    Append(100);
+    Database.Flush();
+    EXPECT_EQ(sqlite3_total_changes(Database.Connection().Handle()), 100);
+    const auto Message = MessageOf(File.FileName(), [&] {
+        Append(1000);                               // less than is handed over at once: all of them wait
+        Database.Flush();
+    });
+    EXPECT_TRUE(Message.starts_with("orders: database or disk is full; the transaction was rolled back")) << Message;
+    Database.Rollback();
+}
+
+// --- Statements -------------------------------------------------------------------------------------
 
 TEST(KvSqliteDatabase, ExecuteTellsWhatIsWrong)
 {

@@ -28,6 +28,32 @@ TEST(KvSqliteTable, PublishesWhatIdentifiesIt)
     EXPECT_EQ(Other.CommitEvery, 5);
 }
 
+TEST(KvSqliteTable, TellsItsFieldsAndKeyWhileItIsClosed)
+{
+    TTestTable Open("CREATE TABLE orders (day DATE NOT NULL DEFAULT '2024-01-01', nr INTEGER, name VARCHAR(20) NOT NULL,"
+                    " size INT AS (length(name)), PRIMARY KEY (nr, day))");
+    const auto Describe = [&] {
+        std::string Text = Open.Table.KeyFields() + ":";
+        for (const auto& Def : Open.Table.DescribeFields())
+            Text += " " + Def.Name + "/" + std::to_string(Def.DataType) + "/" + std::to_string(Def.Size) +
+                    (Def.Required ? "r" : "") + (Def.HasDefault ? "d" : "") + (Def.ReadOnly ? "o" : "");
+        return Text;
+    };
+    const auto WhileOpen = Describe();
+    EXPECT_EQ(WhileOpen, "nr;day: day/" + std::to_string(ftDate) + "/0rd nr/" + std::to_string(ftLargeint) + "/0 name/" +
+                             std::to_string(ftString) + "/20r size/" + std::to_string(ftLargeint) + "/0o");
+    Open.Table.Close();
+    EXPECT_EQ(Describe(), WhileOpen);
+    EXPECT_FALSE(Open.Table.Active());
+    EXPECT_EQ(GetPropValue(Open.Table, "IndexFieldName").ToText(), "");
+    TSQLiteDatabase Shared;
+    Shared.DatabaseName = Open.File.FileName();
+    Open.Table.SetDatabase(&Shared);
+    EXPECT_EQ(Describe(), WhileOpen);
+    Open.Table.TableName = "";
+    EXPECT_EQ(Open.MessageOf([&] { Open.Table.KeyFields(); }), "Property TableName wasn't specified.");
+}
+
 TEST(KvSqliteTable, NeedsANameOfATable)
 {
     TTestFile File;

@@ -35,6 +35,19 @@ TEST(KvSqliteAbsent, OpeningADatabaseSaysWhatIsMissing)
     EXPECT_FALSE(Database.InTransaction());
 }
 
+TEST(KvSqliteAbsent, IsAKindOfDatabaseThatSaysWhatIsMissing)
+{
+    RegisterSqliteDatabases();
+    EXPECT_EQ(MessageOf([&] { OpenDatabase("sqlite:shop.db"); }), "shop.db: " + Missing);
+    EXPECT_EQ(MessageOf([&] { OpenDatabase("shop.db"); }), "shop.db: " + Missing);
+    const auto Database = MakeDatabase("shop.db");
+    EXPECT_EQ(MessageOf([&] { Database->Tables(); }), "shop.db: " + Missing);
+    EXPECT_EQ(MessageOf([&] { Database->Describe("orders"); }), "shop.db: " + Missing);
+    EXPECT_EQ(MessageOf([&] { Database->OpenTable("orders"); }), "shop.db: " + Missing);
+    Database->Flush();                              // there is nothing to store
+    EXPECT_FALSE(Database->InTransaction());
+}
+
 TEST(KvSqliteAbsent, OpeningATableOrQuerySaysWhatIsMissing)
 {
     TSQLiteDatabase Database;
@@ -47,6 +60,8 @@ TEST(KvSqliteAbsent, OpeningATableOrQuerySaysWhatIsMissing)
     Query.SQL.Add("SELECT 1");
     EXPECT_EQ(MessageOf([&] { Query.Open(); }), Missing);
     EXPECT_FALSE(Table.Active() || Query.Active());
+    EXPECT_EQ(MessageOf([&] { Table.DescribeFields(); }), "shop.db: " + Missing);
+    EXPECT_EQ(MessageOf([&] { Table.KeyFields(); }), "shop.db: " + Missing);
 }
 
 TEST(KvSqliteAbsent, PropertiesAreThereAllTheSame)
