@@ -30,6 +30,7 @@ struct TKvISourceColumn
     std::string Title;                              ///< As the source itself calls it; empty when it does not.
     TFieldType DataType = ftUnknown;                ///< The field that would hold its values, where the source knows.
     int Size = 0;                                   ///< Characters or bytes of that field; 0: no limit.
+    std::string TypeName = {};                      ///< As the source calls its type: "Decimal (18, 2)".
 };
 
 /// A value as a run would get it, before it is converted for a field.
@@ -57,7 +58,7 @@ struct TKvISourceView
 struct TKvISourcePart
 {
     std::string Name;                               ///< In the process's code page; empty: it has only its number.
-    int Rows = 0, Columns = 0;                      ///< As far as a run would read.
+    int Rows = 0, Columns = 0;                      ///< As far as a run would read; -1: not counted.
     std::vector<TKvISourceColumn> Fields;           ///< Where the source declares them.
     bool IsSystem = false;                          ///< The source keeps it for itself.
     std::string Error;                              ///< Why it cannot be opened; the figures then mean nothing.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -134,6 +135,9 @@ public:
     virtual std::vector<TKvISourceRemark> SourceRemarks() const { return {}; }
     /// What a source calls its records: "line".
     virtual std::string_view PositionUnit() const { return "record"; }
+    /// Whether a mapping from `Source` takes a column of what was looked at last: true, or false where it
+    /// takes a constant or nothing. None where that cannot be told, as before a look and after EndLook.
+    virtual std::optional<bool> NamesColumn(const std::string& Source);
 
     /// The published property "IndexFieldName" of `DataSet`, empty when its class has none.
     static std::string GetKeyList(const TDataSet* DataSet);
@@ -160,7 +164,7 @@ protected:
     virtual TVariant GetFieldValue(const TVariant& Source) { return Source; }
     /// The same, converted to the type of the destination field `FieldIndex` (-1: none).
     virtual TVariant GetParsedValue(const TVariant& Source, int FieldIndex);
-    virtual bool FieldIsTruncated() const { return false; } ///< Source names hold 10 characters at most.
+    virtual bool FieldIsTruncated() const { return false; } ///< Source names are short: see ShortName.
     /// True when a required property is missing, which `PropName` then names.
     virtual bool NotDefined(std::string& PropName);
     virtual void DetectAutoMapping();               ///< Fills Mappings.
@@ -179,6 +183,13 @@ protected:
     /// What a header says as the title of a column: without blanks at its ends, of the OEM page where the source
     /// is.
     std::string TitleText(std::string_view Header) const;
+    /// The first characters of a column's name, as many as sources with short names keep of one.
+    static std::string_view ShortName(std::string_view Column);
+    /// A column's name in a mapping line as a run takes it.
+    std::string_view SourceName(std::string_view Given) const
+    {
+        return FieldIsTruncated() ? ShortName(Given) : Given;
+    }
     /// False once the user or the observer has cancelled. Lets a click on Cancel be seen, for what takes long
     /// before the first record.
     bool KeepsRunning() const;
@@ -257,7 +268,7 @@ private:
     void RecordDone(TKvIFate Fate);
     bool TellFailed(const Exception& Error);
     TKvIResult EndByError(const Exception& Error);
-    void PretendMappings(const std::vector<TKvISourceColumn>& Columns);
+    void PretendMapping(const TKvISourceColumn& Column);
     TKvISourceRow LookAtRecord(std::vector<TKvISourceColumn>& Columns, bool MayWiden);
     TKvISourceValue LookAtValue(const TKvISourceColumn& Column);
     const TVariant& BuildSearchValue();

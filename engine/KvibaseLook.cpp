@@ -1,6 +1,7 @@
 // A look at the source: its columns and first rows, read by what a run reads them with.
 #include "Kvibase.h"
 
+#include <exception>
 #include <utility>
 
 #include "KvText.h"
@@ -16,7 +17,11 @@ public:
     TLooking& operator=(const TLooking&) = delete;
     ~TLooking()
     {
-        Source.AfterLook();
+        try {
+            Source.AfterLook();
+        }
+        catch (const std::exception&) {             // nothing was written that could be lost
+        }
         Source.DestFields.clear();
         Source.Looking = false;
     }
@@ -34,7 +39,9 @@ TKvISourceView TKvImportBaseComponent::Look(const TKvISourceLook& What)
         View.Columns = SourceColumns(What.HeaderRow);
     for (const auto& Column : What.Columns)
         View.Columns.push_back({.Name = Column, .Title = {}});
-    PretendMappings(View.Columns);
+    DestFields.clear();
+    for (const auto& Column : View.Columns)
+        PretendMapping(Column);
     GoFirst();
     for (; NeedMore(); GoNext()) {
         View.HasMore = std::cmp_greater_equal(View.Rows.size(), What.Rows);
@@ -46,11 +53,9 @@ TKvISourceView TKvImportBaseComponent::Look(const TKvISourceLook& What)
 }
 
 /// Some sources find a column by its place in the mappings.
-void TKvImportBaseComponent::PretendMappings(const std::vector<TKvISourceColumn>& Columns)
+void TKvImportBaseComponent::PretendMapping(const TKvISourceColumn& Column)
 {
-    DestFields.clear();
-    for (const auto& Column : Columns)
-        DestFields.push_back({.Name = {}, .Source = Column.Name, .Value = Null});
+    DestFields.push_back({.Name = {}, .Source = SourceName(Column.Name), .Value = Null});
 }
 
 TKvISourceRow TKvImportBaseComponent::LookAtRecord(std::vector<TKvISourceColumn>& Columns, bool MayWiden)
@@ -66,8 +71,10 @@ TKvISourceRow TKvImportBaseComponent::LookAtRecord(std::vector<TKvISourceColumn>
     }
     Row.Position = SourcePosition();
     const int Width = MayWiden ? RecordWidth() : -1;
-    while (std::cmp_less(Columns.size(), Width))
+    while (std::cmp_less(Columns.size(), Width)) {
         Columns.push_back({.Name = "Field" + std::to_string(Columns.size() + 1), .Title = {}});
+        PretendMapping(Columns.back());
+    }
     const auto Count = Width < 0 ? Columns.size() : static_cast<std::size_t>(Width);
     for (std::size_t I = 0; I < Count; ++I)
         Row.Values.push_back(LookAtValue(Columns[I]));
@@ -77,7 +84,8 @@ TKvISourceRow TKvImportBaseComponent::LookAtRecord(std::vector<TKvISourceColumn>
 TKvISourceValue TKvImportBaseComponent::LookAtValue(const TKvISourceColumn& Column)
 {
     try {
-        const TVariant Lent = GetFieldValue(Column.Name);
+        const TVariant Source(SourceName(Column.Name)); // which the value may be a loan of
+        const TVariant Lent = GetFieldValue(Source);
         TVariant Value(Lent);                       // owned
         if (CharacterSet == csiASCII_MSDOS && Value.IsString() && !IsBinaryField(Column.DataType))
             Value = UECode(true, Value.Text());
@@ -99,6 +107,11 @@ void TKvImportBaseComponent::BeforeLook(const TKvISourceLook&)
 }
 
 std::vector<TKvISourceColumn> TKvImportBaseComponent::SourceColumns(int)
+{
+    return {};
+}
+
+std::optional<bool> TKvImportBaseComponent::NamesColumn(const std::string&)
 {
     return {};
 }

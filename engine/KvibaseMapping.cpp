@@ -10,14 +10,7 @@ namespace kv {
 
 namespace {
 
-constexpr std::size_t TruncatedNameSize = 10;       // characters that sources with short names keep of one
-
-std::string_view FirstCharacters(std::string_view Text, std::size_t Count)
-{
-    while (CharacterCount(Text) > Count)
-        Text.remove_suffix(1);
-    return Text;
-}
+constexpr std::size_t ShortNameSize = 10;           // characters
 
 template <class TFields> auto FindByName(TFields& Fields, std::string_view Name)
 {
@@ -62,15 +55,20 @@ void TKvImportBaseComponent::FillKey4Values()
     SourceFields = MappedFields();
 }
 
+std::string_view TKvImportBaseComponent::ShortName(std::string_view Column)
+{
+    while (CharacterCount(Column) > ShortNameSize)
+        Column.remove_suffix(1);
+    return Column;
+}
+
 TKvImportBaseComponent::TMappedFields TKvImportBaseComponent::MappedFields() const
 {
     TMappedFields Result;
     for (int Line = 0; Line < FMappings.Count(); ++Line) {
-        auto Source = Trim(FMappings.ValueAt(Line));
+        const auto Source = SourceName(Trim(FMappings.ValueAt(Line)));
         if (Source.empty())
             continue;
-        if (FieldIsTruncated())
-            Source = FirstCharacters(Source, TruncatedNameSize);
         Result.push_back({.Name = UpperCase(Trim(FMappings.NameAt(Line))), .Source = Source, .Value = Null});
     }
     return Result;
