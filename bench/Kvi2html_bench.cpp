@@ -5,6 +5,7 @@
 
 #include "KvBenchImport.h"
 #include "KvFile.h"
+#include "KvHtmlRows.h"
 
 namespace kv {
 

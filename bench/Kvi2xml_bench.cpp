@@ -6,6 +6,7 @@
 #include "KvBenchImport.h"
 #include "KvBenchOrders.h"
 #include "KvFile.h"
+#include "KvXmlRows.h"
 
 namespace kv {
 

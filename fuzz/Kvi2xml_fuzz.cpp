@@ -11,6 +11,7 @@
 #include "KvFuzz.h"
 #include "KvMemoryDataSet.h"
 #include "KvMemoryFile.h"
+#include "KvXmlRows.h"
 
 namespace {
 

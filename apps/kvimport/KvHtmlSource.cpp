@@ -10,6 +10,7 @@
 #include "KvException.h"
 #include "KvExitStatus.h"
 #include "KvFirstRows.h"
+#include "KvHtmlRows.h"
 #include "KvRowRange.h"
 #include "KvSourceFile.h"
 #include "KvSourceOptions.h"

@@ -16,6 +16,7 @@
 #include "KvSourceSetUp.h"
 #include "KvText.h"
 #include "KvTextFile.h"
+#include "KvXmlRows.h"
 #include "Kvi2xml.h"
 
 namespace kv {
@@ -94,13 +95,18 @@ std::vector<std::string> TXmlSource::ReadNames(TKvXmlRows Rows) const
 {
     std::vector<std::string> Names;
     for (int I = 0; I < NamingRecords && Rows.Next(); ++I) {
-        if (Import.TableName.empty() && !Rows.FieldNames().empty())
+        if (Import.TableName.empty() && !Rows.Fields().empty())
             break;
         for (const auto Name : Rows.AttributeNames())
             if (std::ranges::find(Names, Name) == Names.end())
                 Names.emplace_back(Name);
     }
-    return Import.TableName.empty() && !Rows.FieldNames().empty() ? Rows.FieldNames() : Names;
+    if (!Import.TableName.empty() || Rows.Fields().empty())
+        return Names;
+    Names.clear();
+    for (const auto& Field : Rows.Fields())
+        Names.push_back(Field.Name);
+    return Names;
 }
 
 std::string TXmlSource::RemarkOnStranger(const std::string& Name)

@@ -9,7 +9,8 @@ TKvHtmlRows::TKvHtmlRows(std::string_view Text, TKvIHTMLExtensions Extensions, i
       Spanned(Extensions.Contains(xhSpans)),
       TableNumber(TheTableNumber),
       CellText(Extensions),
-      Tags(Text, Extensions)
+      Tags(Text, Extensions),
+      FBegin(Text.data())
 {
 }
 
@@ -18,6 +19,7 @@ bool TKvHtmlRows::Next()
     Cells.clear();
     if (!FindRow())
         return false;
+    FBegin = Tags.Current().data();
     ReadRow();
     if (Spanned)
         Spans.AddRow(Cells);

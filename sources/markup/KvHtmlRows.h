@@ -29,6 +29,9 @@ public:
 
     /// Tables begun up to the current row; those inside a cell that is read do not count.
     int Tables() const { return FTables; }
+    /// Where the current row begins in the text: at its tag, or at the cell that begins a row by itself.
+    const char* Begin() const { return FBegin; }
+    const char* Pos() const { return Tags.Pos(); }  ///< How far the text was passed over.
     /// Cells of the current row, or the columns that they cover.
     std::size_t Columns() const { return Spanned ? Spans.Columns() : Cells.size(); }
     /// The text in column `Column`, from 0: a view until the next Next(). Empty where there is no cell.
@@ -47,6 +50,7 @@ private:
     const TKvHtmlCellText CellText;
     TKvHtmlTags Tags;
     int FTables = 0;
+    const char* FBegin;
     bool InTable = false;
     std::size_t TablesInCell = 0;                   // open inside the current cell
     std::vector<TKvHtmlCell> Cells;                 // of the current row

@@ -22,8 +22,15 @@ std::string_view View(const char* First, const char* Last)
 
 } // namespace
 
-TKvXmlElements::TKvXmlElements(std::string_view Text, std::string_view TheRowTag, std::string_view TheFileName)
-    : RowTag(TheRowTag), FileName(TheFileName), Begin(Text.data()), End(Begin + Text.size()), Pos(Begin)
+TKvXmlElements::TKvXmlElements(std::string_view Text, std::string_view TheRowTag,
+                               std::string_view TheFileName, std::int64_t TheTextOffset)
+    : RowTag(TheRowTag),
+      FileName(TheFileName),
+      TextOffset(TheTextOffset),
+      TextFirst(Text.data()),
+      End(TextFirst + Text.size()),
+      Pos(TextFirst),
+      FBegin(TextFirst)
 {
 }
 
@@ -41,15 +48,19 @@ bool TKvXmlElements::Next(TKvXmlRowUse Use)
             CloseElement();
         else if (StartsWith("<!") || StartsWith("<?"))
             SkipDeclaration();
-        else if (OpenElement())
+        else if (FBegin = Pos; OpenElement())
             return true;
     }
 }
 
 void TKvXmlElements::Refuse(const std::string& Reason) const
 {
-    const auto Line = std::count(Begin, Pos, '\n') + 1;
-    throw Exception("Line " + std::to_string(Line) + " of " + FileName + " is no XML: " + Reason);
+    const auto Line = std::to_string(std::count(TextFirst, Pos, '\n') + 1);
+    throw Exception("Line " + Line + " of " + FileName + " is no XML: " + Reason,
+                    {.FileName = FileName,
+                     .Place = "line " + Line,
+                     .Rule = erFormat,
+                     .Offset = TextOffset < 0 ? -1 : TextOffset + (Pos - TextFirst)});
 }
 
 bool TKvXmlElements::StartsWith(std::string_view Mark) const
@@ -121,7 +132,7 @@ bool TKvXmlElements::OpenElement()
 
     const bool Record = IsRecord();
     if (FieldsDepth != 0 && Open.size() == FieldsDepth)
-        AddFieldName();
+        AddField();
     if (IsEmpty)
         return Record;
     if (Open.size() == MaxDepth)
@@ -156,7 +167,7 @@ void TKvXmlElements::ReadAttributes()
         At = SkipBlanks(ValueLast + 1);
         if (!Keeps)
             continue;
-        auto& Attribute = AddAttribute(FAttributes, Begin, Name, NameLast);
+        auto& Attribute = AddAttribute(FAttributes, TextFirst, Name, NameLast);
         Attribute.Value = View(Value, ValueLast);
         Attribute.Closed = true;
     }
@@ -198,15 +209,16 @@ bool TKvXmlElements::IsRecord() const
     return RowsDepth != 0 && Open.size() == RowsDepth;
 }
 
-void TKvXmlElements::AddFieldName()
+void TKvXmlElements::AddField()
 {
     if (FAttributes.empty())
         return;
     const auto IsName = [](const TKvXmlAttribute& Each) {
         return SameText(View(Each.First, Each.Last), FieldNameAttribute);
     };
-    const auto Named = std::ranges::find_if(FAttributes, IsName);
-    FFieldNames.emplace_back((Named != FAttributes.end() ? *Named : FAttributes.front()).Value);
+    const auto Found = std::ranges::find_if(FAttributes, IsName);
+    const auto& Named = Found != FAttributes.end() ? *Found : FAttributes.front();
+    FFields.push_back(DeclaredXmlField(std::string(Named.Value), FAttributes));
 }
 
 } // namespace kv

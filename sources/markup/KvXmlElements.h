@@ -4,11 +4,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "KvXmlAttributes.h"
+#include "KvXmlFields.h"
 
 namespace kv {
 
@@ -28,15 +30,18 @@ public:
     static constexpr std::size_t MaxDepth = 1000;   ///< Elements inside each other.
 
     /// Keeps a view of `Text`, which must outlive the object and the attributes; `FileName` is for messages.
-    /// `RowTag`, when not empty, is the name of the element to look into instead, in whatever case.
-    TKvXmlElements(std::string_view Text, std::string_view RowTag, std::string_view FileName);
+    /// `TextOffset` is where it begins there, -1 when it was converted. `RowTag`, when not empty, is the name
+    /// of the element to look into instead, in whatever case.
+    TKvXmlElements(std::string_view Text, std::string_view RowTag, std::string_view FileName,
+                   std::int64_t TextOffset);
 
     /// Moves to the next record. False past the last one, and on every later call.
     bool Next(TKvXmlRowUse Use);
 
     const TKvXmlAttributes& Attributes() const { return FAttributes; } ///< Of the current record, with ruValues.
-    /// The attribute "attrname", else the first, of each element directly inside a FIELDS so far.
-    const std::vector<std::string>& FieldNames() const { return FFieldNames; }
+    const char* Begin() const { return FBegin; }    ///< Of the tag of the current record, in the text.
+    /// The elements directly inside a FIELDS so far, called by the attribute "attrname", else the first.
+    const std::vector<TKvXmlField>& Fields() const { return FFields; }
 
 private:
     const char* FindBehind(const char* From, std::string_view Mark) const;
@@ -56,21 +61,23 @@ private:
     std::string_view ReadName();
     bool IsRowSection(std::string_view Name) const;
     bool IsRecord() const;
-    void AddFieldName();
+    void AddField();
     [[noreturn]] void Refuse(const std::string& Reason) const;
     [[noreturn]] void RefuseAttribute(std::string_view Name, const char* Reason);
 
     const std::string RowTag;
     const std::string FileName;
-    const char* const Begin;
+    const std::int64_t TextOffset;
+    const char* const TextFirst;
     const char* const End;
     const char* Pos;
+    const char* FBegin;
     std::vector<std::string_view> Open;             // names of the elements that are open
     std::size_t FieldsDepth = 0;                    // Open.size() inside a FIELDS; 0: in none
     std::size_t RowsDepth = 0;                      // the same of rows
     bool KeepsAttributes = false;
     TKvXmlAttributes FAttributes;                   // of the current tag
-    std::vector<std::string> FFieldNames;
+    std::vector<TKvXmlField> FFields;
 };
 
 } // namespace kv

@@ -19,12 +19,12 @@ bool IsBlank(char Char)
 } // namespace
 
 TKvXmlRows::TKvXmlRows(std::string_view Text, TKvIXMLExtensions TheExtensions, std::string_view RowTag,
-                       std::string_view FileName)
+                       std::string_view FileName, std::int64_t TextOffset)
     : Extensions(TheExtensions),
       Syntax(Extensions.Contains(xxTagSyntax)),
       References(Extensions.Contains(xxReferences)),
       Tokens(Text, RowTag),
-      Elements(Text, RowTag, FileName),
+      Elements(Text, RowTag, FileName, TextOffset),
       TextEnd(Text.data() + Text.size())
 {
 }
@@ -35,9 +35,14 @@ bool TKvXmlRows::Next(TKvXmlRowUse Use)
     return Syntax ? Elements.Next(Use) : Tokens.Next();
 }
 
-const std::vector<std::string>& TKvXmlRows::FieldNames() const
+const std::vector<TKvXmlField>& TKvXmlRows::Fields() const
 {
-    return Syntax ? Elements.FieldNames() : Tokens.FieldNames();
+    return Syntax ? Elements.Fields() : Tokens.Fields();
+}
+
+const char* TKvXmlRows::Begin() const
+{
+    return Syntax ? Elements.Begin() : Tokens.Token().data();
 }
 
 std::size_t TKvXmlRows::AddColumn(std::string_view Name)

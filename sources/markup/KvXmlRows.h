@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <optional>
 #include <string>
@@ -11,6 +12,7 @@
 #include "KvXMLExtensions.h"
 #include "KvXmlAttributes.h"
 #include "KvXmlElements.h"
+#include "KvXmlFields.h"
 #include "KvXmlTokens.h"
 
 namespace kv {
@@ -19,10 +21,10 @@ namespace kv {
 class TKvXmlRows
 {
 public:
-    /// Keeps a view of `Text`, which must outlive the object. `RowTag` and `FileName` are as TKvXmlElements
-    /// has them.
+    /// Keeps a view of `Text`, which must outlive the object. `RowTag`, `FileName` and `TextOffset` are as
+    /// TKvXmlElements has them.
     TKvXmlRows(std::string_view Text, TKvIXMLExtensions Extensions, std::string_view RowTag,
-               std::string_view FileName);
+               std::string_view FileName, std::int64_t TextOffset = -1);
 
     /// Moves to the next record. False past the last one, and on every later call. Raises Exception for
     /// what is no XML, with xxTagSyntax.
@@ -38,7 +40,9 @@ public:
     /// older rules what stands between the last blank and the sign.
     std::vector<std::string_view> AttributeNames();
 
-    const std::vector<std::string>& FieldNames() const;
+    const std::vector<TKvXmlField>& Fields() const; ///< That FIELDS sections have declared so far.
+    /// Where the current record begins in the text: at its tag, by the older rules at the text before it.
+    const char* Begin() const;
 
 private:
     const TKvXmlAttributes& Attributes();

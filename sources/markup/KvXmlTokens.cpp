@@ -85,7 +85,7 @@ bool TKvXmlTokens::IsRow()
     const bool ClosesNamed = !RowClose.empty() && Is(FToken, RowClose, Upper);
     const bool Found = InRows && !(OpensRows || OpensNamed || ClosesRows || ClosesNamed);
     if (InFields)
-        AddFieldName();
+        AddField();
     if (ClosesRows)
         InRows = false;
     if (InFields && Is(FToken, "</FIELDS>"))
@@ -93,14 +93,17 @@ bool TKvXmlTokens::IsRow()
     return Found;
 }
 
-void TKvXmlTokens::AddFieldName()
+void TKvXmlTokens::AddField()
 {
     std::string Buffer;
     const auto Token = WithoutLineBreaks(FToken, Buffer);
     const auto Open = Token.find('"');
     const auto Close = Open == Token.npos ? Open : Token.find('"', Open + 1);
-    if (Close != Token.npos)
-        FFieldNames.emplace_back(Token.substr(Open + 1, Close - Open - 1));
+    if (Close == Token.npos)
+        return;
+    TKvXmlAttributes Attributes;
+    CutClassicAttributes(Token, Attributes);
+    FFields.push_back(DeclaredXmlField(std::string(Token.substr(Open + 1, Close - Open - 1)), Attributes));
 }
 
 std::string_view WithoutLineBreaks(std::string_view Token, std::string& Buffer)

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "KvXmlFields.h"
+
 namespace kv {
 
 /// The records of a packet, first to last, once: every token of a section of rows.
@@ -23,19 +25,19 @@ public:
 
     /// The current record; it may hold line breaks, which are no part of it.
     std::string_view Token() const { return FToken; }
-    /// What stands between the first two quotes of each token of the FIELDS sections so far.
-    const std::vector<std::string>& FieldNames() const { return FFieldNames; }
+    /// The tokens of the FIELDS sections so far, called by what stands between their first two quotes.
+    const std::vector<TKvXmlField>& Fields() const { return FFields; }
 
 private:
     bool IsRow();
-    void AddFieldName();
+    void AddField();
 
     const std::string RowOpen, RowClose;            // upper-cased; empty: none
     std::string_view Rest;                          // of the text
     std::string_view FToken;
     bool InFields = false;
     bool InRows = false;
-    std::vector<std::string> FFieldNames;
+    std::vector<TKvXmlField> FFields;
 };
 
 /// `Token` without its line breaks: itself when it has none, else a view of `Buffer`.

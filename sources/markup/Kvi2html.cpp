@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <limits>
 
+#include "KvException.h"
+#include "KvHtmlRows.h"
+#include "KvHtmlTables.h"
 #include "KvMarkupEncoding.h"
 #include "KvMarkupPreview.h"
 #include "KvNumberText.h"
@@ -17,6 +20,8 @@ constexpr std::string_view ExtensionNames[] = {"xhTagSyntax", "xhHeaderCells", "
                                                "xhSpans",     "xhEncoding",    "xhHeaderNames", "xhEmptyIsNull"};
 constexpr std::string_view NamesOf1252[] = {"ISO-8859-1", "latin1", "US-ASCII"};
 constexpr char MsgNoColumn[] = "%s has no column \"%s\"";
+constexpr char MsgNoTable[] = "%s has no table %d: it has tables 1 to %d";
+constexpr char MsgNoTables[] = "%s has no table";
 
 constexpr std::string_view FieldPrefix = "Field";
 constexpr auto NoColumn = std::numeric_limits<std::size_t>::max();
@@ -36,9 +41,27 @@ std::string ColumnName(std::ptrdiff_t Column)
     return std::string(FieldPrefix) + std::to_string(Column + 1);
 }
 
+std::string OnOneLine(std::string Text)
+{
+    std::ranges::replace(Text, '\n', ' ');
+    return Text;
+}
+
+/// The import as a preview shows it: an empty cell is one, whatever a run makes of it.
+class TPreviewOfHTML final : public TKvImportFromHTML
+{
+    TVariant GetFieldValue(const TVariant& Source) override
+    {
+        const auto Text = CellText(Source);
+        return Text.empty() && Extensions.Contains(xhEmptyIsNull) ? TVariant(Null) : TVariant::Borrow(Text);
+    }
+};
+
 } // namespace
 
 TKvImportFromHTML::TKvImportFromHTML(TComponent* Owner) : TKvImportFromMarkup(Owner, teHTML, Extension()) {}
+
+TKvImportFromHTML::~TKvImportFromHTML() = default;
 
 TPublishedProperties TKvImportFromHTML::PublishedProperties() const
 {
@@ -55,7 +78,7 @@ std::string TKvImportFromHTML::FillFileFilters()
 
 // Loading.
 
-TKvFindEncoding TKvImportFromHTML::EncodingFinder() const
+TKvImportFromHTML::TEncodingFinder TKvImportFromHTML::EncodingFinder() const
 {
     return Extensions.Contains(xhEncoding) ? FindHtmlEncoding : nullptr;
 }
@@ -66,13 +89,28 @@ void TKvImportFromHTML::BeforeImport()
     Header.clear();
     TKvImportFromMarkup::BeforeImport();
     FTablesRead = TableNumber == 0 ? Rows->Tables() : 1;
-    if (HasHeader())
+    ReadHeader();
+}
+
+void TKvImportFromHTML::ReadHeader()
+{
+    if (Extensions.Contains(xhHeaderNames) && RowFirst > 1)
         Header = ReadHtmlHeader(TKvHtmlRows(Text(), Extensions, TableNumber));
 }
 
 void TKvImportFromHTML::StartRows(std::string_view Text)
 {
-    Rows.emplace(Text, Extensions, TableNumber);
+    Rows = std::make_unique<TKvHtmlRows>(Text, Extensions, TableNumber);
+}
+
+bool TKvImportFromHTML::NextRow()
+{
+    return Rows->Next();
+}
+
+const char* TKvImportFromHTML::RowBegin() const
+{
+    return Rows->Begin();
 }
 
 void TKvImportFromHTML::AfterImport()
@@ -81,12 +119,128 @@ void TKvImportFromHTML::AfterImport()
     TKvImportFromMarkup::AfterImport();
 }
 
+// A look.
+
+void TKvImportFromHTML::BeforeLook(const TKvISourceLook& What)
+{
+    Columns.Clear();
+    Header.clear();
+    FTablesRead = 0;
+    TKvImportFromMarkup::BeforeLook(What);
+    if (!IsKept())
+        return;                                     // cancelled
+    CheckTableNumber();
+    ReadHeader();
+}
+
+void TKvImportFromHTML::CheckTableNumber() const
+{
+    if (TableNumber < 1)
+        return;
+    TKvHtmlRows Page(Text(), Extensions, TableNumber);
+    Page.Next();
+    if (Page.Tables() >= TableNumber)
+        return;
+    const auto Number = std::to_string(TableNumber), Last = std::to_string(Page.Tables());
+    throw Exception(Page.Tables() == 0 ? FormatText(MsgNoTables, {SourceFileName})
+                                       : FormatText(MsgNoTable, {SourceFileName, Number, Last}),
+                    {.FileName = SourceFileName,
+                     .Place = "table " + Number,
+                     .Value = Number,
+                     .Rule = erMissing});
+}
+
+/// False when there are fewer, or the user has cancelled.
+bool TKvImportFromHTML::PassRows(TKvHtmlRows& Page, int Count) const
+{
+    for (int Row = 1; Row <= Count; ++Row)
+        if (!Page.Next() || !GoesOnAfter(Row))
+            return false;
+    return true;
+}
+
+/// As wide as the header or, without one, as the first row that is imported.
+std::vector<TKvISourceColumn> TKvImportFromHTML::SourceColumns(int HeaderRow)
+{
+    std::vector<TKvISourceColumn> Result;
+    TKvHtmlRows Page(Text(), Extensions, TableNumber);
+    if (!PassRows(Page, HeaderRow > 0 ? HeaderRow : std::max(RowFirst, 1)))
+        return Result;
+    for (std::size_t I = 0; I < Page.Columns(); ++I) {
+        auto& Column = Result.emplace_back();
+        Column.Name = ColumnName(static_cast<std::ptrdiff_t>(I));
+        if (HeaderRow > 0)
+            Column.Title = OnOneLine(TitleText(Page.Text(I)));
+    }
+    return Result;
+}
+
+int TKvImportFromHTML::RecordWidth() const
+{
+    return static_cast<int>(Rows->Columns());
+}
+
+void TKvImportFromHTML::AfterLook()
+{
+    if (Rows)
+        FTablesRead = TableNumber == 0 ? Rows->Tables() : 1;
+    Rows.reset();
+    TKvImportFromMarkup::AfterLook();
+}
+
+TVariant TKvImportFromHTML::SourceRecord()
+{
+    if (!HasRow())
+        return Null;
+    auto Texts = TVariant::Array(0, RecordWidth() - 1);
+    for (int I = 0; I < RecordWidth(); ++I)
+        Texts[I].SetText(Rows->Text(static_cast<std::size_t>(I)));
+    return Texts;
+}
+
+std::vector<TKvISourcePart> TKvImportFromHTML::SourceParts()
+{
+    std::vector<TKvISourcePart> Parts;
+    if (!LoadForLook())
+        return Parts;                               // cancelled
+    for (const auto& Table : FindHtmlTables(Text(), Extensions, [this] { return KeepsRunning(); })) {
+        auto& Part = Parts.emplace_back();
+        Part.Rows = Table.Rows;
+        Part.Columns = Table.Columns;
+        Part.Error = Table.Error;
+    }
+    return Parts;
+}
+
+void TKvImportFromHTML::SelectPart(int Index, const TKvISourcePart&)
+{
+    TableNumber = Index + 1;
+}
+
+std::vector<TKvISourceRemark> TKvImportFromHTML::SourceRemarks() const
+{
+    if (FTablesRead < 2)
+        return {};
+    return {{.Kind = srSeveralTables, .Count = FTablesRead}};
+}
+
+std::optional<bool> TKvImportFromHTML::NamesColumn(const std::string& Source)
+{
+    if (!IsKept() || !Extensions.Contains(xhHeaderNames))
+        return {};
+    return NumberedColumn(Source) != NoColumn || FindHeader(Source) != Header.end();
+}
+
 // The values.
+
+std::string_view TKvImportFromHTML::CellText(const TVariant& Source)
+{
+    return Rows->Text(Columns.Find(Source, [this](std::string_view Each) { return ResolveColumn(Each); }));
+}
 
 TVariant TKvImportFromHTML::GetFieldValue(const TVariant& Source)
 {
-    const auto Column = Columns.Find(Source, [this](std::string_view Each) { return ResolveColumn(Each); });
-    if (const auto Text = Rows->Text(Column); !Text.empty())
+    if (const auto Text = CellText(Source); !Text.empty())
         return TVariant::Borrow(Text);
     if (Extensions.Contains(xhEmptyIsNull))
         return Null;
@@ -108,7 +262,8 @@ std::size_t TKvImportFromHTML::ResolveColumn(std::string_view Source) const
         return Numbered;
     if (const auto Named = FindHeader(Source); Named != Header.end())
         return static_cast<std::size_t>(Named - Header.begin());
-    throw Exception(FormatText(MsgNoColumn, {SourceFileName, Source}));
+    throw Exception(FormatText(MsgNoColumn, {SourceFileName, Source}),
+                    {.FileName = SourceFileName, .Field = std::string(Source), .Rule = erMissing});
 }
 
 // Automatic mapping.
@@ -143,18 +298,15 @@ std::string_view FindHtmlEncoding(std::string_view Text)
 
 void LoadHTMLPreview(TPersistent* Sender, std::string_view FieldNames, const std::string& FileName,
                      std::string_view /*Unused*/, int RowFirst, int RowLast, bool Flag, TStrings& Columns,
-                     const TPreviewCallback& Callback)
+                     const TPreviewCallback& Callback, TKvIHTMLExtensions Extensions)
 {
-    if (FieldNames.empty())
-        return;
-    const TKvTextFile File(FileName, bmIsText);
-    SplitFieldNames(FieldNames, Columns);
-    std::vector<std::size_t> Cells;
-    for (const auto& Name : Columns)
-        Cells.push_back(static_cast<std::size_t>(Columns.IndexOf(Name)));
-    TKvHtmlRows Rows(MarkupText(File, FileName, false), {});
-    OfferRows(TKvMarkupPreview{Sender, RowFirst, RowLast, Flag, Columns, Callback}, Rows,
-              [&](int Column) { return Rows.Text(Cells[static_cast<std::size_t>(Column)]); });
+    TPreviewOfHTML Import;
+    Import.Extensions = Extensions;
+    const TKvMarkupPreview Preview{Sender, FieldNames, FileName, RowFirst, RowLast, Flag, Columns, Callback};
+    auto Sources = Preview.Names();
+    for (auto& Name : Sources)
+        Name = *std::ranges::find_if(Sources, [&Name](const auto& Each) { return SameText(Each, Name); });
+    ShowPreview(Import, Preview, std::move(Sources));
 }
 
 } // namespace kv

@@ -3,25 +3,30 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "KvHTMLExtensions.h"
-#include "KvHtmlRows.h"
 #include "KvMarkupImport.h"
 #include "KviSourceColumns.h"
 
 namespace kv {
 
+class TKvHtmlRows;
+
 /// Imports the rows of all tables of a file. By default the first mapping line gets the first cell of a
 /// row and so on, a line whose source another one has named before gets the same cell as that, and an
 /// empty cell imports the line's source.
+///
+/// A look names the columns "Field1", "Field2", ... and raises Exception, with the rule erMissing, when the
+/// page has fewer than TableNumber tables. The parts of a page are all of its tables, which have no names.
 class TKvImportFromHTML : public TKvImportFromMarkup
 {
 public:
     explicit TKvImportFromHTML(TComponent* Owner = nullptr);
+    ~TKvImportFromHTML() override;
 
     std::string_view ClassName() const override { return "TKvImportFromHTML"; }
     TPublishedProperties PublishedProperties() const override;
@@ -29,8 +34,16 @@ public:
     TKvIHTMLExtensions Extensions;
     int TableNumber = 0;                            ///< The table to import, from 1; 0: all, one after the other.
 
-    /// How many tables the rows of the last run came from, those inside others not counted.
+    /// How many tables the rows of the last run or look came from, those inside others not counted.
     int TablesRead() const { return FTablesRead; }
+
+    /// The texts of the row's cells.
+    TVariant SourceRecord() override;
+    std::vector<TKvISourcePart> SourceParts() override;
+    void SelectPart(int Index, const TKvISourcePart& Part) override;
+    std::vector<TKvISourceRemark> SourceRemarks() const override;
+    /// Cannot be told without xhHeaderNames: then the order of the mappings decides.
+    std::optional<bool> NamesColumn(const std::string& Source) override;
 
     static std::string Extension() { return ".HTML"; }
     static std::string FillFileFilters();
@@ -40,19 +53,28 @@ protected:
     void BeforeImport() override;
     TVariant GetFieldValue(const TVariant& Source) override;
     void AfterImport() override;
+    void BeforeLook(const TKvISourceLook& What) override;
+    std::vector<TKvISourceColumn> SourceColumns(int HeaderRow) override;
+    int RecordWidth() const override;
+    void AfterLook() override;
 
-    TKvFindEncoding EncodingFinder() const override;
+    TEncodingFinder EncodingFinder() const override;
     void StartRows(std::string_view Text) override;
-    bool NextRow() override { return Rows->Next(); }
+    bool NextRow() override;
+    const char* RowBegin() const override;
+
+    /// The text in the column that `Source` means: a loan until the next row. Empty where there is no cell.
+    std::string_view CellText(const TVariant& Source);
 
 private:
-    bool HasHeader() const { return Extensions.Contains(xhHeaderNames) && RowFirst > 1; }
+    void ReadHeader();
     std::vector<std::string>::const_iterator FindHeader(std::string_view Source) const;
     std::size_t ResolveColumn(std::string_view Source) const;
+    void CheckTableNumber() const;
+    bool PassRows(TKvHtmlRows& Page, int Count) const;
 
-    // One run, from BeforeImport to AfterImport.
-    std::optional<TKvHtmlRows> Rows;
-    std::vector<std::string> Header;                // names of columns; none without HasHeader()
+    std::unique_ptr<TKvHtmlRows> Rows;              // from BeforeImport to AfterImport, and in a look
+    std::vector<std::string> Header;                // names of columns; none without xhHeaderNames
     TKvSourceColumns<std::size_t> Columns;          // from 0
     int FTablesRead = 0;
 };
@@ -65,9 +87,9 @@ std::string_view FindHtmlEncoding(std::string_view Text);
 /// Calls `Callback` once for each of the rows `RowFirst` to `RowLast`, at most to row 20, of the tables of
 /// a file. `FieldNames`, separated by ";", go to `Columns`; the values are the texts of as many cells, a name
 /// that stands there twice getting the cell of the first. Without names nothing happens. `Unused` is not
-/// looked at. Raises EFileError.
+/// looked at. Raises EFileError; with `Extensions` also what a run with these raises.
 void LoadHTMLPreview(TPersistent* Sender, std::string_view FieldNames, const std::string& FileName,
                      std::string_view Unused, int RowFirst, int RowLast, bool Flag, TStrings& Columns,
-                     const TPreviewCallback& Callback);
+                     const TPreviewCallback& Callback, TKvIHTMLExtensions Extensions = {});
 
 } // namespace kv

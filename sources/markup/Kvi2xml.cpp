@@ -6,10 +6,13 @@
 #include "KvMarkupPreview.h"
 #include "KvPublish.h"
 #include "KvText.h"
+#include "KvXmlRows.h"
 
 namespace kv {
 
 namespace {
+
+constexpr int NamingRecords = 100;                  // that are looked at when no FIELDS section names columns
 
 constexpr std::string_view ExtensionNames[] = {"xxTagSyntax", "xxWholeNames", "xxReferences", "xxEncoding",
                                                "xxMissingIsNull"};
@@ -17,6 +20,8 @@ constexpr std::string_view ExtensionNames[] = {"xxTagSyntax", "xxWholeNames", "x
 } // namespace
 
 TKvImportFromXML::TKvImportFromXML(TComponent* Owner) : TKvImportFromMarkup(Owner, teXML, Extension()) {}
+
+TKvImportFromXML::~TKvImportFromXML() = default;
 
 TPublishedProperties TKvImportFromXML::PublishedProperties() const
 {
@@ -33,21 +38,44 @@ std::string TKvImportFromXML::FillFileFilters()
 
 // Loading.
 
-TKvFindEncoding TKvImportFromXML::EncodingFinder() const
+TKvImportFromXML::TEncodingFinder TKvImportFromXML::EncodingFinder() const
 {
     return Extensions.Contains(xxEncoding) ? FindXmlFileEncoding : nullptr;
 }
 
 void TKvImportFromXML::BeforeImport()
 {
+    Known.reset();
+    FieldNames.clear();
     TKvImportFromMarkup::BeforeImport();
-    FieldNames = Rows->FieldNames();
+    for (const auto& Field : Rows->Fields())
+        FieldNames.push_back(Field.Name);
+}
+
+std::unique_ptr<TKvXmlRows> TKvImportFromXML::MakeRows(std::string_view Text) const
+{
+    return std::make_unique<TKvXmlRows>(Text, Extensions, TableName, SourceFileName, TextOffset());
 }
 
 void TKvImportFromXML::StartRows(std::string_view Text)
 {
     Columns.Clear();
-    Rows.emplace(Text, Extensions, TableName, SourceFileName);
+    Rows = MakeRows(Text);
+}
+
+bool TKvImportFromXML::NextRow()
+{
+    return Rows->Next(ruValues);
+}
+
+bool TKvImportFromXML::SkipRow()
+{
+    return Rows->Next(ruCount);
+}
+
+const char* TKvImportFromXML::RowBegin() const
+{
+    return Rows->Begin();
 }
 
 void TKvImportFromXML::AfterImport()
@@ -59,14 +87,91 @@ void TKvImportFromXML::AfterImport()
 
 // The values.
 
+std::optional<std::string_view> TKvImportFromXML::ValueOf(const TVariant& Source)
+{
+    return Rows->Value(Columns.Find(Source, [this](std::string_view Each) { return Rows->AddColumn(Each); }));
+}
+
 TVariant TKvImportFromXML::GetFieldValue(const TVariant& Source)
 {
-    const auto Column = Columns.Find(Source, [this](std::string_view Each) { return Rows->AddColumn(Each); });
-    if (const auto Value = Rows->Value(Column))
+    if (const auto Value = ValueOf(Source))
         return TVariant::Borrow(*Value);
     if (Extensions.Contains(xxMissingIsNull))
         return Null;
     return TVariant::Borrow(Source.Text());
+}
+
+TVariant TKvImportFromXML::SourceRecord()
+{
+    if (!HasRow())
+        return Null;
+    const auto& Names = KnownColumns().Columns;
+    auto Values = TVariant::Array(0, static_cast<int>(Names.size()) - 1);
+    for (std::size_t I = 0; I < Names.size(); ++I) {
+        auto& Value = Values[static_cast<int>(I)] = Null;
+        if (const auto Text = ValueOf(Names[I].Name))
+            Value.SetText(*Text);
+    }
+    return Values;
+}
+
+// A look.
+
+void TKvImportFromXML::BeforeLook(const TKvISourceLook& What)
+{
+    Known.reset();
+    TKvImportFromMarkup::BeforeLook(What);
+}
+
+const TKvImportFromXML::TKnownColumns& TKvImportFromXML::KnownColumns()
+{
+    if (Known)
+        return *Known;
+    std::vector<TKvXmlField> Fields;
+    const auto Packet = MakeRows(Text());
+    const auto IsDeclared = [&] { return TableName.empty() && !Packet->Fields().empty(); };
+    bool HasMore = true;
+    for (int I = 0; I < NamingRecords && !IsDeclared() && (HasMore = Packet->Next(ruValues)); ++I)
+        for (const auto Attribute : Packet->AttributeNames())
+            if (std::ranges::find(Fields, Attribute, &TKvXmlField::Name) == Fields.end())
+                Fields.push_back({.Name = std::string(Attribute), .TypeName = {}});
+    if (IsDeclared())
+        Fields = Packet->Fields();
+    Known.emplace().AreAll = IsDeclared() || !HasMore;
+    for (const auto& Field : Fields)
+        Known->Columns.push_back({.Name = Field.Name,
+                                  .Title = TitleText(Field.Name),
+                                  .DataType = Field.DataType,
+                                  .Size = Field.Size,
+                                  .TypeName = Field.TypeName});
+    return *Known;
+}
+
+std::vector<TKvISourceColumn> TKvImportFromXML::SourceColumns(int)
+{
+    return KnownColumns().Columns;
+}
+
+void TKvImportFromXML::AfterLook()
+{
+    Rows.reset();
+    TKvImportFromMarkup::AfterLook();
+}
+
+/// By the rule that finds it in a record.
+std::optional<bool> TKvImportFromXML::NamesColumn(const std::string& Source)
+{
+    if (!IsKept())
+        return {};
+    const auto& [All, AreAll] = KnownColumns();
+    TKvXmlAttributes Attributes;
+    for (const auto& Column : All) {
+        const auto* const First = Column.Name.data();
+        AddAttribute(Attributes, First, First, First + Column.Name.size());
+    }
+    if (TKvXmlColumn(Source, Extensions.Contains(xxWholeNames)).FindIn(Attributes))
+        return true;
+    return AreAll ? std::optional(false) : std::nullopt;
 }
 
 // Automatic mapping.
@@ -95,18 +200,13 @@ std::string_view FindXmlFileEncoding(std::string_view Text)
 
 void LoadXMLPreview(TPersistent* Sender, std::string_view FieldNames, const std::string& FileName,
                     std::string_view RowTag, int RowFirst, int RowLast, bool Flag, TStrings& Columns,
-                    const TPreviewCallback& Callback)
+                    const TPreviewCallback& Callback, TKvIXMLExtensions Extensions)
 {
-    if (FieldNames.empty())
-        return;
-    const TKvTextFile File(FileName, bmIsText);
-    TKvXmlRows Rows(MarkupText(File, FileName, false), {}, RowTag, FileName);
-    SplitFieldNames(FieldNames, Columns);
-    for (const auto& Name : Columns)
-        Rows.AddColumn(Name);
-    OfferRows(TKvMarkupPreview{Sender, RowFirst, RowLast, Flag, Columns, Callback}, Rows, [&](int Column) {
-        return Rows.Value(static_cast<std::size_t>(Column)).value_or(std::string_view(Columns[Column]));
-    });
+    TKvImportFromXML Import;
+    Import.TableName = RowTag;
+    Import.Extensions = Extensions;
+    const TKvMarkupPreview Preview{Sender, FieldNames, FileName, RowFirst, RowLast, Flag, Columns, Callback};
+    ShowPreview(Import, Preview, Preview.Names());
 }
 
 } // namespace kv

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,16 +12,21 @@
 
 #include "KvMarkupImport.h"
 #include "KvXMLExtensions.h"
-#include "KvXmlRows.h"
 #include "KviSourceColumns.h"
 
 namespace kv {
 
+class TKvXmlRows;
+
 /// Imports the records of a packet. Source columns are names of attributes.
+///
+/// A look shows the columns that the FIELDS section before the first record declares. Where there is none,
+/// and for records of another tag, which it does not describe, they are those of the first 100 records.
 class TKvImportFromXML : public TKvImportFromMarkup
 {
 public:
     explicit TKvImportFromXML(TComponent* Owner = nullptr);
+    ~TKvImportFromXML() override;
 
     std::string_view ClassName() const override { return "TKvImportFromXML"; }
     TPublishedProperties PublishedProperties() const override;
@@ -28,6 +34,11 @@ public:
     /// Another name of the tag that the records stand in, in whatever case; empty: ROWDATA alone.
     std::string TableName;
     TKvIXMLExtensions Extensions;
+
+    /// The values of the columns that a look shows; null where the record has none.
+    TVariant SourceRecord() override;
+    /// Cannot be told of an attribute that the records looked at lack where others follow them.
+    std::optional<bool> NamesColumn(const std::string& Source) override;
 
     static std::string Extension() { return ".XML"; }
     static std::string FillFileFilters();
@@ -37,17 +48,31 @@ protected:
     void BeforeImport() override;
     TVariant GetFieldValue(const TVariant& Source) override;
     void AfterImport() override;
+    void BeforeLook(const TKvISourceLook& What) override;
+    std::vector<TKvISourceColumn> SourceColumns(int HeaderRow) override;
+    void AfterLook() override;
 
-    TKvFindEncoding EncodingFinder() const override;
+    TEncodingFinder EncodingFinder() const override;
     void StartRows(std::string_view Text) override;
-    bool NextRow() override { return Rows->Next(ruValues); }
-    bool SkipRow() override { return Rows->Next(ruCount); }
+    bool NextRow() override;
+    bool SkipRow() override;
+    const char* RowBegin() const override;
 
 private:
-    // One run, from BeforeImport to AfterImport.
-    std::optional<TKvXmlRows> Rows;
-    std::vector<std::string> FieldNames;            // of the FIELDS sections
+    struct TKnownColumns
+    {
+        std::vector<TKvISourceColumn> Columns;
+        bool AreAll = false;                        // no record has others, or the file says so
+    };
+
+    std::unique_ptr<TKvXmlRows> MakeRows(std::string_view Text) const;
+    const TKnownColumns& KnownColumns();
+    std::optional<std::string_view> ValueOf(const TVariant& Source);
+
+    std::unique_ptr<TKvXmlRows> Rows;               // from BeforeImport to AfterImport, and in a look
+    std::vector<std::string> FieldNames;            // of the FIELDS sections, in a run
     TKvSourceColumns<std::size_t> Columns;          // of Rows
+    std::optional<TKnownColumns> Known;             // of the file, once somebody has asked
 };
 
 /// How an XML file says that it is encoded, empty when it does not.
@@ -55,9 +80,10 @@ std::string_view FindXmlFileEncoding(std::string_view Text);
 
 /// Calls `Callback` once for each of the records `RowFirst` to `RowLast`, at most to number 20, of a file.
 /// `FieldNames`, separated by ";", go to `Columns`; the values are those of the attributes with these names, and
-/// the name itself where there is none. Without names nothing happens. Raises EFileError.
+/// the name itself where there is none. Without names nothing happens. Raises EFileError; with `Extensions`
+/// also what a run with these raises.
 void LoadXMLPreview(TPersistent* Sender, std::string_view FieldNames, const std::string& FileName,
                     std::string_view RowTag, int RowFirst, int RowLast, bool Flag, TStrings& Columns,
-                    const TPreviewCallback& Callback);
+                    const TPreviewCallback& Callback, TKvIXMLExtensions Extensions = {});
 
 } // namespace kv

@@ -186,7 +186,7 @@ TYPED_TEST(KvMarkupImport, APreviewShowsNoRowPastTheTwentieth)
 TYPED_TEST(KvMarkupImport, APreviewWithoutNamesDoesNothing)
 {
     TStrings Columns;
-    TypeParam::LoadPreview(nullptr, "", "/no/such/file", "", 1, 2, false, Columns, {});
+    TypeParam::LoadPreview(nullptr, "", "/no/such/file", "", 1, 2, false, Columns, {}, {});
     EXPECT_TRUE(Columns.IsEmpty());
 }
 
@@ -204,7 +204,8 @@ TYPED_TEST(KvMarkupImport, APreviewPassesSenderAndFlagThrough)
                                EXPECT_EQ(Values.LowBound(), 0);
                                EXPECT_EQ(Values.HighBound(), 1);
                                ++Calls;
-                           });
+                           },
+                           {});
     EXPECT_EQ(Calls, 1);
     EXPECT_EQ(Columns, (TStrings{"a", ""}));
 }

@@ -5,7 +5,9 @@
 #include <string>
 #include <string_view>
 
+#include "KvHtmlRows.h"
 #include "KvMarkupRun.h"
+#include "KvXmlRows.h"
 
 namespace kv {
 

@@ -51,13 +51,13 @@ struct TPreviewed
     }
 };
 
-/// What `Load`, a preview routine, shows of a file.
+/// What `Load`, a preview routine, shows of a file by the older rules.
 template <class TLoad>
 TRows PreviewOf(TLoad Load, const std::string& FileName, const std::string& Names, const std::string& RowTag = "",
                 int RowFirst = 1, int RowLast = RowLastMax)
 {
     TPreviewed Seen;
-    Load(nullptr, Names, FileName, RowTag, RowFirst, RowLast, false, Seen.Columns, Seen.Callback());
+    Load(nullptr, Names, FileName, RowTag, RowFirst, RowLast, false, Seen.Columns, Seen.Callback(), {});
     return Seen.Rows;
 }
 
