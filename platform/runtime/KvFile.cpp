@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include "KvException.h"
+#include "KvFileAlias.h"
 #include "KvText.h"
 
 namespace kv {
@@ -37,8 +38,9 @@ class TOpenFile
 public:
     explicit TOpenFile(const std::string& FileName) : Name(FileName)
     {
+        const auto Path = PathOfFile(Name);
         do
-            Descriptor = open(Name.c_str(), O_RDONLY | O_CLOEXEC);
+            Descriptor = open(Path.c_str(), O_RDONLY | O_CLOEXEC);
         while (Descriptor < 0 && errno == EINTR);
         if (Descriptor < 0)
             RaiseFileError("open", Name, errno);

@@ -4,6 +4,7 @@
 #include <cerrno>
 
 #include "KvFile.h"
+#include "KvFileAlias.h"
 
 namespace kv {
 
@@ -13,7 +14,7 @@ TKvFileWindow::TKvFileWindow(const std::string& FileName, std::size_t WindowSize
 {
     File.rdbuf()->pubsetbuf(nullptr, 0);            // the window is the buffer
     errno = 0;
-    File.open(FileName, std::ios::binary);
+    File.open(PathOfFile(FileName), std::ios::binary);
     if (!File.is_open())
         RaiseFileError("open", Name, errno);
 }

@@ -37,6 +37,18 @@ bool SameText(std::string_view A, std::string_view B)
     return std::ranges::equal(A, B, {}, UpperAscii, UpperAscii);
 }
 
+std::vector<std::string> SplitNames(std::string_view Text, char Separator)
+{
+    std::vector<std::string> Names;
+    while (!Text.empty()) {
+        const auto End = std::min(Text.find(Separator), Text.size());
+        if (End > 0)
+            Names.emplace_back(Text.substr(0, End));
+        Text.remove_prefix(std::min(End + 1, Text.size()));
+    }
+    return Names;
+}
+
 std::string TextToHex(std::string_view Text)
 {
     static constexpr char Digits[] = "0123456789ABCDEF";

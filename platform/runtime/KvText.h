@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kv {
 
@@ -28,6 +29,9 @@ inline bool IsBlank(std::string_view Text)
 /// ASCII letters only, and the same bytes otherwise: text of any code page keeps its other letters.
 std::string UpperCase(std::string_view Text);
 bool SameText(std::string_view A, std::string_view B);  ///< Equal but for the case of ASCII letters.
+
+/// The pieces of `Text` between `Separator`s, as they stand, without empty ones.
+std::vector<std::string> SplitNames(std::string_view Text, char Separator);
 
 /// Each byte as two upper-case hexadecimal digits.
 std::string TextToHex(std::string_view Text);
