@@ -23,4 +23,11 @@ bool TKvImportFromFile::NotDefined(std::string& PropName)
     return true;
 }
 
+std::unique_ptr<TKvImportFromFile> AsFileImport(std::unique_ptr<TKvImportBaseComponent> Import)
+{
+    auto& File = dynamic_cast<TKvImportFromFile&>(*Import);
+    Import.release();
+    return std::unique_ptr<TKvImportFromFile>(&File);
+}
+
 } // namespace kv

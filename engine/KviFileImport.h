@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "Kvibase.h"
@@ -27,5 +28,8 @@ protected:
     /// True while the rows from RowFirst to RowLast are more than the `Count` that were imported.
     bool WantsMoreThan(std::int64_t Count) const { return std::int64_t{RowLast} - RowFirst >= Count; }
 };
+
+/// The same component by its class. `Import` is a source that reads a file, as all but dataset copies are.
+std::unique_ptr<TKvImportFromFile> AsFileImport(std::unique_ptr<TKvImportBaseComponent> Import);
 
 } // namespace kv

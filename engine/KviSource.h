@@ -33,6 +33,22 @@ struct TKvISourceColumn
     std::string TypeName = {};                      ///< As the source calls its type: "Decimal (18, 2)".
 };
 
+/// What a name on the right side of a mapping line means to a source.
+enum TKvISourceNameKind {
+    snColumn,                                       ///< One of its columns.
+    snMissing,                                      ///< A column that it lacks: the field stays empty where it is missing.
+    snBlank,                                        ///< A column without values: the field stays empty.
+    snByOrder,                                      ///< Nothing: columns go to the mappings in their order.
+    snConstant,                                     ///< No column: every record gets the name itself.
+    snNothing                                       ///< No column, nor could it be one.
+};
+
+struct TKvISourceName
+{
+    TKvISourceNameKind Kind = snConstant;
+    std::string Name;                               ///< As the source spells it.
+};
+
 /// A value as a run would get it, before it is converted for a field.
 struct TKvISourceValue
 {
@@ -59,9 +75,9 @@ struct TKvISourcePart
 {
     std::string Name;                               ///< In the process's code page; empty: it has only its number.
     int Rows = 0, Columns = 0;                      ///< As far as a run would read; -1: not counted.
-    std::vector<TKvISourceColumn> Fields;           ///< Where the source declares them.
+    std::vector<TKvISourceColumn> Fields = {};      ///< Where the source declares them.
     bool IsSystem = false;                          ///< The source keeps it for itself.
-    std::string Error;                              ///< Why it cannot be opened; the figures then mean nothing.
+    std::string Error = {};                         ///< Why it cannot be opened; the figures then mean nothing.
 };
 
 /// What a source has met that its user should know.

@@ -29,6 +29,13 @@ enum TKvIColumnNames {
     cnSource                                        ///< The source itself.
 };
 
+/// What RowFirst and RowLast mean to a component without extensions.
+enum TKvIClassicRows {
+    crAsAsked,                                      ///< Which rows are imported, as with them.
+    crNothing,                                      ///< All records are imported.
+    crCount                                         ///< Only how many records are taken, from the first on.
+};
+
 /// What there is to know. Texts are static.
 struct TKvISourceKind
 {
@@ -39,6 +46,8 @@ struct TKvISourceKind
     TKvISourcePartKind Part = spNone;
     TKvIColumnNames Names = cnSource;
     bool CanBePiped = true;                         ///< False: the reader wants a file with companions or a name.
+    bool HasCodePage = true;                        ///< False: its text says by itself what it is.
+    TKvIClassicRows ClassicRows = crAsAsked;
     /// True when a file that begins with these bytes is of the kind, whatever its name; none for a kind that
     /// nothing tells.
     bool (*Recognizes)(std::string_view Beginning) = nullptr;

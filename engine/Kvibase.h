@@ -67,6 +67,9 @@ public:
     /// its setting alone, except that Mappings become those of the file, be they none. Raises EFileError
     /// for the file, EConvertError at a value that has no meaning; what was read before it stays.
     void LoadSpecification(std::string FileName);
+    /// The same into and from a file that the caller has opened, and saves; no event is fired.
+    void WriteSpecification(TIniFile& File, const std::string& SpecName) const;
+    void ReadSpecification(const TIniFile& File);
     /// The form in which specifications hold characters: with `ToHex` two digits a byte, else the reverse.
     /// Raises EConvertError for what is not hexadecimal.
     static std::string Translate(std::string_view S, bool ToHex);
@@ -124,6 +127,8 @@ public:
     /// that cannot be read. What was loaded for it is kept for the next look, and for the run where that
     /// loads the same.
     TKvISourceView Look(const TKvISourceLook& What);
+    /// What a mapping to `Wanted` means, written in any case, where `Columns` were shown.
+    virtual TKvISourceName ResolveName(const std::string& Wanted, const std::vector<TKvISourceColumn>& Columns) const;
     /// Lets go of what a look has kept.
     virtual void EndLook() {}
     /// The parts of the file, of which a run imports one; none where the file is the table. Raises what

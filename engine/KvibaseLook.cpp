@@ -1,6 +1,7 @@
 // A look at the source: its columns and first rows, read by what a run reads them with.
 #include "Kvibase.h"
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -94,6 +95,19 @@ TKvISourceValue TKvImportBaseComponent::LookAtValue(const TKvISourceColumn& Colu
     catch (const Exception& Error) {
         return {.Value = Null, .Error = Error.Message};
     }
+}
+
+/// Names that differ in case only are told apart where a source has such.
+TKvISourceName TKvImportBaseComponent::ResolveName(const std::string& Wanted,
+                                                   const std::vector<TKvISourceColumn>& Columns) const
+{
+    const auto IsSame = [&Wanted](const TKvISourceColumn& Each) { return SameText(Each.Name, Wanted); };
+    auto Found = std::ranges::find(Columns, Wanted, &TKvISourceColumn::Name);
+    if (Found == Columns.end())
+        Found = std::ranges::find_if(Columns, IsSame);
+    if (Found == Columns.end())
+        return {.Kind = snConstant, .Name = Wanted};
+    return {.Kind = snColumn, .Name = Found->Name};
 }
 
 void TKvImportBaseComponent::SelectPart(int, const TKvISourcePart& Part)

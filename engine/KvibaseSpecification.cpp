@@ -149,14 +149,19 @@ void TKvImportBaseComponent::SaveSpecification(std::string SpecName, std::string
     if (OnBeforeSaveSpecification)
         OnBeforeSaveSpecification(*this);
     TIniFile File(FileName, ioOpenOrCreate);
+    WriteSpecification(File, SpecName);
+    File.UpdateFile();
+    if (OnAfterSaveSpecification)
+        OnAfterSaveSpecification(*this);
+}
+
+void TKvImportBaseComponent::WriteSpecification(TIniFile& File, const std::string& SpecName) const
+{
     WriteCommon(File, SpecName);
     WriteMappings(File, FMappings);
     WriteLayout(File);
     WriteFormats(File, DataFormats);
     WriteOwnSettings(File, *this);
-    File.UpdateFile();
-    if (OnAfterSaveSpecification)
-        OnAfterSaveSpecification(*this);
 }
 
 void TKvImportBaseComponent::LoadSpecification(std::string FileName)
@@ -167,14 +172,18 @@ void TKvImportBaseComponent::LoadSpecification(std::string FileName)
         return;
     if (OnBeforeLoadSpecification)
         OnBeforeLoadSpecification(*this);
-    const TIniFile File(FileName);
+    ReadSpecification(TIniFile(FileName));
+    if (OnAfterLoadSpecification)
+        OnAfterLoadSpecification(*this);
+}
+
+void TKvImportBaseComponent::ReadSpecification(const TIniFile& File)
+{
     ReadCommon(File);
     ReadMappings(File, FMappings);
     ReadLayout(File);
     ReadFormats(File, DataFormats);
     ReadOwnSettings(File, *this);
-    if (OnAfterLoadSpecification)
-        OnAfterLoadSpecification(*this);
 }
 
 void TKvImportBaseComponent::WriteCommon(TIniFile& File, const std::string& SpecName) const
