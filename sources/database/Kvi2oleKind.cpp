@@ -25,6 +25,8 @@ const TKvISourceKind& AccessSourceKind()
                                      .Extensions = {".mdb", ".mde", ".accdb"},
                                      .Part = spTable,
                                      .CanBePiped = false,
+                                     .HasCodePage = false,
+                                     .ClassicRows = crCount,
                                      .Recognizes = &BeginsAccess,
                                      .Create = &NewImport<TKvImportFromAccess>,
                                      .Extend = &TurnOnExtensions,
