@@ -26,8 +26,8 @@ struct TKvISourcePosition
 /// A column that a source offers. Texts are in the process's code page.
 struct TKvISourceColumn
 {
-    std::string Name;                               ///< As mapping lines name it: "Field3".
-    std::string Title;                              ///< As the source itself calls it; empty when it does not.
+    std::string Name = {};                          ///< As mapping lines name it: "Field3".
+    std::string Title = {};                         ///< As the source itself calls it; empty when it does not.
     TFieldType DataType = ftUnknown;                ///< The field that would hold its values, where the source knows.
     int Size = 0;                                   ///< Characters or bytes of that field; 0: no limit.
     std::string TypeName = {};                      ///< As the source calls its type: "Decimal (18, 2)".
@@ -52,8 +52,8 @@ struct TKvISourceName
 /// A value as a run would get it, before it is converted for a field.
 struct TKvISourceValue
 {
-    TVariant Value;                                 ///< Owned. Null when it cannot be read.
-    std::string Error;                              ///< Why it cannot be read; empty when it can.
+    TVariant Value = {};                            ///< Owned. Null when it cannot be read.
+    std::string Error = {};                         ///< Why it cannot be read; empty when it can.
 };
 
 struct TKvISourceRow
@@ -73,7 +73,7 @@ struct TKvISourceView
 /// A sheet of a workbook, a table of a database, a table of a page.
 struct TKvISourcePart
 {
-    std::string Name;                               ///< In the process's code page; empty: it has only its number.
+    std::string Name = {};                          ///< In the process's code page; empty: it has only its number.
     int Rows = 0, Columns = 0;                      ///< As far as a run would read; -1: not counted.
     std::vector<TKvISourceColumn> Fields = {};      ///< Where the source declares them.
     bool IsSystem = false;                          ///< The source keeps it for itself.
@@ -105,7 +105,7 @@ struct TKvISourceLook
 {
     int Rows = 20;                                  ///< From RowFirst on, and none after RowLast.
     int HeaderRow = 0;                              ///< The row above RowFirst that names the columns; 0: none does.
-    std::vector<std::string> Columns;               ///< Names as in mappings; none: all that the source offers.
+    std::vector<std::string> Columns = {};          ///< Names as in mappings; none: all that the source offers.
 };
 
 } // namespace kv

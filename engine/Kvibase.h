@@ -2,6 +2,7 @@
 // depend on where the data comes from: the destination, mappings, keys, conversion and the run.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -55,8 +56,9 @@ public:
     TPublishedProperties PublishedProperties() const override;
 
     /// Runs the import. Raises Exception "Property %s wasn't specified." before anything has happened
-    /// when a required property is missing; whatever goes wrong later is counted and reported through
-    /// the events, Statistic and ErrorMessage.
+    /// when a required property is missing, and "%s: %s cannot be called before %s has ended" when it is called
+    /// from inside a run or a look of this component; whatever goes wrong later is counted and reported through
+    /// the events, Statistic and ErrorMessage. OnAfterExecute, in which it may be called again, then always comes.
     void Execute();
 
     /// Writes the settings to the file `FileName` under the name `SpecName`; other sections and keys of
@@ -124,8 +126,9 @@ public:
     // Looking at the source without importing, by the code of a run. No event is fired, nothing is counted.
 
     /// Columns and first rows as a run would read them. Raises what such a run would end by, but for values
-    /// that cannot be read. What was loaded for it is kept for the next look, and for the run where that
-    /// loads the same.
+    /// that cannot be read; an Exception with the rule erCancelled when the user or the observer cancels; and
+    /// as Execute does inside a run or another look. What was loaded for it is kept for the next look, and for
+    /// the run where that loads the same.
     TKvISourceView Look(const TKvISourceLook& What);
     /// What a mapping to `Wanted` means, written in any case, where `Columns` were shown.
     virtual TKvISourceName ResolveName(const std::string& Wanted, const std::vector<TKvISourceColumn>& Columns) const;
@@ -182,7 +185,7 @@ protected:
     /// Values that the current record holds; -1: one for each column.
     virtual int RecordWidth() const { return -1; }
     virtual void AfterLook() { AfterImport(); }
-    bool IsLooking() const { return Looking; }      ///< No run, but a look at the source.
+    bool IsLooking() const { return Activity == acLooking; } ///< No run, but a look at the source.
 
     // What sources and the run use.
     /// What a header says as the title of a column: without blanks at its ends, of the OEM page where the source
@@ -196,7 +199,7 @@ protected:
         return FieldIsTruncated() ? ShortName(Given) : Given;
     }
     /// False once the user or the observer has cancelled. Lets a click on Cancel be seen, for what takes long
-    /// before the first record.
+    /// before the first record; that costs too much to be asked for every row.
     bool KeepsRunning() const;
     /// Adds a line to Mappings for each field of the destination for which `SourceOf` gives the name of a source
     /// column; an empty name is none.
@@ -205,8 +208,8 @@ protected:
     void FillKey4Values();
     /// Position of the first mapped field whose source column is `Source`, or -1.
     int GetFieldItem(std::string_view Source) const;
-    /// Counts an error of the current record and offers it to OnErrorEvent. Called while `Error` is handled,
-    /// which it raises again when the handler set Abort.
+    /// Counts an error of the current record and offers it to the observer and to OnErrorEvent. Called while
+    /// `Error` is handled, which it raises again when one of them ends the run, and in any case during a look.
     void RecordFailed(const Exception& Error);
     /// With `Convert`, `Text` from the OEM code page to the ANSI code page.
     static std::string UECode(bool Convert, std::string_view Text);
@@ -253,12 +256,15 @@ private:
     };
     using TMappedFields = std::vector<TMappedField>;
 
-    class TLooking;                                 // for the length of a look
+    enum TActivity { acIdle, acRunning, acLooking };
+    class TActive;                                  // for the length of a run or a look
 
     static constexpr char MsgImporting[] = "Importing..."; // status of the progress dialog
 
     bool IsKeyMode() const { return Mode == imUpdate || Mode == imAppendUpdate || Mode == imDelete; }
+    void CheckRequired();
     std::string Run();                              // the guarded part of Execute; the final message
+    void ShowOutcome(const std::string& Outcome);
     void WriteCommon(TIniFile& File, const std::string& SpecName) const;
     void ReadCommon(const TIniFile& File);
     void WriteLayout(TIniFile& File) const;
@@ -267,12 +273,13 @@ private:
     void OfferCell(TMappedField& Mapped);
     bool OfferRecord();
     void EmptyDataSet();
-    bool IsCanceled();
+    bool IsCanceled() const;
     void ImportRecords();
     void StoreRecord();
     void RecordDone(TKvIFate Fate);
     bool TellFailed(const Exception& Error);
-    TKvIResult EndByError(const Exception& Error);
+    void EndByError(const Exception& Error);
+    TKvISourceView LookAtSource(const TKvISourceLook& What);
     void PretendMapping(const TKvISourceColumn& Column);
     TKvISourceRow LookAtRecord(std::vector<TKvISourceColumn>& Columns, bool MayWiden);
     TKvISourceValue LookAtValue(const TKvISourceColumn& Column);
@@ -297,11 +304,14 @@ private:
     TMappedFields KeyFields;                        // one per key of DatasetKeys that is mapped
     TMappedFields DestFields;                       // what is fetched and converted
     TVariant SearchValue;                           // key value, or array of them, for Locate
+    TActivity Activity = acIdle;
     bool KeyFound = false;
     bool Aborted = false;
-    bool Canceled = false;                          // by the observer
+    mutable bool Canceled = false;                  // by the observer, which is seen where a source asks too
     bool InRecord = false;                          // it was read, and its fate is open
-    bool Looking = false;                           // no run, but a look at the source
+    bool Counting = false;                          // the counters are those of this run
+    bool HasDialog = false;                         // this run has opened the progress dialog
+    std::int64_t LookedAt = 0;                      // rows of a look, up to the current one
 };
 
 } // namespace kv

@@ -125,7 +125,7 @@ TVariant TKvImportBaseComponent::GetParsedValue(const TVariant& Source, int Fiel
 
 bool TKvImportBaseComponent::LoadRecord()
 {
-    if (Looking)                                    // at values one by one
+    if (IsLooking())                                // at values one by one
         return true;
     for (auto& Field : DestFields)
         Field.Value = GetParsedValue(Field.Source, Field.Index);

@@ -6,40 +6,48 @@
 #include <utility>
 
 #include "KvText.h"
+#include "KviActive.h"
 
 namespace kv {
 
-/// No events, no counting, and everything closed afterwards.
-class TKvImportBaseComponent::TLooking
-{
-public:
-    explicit TLooking(TKvImportBaseComponent& Component) : Source(Component) { Source.Looking = true; }
-    TLooking(const TLooking&) = delete;
-    TLooking& operator=(const TLooking&) = delete;
-    ~TLooking()
-    {
-        try {
-            Source.AfterLook();
-        }
-        catch (const std::exception&) {             // nothing was written that could be lost
-        }
-        Source.DestFields.clear();
-        Source.Looking = false;
-    }
+namespace {
 
-private:
-    TKvImportBaseComponent& Source;
-};
+constexpr char MsgLookCanceled[] = "Looking at the source was canceled by user.";
+
+} // namespace
 
 TKvISourceView TKvImportBaseComponent::Look(const TKvISourceLook& What)
 {
-    const TLooking Guard(*this);
+    const TActive Active(*this, acLooking, "Look");
     TKvISourceView View;
+    try {
+        View = LookAtSource(What);
+    }
+    catch (...) {
+        DestFields.clear();
+        try {
+            AfterLook();
+        }
+        catch (...) {                               // what has gone wrong first tells more
+        }
+        throw;
+    }
+    DestFields.clear();
+    AfterLook();
+    return View;
+}
+
+TKvISourceView TKvImportBaseComponent::LookAtSource(const TKvISourceLook& What)
+{
+    TKvISourceView View;
+    LookedAt = 0;
     BeforeLook(What);
+    if (IsCanceled())                               // what was loaded then is not the source
+        throw Exception(MsgLookCanceled, {.Rule = erCancelled});
     if (What.Columns.empty())
         View.Columns = SourceColumns(What.HeaderRow);
     for (const auto& Column : What.Columns)
-        View.Columns.push_back({.Name = Column, .Title = {}});
+        View.Columns.push_back({.Name = Column});
     DestFields.clear();
     for (const auto& Column : View.Columns)
         PretendMapping(Column);
@@ -48,6 +56,7 @@ TKvISourceView TKvImportBaseComponent::Look(const TKvISourceLook& What)
         View.HasMore = std::cmp_greater_equal(View.Rows.size(), What.Rows);
         if (View.HasMore)
             break;
+        ++LookedAt;
         View.Rows.push_back(LookAtRecord(View.Columns, What.Columns.empty()));
     }
     return View;
@@ -73,7 +82,7 @@ TKvISourceRow TKvImportBaseComponent::LookAtRecord(std::vector<TKvISourceColumn>
     Row.Position = SourcePosition();
     const int Width = MayWiden ? RecordWidth() : -1;
     while (std::cmp_less(Columns.size(), Width)) {
-        Columns.push_back({.Name = "Field" + std::to_string(Columns.size() + 1), .Title = {}});
+        Columns.push_back({.Name = "Field" + std::to_string(Columns.size() + 1)});
         PretendMapping(Columns.back());
     }
     const auto Count = Width < 0 ? Columns.size() : static_cast<std::size_t>(Width);
@@ -90,7 +99,7 @@ TKvISourceValue TKvImportBaseComponent::LookAtValue(const TKvISourceColumn& Colu
         TVariant Value(Lent);                       // owned
         if (CharacterSet == csiASCII_MSDOS && Value.IsString() && !IsBinaryField(Column.DataType))
             Value = UECode(true, Value.Text());
-        return {.Value = std::move(Value), .Error = {}};
+        return {.Value = std::move(Value)};
     }
     catch (const Exception& Error) {
         return {.Value = Null, .Error = Error.Message};

@@ -70,13 +70,15 @@ void TKvImportBaseComponent::Prepare()
     BeforeImport();
     BuildFieldMapping();
     BuildArrayIntersection();
-    if (Observer)
+    const bool GoesOn = !IsCanceled();              // else the source may have dropped what it had loaded
+    if (Observer && GoesOn)
         Observer->SourceOpened();
     FDataSet->DisableControls();
-    if (Mode == imCopy)
+    if (Mode == imCopy && GoesOn)
         EmptyDataSet();
     GoFirst();
     Statistic.Reset();                              // the records deleted for imCopy are not counted
+    Counting = true;
     Statistic.TotalCount = static_cast<int>(std::int64_t{std::min(GetTotalCount(), RowLast)} - RowFirst + 1);
     if (AnimatedStatus)
         ChangeProgressDlg(0, Statistic.TotalCount, 0);
@@ -104,14 +106,6 @@ void TKvImportBaseComponent::EmptyDataSet()
     }
     if (Observer)
         Observer->Emptied(Count);
-}
-
-/// Asked for each record: messages run when the progress dialog is refreshed.
-bool TKvImportBaseComponent::IsCanceled()
-{
-    if (!Canceled && Observer && !Observer->KeepsRunning())
-        Canceled = true;
-    return Canceled || ProgressCanceled();
 }
 
 void TKvImportBaseComponent::ImportRecords()
@@ -223,6 +217,8 @@ void TKvImportBaseComponent::WriteRecord(TKvIAction Action)
 
 void TKvImportBaseComponent::RecordFailed(const Exception& Error)
 {
+    if (IsLooking())
+        throw;
     ++Statistic.TotalErrors;
     bool GoesOn = TellFailed(Error);
     if (OnErrorEvent) {

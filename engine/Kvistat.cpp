@@ -1,6 +1,5 @@
 #include "Kvistat.h"
 
-#include <exception>
 #include <memory>
 
 #include "KvUserInterface.h"
@@ -11,6 +10,16 @@ namespace {
 
 std::unique_ptr<TProgressWindow> frmKvIProcess;     // empty when no dialog is open
 
+/// The failure reaches nobody else, even if it cannot be shown.
+void ShowFailure() noexcept
+{
+    try {
+        UserInterface().ShowMessage(mkError, "Can't create a process dialog");
+    }
+    catch (...) {
+    }
+}
+
 } // namespace
 
 bool CreateProgressDlg(const std::string& Caption, const std::string& Status, const std::string& CancelCaption,
@@ -18,8 +27,8 @@ bool CreateProgressDlg(const std::string& Caption, const std::string& Status, co
                        const std::string& AddedCaption, const std::string& UpdatedCaption,
                        const std::string& DeletedCaption, bool Extended)
 {
-    DestroyProgressDlg();
     try {
+        DestroyProgressDlg();
         frmKvIProcess = UserInterface().OpenProgress({.Title = Caption,
                                                       .Status = Status,
                                                       .Cancel = CancelCaption,
@@ -32,8 +41,8 @@ bool CreateProgressDlg(const std::string& Caption, const std::string& Status, co
         UserInterface().ProcessMessages();
         return true;
     }
-    catch (const std::exception&) {
-        UserInterface().ShowMessage(mkError, "Can't create a process dialog");
+    catch (...) {
+        ShowFailure();
         frmKvIProcess.reset();
         return false;
     }

@@ -630,13 +630,27 @@ TEST_F(KvibaseRun, ErrorMessageOfOneRunDoesNotReachTheNext)
 
 // --- Counters ---------------------------------------------------------------------------------------
 
-TEST_F(KvibaseRun, CountersAreResetOnceTheSourceStandsOnItsFirstRecord)
+TEST_F(KvibaseRun, CountersOfTheRunBeforeAreNotThoseOfOneThatCannotLoad)
 {
+    for (const auto* const Call : {"BeforeImport", "BuildFieldMapping", "GoFirst"}) {
+        TTestRun Run;
+        Run.Import.Rows = {{1, "Ada"}};
+        Run.Execute();
+        EXPECT_EQ(Run.Counters(), "1/1/0/0/0");
+        Run.Log.Refuse(Call);
+        Run.Execute();
+        EXPECT_EQ(Run.Counters(), "0/0/0/0/0") << Call;
+        EXPECT_EQ(Run.Import.Statistic.TotalCount, 0);
+        EXPECT_EQ(Run.Import.Statistic.Result, irFailed);
+    }
+}
+
+TEST_F(KvibaseRun, CountersOfABrokenRunStay)
+{
+    Log.Refuse("insert 2;Bob");
+    Import.OnErrorEvent = [](TKvImportBaseComponent&, const Exception&, bool& Abort) { Abort = true; };
     Execute();
-    Log.Refuse("GoFirst");                          // before the reset: the figures of the last run remain
-    Execute();
-    EXPECT_EQ(Counters(), "3/3/0/0/0");
-    EXPECT_EQ(Import.Statistic.Result, irFailed);
+    EXPECT_EQ(Counters(), "2/1/0/0/1");
 }
 
 TEST_F(KvibaseRun, ResetKeepsUpdateStep)

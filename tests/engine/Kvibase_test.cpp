@@ -15,18 +15,6 @@ using TTexts = std::vector<std::string>;
 struct Kvibase : testing::Test, TTestRun
 {
     Kvibase() { Import.Rows = {{1, "Ada"}, {2, "Bob"}}; }
-
-    /// The message of what Execute raises, empty when it raises nothing.
-    std::string Raised()
-    {
-        try {
-            Execute();
-        }
-        catch (const Exception& Error) {
-            return Error.Message;
-        }
-        return {};
-    }
 };
 
 TTexts NamesOf(const TPublishedProperties& Properties)

@@ -60,6 +60,13 @@ void TRecordingInterface::SetBusyCursor(bool Busy)
     Log.Call(Busy ? "busy" : "idle");
 }
 
+void TRecordingInterface::ProcessMessages()
+{
+    ++MessageRounds;
+    if (OnMessages)
+        OnMessages();
+}
+
 bool TRecordingInterface::PickFileToOpen(const std::string& Filter, std::string& FileName)
 {
     Log.Call("pick " + Filter);

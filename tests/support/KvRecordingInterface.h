@@ -23,7 +23,7 @@ public:
     void ShowMessage(TMessageKind Kind, const std::string& Text) override;
     bool Confirm(const std::string& Text) override;
     void SetBusyCursor(bool Busy) override;
-    void ProcessMessages() override { ++MessageRounds; }
+    void ProcessMessages() override;
     bool PickFileToOpen(const std::string& Filter, std::string& FileName) override;
     bool AskSaveSpecification(TSaveSpecificationRequest& Request) override;
 
@@ -31,6 +31,7 @@ public:
     int MessageRounds = 0;                          ///< Times that pending messages were let run.
     TProgressCaptions Captions;                     ///< Of the window that was opened last.
     std::function<void()> OnShow;                   ///< A refresh: the user may click Cancel.
+    std::function<void()> OnMessages;               ///< What else happens while messages are let run.
     std::string PickedFile;                         ///< What the user picks; empty: nothing.
     TSaveSpecificationRequest Asked;                ///< The dialog that was shown last, as it opened.
     std::function<bool(TSaveSpecificationRequest&)> OnAsk; ///< What the user does with it; none: Cancel.

@@ -7,6 +7,9 @@ namespace kv {
 void TScriptedImport::BeforeImport()
 {
     Log.Call("BeforeImport");
+    Dropped = false;
+    for (int I = 0; I < Polls && !Dropped; ++I)
+        Dropped = !KeepsRunning();
 }
 
 void TScriptedImport::AfterImport()
@@ -28,8 +31,16 @@ void TScriptedImport::BuildFieldMapping()
 
 bool TScriptedImport::LoadRecord()
 {
-    Log.Call("LoadRecord");
-    return TKvImportBaseComponent::LoadRecord();
+    try {
+        Log.Call("LoadRecord");
+        return TKvImportBaseComponent::LoadRecord();
+    }
+    catch (const Exception& Error) {
+        if (!TellsBadRecords)
+            throw;
+        RecordFailed(Error);
+        return false;
+    }
 }
 
 void TScriptedImport::GoFirst()
@@ -49,7 +60,7 @@ void TScriptedImport::GoNext()
 bool TScriptedImport::NeedMore()
 {
     Log.Call("NeedMore");
-    return Row < Rows.size();
+    return !Dropped && Row < Rows.size();
 }
 
 int TScriptedImport::GetTotalCount()
@@ -79,6 +90,29 @@ void TScriptedImport::DetectAutoMapping()
 {
     Log.Call("DetectAutoMapping");
     TKvImportBaseComponent::DetectAutoMapping();
+}
+
+void TScriptedImport::BeforeLook(const TKvISourceLook& What)
+{
+    Log.Call("BeforeLook " + std::to_string(What.Rows));
+    TKvImportBaseComponent::BeforeLook(What);
+}
+
+std::vector<TKvISourceColumn> TScriptedImport::SourceColumns(int HeaderRow)
+{
+    Log.Call("SourceColumns " + std::to_string(HeaderRow));
+    return Columns;
+}
+
+int TScriptedImport::RecordWidth() const
+{
+    return RowsWiden ? static_cast<int>(Current.size()) : TKvImportBaseComponent::RecordWidth();
+}
+
+void TScriptedImport::AfterLook()
+{
+    Log.Call("AfterLook");
+    TKvImportBaseComponent::AfterLook();
 }
 
 void TScriptedImport::TakeRow()

@@ -20,6 +20,10 @@ public:
 
     std::vector<std::vector<TVariant>> Rows;
     bool NamesAreShort = false;                     ///< What FieldIsTruncated answers.
+    std::vector<TKvISourceColumn> Columns;          ///< What a look is told that the source offers.
+    bool RowsWiden = false;                         ///< A look is told how many values each row has.
+    bool TellsBadRecords = false;                   ///< A record that cannot be loaded is an error of its own.
+    int Polls = 0;                                  ///< Times that loading asks whether to go on; if not, all rows go.
 
     // What sources see, for tests.
     using TKvImportBaseComponent::Fixed;
@@ -42,6 +46,8 @@ public:
     using TKvImportBaseComponent::GetFieldItem;
     using TKvImportBaseComponent::GetParsedValue;
     using TKvImportBaseComponent::GetValues;
+    using TKvImportBaseComponent::IsLooking;
+    using TKvImportBaseComponent::KeepsRunning;
     using TKvImportBaseComponent::MapFields;
     using TKvImportBaseComponent::UECode;
 
@@ -59,11 +65,16 @@ protected:
     bool FieldIsTruncated() const override { return NamesAreShort; }
     bool NotDefined(std::string& PropName) override;
     void DetectAutoMapping() override;
+    void BeforeLook(const TKvISourceLook& What) override;
+    std::vector<TKvISourceColumn> SourceColumns(int HeaderRow) override;
+    int RecordWidth() const override;
+    void AfterLook() override;
 
 private:
     void TakeRow();
 
     TCallLog& Log;
+    bool Dropped = false;                           // cancelled while it loaded
     std::size_t Row = 0;
     std::vector<TVariant> Current;                  // owns what the values of this record lend
 };

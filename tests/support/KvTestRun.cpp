@@ -38,6 +38,17 @@ void TTestRun::Execute()
     Import.Execute();
 }
 
+std::string TTestRun::Raised()
+{
+    try {
+        Execute();
+    }
+    catch (const Exception& Error) {
+        return Error.Message;
+    }
+    return {};
+}
+
 std::string TTestRun::Counters() const
 {
     const auto& S = Import.Statistic;

@@ -36,6 +36,8 @@ struct TTestRun
     void NoteEvents();
     /// Executes and forgets what was noted before.
     void Execute();
+    /// The message of what Execute raises, empty when it raises nothing.
+    std::string Raised();
     /// What the table holds in the end.
     std::vector<std::string> Records() { return RecordTexts(Table); }
     /// The counters, "imported/added/updated/deleted/errors".
