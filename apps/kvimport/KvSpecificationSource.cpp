@@ -9,6 +9,7 @@
 #include "KvSourceOptions.h"
 #include "KvSpecification.h"
 #include "KvSpreadSheetSource.h"
+#include "KvTable.h"
 #include "KvText.h"
 #include "KvTextSource.h"
 #include "Kvi2bde.h"

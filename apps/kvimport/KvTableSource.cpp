@@ -12,6 +12,7 @@
 #include "KvRowRange.h"
 #include "KvSourceOptions.h"
 #include "KvSourceSetUp.h"
+#include "KvTable.h"
 #include "KvTerminalText.h"
 #include "KvUtf8.h"
 #include "Kvi2bde.h"

@@ -6,21 +6,11 @@
 #include <string_view>
 
 #include "KvDataSet.h"
+#include "KvTableType.h"
 
 namespace kv {
 
 class TKvTableFile;
-
-/// What kind of file a table is.
-enum TTableType {
-    ttDefault,                                      ///< As its name ends (".db", ".dbf"), else as it begins.
-    ttParadox,
-    ttDBase,
-    ttFoxPro,
-    ttASCII                                         ///< Text. Known by name only: other components read text.
-};
-
-inline constexpr std::string_view TableTypeNames[] = {"ttDefault", "ttParadox", "ttDBase", "ttFoxPro", "ttASCII"};
 
 /// What datasets of the table engine belong to. Files that are only read need nothing of it but its name.
 struct TSession

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "KvException.h"
 #include "KvFormatSettings.h"
 #include "KvPublish.h"
+#include "KvTable.h"
 #include "KvText.h"
 
 namespace kv {
@@ -12,7 +14,7 @@ namespace {
 
 constexpr std::string_view ExtensionNames[] = {"xbOpensForMapping", "xbKeepsToRows"};
 
-constexpr std::size_t TruncatedSize = 10;           // to which mappings cut names of dBase tables
+constexpr int PollRecords = 4096;                   // between two looks at the Cancel button
 constexpr int PreviewEnd = 20;                      // the first record, from 1, that is not shown
 
 /// That of the destination, or none when it is no dataset of the table engine.
@@ -44,12 +46,24 @@ std::string ListFields(const TDataSet& Table, TStrings* Columns)
     return List;
 }
 
+/// The import with what a preview needs of a look.
+struct TPreviewOfTable final : TKvImportFromBDE
+{
+    using TKvImportFromBDE::GoFirst;
+    using TKvImportFromBDE::GoNext;
+    using TKvImportFromBDE::NeedMore;
+    using TKvImportFromBDE::OpenForLook;
+    using TKvImportFromBDE::SourceTable;
+};
+
 } // namespace
 
 TKvImportFromBDE::TKvImportFromBDE(TComponent* Owner, TTableTypeImport Kind)
     : TKvImportFromFile(Owner, Kind, Extension())
 {
 }
+
+TKvImportFromBDE::~TKvImportFromBDE() = default;
 
 TPublishedProperties TKvImportFromBDE::PublishedProperties() const
 {
@@ -66,7 +80,7 @@ TTableType TKvImportFromBDE::TypeOfTable() const
 
 void TKvImportFromBDE::DetectAutoMapping()
 {
-    PrepareTable();
+    PrepareTable(GetDataSet());
     if (Extensions.Contains(xbOpensForMapping))
         Table->Open();
     MapFields([this](const TField& Field) {
@@ -75,48 +89,75 @@ void TKvImportFromBDE::DetectAutoMapping()
     AfterImport();
 }
 
-void TKvImportFromBDE::PrepareTable()
+void TKvImportFromBDE::PrepareTable(const TDataSet* Destination)
 {
     if (Table)
         Table->Close();
     else
         Table = std::make_unique<TTable>();
     Columns.Clear();
+    IsForLook = GivenUp = false;
     Table->TableName = SourceFileName;
     Table->TableType = TypeOfTable();
-    Table->Transliterate = CharacterSet != csiASCII_MSDOS;
-    if (const auto* const SessionName = SessionOf(GetDataSet()))
+    Table->Transliterate = TranslatesText();
+    if (const auto* const SessionName = SessionOf(Destination))
         Table->SessionName = *SessionName;
 }
 
+// The run.
+
 void TKvImportFromBDE::BeforeImport()
 {
-    PrepareTable();
+    PrepareTable(GetDataSet());
     if (!Mappings().IsEmpty())
         return;
     throw Exception(FormatText(Extensions.Contains(xbOpensForMapping)
                                    ? "%s: no field has the name of a field of the destination; mappings are needed"
                                    : "%s: a table tells its fields only once it is open; mappings are needed",
-                               {SourceFileName}));
+                               {SourceFileName}),
+                    {.FileName = SourceFileName});
+}
+
+void TKvImportFromBDE::AfterImport()
+{
+    Table.reset();
 }
 
 void TKvImportFromBDE::GoFirst()
 {
     Table->Open();
     Table->First();
-    if (Extensions.Contains(xbKeepsToRows))
-        while (!Table->Eof() && Table->RecNo() < RowFirst)
-            Table->Next();
+    if (!Extensions.Contains(xbKeepsToRows))
+        return;
+    for (int Skipped = 1; !Table->Eof() && Table->RecNo() < RowFirst && !GivenUp; ++Skipped) {
+        Table->Next();
+        GivenUp = Skipped % PollRecords == 0 && !KeepsRunning();
+    }
+}
+
+void TKvImportFromBDE::GoNext()
+{
+    Table->Next();
 }
 
 bool TKvImportFromBDE::NeedMore()
 {
-    return !Table->Eof() && (!Extensions.Contains(xbKeepsToRows) || Table->RecNo() <= RowLast);
+    return !GivenUp && !Table->Eof() && (!Extensions.Contains(xbKeepsToRows) || Table->RecNo() <= RowLast);
+}
+
+int TKvImportFromBDE::GetTotalCount()
+{
+    return Table->RecordCount();
+}
+
+bool TKvImportFromBDE::HasRecord() const
+{
+    return Table && Table->Active() && !Table->Eof();
 }
 
 TKvISourcePosition TKvImportFromBDE::SourcePosition() const
 {
-    if (!Table || !Table->Active() || Table->Eof())
+    if (!HasRecord())
         return TKvImportFromFile::SourcePosition();
     return {.Unit = PositionUnit(), .Number = Table->RecNo()};
 }
@@ -143,23 +184,101 @@ TVariant TKvImportFromBDE::GetFieldValue(const TVariant& Source)
     return Value;
 }
 
-/// A name that mappings cut to its first characters means the field that begins so: tables of dBase 7 have
-/// longer names than those for which the rule was made.
+TVariant TKvImportFromBDE::SourceRecord()
+{
+    if (!HasRecord())
+        return Null;
+    auto Values = TVariant::Array(0, Table->FieldCount() - 1);
+    for (int I = 0; I < Table->FieldCount(); ++I) {
+        try {
+            Values[I] = Table->Fields(I).Value();
+        }
+        catch (const EFormatError&) {
+            Values[I] = Null;
+        }
+    }
+    return Values;
+}
+
+// Columns.
+
+/// The field of that name or, where mappings cut names to their first characters, those that begin with it:
+/// none, one or two of them. Tables of dBase 7 have longer names than those for which that rule was made.
+std::pair<TField*, TField*> TKvImportFromBDE::FieldsCalled(std::string_view Column) const
+{
+    std::pair<TField*, TField*> Found{Table->FindField(Column), nullptr};
+    if (Found.first || !FieldIsTruncated())
+        return Found;
+    for (int I = 0; I < Table->FieldCount() && !Found.second; ++I)
+        if (auto& Field = Table->Fields(I); SameText(ShortName(Field.FieldName()), Column))
+            (Found.first ? Found.second : Found.first) = &Field;
+    return Found;
+}
+
 TField* TKvImportFromBDE::FindColumn(const std::string& Column) const
 {
-    auto* Found = Table->FindField(Column);
-    if (Found || !FieldIsTruncated() || Column.size() != TruncatedSize)
-        return Found;
+    const auto [Field, Other] = FieldsCalled(Column);
+    if (Other)
+        throw Exception(FormatText("%s: both field '%s' and field '%s' begin with '%s'",
+                                   {SourceFileName, Field->FieldName(), Other->FieldName(), Column}),
+                        {.FileName = SourceFileName, .Field = Column});
+    return Field;
+}
+
+std::optional<bool> TKvImportFromBDE::NamesColumn(const std::string& Source)
+{
+    if (!IsKept())
+        return {};
+    return FieldsCalled(SourceName(Source)).first != nullptr;
+}
+
+// A look.
+
+bool TKvImportFromBDE::IsKept() const
+{
+    return IsForLook && Table->TableName == SourceFileName && Table->TableType == TypeOfTable() &&
+           Table->Transliterate == TranslatesText();
+}
+
+void TKvImportFromBDE::OpenForLook(const TDataSet* Destination)
+{
+    Columns.Clear();
+    GivenUp = false;
+    if (IsKept())
+        return;
+    PrepareTable(Destination);
+    Table->Open();
+    IsForLook = true;
+}
+
+void TKvImportFromBDE::BeforeLook(const TKvISourceLook&)
+{
+    OpenForLook(GetDataSet());
+}
+
+std::vector<TKvISourceColumn> TKvImportFromBDE::SourceColumns(int)
+{
+    std::vector<TKvISourceColumn> Result;
     for (int I = 0; I < Table->FieldCount(); ++I) {
-        auto& Field = Table->Fields(I);
-        if (!SameText(std::string_view(Field.FieldName()).substr(0, TruncatedSize), Column))
-            continue;
-        if (Found)
-            throw Exception(FormatText("%s: both field '%s' and field '%s' begin with '%s'",
-                                       {SourceFileName, Found->FieldName(), Field.FieldName(), Column}));
-        Found = &Field;
+        const auto& Field = Table->Fields(I);
+        Result.push_back({.Name = Field.FieldName(),
+                          .Title = TitleText(Field.FieldName()),
+                          .DataType = Field.DataType(),
+                          .Size = Field.Size()});
     }
-    return Found;
+    return Result;
+}
+
+void TKvImportFromBDE::AfterLook()
+{
+    if (!IsForLook)
+        Table.reset();
+}
+
+void TKvImportFromBDE::EndLook()
+{
+    if (std::exchange(IsForLook, false))
+        Table.reset();
 }
 
 // Routines without a component.
@@ -170,20 +289,22 @@ TImportFormatTypes GetAvailableImportFormats()
 }
 
 void LoadBDEPreview(TPersistent* Sender, const std::string& FileName, std::string& FieldNames, bool IsDBase,
-                    const TDataSet* DataSet, bool Flag, TStrings* Columns, const TPreviewCallback& Callback)
+                    const TDataSet* DataSet, bool Flag, TStrings* Columns, const TPreviewCallback& Callback,
+                    TKvITableExtensions Extensions)
 {
-    TTable Table;
-    Table.TableName = FileName;
-    Table.TableType = IsDBase ? ttDBase : ttParadox;
-    const auto* const SessionName = SessionOf(DataSet);
-    Table.SessionName = SessionName ? *SessionName : Session().SessionName;
-    Table.Open();
+    TPreviewOfTable Import;
+    Import.AnimatedStatus = false;
+    Import.SourceFileName = FileName;
+    Import.TableType = IsDBase ? ttDBase : ttParadox;
+    Import.Extensions = Extensions;
+    Import.OpenForLook(DataSet);
     if (FieldNames.empty())
-        FieldNames = ListFields(Table, Columns);
+        FieldNames = ListFields(*Import.SourceTable(), Columns);
     const auto ColumnCount = 1 + static_cast<int>(std::ranges::count(FieldNames, ';'));
-    for (int Row = 1; Row < PreviewEnd && !Table.Eof(); ++Row) {
-        Callback(Sender, ColumnCount, Row, Flag, Table.FieldValues(FieldNames));
-        Table.Next();
+    Import.GoFirst();
+    for (int Row = 1; Row < PreviewEnd && Import.NeedMore(); ++Row) {
+        Callback(Sender, ColumnCount, Row, Flag, Import.SourceTable()->FieldValues(FieldNames));
+        Import.GoNext();
     }
 }
 

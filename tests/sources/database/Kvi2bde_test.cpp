@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@
 #include "KvMemoryDataSet.h"
 #include "KvParadoxBuilder.h"
 #include "KvProperties.h"
+#include "KvTable.h"
 #include "KvTempFolder.h"
 
 namespace kv {
@@ -30,6 +32,12 @@ TDbaseBuilder People()
 {
     return TDbaseBuilder().Field("NAME", 'C', 10).Field("QTY", 'N', 5).Record({"Ada", "    3"})
         .Deleted({"Bob", "    4"}).Record({"Cy", ""}).Record({"Dee", "    5"});
+}
+
+TDbaseBuilder NamesThatBeginAlike()
+{
+    return TDbaseBuilder(0x04).Field("CustomerName", 'C', 10).Field("CustomerNation", 'C', 10)
+        .Record({"Ada", "UK"});
 }
 
 /// Imports the people into Name and Qty.
@@ -91,6 +99,35 @@ std::string MessageOf(const std::function<void()>& Act)
 }
 
 TLines LinesOf(const TStrings& Lines) { return {Lines.begin(), Lines.end()}; }
+
+/// The rows of a look, values separated by "|" and behind "!" why there is none.
+TLines RowsIn(const TKvISourceView& View)
+{
+    TLines Rows;
+    for (const auto& Row : View.Rows) {
+        Rows.push_back(std::to_string(Row.Position.Number) + ":");
+        for (const auto& Value : Row.Values)
+            Rows.back() += "|" + (Value.Error.empty() ? Value.Value.ToText() : "!" + Value.Error);
+    }
+    return Rows;
+}
+
+/// A record for each number from 1.
+TDbaseBuilder Numbers(int Count)
+{
+    auto Table = TDbaseBuilder().Field("NO", 'N', 7);
+    for (int Number = 0; Number < Count;)
+        Table.Record({std::to_string(++Number)});
+    return Table;
+}
+
+/// An observer who lets a run go on until it has been asked so many times.
+struct TPatience final : TKvIRunObserver
+{
+    explicit TPatience(int Times) : Left(Times) {}
+    bool KeepsRunning() override { return Left-- > 0; }
+    int Left;
+};
 
 /// What a preview shows: a line for each call.
 struct TPreview
@@ -360,10 +397,7 @@ TEST(Kvi2bde, TenCharactersStandForALongerNameThatBeginsWithThem)
 
 TEST(Kvi2bde, TenCharactersThatBeginTwoNamesAreRefused)
 {
-    TTableImport Import(TDbaseBuilder(0x04)
-                            .Field("CustomerName", 'C', 10)
-                            .Field("CustomerNation", 'C', 10)
-                            .Record({"Ada", "UK"}));
+    TTableImport Import(NamesThatBeginAlike());
     Import.TableType = ttDBase;
     Import.SetMappings({"Name=CustomerName"});
     EXPECT_THAT(Import.Run(irFailed), IsEmpty());
@@ -447,6 +481,173 @@ TEST(Kvi2bde, TheTableTakesTheSessionOfADestinationOfTheTableEngine)
     Import.SetDataSet(&Destination);
     Import.BeforeImport();
     EXPECT_EQ(Import.SourceTable()->SessionName, "Import");
+}
+
+// --- A look ------------------------------------------------------------------------------------------
+
+TEST(Kvi2bdeLook, ShowsFieldsAndRecordsWithTheirNumbers)
+{
+    TTableImport Import;
+    const auto View = Import.Look({});
+    ASSERT_EQ(View.Columns.size(), 2U);
+    EXPECT_EQ(View.Columns[0].Name, "NAME");
+    EXPECT_EQ(View.Columns[0].Title, "NAME");
+    EXPECT_EQ(View.Columns[0].DataType, ftString);
+    EXPECT_EQ(View.Columns[0].Size, 10);
+    EXPECT_EQ(View.Columns[1].DataType, ftInteger);
+    EXPECT_THAT(RowsIn(View), ElementsAre("1:|Ada|3", "3:|Cy|", "4:|Dee|5"));
+    EXPECT_EQ(View.Rows[0].Position.Unit, "record");
+    EXPECT_EQ(View.Rows[0].Position.Offset, -1);
+    EXPECT_FALSE(View.HasMore);
+}
+
+TEST(Kvi2bdeLook, KeepsToRowsAsARunDoes)
+{
+    TTableImport Import;
+    Import.RowFirst = 2;
+    Import.RowLast = 3;
+    EXPECT_EQ(Import.Look({}).Rows.size(), 3U) << "they only shape the expected count";
+    Import.Extensions = {xbKeepsToRows};
+    EXPECT_THAT(RowsIn(Import.Look({})), ElementsAre("3:|Cy|"));
+    EXPECT_TRUE(Import.Look({.Rows = 0, .Columns = {}}).HasMore);
+}
+
+TEST(Kvi2bdeLook, AValueThatCannotBeReadShowsWhy)
+{
+    TTableImport Import(TDbaseBuilder().Field("NAME", 'C', 10).Field("QTY", 'N', 5).Record({"Ada", "*****"})
+                            .Record({"Bob", "    5"}));
+    const auto Why = "!File \"" + Import.SourceFileName + "\", record 1, field 'QTY': '*****' is no number";
+    EXPECT_THAT(RowsIn(Import.Look({})), ElementsAre("1:|Ada|" + Why, "2:|Bob|5"));
+}
+
+TEST(Kvi2bdeLook, ANameThatIsNoFieldShowsTheConstantThatARunImports)
+{
+    TTableImport Import;
+    const auto View = Import.Look({.Rows = 1, .Columns = {"qty", "Imported"}});
+    EXPECT_THAT(RowsIn(View), ElementsAre("1:|3|Imported"));
+}
+
+TEST(Kvi2bdeLook, NamesInMappingsAreCutAsARunCutsThem)
+{
+    TTableImport Import(TDbaseBuilder(0x04).Field("CustomerName", 'C', 10).Record({"Ada"}));
+    Import.TableType = ttDBase;
+    EXPECT_THAT(RowsIn(Import.Look({.Columns = {"CustomerNamed"}})), ElementsAre("1:|Ada"));
+    EXPECT_EQ(Import.NamesColumn("CustomerNamed"), true);
+    EXPECT_EQ(Import.NamesColumn("Customer"), false);
+    Import.TableType = ttFoxPro;
+    EXPECT_THAT(RowsIn(Import.Look({.Columns = {"CustomerNamed"}})), ElementsAre("1:|CustomerNamed"));
+    EXPECT_EQ(Import.NamesColumn("CustomerNamed"), false);
+    EXPECT_EQ(Import.NamesColumn("customername"), true);
+}
+
+TEST(Kvi2bdeLook, CharactersAreCountedWhereNamesAreCut)
+{
+    TTableImport Import(
+        TDbaseBuilder(0x04).Language(0x03).Field("Gr\xF6\xDF\x65nklasse", 'C', 10).Record({"XL"}));
+    Import.TableType = ttDBase;
+    Import.SetMappings({"Name=Größenklassenname"});
+    EXPECT_THAT(Import.Run(), ElementsAre("XL|"));
+}
+
+TEST(Kvi2bdeLook, AShortNameOfTwoFieldsIsAColumnThoughNobodyKnowsWhich)
+{
+    TTableImport Import(NamesThatBeginAlike());
+    Import.TableType = ttDBase;
+    const auto Reason = "!" + Import.SourceFileName +
+                        ": both field 'CustomerName' and field 'CustomerNation' begin with 'CustomerNa'";
+    EXPECT_THAT(RowsIn(Import.Look({})), ElementsAre("1:|" + Reason + "|" + Reason));
+    EXPECT_EQ(Import.NamesColumn("CustomerName"), true);
+}
+
+TEST(Kvi2bdeLook, CannotTellColumnsBeforeALookAndAfterItsEnd)
+{
+    TTableImport Import;
+    EXPECT_EQ(Import.NamesColumn("NAME"), std::nullopt);
+    Import.Look({});
+    EXPECT_EQ(Import.NamesColumn("NAME"), true);
+    EXPECT_EQ(Import.NamesColumn("Imported"), false);
+    Import.EndLook();
+    EXPECT_EQ(Import.NamesColumn("NAME"), std::nullopt);
+    EXPECT_EQ(Import.SourceTable(), nullptr);
+}
+
+TEST(Kvi2bdeLook, OpensTheTableOnceForAllLooksAndARunOpensItAnew)
+{
+    TTableImport Import;
+    Import.Look({});
+    const auto* const Table = Import.SourceTable();
+    Import.Folder.Write("people.dbf", Numbers(5).Build());
+    Import.Look({});
+    EXPECT_EQ(Import.SourceTable(), Table);
+    EXPECT_EQ(Table->FieldCount(), 2);
+    Import.SetMappings({"Qty=NO"});
+    EXPECT_THAT(Import.Run(), ElementsAre("|1", "|2", "|3", "|4", "|5"));
+    EXPECT_EQ(Import.SourceTable(), nullptr);
+}
+
+TEST(Kvi2bdeLook, ALookHelpsNoRunThatHasNoMappings)
+{
+    TTableImport Import;
+    Import.Look({});
+    Import.Mappings().Clear();
+    EXPECT_THAT(Import.Run(irFailed), IsEmpty());
+    EXPECT_THAT(Import.ErrorMessage(), HasSubstr("mappings are needed"));
+}
+
+TEST(Kvi2bdeLook, TakesTheSettingsAsTheyAre)
+{
+    SetOemCodePage("866");
+    TTableImport Import(TDbaseBuilder().Language(0x03).Field("NAME", 'C', 10).Record({"\x8F\xE0\xA8"}));
+    EXPECT_NE(RowsIn(Import.Look({})), (TLines{"1:|При"}));
+    Import.CharacterSet = csiASCII_MSDOS;
+    EXPECT_THAT(RowsIn(Import.Look({})), ElementsAre("1:|При"));
+    Import.SourceFileName = Import.Folder.Write("other.dbf", People().Build());
+    EXPECT_THAT(RowsIn(Import.Look({.Rows = 1, .Columns = {}})), ElementsAre("1:|Ada|3"));
+    SetOemCodePage("437");
+}
+
+TEST(Kvi2bdeLook, ATableThatCannotBeOpenedLeavesNothing)
+{
+    TTableImport Import;
+    const auto Good = Import.SourceFileName;
+    Import.SourceFileName = "/no/such.dbf";
+    EXPECT_EQ(MessageOf([&] { Import.Look({}); }),
+              "Cannot open file \"/no/such.dbf\": No such file or directory");
+    EXPECT_EQ(Import.SourceTable(), nullptr);
+    Import.SourceFileName = Good;
+    EXPECT_EQ(Import.Look({}).Rows.size(), 3U);
+}
+
+TEST(Kvi2bdeLook, TheRecordOfASourceIsTheValuesOfItsFields)
+{
+    TTableImport Import(TDbaseBuilder().Field("NAME", 'C', 10).Field("QTY", 'N', 5).Record({"Ada", "    3"})
+                            .Record({"Bob", "*****"}));
+    std::vector<TVariant> Records;
+    Import.OnAfterRecordEvent = [&](TKvImportBaseComponent& Sender, bool&) {
+        Records.push_back(Sender.SourceRecord());
+    };
+    Import.Run();
+    ASSERT_EQ(Records.size(), 2U);
+    EXPECT_EQ(Records[0].HighBound(), 1);
+    EXPECT_EQ(Records[0][0].ToText(), "Ada");
+    EXPECT_EQ(Records[0][1].Kind(), vkInteger);
+    EXPECT_EQ(Records[1][0].ToText(), "Bob");
+    EXPECT_TRUE(Records[1][1].IsNull()) << "it cannot be read";
+    EXPECT_TRUE(Import.SourceRecord().IsNull()) << "after the run";
+}
+
+TEST(Kvi2bdeLook, CancelIsSeenWhileRecordsAreSkipped)
+{
+    TTableImport Import(Numbers(10000));
+    Import.Extensions = {xbKeepsToRows};
+    Import.RowFirst = 10000;
+    Import.SetMappings({"Qty=NO"});
+    TPatience Observer(1);
+    Import.SetObserver(&Observer);
+    EXPECT_THAT(Import.Run(irCanceled), IsEmpty());
+    EXPECT_EQ(Import.Statistic.TotalImported, 0);
+    Import.SetObserver(nullptr);
+    EXPECT_THAT(Import.Run(), ElementsAre("|10000"));
 }
 
 // --- Properties --------------------------------------------------------------------------------------
@@ -541,13 +742,20 @@ TEST(LoadBDEPreview, ShowsTheFieldsThatAreNamed)
 TEST(LoadBDEPreview, ShowsNineteenRecords)
 {
     const TTempFolder Folder;
-    TDbaseBuilder Table;
-    Table.Field("NO", 'N', 3);
-    for (int I = 1; I <= 100; ++I)
-        Table.Record({std::to_string(I)});
-    const auto Calls = TPreview().Show(Folder.Write("a.dbf", Table.Build()), true);
+    const auto Calls = TPreview().Show(Folder.Write("a.dbf", Numbers(100).Build()), true);
     ASSERT_EQ(Calls.size(), 19u);
     EXPECT_EQ(Calls.back(), "1 19: 19");
+}
+
+TEST(LoadBDEPreview, TakesExtensions)
+{
+    const TTempFolder Folder;
+    std::string FieldNames;
+    int Calls = 0;
+    const auto Name = Folder.Write("a.dbf", People().Build());
+    const auto Count = [&Calls](auto&&...) { ++Calls; };
+    LoadBDEPreview(nullptr, Name, FieldNames, true, nullptr, false, nullptr, Count, {xbKeepsToRows});
+    EXPECT_EQ(Calls, 3);
 }
 
 TEST(LoadBDEPreview, ErrorsOfTheTableReachTheCaller)
