@@ -30,8 +30,9 @@ struct TKvErrorFacts
 {
     std::string FileName = {};                      ///< The file or database at fault.
     std::string Place = {};                         ///< Where in it: "record 17", "line 18", "cell B3".
-    std::string Field = {};                         ///< The field of the destination, or the column of the source.
-    std::string Value = {};                         ///< The value as text, whole.
+    /// The field of the destination, or the column of the source; of several together the names are joined by ";".
+    std::string Field = {};
+    std::string Value = {};                         ///< Its value as text, whole; of several fields joined alike.
     TKvErrorRule Rule = erNone;
     std::int64_t Offset = -1;                       ///< Of the byte in the file, from 0.
     /// The record at fault, by the tag of whoever wrote it, usually its number from 1. Of an error that comes

@@ -223,13 +223,13 @@ bool TSQLiteChangeQueue::Run(TSQLiteStatement& Statement, int RowidParam, std::i
 
 void TSQLiteChangeQueue::Fail()
 {
-    const auto Reason = Connection.AbandonTransaction();
+    const auto Error = Connection.AbandonTransaction();
     Active = false;
     Candidates = 0;
     for (auto* const Statement : {&Inserts.Statement, &Updates.Statement, &Delete})
         if (*Statement)
             Statement->Reset();
-    Connection.Fail(Table.Title + ": " + Reason);
+    Connection.Raise(Error, Table.Title);
 }
 
 // --- Asking past the queue --------------------------------------------------------------------------

@@ -1,6 +1,7 @@
 #include "KvSqliteConnection.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <system_error>
 #include <thread>
@@ -44,8 +45,12 @@ TSQLiteConnection::TSQLiteConnection(const TSQLiteDatabase& Wanted)
     FHandle.reset(Opened);
     if (Code != SQLITE_OK) {
         const int SystemError = sqlite3_system_errno(Opened);
+        auto Error = TakeError();
+        if (SystemError == ENOENT)
+            Error.Facts.Rule = erMissing;
         throw EDatabaseError("Cannot open database \"" + FFileName + "\": " +
-                             (SystemError != 0 ? std::generic_category().message(SystemError) : ErrorText()));
+                                 (SystemError != 0 ? std::generic_category().message(SystemError) : Error.Text),
+                             Error.Facts);
     }
     Configure();
 }
@@ -100,16 +105,17 @@ bool TSQLiteConnection::WaitForLock(int Tries)
 
 // --- Errors -----------------------------------------------------------------------------------------
 
-std::string TSQLiteConnection::ErrorText()
+TSQLiteError TSQLiteConnection::TakeError()
 {
     constexpr int PrimaryCode = 0xFF;
-    std::string Text = (sqlite3_errcode(Handle()) & PrimaryCode) == SQLITE_BUSY
-                           ? "the database is locked by another connection"
-                           : sqlite3_errmsg(Handle());
-    Text += LossAfterFailure();
-    if (BusyError)
-        std::rethrow_exception(std::exchange(BusyError, nullptr));
-    return Text;
+    const int Code = sqlite3_extended_errcode(Handle());
+    const bool Busy = (Code & PrimaryCode) == SQLITE_BUSY;
+    TSQLiteError Error;
+    Error.Text = Busy ? "the database is locked by another connection" : sqlite3_errmsg(Handle());
+    Error.Facts = {.FileName = FFileName, .Rule = RuleOfCode(Code, Error.Text)};
+    Error.Text += LossAfterFailure();
+    Error.Raised = std::exchange(BusyError, nullptr);
+    return Error;
 }
 
 /// A full disk, a failing device and some triggers end the whole transaction and not just a statement.
@@ -124,14 +130,14 @@ std::string TSQLiteConnection::LossAfterFailure()
     return "; " + LossOf(Changes);
 }
 
-std::string TSQLiteConnection::AbandonTransaction()
+TSQLiteError TSQLiteConnection::AbandonTransaction()
 {
-    auto Text = ErrorText();
+    auto Error = TakeError();
     if (InTransaction()) {
         sqlite3_exec(Handle(), "ROLLBACK", nullptr, nullptr, nullptr);
-        Text += LossAfterFailure();
+        Error.Text += LossAfterFailure();
     }
-    return Text;
+    return Error;
 }
 
 void TSQLiteConnection::FinishQueue()
@@ -139,16 +145,24 @@ void TSQLiteConnection::FinishQueue()
     Queue->Finish();
 }
 
-void TSQLiteConnection::Fail(std::string_view Text) const
+void TSQLiteConnection::Raise(const TSQLiteError& Error, std::string_view Subject) const
 {
-    throw EDatabaseError(FFileName + ": " + std::string(Text));
+    if (Error.Raised)
+        std::rethrow_exception(Error.Raised);
+    Fail(Subject.empty() ? Error.Text : std::string(Subject) + ": " + Error.Text, Error.Facts);
+}
+
+void TSQLiteConnection::Fail(std::string_view Text, TKvErrorFacts Facts) const
+{
+    Facts.FileName = FFileName;
+    throw EDatabaseError(FFileName + ": " + std::string(Text), std::move(Facts));
 }
 
 void TSQLiteConnection::Execute(const std::string& Sql)
 {
     Settle();
     if (sqlite3_exec(Handle(), Sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
-        Fail(ErrorText());
+        Raise(TakeError());
 }
 
 void TSQLiteConnection::BeforeForeignSql()
@@ -164,7 +178,7 @@ void TSQLiteConnection::Begin(TTransactionOwner NewOwner)
 {
     // For a database that it cannot write SQLite begins as if it were asked to read.
     if (!Settings.ReadOnly && sqlite3_db_readonly(Handle(), "main") == 1)
-        Fail("the database is read-only");
+        Fail("the database is read-only", {.Rule = erStorage});
     // The right to write is taken at once: a transaction that reads first can find it gone for good.
     Execute(Settings.ReadOnly ? "BEGIN" : "BEGIN IMMEDIATE");
     Owner = NewOwner;
@@ -173,7 +187,7 @@ void TSQLiteConnection::Begin(TTransactionOwner NewOwner)
     ++FTransactionSerial;
 }
 
-/// False when the transaction is still open, for ErrorText to tell why.
+/// False when the transaction is still open, for TakeError to tell why.
 bool TSQLiteConnection::TryEnd(const char* Sql)
 {
     Settle();
@@ -182,7 +196,7 @@ bool TSQLiteConnection::TryEnd(const char* Sql)
         if (sqlite3_exec(Handle(), Sql, nullptr, nullptr, nullptr) != SQLITE_OK) {
             if (InTransaction())
                 return false;
-            Fail(ErrorText());
+            Raise(TakeError());
         }
         ++FTransactionSerial;
     }
@@ -204,10 +218,10 @@ void TSQLiteConnection::Commit()
 {
     if (std::exchange(Lost, false)) {
         Owner = toNobody;
-        Fail("there is nothing to commit: " + LossOf(Changes));
+        Fail("there is nothing to commit: " + LossOf(Changes), {.Rule = erStorage});
     }
     if (!TryEnd("COMMIT"))
-        Fail(ErrorText());
+        Raise(TakeError());
 }
 
 void TSQLiteConnection::Rollback()
@@ -215,7 +229,7 @@ void TSQLiteConnection::Rollback()
     if (Queue)
         Queue->Forget();
     if (!TryEnd("ROLLBACK"))
-        Fail(ErrorText());
+        Raise(TakeError());
 }
 
 void TSQLiteConnection::CommitBatch()
@@ -227,7 +241,7 @@ void TSQLiteConnection::CommitBatch()
 void TSQLiteConnection::CheckNotLost()
 {
     if (Lost)
-        Fail("the transaction was rolled back; it must be ended before anything else is written");
+        Fail("the transaction was rolled back; it must be ended before anything else is written", {.Rule = erStorage});
 }
 
 void TSQLiteConnection::BeginChange(int CommitEvery)

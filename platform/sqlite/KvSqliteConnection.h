@@ -12,6 +12,8 @@
 
 #include <sqlite3.h>
 
+#include "KvSqliteError.h"
+
 namespace kv {
 
 class TSQLiteDatabase;
@@ -31,11 +33,12 @@ public:
     /// A number that no earlier call gave, for names of temporary tables.
     int NextSerial() { return ++Serial; }
 
-    /// The reason for which the last call failed, ready for the end of a message: also that SQLite has
-    /// rolled back the transaction, if it has. What OnBusy raised meanwhile is raised here.
-    std::string ErrorText();
-    /// Raises EDatabaseError "<file>: <Text>".
-    [[noreturn]] void Fail(std::string_view Text) const;
+    /// The reason for which the last call failed, also that SQLite has rolled back the transaction, if it has.
+    TSQLiteError TakeError();
+    /// Raises what the program raised, or EDatabaseError "<file>: <Subject>: <reason>".
+    [[noreturn]] void Raise(const TSQLiteError& Error, std::string_view Subject = {}) const;
+    /// Raises EDatabaseError "<file>: <Text>". The facts get the file.
+    [[noreturn]] void Fail(std::string_view Text, TKvErrorFacts Facts = {}) const;
     void Execute(const std::string& Sql);
 
     // The transaction. A batch is one that a dataset with CommitEvery began.
@@ -63,7 +66,7 @@ public:
     }
     void SetQueue(TSQLiteQueue* Active) { Queue = Active; }
     /// Why a change could not be stored after all. The whole transaction is rolled back.
-    std::string AbandonTransaction();
+    TSQLiteError AbandonTransaction();
 
     /// To be called before statements of the program's own, which may do anything.
     void BeforeForeignSql();

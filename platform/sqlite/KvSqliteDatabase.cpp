@@ -25,7 +25,8 @@ void CheckDatabaseFile(const TSQLiteDatabase& Database)
     const auto& FileName = Database.DatabaseName;
     std::error_code Ignored;
     const auto Refuse = [&FileName](const char* Reason) {
-        throw EDatabaseError("Cannot open database \"" + FileName + "\": " + Reason);
+        throw EDatabaseError("Cannot open database \"" + FileName + "\": " + Reason,
+                             {.FileName = FileName, .Rule = erFormat});
     };
     if (std::filesystem::is_directory(FileName, Ignored))
         Refuse("it is a directory");

@@ -174,9 +174,9 @@ void TSQLiteInsertQueue::CheckStored()
 {
     if (!std::exchange(Failed, false))
         return;
-    const auto Reason = Connection.AbandonTransaction();
+    const auto Error = Connection.AbandonTransaction();
     Stop();
-    Connection.Fail(Table.Title + ": " + Reason);
+    Connection.Raise(Error, Table.Title);
 }
 
 void TSQLiteInsertQueue::Finish()

@@ -94,7 +94,7 @@ int TSQLiteQuery::InternalRecordCount()
 
 void TSQLiteQuery::RefuseChange() const
 {
-    Fail("the records of a query cannot be changed");
+    Fail("the records of a query cannot be changed", {.Rule = erReadOnly});
 }
 
 void TSQLiteQuery::InternalInsert(const TRecordBuffer&)

@@ -227,7 +227,8 @@ std::string ListTables(TSQLiteConnection& Connection)
 {
     const auto Tables = ListTables(Connection);
     Connection.Fail("no such table: " + std::string(TableName) +
-                    (Tables.empty() ? " (the database has none)" : " (there are: " + Tables + ")"));
+                    (Tables.empty() ? " (the database has none)" : " (there are: " + Tables + ")"),
+                    {.Rule = erMissing});
 }
 
 } // namespace

@@ -62,8 +62,7 @@ void TSQLiteStatement::RaiseError()
 {
     if (Handle)
         Reset();                                    // keeps the error
-    const auto Text = Connection->ErrorText();
-    Connection->Fail(Subject.empty() ? Text : Subject + ": " + Text);
+    Connection->Raise(Connection->TakeError(), Subject);
 }
 
 } // namespace kv

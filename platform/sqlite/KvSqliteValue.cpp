@@ -14,15 +14,17 @@ namespace {
 
 constexpr double CurrencyMax = 9e14;                // within 2^63 ten-thousandths
 
-[[noreturn]] void Refuse(const TSQLiteColumn& Column, const TVariant& Value, std::string_view Reason)
+[[noreturn]] void Refuse(const TSQLiteColumn& Column, const TVariant& Value, TKvErrorRule Rule, std::string_view Reason)
 {
-    throw EConvertError(FormatText("'%s' cannot be kept in field '%s': %s", {Value.ToText(), Column.Def.Name, Reason}));
+    const auto Text = Value.ToText();
+    throw EConvertError(FormatText("'%s' cannot be kept in field '%s': %s", {Text, Column.Def.Name, Reason}),
+                        {.Field = Column.Def.Name, .Value = Text, .Rule = Rule});
 }
 
 TSQLiteValue EncodeDouble(const TSQLiteColumn& Column, const TVariant& Value)
 {
     if (std::isnan(Value.Double()))                 // SQLite would store NULL
-        Refuse(Column, Value, "it is not a number");
+        Refuse(Column, Value, erConversion, "it is not a number");
     return TSQLiteValue::OfReal(Value.Double());
 }
 
@@ -33,7 +35,7 @@ TSQLiteValue EncodeCurrency(const TSQLiteColumn& Column, const TVariant& Value)
         return TSQLiteValue::OfInteger(Amount.Scaled / TCurrency::Scale);
     const double Real = Amount.ToDouble();
     if (std::fabs(Real) > CurrencyMax || TCurrency::FromDouble(Real) != Amount)
-        Refuse(Column, Value, "it has more digits than SQLite keeps");
+        Refuse(Column, Value, erRange, "it has more digits than SQLite keeps");
     return TSQLiteValue::OfReal(Real);
 }
 
@@ -77,9 +79,9 @@ TSQLiteValue EncodeText(const TSQLiteColumn& Column, const TVariant& Value, TSQL
         return TSQLiteValue::OfBlob(Value.Text());
     if (IsNumericAffinity(Column.Affinity)) {
         if (IsTextField(Type) && ChangesAsNumber(Value.Text()))
-            Refuse(Column, Value, "SQLite turns this text into a number there");
+            Refuse(Column, Value, erConversion, "SQLite turns this text into a number there");
         if (Type == ftBCD && HasLostDigits(Value.Text()))
-            Refuse(Column, Value, "it has more digits than SQLite keeps");
+            Refuse(Column, Value, erRange, "it has more digits than SQLite keeps");
     }
     return TSQLiteValue::OfText(AnsiToUtf8(Value.Text(), Scratch.Utf8));
 }
@@ -158,7 +160,8 @@ TSQLiteValue EncodeOtherValue(const TSQLiteColumn& Column, const TVariant& Value
     case vkString:   return EncodeText(Column, Value, Scratch);
     case vkArray:    break;
     }
-    throw EConvertError("An array cannot be stored in field '" + Column.Def.Name + "'");
+    throw EConvertError("An array cannot be stored in field '" + Column.Def.Name + "'",
+                        {.Field = Column.Def.Name, .Rule = erConversion});
 }
 
 TVariant DecodeValue(TFieldType Type, const TSQLiteValue& Stored)

@@ -56,19 +56,24 @@ std::string ReferringColumns(TSQLiteConnection& Connection, const TSQLiteTableSc
 
 } // namespace
 
-std::string DescribeRefusal(TSQLiteConnection& Connection, const TSQLiteTableSchema& Table, std::string Reason,
-                            const TRecordBuffer& Record, std::span<const int> Columns)
+TSQLiteError DescribeRefusal(TSQLiteConnection& Connection, const TSQLiteTableSchema& Table, TSQLiteError Error,
+                             const TRecordBuffer& Record, std::span<const int> Columns)
 {
-    const bool Refers = Reason.starts_with("FOREIGN KEY");
-    const auto Named = Refers ? ReferringColumns(Connection, Table) : Reason;
+    const auto Named = Error.Facts.Rule == erForeignKey ? ReferringColumns(Connection, Table) : Error.Text;
     std::string Values;
     for (const int Index : Columns) {
-        const auto I = static_cast<std::size_t>(Index);
-        const auto& Column = Table.Columns[I];
-        if (HasWord(Named, Column.Name))
-            AddToList(Values, Column.Def.Name + " = " + ValueText(Record.Values[I]));
+        const auto& Column = Table.Column(Index);
+        if (!HasWord(Named, Column.Name))
+            continue;
+        const auto& Value = Record.Values[static_cast<std::size_t>(Index)];
+        AddToList(Values, Column.Def.Name + " = " + ValueText(Value));
+        const char* const Separator = Error.Facts.Field.empty() ? "" : ";";
+        Error.Facts.Field += Separator + Column.Def.Name;
+        Error.Facts.Value += Separator + Value.ToText();
     }
-    return Values.empty() ? Reason : Reason + " (" + Values + ")";
+    if (!Values.empty())
+        Error.Text += " (" + Values + ")";
+    return Error;
 }
 
 } // namespace kv

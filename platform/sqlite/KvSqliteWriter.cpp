@@ -46,11 +46,11 @@ TSQLiteWriter::TSQLiteWriter(TSQLiteConnection& Owner, const TSQLiteTableSchema&
 void TSQLiteWriter::Insert(const TRecordBuffer& Record, TSQLiteKey& Key)
 {
     if (Table.IsView)
-        Fail("records cannot be added to a view");
+        Fail("records cannot be added to a view", erReadOnly);
     auto& Write = Prepared(Inserts, Record.Assigned, &TSQLiteWriter::InsertSql);
     BindColumns(Write, Record);
     Run(Write.Statement, Record, Write.Columns, &Key);
-    CheckChanged("a trigger has ignored the record");
+    CheckChanged("a trigger has ignored the record", erCheck);
     if (!Table.WithoutRowid && !Key.empty())
         Key.front().Set(TSQLiteValue::OfInteger(sqlite3_last_insert_rowid(Connection.Handle())));
     else if (!ReturnsKey(Write.Columns))
@@ -60,25 +60,25 @@ void TSQLiteWriter::Insert(const TRecordBuffer& Record, TSQLiteKey& Key)
 void TSQLiteWriter::Update(const TRecordBuffer& Record, const TSQLiteColumnSet& Set, TSQLiteKey& Key)
 {
     if (Table.Key.empty())
-        Fail("its records have no key and cannot be changed");
+        Fail("its records have no key and cannot be changed", erReadOnly);
     auto& Write = Prepared(Updates, Set, &TSQLiteWriter::UpdateSql);
     BindColumns(Write, Record);
     BindKey(Write.Statement, static_cast<int>(Write.Columns.size()) + 1, Key);
     Run(Write.Statement, Record, Write.Columns);
-    CheckChanged("the record has been deleted, or a trigger has ignored the change");
+    CheckChanged("the record has been deleted, or a trigger has ignored the change", erMissing);
     TakeKey(Record, Write.Columns, Key);
 }
 
 void TSQLiteWriter::Delete(const TSQLiteKey& Key)
 {
     if (Table.Key.empty())
-        Fail("its records have no key and cannot be deleted");
+        Fail("its records have no key and cannot be deleted", erReadOnly);
     if (!DeleteOne)
         DeleteOne = TSQLiteStatement(
             Connection, "DELETE FROM " + Table.QualifiedName() + " WHERE " + Table.KeyCondition(1), Table.Title);
     BindKey(DeleteOne, 1, Key);
     Run(DeleteOne, {}, {});
-    CheckChanged("the record has been deleted already, or a trigger keeps it");
+    CheckChanged("the record has been deleted already, or a trigger keeps it", erMissing);
 }
 
 // --- Statements -------------------------------------------------------------------------------------
@@ -177,7 +177,7 @@ void TSQLiteWriter::Run(TSQLiteStatement& Statement, const TRecordBuffer& Record
     }
     Statement.Reset();                              // keeps the error
     if (Code != SQLITE_DONE)
-        Fail(DescribeRefusal(Connection, Table, Connection.ErrorText(), Record, Columns));
+        Connection.Raise(DescribeRefusal(Connection, Table, Connection.TakeError(), Record, Columns), Table.Title);
     if (Savepoint)
         Savepoint->Keep();
 }
@@ -190,15 +190,15 @@ void TSQLiteWriter::TakeKey(const TRecordBuffer& Record, const TColumns& Columns
             Key[I].Set(Encoded(Record, Index));
 }
 
-void TSQLiteWriter::CheckChanged(std::string_view Otherwise) const
+void TSQLiteWriter::CheckChanged(std::string_view Otherwise, TKvErrorRule Rule) const
 {
     if (sqlite3_changes(Connection.Handle()) == 0)
-        Fail(Otherwise);
+        Fail(Otherwise, Rule);
 }
 
-void TSQLiteWriter::Fail(std::string_view Text) const
+void TSQLiteWriter::Fail(std::string_view Text, TKvErrorRule Rule) const
 {
-    Connection.Fail(Table.Title + ": " + std::string(Text));
+    Connection.Fail(Table.Title + ": " + std::string(Text), {.Rule = Rule});
 }
 
 } // namespace kv

@@ -57,8 +57,8 @@ private:
              TSQLiteKey* Returned = nullptr);
     void TakeKey(const TRecordBuffer& Record, const TColumns& Columns, TSQLiteKey& Key);
     bool ReturnsKey(const TColumns& Columns) const;
-    void CheckChanged(std::string_view Otherwise) const;
-    [[noreturn]] void Fail(std::string_view Text) const;
+    void CheckChanged(std::string_view Otherwise, TKvErrorRule Rule) const;
+    [[noreturn]] void Fail(std::string_view Text, TKvErrorRule Rule) const;
 
     TSQLiteConnection& Connection;
     const TSQLiteTableSchema& Table;

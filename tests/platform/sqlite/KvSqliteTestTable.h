@@ -65,6 +65,19 @@ template <class TAction> std::string MessageOf(const std::string& FileName, TAct
     return "";
 }
 
+/// The facts of what `Action` raises.
+template <class TAction> TKvErrorFacts FactsOf(TAction Action)
+{
+    try {
+        Action();
+    }
+    catch (const Exception& Error) {
+        return Error.Facts;
+    }
+    ADD_FAILURE() << "nothing was raised";
+    return {};
+}
+
 /// Table "orders" of a new file, which `Sql` creates.
 struct TTestTable
 {
