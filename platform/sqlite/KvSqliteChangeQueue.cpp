@@ -89,27 +89,28 @@ bool TSQLiteChangeQueue::IsReady()
     return true;
 }
 
-bool TSQLiteChangeQueue::TryInsert(const TRecordBuffer& Record, std::int64_t Rowid)
+bool TSQLiteChangeQueue::TryInsert(const TRecordBuffer& Record, std::int64_t Rowid, std::int64_t Tag)
 {
-    return TryWrite(Inserts, ckInsert, Record, Record.Assigned, Rowid);
+    return TryWrite(Inserts, ckInsert, Record, Record.Assigned, Rowid, Tag);
 }
 
 bool TSQLiteChangeQueue::TryUpdate(const TRecordBuffer& Record, const decltype(TRecordBuffer::Assigned)& Set,
-                                   std::int64_t Rowid)
+                                   std::int64_t Rowid, std::int64_t Tag)
 {
-    return TryWrite(Updates, ckUpdate, Record, Set, Rowid);
+    return TryWrite(Updates, ckUpdate, Record, Set, Rowid, Tag);
 }
 
-bool TSQLiteChangeQueue::TryDelete(std::int64_t Rowid)
+bool TSQLiteChangeQueue::TryDelete(std::int64_t Rowid, std::int64_t Tag)
 {
     if (!MayTake(Rowid, true))
         return false;
-    Take(Rowid, ckDelete, 0);
+    DeleteTags.push_back(Tag);
+    Take(Rowid, ckDelete, DeleteTags.size() - 1);
     return true;
 }
 
 bool TSQLiteChangeQueue::TryWrite(TWrites& Writes, TKind Kind, const TRecordBuffer& Record,
-                                  const decltype(TRecordBuffer::Assigned)& Set, std::int64_t Rowid)
+                                  const decltype(TRecordBuffer::Assigned)& Set, std::int64_t Rowid, std::int64_t Tag)
 {
     if (!MayTake(Rowid, Kind == ckUpdate))
         return false;
@@ -122,7 +123,7 @@ bool TSQLiteChangeQueue::TryWrite(TWrites& Writes, TKind Kind, const TRecordBuff
     Writes.Block.BeginRow();
     for (const auto Column : Writes.Columns)        // may raise: then the row is not ended
         Writes.Block.Add(EncodeValue(Table.Columns[Column], Record.Values[Column], Scratch[Column]));
-    Writes.Block.EndRow();
+    Writes.Block.EndRow(Tag);
     Take(Rowid, Kind, Writes.Block.Rows() - 1);
     return true;
 }
@@ -184,10 +185,12 @@ void TSQLiteChangeQueue::StoreAll()
         return;
     Connection.SetQueue(nullptr);                   // the statements are its own
     std::ranges::sort(Changes, {}, &TChange::Rowid);
-    const bool Stored = std::ranges::all_of(Changes, [this](const TChange& Change) { return Store(Change); });
+    const auto Failed = std::ranges::find_if_not(Changes, [this](const TChange& Change) { return Store(Change); });
+    const bool Stored = Failed == Changes.end();
+    const auto Tag = Stored ? -1 : TagOf(*Failed);
     Clear();
     if (!Stored)
-        Fail();
+        Fail(Tag);
 }
 
 void TSQLiteChangeQueue::Clear()
@@ -198,6 +201,7 @@ void TSQLiteChangeQueue::Clear()
     Rowids.Clear();
     Inserts.Block.Clear();
     Updates.Block.Clear();
+    DeleteTags.clear();
 }
 
 /// After an error the statement stays as it is, for Fail to ask why.
@@ -221,9 +225,17 @@ bool TSQLiteChangeQueue::Run(TSQLiteStatement& Statement, int RowidParam, std::i
     return true;
 }
 
-void TSQLiteChangeQueue::Fail()
+std::int64_t TSQLiteChangeQueue::TagOf(const TChange& Change) const
 {
-    const auto Error = Connection.AbandonTransaction();
+    if (Change.Kind == ckDelete)
+        return DeleteTags[Change.Row];
+    return (Change.Kind == ckInsert ? Inserts : Updates).Block.Tag(Change.Row);
+}
+
+void TSQLiteChangeQueue::Fail(std::int64_t Tag)
+{
+    auto Error = Connection.AbandonTransaction();
+    Error.Facts.Record = Tag;
     Active = false;
     Candidates = 0;
     for (auto* const Statement : {&Inserts.Statement, &Updates.Statement, &Delete})

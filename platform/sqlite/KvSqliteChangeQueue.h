@@ -58,10 +58,12 @@ public:
     }
 
     // Each takes a change of the record with the rowid `Rowid`; false leaves it to the caller. The first
-    // ones are always left. Raise EDatabaseError when changes taken before could not be stored.
-    bool TryInsert(const TRecordBuffer& Record, std::int64_t Rowid);
-    bool TryUpdate(const TRecordBuffer& Record, const decltype(TRecordBuffer::Assigned)& Set, std::int64_t Rowid);
-    bool TryDelete(std::int64_t Rowid);
+    // ones are always left. Raise EDatabaseError when changes taken before could not be stored; it names the
+    // one by its `Tag`.
+    bool TryInsert(const TRecordBuffer& Record, std::int64_t Rowid, std::int64_t Tag);
+    bool TryUpdate(const TRecordBuffer& Record, const decltype(TRecordBuffer::Assigned)& Set, std::int64_t Rowid,
+                   std::int64_t Tag);
+    bool TryDelete(std::int64_t Rowid, std::int64_t Tag);
 
     void Finish() override;
     void Forget() override;
@@ -96,7 +98,7 @@ private:
     {
         std::int64_t Rowid;
         TKind Kind;
-        std::uint32_t Row;                          // of the block of its kind
+        std::uint32_t Row;                          // of the block of its kind, or of DeleteTags
     };
     /// Records that are written by one statement.
     struct TWrites
@@ -111,14 +113,15 @@ private:
     bool MayTake(std::int64_t Rowid, bool Exists);
     bool IsReady();
     bool TryWrite(TWrites& Writes, TKind Kind, const TRecordBuffer& Record,
-                  const decltype(TRecordBuffer::Assigned)& Set, std::int64_t Rowid);
+                  const decltype(TRecordBuffer::Assigned)& Set, std::int64_t Rowid, std::int64_t Tag);
     void Prepare(TWrites& Writes, TKind Kind, const decltype(TRecordBuffer::Assigned)& Set);
     void Take(std::int64_t Rowid, TKind Kind, std::size_t Row);
     void StoreAll();
     bool Store(const TChange& Change);
     bool Run(TSQLiteStatement& Statement, int RowidParam, std::int64_t Rowid);
     void Clear();
-    [[noreturn]] void Fail();
+    std::int64_t TagOf(const TChange& Change) const;
+    [[noreturn]] void Fail(std::int64_t Tag);
 
     TSQLiteConnection& Connection;
     const TSQLiteTableSchema& Table;
@@ -129,6 +132,7 @@ private:
     TSQLiteRowidSet Rowids;                         // of Changes
     TWrites Inserts, Updates;
     TSQLiteStatement Delete;
+    std::vector<std::int64_t> DeleteTags;           // of the records that it deletes
     std::vector<TSQLiteScratch> Scratch;            // one a column
 };
 

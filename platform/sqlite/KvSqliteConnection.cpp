@@ -170,6 +170,8 @@ void TSQLiteConnection::BeforeForeignSql()
     Settle();
     ReleaseCursors();
     ++FTransactionSerial;
+    if (!InTransaction())
+        FirstTag = -1;                              // it may begin one
 }
 
 // --- Transactions -----------------------------------------------------------------------------------
@@ -184,6 +186,7 @@ void TSQLiteConnection::Begin(TTransactionOwner NewOwner)
     Owner = NewOwner;
     RolledBack = false;
     Changes = 0;
+    FirstTag = -1;
     ++FTransactionSerial;
 }
 
@@ -196,7 +199,7 @@ bool TSQLiteConnection::TryEnd(const char* Sql)
         if (sqlite3_exec(Handle(), Sql, nullptr, nullptr, nullptr) != SQLITE_OK) {
             if (InTransaction())
                 return false;
-            Raise(TakeError());
+            RaiseForAll();
         }
         ++FTransactionSerial;
     }
@@ -218,10 +221,10 @@ void TSQLiteConnection::Commit()
 {
     if (std::exchange(Lost, false)) {
         Owner = toNobody;
-        Fail("there is nothing to commit: " + LossOf(Changes), {.Rule = erStorage});
+        Fail("there is nothing to commit: " + LossOf(Changes), {.Rule = erStorage, .Record = FirstTag});
     }
     if (!TryEnd("COMMIT"))
-        Raise(TakeError());
+        RaiseForAll();
 }
 
 void TSQLiteConnection::Rollback()
@@ -230,6 +233,14 @@ void TSQLiteConnection::Rollback()
         Queue->Forget();
     if (!TryEnd("ROLLBACK"))
         Raise(TakeError());
+}
+
+/// The reason why a transaction cannot end may be any of its records.
+void TSQLiteConnection::RaiseForAll()
+{
+    auto Error = TakeError();
+    Error.Facts.Record = FirstTag;
+    Raise(Error);
 }
 
 void TSQLiteConnection::CommitBatch()
@@ -254,9 +265,11 @@ void TSQLiteConnection::BeginChange(int CommitEvery)
         Begin(toBatch);
 }
 
-void TSQLiteConnection::EndChange(int CommitEvery)
+void TSQLiteConnection::EndChange(int CommitEvery, std::int64_t Tag)
 {
     ++Changes;
+    if (FirstTag < 0)
+        FirstTag = Tag;
     if (Owner != toBatch || Changes % std::max(CommitEvery, 1) != 0)
         return;
     if (!TryEnd("COMMIT") && BusyError)

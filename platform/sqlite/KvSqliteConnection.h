@@ -53,9 +53,9 @@ public:
     /// is open. Raises when the program's transaction was rolled back by SQLite and the program has
     /// not ended it yet: changes would become permanent one by one.
     void BeginChange(int CommitEvery);
-    /// To be called after a change that succeeded: commits a full batch. While another program is in
-    /// the way the batch just grows.
-    void EndChange(int CommitEvery);
+    /// To be called after a change that succeeded, of the record tagged `Tag`: commits a full batch. While
+    /// another program is in the way the batch just grows.
+    void EndChange(int CommitEvery, std::int64_t Tag);
     void CommitBatch();                             ///< Nothing when there is none.
 
     // Changes that were taken and are not yet stored. Every statement settles them first.
@@ -91,6 +91,7 @@ private:
     void Configure();
     void Begin(TTransactionOwner NewOwner);
     bool TryEnd(const char* Sql);
+    [[noreturn]] void RaiseForAll();
     void CheckNotLost();
     std::string LossAfterFailure();
     void ReleaseCursors();
@@ -103,7 +104,8 @@ private:
     TTransactionOwner Owner = toNobody;
     bool RolledBack = false;                        // since the transaction began
     bool Lost = false;                              // and this by SQLite, of what the program began
-    std::int64_t Changes = 0;                       // since the transaction began
+    std::int64_t Changes = 0;                       // since the transaction began ...
+    std::int64_t FirstTag = -1;                     // ... and the tag of the first one
     std::int64_t FTransactionSerial = 0;
     std::int64_t WaitingSince = 0;                  // steady milliseconds
     std::exception_ptr BusyError;                   // what OnBusy raised inside a call of SQLite

@@ -47,7 +47,7 @@ TSQLiteInsertQueue::~TSQLiteInsertQueue()
 
 // --- Taking records ---------------------------------------------------------------------------------
 
-bool TSQLiteInsertQueue::TryAdd(const TRecordBuffer& Record, TSQLiteKey& Key)
+bool TSQLiteInsertQueue::TryAdd(const TRecordBuffer& Record, std::int64_t Tag, TSQLiteKey& Key)
 {
     if (!Active && !MayStart(Record))
         return false;
@@ -60,7 +60,7 @@ bool TSQLiteInsertQueue::TryAdd(const TRecordBuffer& Record, TSQLiteKey& Key)
     Filling.Add(TSQLiteValue::OfInteger(Rowid));
     for (const auto Column : Columns)               // may raise: then the row is not ended
         Filling.Add(EncodeValue(Table.Columns[Column], Record.Values[Column], Scratch[Column]));
-    Filling.EndRow();
+    Filling.EndRow(Tag);
     LastRowid = Rowid;
     Key.front().Set(TSQLiteValue::OfInteger(Rowid));
     if (Filling.Rows() == BlockRows)
@@ -164,6 +164,7 @@ void TSQLiteInsertQueue::Store(TSQLiteRecordBlock& Block)
             BindValue(Statement, static_cast<int>(I) + 1, Block.Value(Row * Width() + I));
         if (sqlite3_step(Statement) != SQLITE_DONE) {
             Failed = true;
+            FailedTag = Block.Tag(Row);
             break;
         }
         sqlite3_reset(Statement);
@@ -174,7 +175,8 @@ void TSQLiteInsertQueue::CheckStored()
 {
     if (!std::exchange(Failed, false))
         return;
-    const auto Error = Connection.AbandonTransaction();
+    auto Error = Connection.AbandonTransaction();
+    Error.Facts.Record = FailedTag;
     Stop();
     Connection.Raise(Error, Table.Title);
 }

@@ -32,8 +32,8 @@ public:
 
     /// Takes the record and sets `Key` to its key; false leaves it to the caller. Begins to take records
     /// only after a number of them came one after the other, with nothing else in between.
-    /// Raises EDatabaseError when records taken before could not be stored.
-    bool TryAdd(const TRecordBuffer& Record, TSQLiteKey& Key);
+    /// Raises EDatabaseError when records taken before could not be stored; it names the one by its `Tag`.
+    bool TryAdd(const TRecordBuffer& Record, std::int64_t Tag, TSQLiteKey& Key);
 
     /// Stores all that was taken, and takes nothing before the next number of records. Raises as TryAdd.
     void Finish() override;
@@ -77,7 +77,8 @@ private:
     std::condition_variable Changed;
     bool HasWork = false;
     bool Ending = false;
-    bool Failed = false;                            // Storing stopped at an error
+    bool Failed = false;                            // Storing stopped at an error ...
+    std::int64_t FailedTag = -1;                    // ... of this record
 };
 
 } // namespace kv

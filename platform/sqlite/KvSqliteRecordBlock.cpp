@@ -9,7 +9,8 @@ void TSQLiteRecordBlock::Clear()
 {
     Cells.clear();
     Texts.clear();
-    FRows = EndedCells = EndedTexts = 0;
+    Tags.clear();
+    EndedCells = EndedTexts = 0;
 }
 
 void TSQLiteRecordBlock::BeginRow()
@@ -18,9 +19,9 @@ void TSQLiteRecordBlock::BeginRow()
     Texts.resize(EndedTexts);
 }
 
-void TSQLiteRecordBlock::EndRow()
+void TSQLiteRecordBlock::EndRow(std::int64_t Tag)
 {
-    ++FRows;
+    Tags.push_back(Tag);
     EndedCells = Cells.size();
     EndedTexts = Texts.size();
 }

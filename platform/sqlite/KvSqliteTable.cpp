@@ -219,13 +219,13 @@ void TSQLiteTable::InternalInsert(const TRecordBuffer& Written)
     const bool Queued = Queue->IsActive();          // then the transaction has begun and nothing is being read
     if (!Queued)
         BeginChange();
-    if (!Queue->TryAdd(Written, WrittenKey)) {
+    if (!Queue->TryAdd(Written, RecordTag, WrittenKey)) {
         if (Queued)
             BeginChange();
         Writer->Insert(Written, WrittenKey);
     }
     Cursor().MoveTo(WrittenKey);
-    Connection().EndChange(CommitEvery);
+    Connection().EndChange(CommitEvery, RecordTag);
 }
 
 /// A record of which Locate has just found that it is not there.
@@ -235,11 +235,11 @@ bool TSQLiteTable::QueueInsert(const TRecordBuffer& Written)
     if (Schema->RowidColumn() < 0 || !Written.Assigned[Column] || Written.Values[Column].Kind() != vkInteger)
         return false;
     const auto Rowid = Written.Values[Column].Integer();
-    if (!Waiting->TryInsert(Written, Rowid))
+    if (!Waiting->TryInsert(Written, Rowid, RecordTag))
         return false;
     WrittenKey.front().Set(TSQLiteValue::OfInteger(Rowid));
     Cursor().MoveTo(WrittenKey);
-    Connection().EndChange(CommitEvery);
+    Connection().EndChange(CommitEvery, RecordTag);
     return true;
 }
 
@@ -254,25 +254,25 @@ void TSQLiteTable::InternalUpdate(const TRecordBuffer& Written)
         return;
     const auto Rowid = CurrentRowid();
     const bool SameKey = Rowid && !Changed[static_cast<std::size_t>(Schema->RowidColumn())];
-    if (!SameKey || !Waiting->TryUpdate(Written, Changed, *Rowid)) {
+    if (!SameKey || !Waiting->TryUpdate(Written, Changed, *Rowid, RecordTag)) {
         BeginChange();
         WrittenKey = Cursor().Key();
         Writer->Update(Written, Changed, WrittenKey);
         Cursor().MoveTo(WrittenKey);
     }
-    Connection().EndChange(CommitEvery);
+    Connection().EndChange(CommitEvery, RecordTag);
 }
 
 void TSQLiteTable::InternalDelete()
 {
     Queue->Finish();
     const auto Rowid = CurrentRowid();
-    if (!Rowid || !Waiting->TryDelete(*Rowid)) {
+    if (!Rowid || !Waiting->TryDelete(*Rowid, RecordTag)) {
         BeginChange();
         Writer->Delete(Cursor().Key());
     }
     Cursor().Deleted();
-    Connection().EndChange(CommitEvery);
+    Connection().EndChange(CommitEvery, RecordTag);
 }
 
 /// True when the record has that value already.

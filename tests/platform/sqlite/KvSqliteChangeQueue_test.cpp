@@ -279,6 +279,42 @@ TEST(KvSqliteChangeQueue, FullDiskUndoesTheTransactionAndSaysSo)
     EXPECT_EQ(Open.Row("count(*), max(id)"), "3000|3000");
 }
 
+TEST(KvSqliteChangeQueue, ErrorThatComesLateNamesTheRecordThatItBelongsTo)
+{
+    TFilledTable Open;
+    Open.Database.Rollback();
+    Open.Database.Execute("PRAGMA max_page_count = 40");
+    Open.Database.StartTransaction();
+    const auto Facts = FactsOf([&] {
+        for (int Id = 40000; Id > 4000; --Id) {     // stored from 4001 on
+            Open.Table.RecordTag = Id;
+            Open.InsertRecord(Id, 1);
+        }
+        Open.Table.RecordTag = -1;
+        Open.Database.Commit();
+    });
+    EXPECT_EQ(Facts.Rule, erStorage);
+    EXPECT_GT(Facts.Record, 4001);
+    EXPECT_LT(Facts.Record, 20000);
+}
+
+TEST(KvSqliteChangeQueue, DeletedAndUpdatedRecordsAreNamedTooWhenTheyFail)
+{
+    for (const bool Deletes : {true, false}) {
+        TFilledTable Open;
+        for (int Id = 1000; Id > 0; --Id) {
+            Open.Table.RecordTag = 7000 + Id;
+            Deletes ? Open.DeleteRecord(Id) : Open.UpdateRecord(Id, 7);
+        }
+        sqlite3_progress_handler(
+            Open.Database.Connection().Handle(), 1, [](void*) { return 1; }, nullptr); // the first change fails
+        const auto Facts = FactsOf([&] { Open.Database.Flush(); });
+        EXPECT_EQ(Facts.Rule, erCancelled);
+        EXPECT_EQ(Facts.Record, 7001);
+        Open.Database.Rollback();
+    }
+}
+
 /// Any changes in any order come to the same as in a map.
 TEST(KvSqliteChangeQueue, AgreesWithAMapWhateverIsDone)
 {

@@ -364,6 +364,34 @@ TEST(KvSqliteConnection, ConstraintsThatWaitForTheCommitLeaveTheTransactionOpen)
     EXPECT_EQ(File.Rows("SELECT qty FROM orders"), TRowTexts{"7"});
 }
 
+TEST(KvSqliteConnection, ErrorOfACommitNamesTheFirstRecordThatItMayConcern)
+{
+    TTestFile File("CREATE TABLE parent (k INT PRIMARY KEY); INSERT INTO parent VALUES (1);"
+                   "CREATE TABLE orders (id INTEGER PRIMARY KEY, qty INT REFERENCES parent DEFERRABLE INITIALLY DEFERRED)");
+    TSQLiteDatabase Database;
+    Database.DatabaseName = File.FileName();
+    Database.Execute("PRAGMA foreign_keys = ON");
+    const auto Table = Database.OpenTable("orders");
+    const auto Append = [&](std::int64_t First, int Qty) {
+        for (Table->RecordTag = First; Table->RecordTag < First + 5; ++Table->RecordTag)
+            AppendRecord(*Table, {{"qty", Qty}});
+    };
+    Database.StartTransaction();
+    Append(1, 1);
+    Database.Commit();
+    Database.StartTransaction();
+    Append(6, 7);
+    const auto Facts = FactsOf([&] { Database.Commit(); });
+    EXPECT_EQ(Facts.Rule, erForeignKey);
+    EXPECT_EQ(Facts.Record, 6);
+    Database.Rollback();
+    Append(20, 1);                                  // each in a transaction of its own
+    Database.Execute("BEGIN");
+    Append(30, 7);
+    EXPECT_EQ(FactsOf([&] { Database.Commit(); }).Record, 30);
+    Database.Rollback();
+}
+
 /// A child process is killed in the middle of writing, at another instant each time.
 TEST(KvSqliteConnection, KilledProgramLeavesWhatWasCommitted)
 {

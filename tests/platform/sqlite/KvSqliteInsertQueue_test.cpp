@@ -210,6 +210,38 @@ TEST(KvSqliteInsertQueue, FullDiskUndoesTheTransactionAndSaysSo)
     EXPECT_EQ(File.Rows("SELECT id FROM orders"), TRowTexts{"1"});
 }
 
+TEST(KvSqliteInsertQueue, ErrorThatComesLateNamesTheRecordThatItBelongsTo)
+{
+    TTestFile File;
+    TSQLiteDatabase Database;
+    Database.DatabaseName = File.FileName();
+    Database.Execute("PRAGMA max_page_count = 12");
+    const auto Table = Database.OpenTable("orders");
+    Database.StartTransaction();
+    const auto Facts = FactsOf([&] {
+        for (Table->RecordTag = 100001;; ++Table->RecordTag)
+            AppendRecord(*Table, {{"id", Table->RecordTag - 100000}, {"name", std::string(20, 'x')}});
+    });
+    EXPECT_EQ(Facts.Rule, erStorage);
+    EXPECT_GT(Facts.Record, 101000);
+    EXPECT_LT(Facts.Record, Table->RecordTag - 500);
+    // The record is the first one for which there is no room.
+    TSQLiteDatabase Again;
+    Again.DatabaseName = File.FileName();
+    Again.Execute("PRAGMA max_page_count = 12");
+    const auto Fits = Again.OpenTable("orders");
+    Again.StartTransaction();
+    for (std::int64_t Id = 1; Id < Facts.Record - 100000; ++Id)
+        AppendRecord(*Fits, {{"id", Id}, {"name", std::string(20, 'x')}});
+    Again.Flush();
+    EXPECT_EQ(FactsOf([&] {
+                  AppendRecord(*Fits, {{"id", Facts.Record - 100000}, {"name", std::string(20, 'x')}});
+                  Again.Flush();
+              }).Rule,
+              erStorage);
+    Again.Rollback();
+}
+
 TEST(KvSqliteInsertQueue, ClosingKeepsWhatTheProgramThenCommits)
 {
     TTestFile File;
