@@ -22,7 +22,8 @@ constexpr std::int64_t Rows = 500'000;
 class TBenchFile
 {
 public:
-    TBenchFile(const char* Name, const std::string& Bytes) : Path(std::filesystem::temp_directory_path() / Name)
+    TBenchFile(const char* Name, const std::string& Bytes)
+        : Path(std::filesystem::temp_directory_path() / Name)
     {
         std::ofstream(Path, std::ios::binary) << Bytes;
     }
@@ -44,7 +45,8 @@ template <class TFile> void ReadAllValues(benchmark::State& State, const TBenchF
             State.SkipWithError("the table was not read");
     }
     State.SetItemsProcessed(State.iterations() * Rows);
-    State.SetBytesProcessed(State.iterations() * static_cast<std::int64_t>(std::filesystem::file_size(Bench.Path)));
+    State.SetBytesProcessed(State.iterations() *
+                            static_cast<std::int64_t>(std::filesystem::file_size(Bench.Path)));
 }
 
 void ReadParadox(benchmark::State& State)

@@ -43,10 +43,16 @@ protected:
     bool InternalEof() override { return true; }
     int InternalRecordCount() override { return 0; }
     TVariant InternalGetValue(const TField&) override { return Null; }
-    void InternalInsert(const TRecordBuffer& Written) override { benchmark::DoNotOptimize(Written.Values.data()); }
+    void InternalInsert(const TRecordBuffer& Written) override
+    {
+        benchmark::DoNotOptimize(Written.Values.data());
+    }
     void InternalUpdate(const TRecordBuffer&) override {}
     void InternalDelete() override {}
-    bool InternalLocate(std::span<TField* const>, std::span<const TVariant>, TLocateOptions) override { return false; }
+    bool InternalLocate(std::span<TField* const>, std::span<const TVariant>, TLocateOptions) override
+    {
+        return false;
+    }
 };
 
 /// Lends the same few records over and over. Columns are the digits 0 to 7.
@@ -62,12 +68,15 @@ protected:
     TVariant GetFieldValue(const TVariant& Source) override
     {
         static constexpr std::array<std::array<std::string_view, 8>, 4> Rows = {{
-            {"100001", "3", "12/31/2002", "1234.50", "True", "Ada Lovelace", "London", "deliver to the back door"},
-            {"100002", "12", "1/2/2003", "7.95", "False", "Charles Babbage", "Walworth", "wants it by steam, and by Monday at the latest"},
+            {"100001", "3", "12/31/2002", "1234.50", "True", "Ada Lovelace", "London",
+             "deliver to the back door"},
+            {"100002", "12", "1/2/2003", "7.95", "False", "Charles Babbage", "Walworth",
+             "wants it by steam, and by Monday at the latest"},
             {"100003", "150", "02/28/2003", "19999.99", "True", "George Boole", "Lincoln", ""},
             {"100004", "1", "10/10/2003", "0.10", "False", "Augustus De Morgan", "Madurai", "x"},
         }};
-        return TVariant::Borrow(Rows[static_cast<std::size_t>(Row % 4)][static_cast<std::size_t>(Source.Text()[0] - '0')]);
+        return TVariant::Borrow(
+            Rows[static_cast<std::size_t>(Row % 4)][static_cast<std::size_t>(Source.Text()[0] - '0')]);
     }
 
 private:
@@ -95,8 +104,9 @@ void RunInto(benchmark::State& State, TDataSet& Table, const std::function<void(
             State.SkipWithError("records were lost");
     }
     State.SetItemsProcessed(State.iterations() * RecordsPerRun);
-    State.counters["ns/record"] = benchmark::Counter(static_cast<double>(State.iterations()) * RecordsPerRun / 1e9,
-                                                     benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    State.counters["ns/record"] = benchmark::Counter(
+        static_cast<double>(State.iterations()) * RecordsPerRun / 1e9,
+        benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
 void ConvertRecords(benchmark::State& State)

@@ -37,7 +37,8 @@ const std::filesystem::path& WorkbookFile()
 void Report(benchmark::State& State)
 {
     State.SetItemsProcessed(State.iterations() * Rows);
-    State.SetBytesProcessed(State.iterations() * static_cast<std::int64_t>(std::filesystem::file_size(WorkbookFile())));
+    State.SetBytesProcessed(State.iterations() *
+                            static_cast<std::int64_t>(std::filesystem::file_size(WorkbookFile())));
 }
 
 /// Every record decoded, every event raised, nothing kept.
@@ -60,7 +61,8 @@ void LoadIntoModel(benchmark::State& State)
     for (auto _ : State) {
         TMSExcel Excel;
         if (State.range(0) != 0)
-            Excel.Extensions = {seFormulaResults, seCustomDates, seDateMode, seCellExtent, seFileCodePage, seCellRecords};
+            Excel.Extensions = {seFormulaResults, seCustomDates, seDateMode, seCellExtent, seFileCodePage,
+                                seCellRecords};
         Excel.LoadFromFile(WorkbookFile().string());
         if (Excel.Sheets.Count() != 1 || Excel.Sheets[0].Cells.Count() != Rows + 1)
             State.SkipWithError("the workbook was not read");

@@ -94,6 +94,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size
         std::memcpy(Units.data(), Text.data(), 2 * Units.size());
     SetAnsiCodePage("UTF-8");
     const auto FromUnits = TextOrNone([&] { return Utf16ToAnsi(Units); });
-    Require(FromUnits == TextOrNone([&] { return CodePageToUtf8(Text.substr(0, 2 * Units.size()), "UTF-16LE"); }));
+    Require(FromUnits ==
+            TextOrNone([&] { return CodePageToUtf8(Text.substr(0, 2 * Units.size()), "UTF-16LE"); }));
     return 0;
 }

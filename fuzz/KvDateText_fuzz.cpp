@@ -51,7 +51,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size
     TFuzzInput Input(Data, Size);
     TakeSettings(Input);
     const auto Text = Input.TakeRest();
-    for (const auto Value : {TryTextToDateTime(Text), TryTextToDate(Text), TryTextToTime(Text), TryIsoToDateTime(Text)})
+    for (const auto Value : {TryTextToDateTime(Text), TryTextToDate(Text), TryTextToTime(Text),
+                             TryIsoToDateTime(Text)})
         if (Value)
             CheckPoint(*Value);
     CheckAnyDays(Input.Take<double>());

@@ -1,4 +1,5 @@
-// Any bytes as a file of memos: the memo that begins with a block stands in the file, or an error tells why not.
+// Any bytes as a file of memos: the memo that begins with a block stands in the
+// file, or an error tells why not.
 //
 //   input := kind:u8 block:u32 file
 #include "KvDbaseMemo.h"

@@ -20,7 +20,8 @@ inline void Require(bool Holds)
 class TFuzzInput
 {
 public:
-    TFuzzInput(const std::uint8_t* Data, std::size_t Size) : Rest(reinterpret_cast<const char*>(Data), Size) {}
+    TFuzzInput(const std::uint8_t* Data, std::size_t Size)
+        : Rest(reinterpret_cast<const char*>(Data), Size) {}
 
     template <class T> T Take()
     {

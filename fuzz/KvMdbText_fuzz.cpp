@@ -1,5 +1,6 @@
 // Any bytes as text of an Access database: what comes out is UTF-8 and grows within bounds, and a decimal
-// of any bits and scale has a text that agrees with its scaled forms. A calculated value lies within its bytes.
+// of any bits and scale has a text that agrees with its scaled forms. A
+// calculated value lies within its bytes.
 #include "KvMdbText.h"
 
 #include "KvException.h"

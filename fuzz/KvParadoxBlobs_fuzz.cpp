@@ -1,5 +1,5 @@
-// Any bytes as a field of a record and the file of blobs that it refers to: the value has the size that the field
-// tells and stands in the file, or an error tells why not. Any value as a formatted memo.
+// Any bytes as a field of a record and the file of blobs that it refers to: the value has the size that the
+// field tells and stands in the file, or an error tells why not. Any value as a formatted memo.
 //
 //   input := leader size:u8 field:u8[leader size + 10] file
 #include "KvParadoxBlobs.h"

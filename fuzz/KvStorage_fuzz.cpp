@@ -1,5 +1,5 @@
-// Any bytes as a compound document: what it lists can be opened, streams hold no more than the file, and reading
-// piece by piece gives what reading at once gives.
+// Any bytes as a compound document: what it lists can be opened, streams hold no more than the file, and
+// reading piece by piece gives what reading at once gives.
 #include "KvStorage.h"
 
 #include <algorithm>

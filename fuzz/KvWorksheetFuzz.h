@@ -23,7 +23,8 @@ struct TWorksheetFigures
     bool operator==(const TWorksheetFigures&) const = default;
 };
 
-template <class TReader> TWorksheetFigures CountEvents(const std::string& Name, TSpreadSheetExtensions Extensions)
+template <class TReader> TWorksheetFigures CountEvents(const std::string& Name,
+                                                       TSpreadSheetExtensions Extensions)
 {
     TWorksheetFigures Figures;
     TReader Reader;

@@ -20,7 +20,8 @@ void CheckPreview(const TKvImportFromHTML& Import)
 {
     TStrings Columns;
     int Rows = 0;
-    LoadHTMLPreview(nullptr, "a;b;c", Import.SourceFileName, {}, Import.RowFirst, Import.RowLast, false, Columns,
+    LoadHTMLPreview(nullptr, "a;b;c", Import.SourceFileName, {}, Import.RowFirst, Import.RowLast, false,
+                    Columns,
                     [&Rows](TPersistent*, int ColCount, int Row, bool, const TVariant&) {
                         Require(ColCount == 3 && Row == ++Rows);
                     });

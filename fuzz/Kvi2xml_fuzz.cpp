@@ -21,8 +21,9 @@ void CheckPreview(const TKvImportFromXML& Import)
 {
     TStrings Columns;
     int Rows = 0;
-    LoadXMLPreview(nullptr, "A;;USERID", Import.SourceFileName, Import.TableName, Import.RowFirst, Import.RowLast, false,
-                   Columns, [&Rows](TPersistent*, int ColCount, int Row, bool, const TVariant&) {
+    LoadXMLPreview(nullptr, "A;;USERID", Import.SourceFileName, Import.TableName, Import.RowFirst,
+                   Import.RowLast, false, Columns,
+                   [&Rows](TPersistent*, int ColCount, int Row, bool, const TVariant&) {
                        Require(ColCount == 3 && Row == ++Rows);
                    });
     Require(Rows == std::min(Import.Statistic.TotalImported, 20 - std::max(Import.RowFirst, 1) + 1));

@@ -52,7 +52,8 @@ template <class TRead> void FuzzExcel(TFuzzInput Input, TRead Read)
         Skip = Index < 8 && (Skipped >> Index & 1) != 0;
     };
     Excel.OnDimensions = std::bind_front(&TMSExcel::DimsEvent, &Excel);
-    Excel.OnCellValue = [&](auto& Sender, int Sheet, int Row, int Column, const TVariant& Value, TAlignment Alignment) {
+    Excel.OnCellValue = [&](auto& Sender, int Sheet, int Row, int Column, const TVariant& Value,
+                            TAlignment Alignment) {
         Require(Sheet < Announced && Row >= 0 && Column >= 0);
         Excel.CellEvent(Sender, Sheet, Row, Column, Value, Alignment);
     };

@@ -69,12 +69,13 @@ int main(int Count, char** Arguments)
                  "nothing; status 1 means that a program failed or that two left different tables.");
     App.option_defaults()->always_capture_default();
     App.add_option("sections", Settings.Sections, "What to measure; everything by default")
-        ->check(CLI::IsMember({"append", "fixed", "keyed", "markup", "spreadsheets", "tables", "access", "growth"}));
+        ->check(CLI::IsMember({"append", "fixed", "keyed", "markup", "spreadsheets", "tables", "access",
+                               "growth"}));
     App.add_option("--rows", Settings.Rows, "Rows to append, and of the table that keyed records change");
     App.add_option("--keyed-rows", Settings.KeyedRows, "Keyed records, at most twice --rows");
     App.add_option("--access", Settings.AccessFile,
-                   "Access database for section access: a table orders with id, customer, city, order_date, amount, "
-                   "quantity, paid and note")
+                   "Access database for section access: a table orders with id, customer, city, "
+                   "order_date, amount, quantity, paid and note")
         ->check(CLI::ExistingFile);
     App.add_option("--repetitions", Settings.Repetitions, "Runs of each program, in turn")
         ->check(CLI::PositiveNumber);

@@ -127,14 +127,15 @@ TCommand Xls2CsvIntoSqlite3Command(const TPrograms& Programs, TWork, const TPair
 TCommand KvImportAccessCommand(const TPrograms& Programs, TWork Work, const TPair& Pair)
 {
     // Both have the same columns in the same order, some under other names.
-    return {Programs.KvImport, "import", Pair.File,    "--source-table", "orders",        "--to",   Pair.Database,
-            "--table",         "orders", "--mode",     NameOf(Work),     "--by-position", "--quiet"};
+    return {Programs.KvImport, "import", Pair.File, "--source-table", "orders", "--to", Pair.Database,
+            "--table", "orders", "--mode", NameOf(Work), "--by-position", "--quiet"};
 }
 
 TCommand MdbExportIntoSqlite3Command(const TPrograms& Programs, TWork, const TPair& Pair)
 {
     return {Programs.Sqlite3, "-bail", Pair.Database,
-            ".import --csv '|mdb-export -H -D %Y-%m-%d -T %Y-%m-%d \"" + Pair.File.string() + "\" orders' orders"};
+            ".import --csv '|mdb-export -H -D %Y-%m-%d -T %Y-%m-%d \"" + Pair.File.string() +
+            "\" orders' orders"};
 }
 
 TCommand OgrAppendCommand(const TPrograms&, TWork, const TPair& Pair)

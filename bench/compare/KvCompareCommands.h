@@ -59,8 +59,8 @@ TCommand SsConvertCommand(const TPrograms& Programs, TWork Work, const TPair& Pa
 /// The first of them, from which the sqlite3 tool appends to the table "orders".
 TCommand Xls2CsvIntoSqlite3Command(const TPrograms& Programs, TWork Work, const TPair& Pair);
 
-// ogr2ogr appends the rows of a dBase table to the table "orders", or makes a table of its own in its place; the
-// quick ones in one transaction and without waiting for the disk.
+// ogr2ogr appends the rows of a dBase table to the table "orders", or makes a table of its own in its place;
+// the quick ones in one transaction and without waiting for the disk.
 TCommand OgrAppendCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
 TCommand OgrQuickAppendCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);
 TCommand OgrOverwriteCommand(const TPrograms& Programs, TWork Work, const TPair& Pair);

@@ -26,7 +26,8 @@ void TComparison::CompareMarkup(const char* What, TOrderLines Lines, std::uint64
     const TPair Text{Workspace.Orders(olDelimited, Rows), {}, olDelimited};
     const TContest Contest{"append the " + Grouped(Rows) + " rows of " + What, Workspace.Table(okIndexed, 0),
                            {Contestant("kvimport", KvImportNamedCommand, wkAppend, Tags),
-                            Contestant("kvimport, the rows as CSV", KvImportNamedCommand, wkAppend, Text, 1.4)}};
+                            Contestant("kvimport, the rows as CSV", KvImportNamedCommand, wkAppend, Text,
+                                       1.4)}};
     PrintMemory(Judge(Contest), std::filesystem::file_size(Tags.File) + OwnMemory);
 }
 

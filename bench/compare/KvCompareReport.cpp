@@ -70,8 +70,8 @@ void PrintMemory(const TOutcome& Outcome, std::uint64_t MaxBytes)
     if (!Outcome.Failure.empty())
         return;
     std::printf("  %-34s %.0f MB of at most %.0f MB  %s\n", "memory",
-                static_cast<double>(Outcome.Best.PeakBytes) / Megabyte, static_cast<double>(MaxBytes) / Megabyte,
-                Verdict(Outcome.Best.PeakBytes <= MaxBytes));
+                static_cast<double>(Outcome.Best.PeakBytes) / Megabyte,
+                static_cast<double>(MaxBytes) / Megabyte, Verdict(Outcome.Best.PeakBytes <= MaxBytes));
 }
 
 void PrintGrowth(const std::vector<std::uint64_t>& Sizes, const std::vector<TGrowthLine>& Lines)

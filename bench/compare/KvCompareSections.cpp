@@ -12,7 +12,8 @@ bool TComparison::IsThere(const std::string& Program, const std::string& Package
 {
     const bool Found = IsInstalled(Program);
     if (!Found)
-        std::printf("\n%s (Debian package %s) is not installed: left out\n", Program.c_str(), Package.c_str());
+        std::printf("\n%s (Debian package %s) is not installed: left out\n", Program.c_str(),
+                    Package.c_str());
     return Found;
 }
 

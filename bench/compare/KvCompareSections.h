@@ -19,7 +19,7 @@ struct TCompareSettings
     TPrograms Programs;
     std::uint64_t Rows = 1'000'000;                 ///< To append, and of the table that records change.
     std::uint64_t KeyedRows = 200'000;
-    std::filesystem::path AccessFile;               ///< Its table "orders" has the fields of ours; may be empty.
+    std::filesystem::path AccessFile;               ///< Its table "orders" has our fields; may be empty.
     int Repetitions = 5;
     bool Full = false;                              ///< Growth up to 5,000,000 rows instead of 1,000,000.
 };

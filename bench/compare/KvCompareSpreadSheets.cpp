@@ -51,7 +51,8 @@ void TComparison::CompareWorksheetLoad()
     const TPair Quattro{Workspace.QuattroSheet(WorksheetRows), {}, olDelimited};
     const bool HasOther = IsThere("ssconvert", "gnumeric");
     for (const auto& [Name, Pair] : {std::pair{"1-2-3", Lotus}, std::pair{"Quattro Pro", Quattro}}) {
-        TContest Contest{"load a worksheet of " + Grouped(WorksheetRows) + " rows of " + Name, Workspace.SheetTable(),
+        TContest Contest{"load a worksheet of " + Grouped(WorksheetRows) + " rows of " + Name,
+                         Workspace.SheetTable(),
                          {Contestant("kvimport sheets", KvImportLoadCommand, wkAppend, Pair)}};
         if (HasOther)
             Contest.Contestants.push_back(

@@ -20,7 +20,8 @@ void TComparison::CompareDbase()
 {
     constexpr double Third = 1.0 / 3;
     const TPair Pair{Workspace.DbaseTable(TableRows), {}, olDelimited};
-    TContest Contest{"append the " + Grouped(TableRows) + " rows of a dBase table", Workspace.Table(okPlain, 0),
+    TContest Contest{"append the " + Grouped(TableRows) + " rows of a dBase table",
+                     Workspace.Table(okPlain, 0),
                      {Contestant("kvimport", KvImportNamedCommand, wkAppend, Pair)}};
     if (IsThere("ogr2ogr", "gdal-bin"))
         Contest.Contestants.insert(
@@ -28,7 +29,8 @@ void TComparison::CompareDbase()
             {Contestant("ogr2ogr -append", OgrAppendCommand, wkAppend, Pair, Third),
              Contestant("ogr2ogr -append, without sync", OgrQuickAppendCommand, wkAppend, Pair, Third),
              Contestant("ogr2ogr -overwrite", OgrOverwriteCommand, wkAppend, Pair, Third),
-             Contestant("ogr2ogr -overwrite, without sync", OgrQuickOverwriteCommand, wkAppend, Pair, Third)});
+             Contestant("ogr2ogr -overwrite, without sync", OgrQuickOverwriteCommand, wkAppend, Pair,
+                        Third)});
     Judge(Contest);
 }
 

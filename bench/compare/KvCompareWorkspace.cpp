@@ -84,7 +84,9 @@ fs::path TWorkspace::SheetOrders(std::uint64_t Rows)
 
 fs::path TWorkspace::SheetTable()
 {
-    return Made("sheet-orders.db", [&](const fs::path& File) { TSqlDatabase(File).Execute(CreateSheetOrdersSql()); });
+    return Made("sheet-orders.db", [&](const fs::path& File) {
+        TSqlDatabase(File).Execute(CreateSheetOrdersSql());
+    });
 }
 
 fs::path TWorkspace::ParadoxTable(std::uint64_t Rows)

@@ -47,7 +47,8 @@ std::string Line(const TSheetOrder& Row)
 {
     std::string Text;
     for (std::size_t Column = 0; Column < Row.Texts.size(); ++Column)
-        Text += (OrderColumns[Column].Name == "CUSTOMER" ? Quoted(Row.Texts[Column]) : Row.Texts[Column]) + ',';
+        Text += (OrderColumns[Column].Name == "CUSTOMER" ? Quoted(Row.Texts[Column]) : Row.Texts[Column]) +
+                ',';
     return Text + CentsText(Row.PriceCents) + ',' + std::to_string(Row.Weight) + ",0.25," +
            CentsText(Row.TotalCents) + '\n';
 }

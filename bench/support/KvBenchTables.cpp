@@ -47,7 +47,8 @@ std::string MakeParadoxTable(std::size_t Rows)
 {
     TParadoxBuilder Builder;
     Builder.Field("ID", 'I').Field("CUSTOMER", 'A', 36).Field("CITY", 'A', 14).Field("ORDERED", 'D');
-    Builder.Field("AMOUNT", '$').Field("QTY", 'S').Field("PAID", 'L').Field("NOTE", 'A', 40).CodePage(WindowsPage);
+    Builder.Field("AMOUNT", '$').Field("QTY", 'S').Field("PAID", 'L').Field("NOTE", 'A', 40)
+           .CodePage(WindowsPage);
     TOrder Order;
     for (std::size_t Id = 1; Id <= Rows; ++Id) {
         MakeOrder(Id, 0, Order);

@@ -11,8 +11,8 @@ namespace kv::bench {
 /// values are those of KvBenchSheetOrders. `Rows` is at most 65535.
 std::string MakeWorkbook(std::size_t Rows);
 
-/// The same in a worksheet of 1-2-3 (.wk1) and of Quattro Pro (.wq1), dates as plain numbers and booleans as 0
-/// and 1. Text that is not ASCII stands there as UTF-8. `Rows` is at most 8191.
+/// The same in a worksheet of 1-2-3 (.wk1) and of Quattro Pro (.wq1), dates as plain numbers and booleans as
+/// 0 and 1. Text that is not ASCII stands there as UTF-8. `Rows` is at most 8191.
 std::string MakeLotusSheet(std::size_t Rows);
 std::string MakeQuattroSheet(std::size_t Rows);
 

@@ -39,7 +39,7 @@ enum TAccessTag : std::uint8_t {
     atDecimal,                                      ///< size:u32le, digits with "." and "-"
     atText,                                         ///< size:u32le, UTF-8
     atBytes,                                        ///< size:u32le, as they stand
-    atRefused                                       ///< size:u32le, why the field has no value that can be read
+    atRefused                                       ///< size:u32le, why the value cannot be read
 };
 
 enum TAccessTableFlag : std::uint8_t { ttLocal = 0, ttSystem = 1, ttLinked = 2 };

@@ -22,7 +22,7 @@ enum TAccessFieldType : std::uint8_t {
     afMemo = 12,                                    ///< Text without limit.
     afGuid = 15,
     afDecimal = 16,
-    afComplex = 18,                                 ///< Number under which a table of its own keeps the values.
+    afComplex = 18,                                 ///< Number of the values in a table of their own.
     afBigInt = 19                                   ///< 64 bits
 };
 

@@ -125,7 +125,7 @@ std::string FitToWidth(std::string_view Text, int Width)
         return {};
     const TUtf8Locale Locale;
     int Taken = 0;
-    std::size_t Cut = 0;                            // where the text ends if it must make room for the ellipsis
+    std::size_t Cut = 0;                            // where the text ends to make room for the ellipsis
     for (std::size_t Pos = 0; Pos < Text.size();) {
         const auto Character = FirstCharacter(Text.substr(Pos));
         Taken += WidthOf(Character);

@@ -121,7 +121,7 @@ void TMemoryDataSet::InternalDelete()
         RemoveFromIndex(Index, HashOfRow(Index, Current), Current);
     Rows[Current] = nullptr;
     if (--LiveRows == 0)
-        Rows.clear();                               // numbers begin anew: a table refilled over and over stays small
+        Rows.clear();                               // numbers begin anew: a table often refilled stays small
     Current = NextRow(Current);
 }
 
@@ -163,8 +163,8 @@ void TMemoryDataSet::RemoveFromIndex(TIndex& Index, std::uint64_t Hash, TRowNumb
         Index.Rows.erase(Entry);
 }
 
-bool TMemoryDataSet::RowMatches(TRowNumber Row, std::span<TField* const> Keys, std::span<const TVariant> Values,
-                                TLocateOptions Options) const
+bool TMemoryDataSet::RowMatches(TRowNumber Row, std::span<TField* const> Keys,
+                                std::span<const TVariant> Values, TLocateOptions Options) const
 {
     for (std::size_t I = 0; I < Keys.size(); ++I)
         if (!MatchesKey(Rows[Row][static_cast<std::size_t>(Keys[I]->Index())], Values[I], Options))

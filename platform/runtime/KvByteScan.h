@@ -73,7 +73,8 @@ private:
         const auto EqualTo = [this, Block](std::size_t I) {
             return _mm_cmpeq_epi8(Block, _mm_set1_epi64x(static_cast<long long>(Pattern[I])));
         };
-        const auto Equal = _mm_or_si128(_mm_or_si128(EqualTo(0), EqualTo(1)), _mm_or_si128(EqualTo(2), EqualTo(3)));
+        const auto Equal = _mm_or_si128(_mm_or_si128(EqualTo(0), EqualTo(1)),
+                                        _mm_or_si128(EqualTo(2), EqualTo(3)));
         return static_cast<unsigned>(_mm_movemask_epi8(Equal));
     }
 #endif

@@ -33,7 +33,8 @@ inline constexpr int MsPerDay = 24 * MsPerHour;
 inline constexpr std::chrono::sys_days DayZero =
     std::chrono::year{1899} / std::chrono::December / std::chrono::day{30};
 inline constexpr int LastDay =
-    (std::chrono::sys_days{std::chrono::year{9999} / std::chrono::December / std::chrono::day{31}} - DayZero).count();
+    (std::chrono::sys_days{std::chrono::year{9999} / std::chrono::December / std::chrono::day{31}} -
+     DayZero).count();
 
 /// A value taken apart: days since DayZero and milliseconds since midnight.
 struct TDayTime

@@ -16,7 +16,8 @@ namespace {
 class TPageSetting
 {
 public:
-    explicit TPageSetting(std::string InitialName) : FName(std::move(InitialName)), FPage(&CodePageNamed(FName)) {}
+    explicit TPageSetting(std::string InitialName)
+        : FName(std::move(InitialName)), FPage(&CodePageNamed(FName)) {}
 
     const std::string& Name() const { return FName; }
     const TCodePage& Page() const { return *FPage; }

@@ -91,7 +91,8 @@ std::string FormatDate(int Day)
         const auto Count = std::min(Format.find_first_not_of(Format[0]), Format.size());
         switch (Format[0]) {
         case 'y': case 'Y': AppendNumber(Result, Count > 2 ? Year : Year % 100, Count > 2 ? 4 : 2); break;
-        case 'm': case 'M': AppendNumber(Result, static_cast<unsigned>(Date.month()), Count > 1 ? 2 : 1); break;
+        case 'm': case 'M': AppendNumber(Result, static_cast<unsigned>(Date.month()),
+                                         Count > 1 ? 2 : 1); break;
         case 'd': case 'D': AppendNumber(Result, static_cast<unsigned>(Date.day()), Count > 1 ? 2 : 1); break;
         case '/':           Result.append(Count, FormatSettings().DateSeparator); break;
         default:            Result.append(Count, Format[0]); break;
@@ -107,7 +108,10 @@ std::optional<TDateTime> TryTextToDate(std::string_view Text) { return ReadDate(
 
 std::optional<TDateTime> TryTextToTime(std::string_view Text) { return ReadTime(Text, TakeProcessTime); }
 
-std::optional<TDateTime> TryTextToDateTime(std::string_view Text) { return ReadDateTime(Text, TakeDate, TakeProcessTime); }
+std::optional<TDateTime> TryTextToDateTime(std::string_view Text)
+{
+    return ReadDateTime(Text, TakeDate, TakeProcessTime);
+}
 
 TDateTime TextToDateTime(std::string_view Text)
 {

@@ -157,7 +157,8 @@ void RaiseFileError(std::string_view Action, const std::string& FileName, int Co
     throw EFileError(FormatText("Cannot %s file \"%s\": %s", {Action, FileName, Reason}));
 }
 
-TKvFileBytes ReadFileBytes(const std::string& FileName, std::size_t MaxSize, const std::function<bool()>& Continue)
+TKvFileBytes ReadFileBytes(const std::string& FileName, std::size_t MaxSize,
+                           const std::function<bool()>& Continue)
 {
     TOpenFile File(FileName);
     try {

@@ -20,7 +20,7 @@ namespace {
 using TPath = std::filesystem::path;
 
 constexpr int MaxLinks = 40;                        // as many as the system itself follows
-constexpr int MaxNames = 100;                       // left behind by processes of this number that were killed
+constexpr int MaxNames = 100;                       // left by killed processes of this number
 
 /// The file that is meant, wherever symbolic links lead; it need not be there yet.
 TPath TargetOf(const std::string& FileName)
@@ -42,7 +42,8 @@ public:
     TReplacement(const std::string& FileName, const TPath& Replaced) : Name(FileName), Target(Replaced)
     {
         for (int Number = 0; Descriptor < 0; ++Number) {
-            Temporary = Target.parent_path() / (".kv" + std::to_string(getpid()) + '-' + std::to_string(Number) + '~');
+            Temporary = Target.parent_path() /
+                        (".kv" + std::to_string(getpid()) + '-' + std::to_string(Number) + '~');
             Descriptor = open(Temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
             if (Descriptor < 0 && (errno != EEXIST || Number == MaxNames))
                 Fail();

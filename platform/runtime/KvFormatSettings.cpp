@@ -56,7 +56,8 @@ std::optional<char> SeparatorOf(std::string_view DateFormat)
 char SeparatorOr(const char* Text, char Otherwise)
 {
     const std::string_view Separator(Text);
-    return Separator.size() == 1 && static_cast<unsigned char>(Separator[0]) < 0x80 ? Separator[0] : Otherwise;
+    return Separator.size() == 1 && static_cast<unsigned char>(Separator[0]) < 0x80 ? Separator[0]
+                                                                                    : Otherwise;
 }
 
 /// The locale "C" speaks for no country: its two-digit years and missing separators are nobody's choice.

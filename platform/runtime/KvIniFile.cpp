@@ -47,12 +47,14 @@ std::string_view KeyOf(std::string_view Line)
 {
     const auto Content = Trim(Line);
     const auto Equal = Content.find('=');
-    return Equal == Content.npos || Content.front() == ';' ? std::string_view() : Trim(Content.substr(0, Equal));
+    return Equal == Content.npos || Content.front() == ';' ? std::string_view()
+                                                           : Trim(Content.substr(0, Equal));
 }
 
 bool IsQuoted(std::string_view Value)
 {
-    return Value.size() >= 2 && Value.front() == Value.back() && (Value.front() == '"' || Value.front() == '\'');
+    return Value.size() >= 2 && Value.front() == Value.back() &&
+           (Value.front() == '"' || Value.front() == '\'');
 }
 
 std::string_view ValueOf(std::string_view Line)
@@ -154,13 +156,15 @@ std::vector<std::string> TIniFile::KeysOf(std::string_view SectionName) const
         return Result;
     for (std::size_t I = 1; I < Section->Lines.size(); ++I) {
         const auto Key = KeyOf(Section->Lines[I]);
-        if (const auto Found = Section->Keys.find(UpperCase(Key)); Found != Section->Keys.end() && Found->second == I)
+        if (const auto Found = Section->Keys.find(UpperCase(Key));
+            Found != Section->Keys.end() && Found->second == I)
             Result.emplace_back(Key);
     }
     return Result;
 }
 
-std::string TIniFile::ReadString(std::string_view Section, std::string_view Key, std::string_view Default) const
+std::string TIniFile::ReadString(std::string_view Section, std::string_view Key,
+                                 std::string_view Default) const
 {
     const auto* const Line = FindLine(Section, Key);
     return std::string(Line ? ValueOf(*Line) : Default);
@@ -186,7 +190,8 @@ bool TIniFile::ReadBool(std::string_view Section, std::string_view Key, bool Def
 
 void TIniFile::RefuseValue(std::string_view Section, std::string_view Key, std::string_view Reason) const
 {
-    throw EConvertError(FormatText("Cannot read file \"%s\": [%s] %s: %s", {FFileName, Section, Key, Reason}));
+    throw EConvertError(FormatText("Cannot read file \"%s\": [%s] %s: %s",
+                                   {FFileName, Section, Key, Reason}));
 }
 
 // Writing.
@@ -194,13 +199,15 @@ void TIniFile::RefuseValue(std::string_view Section, std::string_view Key, std::
 void TIniFile::CheckText(std::string_view Section, std::string_view Key, std::string_view Value) const
 {
     const auto Refuse = [&](std::string_view Reason) {
-        throw EFileError(FormatText("Cannot write file \"%s\": [%s] %s: %s", {FFileName, Section, Key, Reason}));
+        throw EFileError(FormatText("Cannot write file \"%s\": [%s] %s: %s",
+                                    {FFileName, Section, Key, Reason}));
     };
     if (Value.find_first_of(NoText) != Value.npos)
         Refuse("a value cannot hold a line break or a zero byte");
     const bool IsKey = KeyOf(std::string(Key) + '=') == Key && !Key.empty() && Key.front() != '[';
     const bool IsSection = Trim(Section) == Section && !Section.empty() && Section.find(']') == Section.npos;
-    if (!IsKey || !IsSection || Key.find_first_of(NoText) != Key.npos || Section.find_first_of(NoText) != Section.npos)
+    if (!IsKey || !IsSection || Key.find_first_of(NoText) != Key.npos ||
+        Section.find_first_of(NoText) != Section.npos)
         Refuse("section and key cannot be written so");
 }
 
@@ -246,7 +253,8 @@ TIniFile::TSection& TIniFile::SectionToWrite(std::string_view Name)
 void TIniFile::EndLastLine()
 {
     auto& Last = Sections.back();
-    auto* const Line = !Last.Blanks.empty() ? &Last.Blanks : !Last.Lines.empty() ? &Last.Lines.back() : nullptr;
+    auto* const Line = !Last.Blanks.empty() ? &Last.Blanks : !Last.Lines.empty() ? &Last.Lines.back()
+                                                                                 : nullptr;
     if (Line && NoText.find(Line->back()) == NoText.npos)
         *Line += LineEnd;
 }

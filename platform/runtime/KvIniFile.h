@@ -17,7 +17,7 @@ namespace kv {
 
 enum TIniOpening {
     ioExisting,                                     ///< A file that is not there is an error.
-    ioOpenOrCreate                                  ///< It is taken for an empty one, and made when it is saved.
+    ioOpenOrCreate                                  ///< It is taken for empty, and made when it is saved.
 };
 
 /// The whole file in memory; UpdateFile saves it. Names are compared without regard to the case of
@@ -33,7 +33,10 @@ public:
 
     const std::string& FileName() const { return FFileName; }
     bool HasSection(std::string_view Section) const { return FindSection(Section) != nullptr; }
-    bool HasKey(std::string_view Section, std::string_view Key) const { return FindLine(Section, Key) != nullptr; }
+    bool HasKey(std::string_view Section, std::string_view Key) const
+    {
+        return FindLine(Section, Key) != nullptr;
+    }
     /// The keys of a section as they are spelled, in the order in which they stand there.
     std::vector<std::string> KeysOf(std::string_view Section) const;
 
@@ -41,7 +44,8 @@ public:
     // neither raises EConvertError that names file, section and key.
     std::string ReadString(std::string_view Section, std::string_view Key, std::string_view Default) const;
     int ReadInteger(std::string_view Section, std::string_view Key, int Default) const;
-    bool ReadBool(std::string_view Section, std::string_view Key, bool Default) const; ///< Any number but 0 is true.
+    /// Any number but 0 is true.
+    bool ReadBool(std::string_view Section, std::string_view Key, bool Default) const;
 
     // A new key goes to the end of its section, a new section to the end of the file, with line ends as
     // the file has them (CR LF in a new one). All other lines stay byte for byte. Raises EFileError for
@@ -57,7 +61,8 @@ public:
     void UpdateFile();
 
     /// Raises EConvertError "Cannot read file "%s": [%s] %s: %s", for a value that has no meaning.
-    [[noreturn]] void RefuseValue(std::string_view Section, std::string_view Key, std::string_view Reason) const;
+    [[noreturn]] void RefuseValue(std::string_view Section, std::string_view Key,
+                                  std::string_view Reason) const;
 
 private:
     struct TSection

@@ -61,7 +61,10 @@ std::string_view ViewOf(const char* Begin, const char* End)
 
 } // namespace
 
-std::optional<TDateTime> TryIsoToDateTime(std::string_view Text) { return ReadDateTime(Text, TakeIsoDate, TakeIsoTime); }
+std::optional<TDateTime> TryIsoToDateTime(std::string_view Text)
+{
+    return ReadDateTime(Text, TakeIsoDate, TakeIsoTime);
+}
 
 std::string_view WriteIsoDate(TDateTime Value, char (&Buffer)[IsoTextMax])
 {

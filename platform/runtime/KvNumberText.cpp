@@ -39,7 +39,8 @@ std::optional<double> FromChars(std::string_view Text)
 /// A number without exponent and of so few digits that it takes one division, which rounds once.
 std::optional<double> ParseShortFloat(std::string_view Text)
 {
-    static constexpr double Powers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14};
+    static constexpr double Powers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12,
+                                        1e13, 1e14};
     constexpr std::size_t MaxSize = 15;             // digits of an integer that a double always holds
     if (Text.size() > MaxSize)
         return {};
@@ -89,7 +90,8 @@ std::optional<double> ParseFloat(std::string_view Text, char Separator)
 /// Appends a decimal digit to a magnitude kept negative, which reaches one further. False on overflow.
 bool AppendDigit(std::int64_t& Negated, int Digit)
 {
-    return !__builtin_mul_overflow(Negated, 10, &Negated) && !__builtin_sub_overflow(Negated, Digit, &Negated);
+    return !__builtin_mul_overflow(Negated, 10, &Negated) &&
+           !__builtin_sub_overflow(Negated, Digit, &Negated);
 }
 
 /// "1.5e+300" as users know it: "1.5E300".

@@ -41,8 +41,11 @@ std::optional<std::int64_t> ToBoolean(const TVariant& Value)
 
 std::optional<std::int64_t> ToOrdinal(const TVariant& Value, std::span<const std::string_view> Names)
 {
-    const auto Found = std::ranges::find_if(Names, [Text = Value.Text()](auto Name) { return SameText(Name, Text); });
-    const auto Ordinal = Found != Names.end() ? std::optional<std::int64_t>(Found - Names.begin()) : ToInteger(Value);
+    const auto Found = std::ranges::find_if(Names, [Text = Value.Text()](auto Name) {
+        return SameText(Name, Text);
+    });
+    const auto Ordinal = Found != Names.end() ? std::optional<std::int64_t>(Found - Names.begin())
+                                              : ToInteger(Value);
     return Ordinal && *Ordinal >= 0 && *Ordinal < std::ssize(Names) ? Ordinal : std::nullopt;
 }
 
@@ -94,7 +97,9 @@ TPublishedProperty RequireProperty(const TPersistent& Object, std::string_view N
 
 const TPublishedProperty* FindProperty(const TPublishedProperties& Properties, std::string_view Name)
 {
-    const auto Found = std::ranges::find_if(Properties, [Name](const auto& Each) { return SameText(Each.Name, Name); });
+    const auto Found = std::ranges::find_if(Properties, [Name](const auto& Each) {
+        return SameText(Each.Name, Name);
+    });
     return Found == Properties.end() ? nullptr : &*Found;
 }
 

@@ -69,7 +69,8 @@ template <class TEnum> struct TPropertyType<TSet<TEnum>>
 
 /// A property that is a plain member. Enumerations and sets name their values in `Names`.
 template <std::derived_from<TPersistent> TClass, class T>
-TPublishedProperty Publish(std::string_view Name, T TClass::*Member, std::span<const std::string_view> Names = {})
+TPublishedProperty Publish(std::string_view Name, T TClass::*Member,
+                           std::span<const std::string_view> Names = {})
 {
     using TType = TPropertyType<T>;
     return {.Name = Name,

@@ -32,7 +32,10 @@ public:
     friend constexpr bool operator==(TSet, TSet) = default;
 
 private:
-    static constexpr std::uint32_t BitOf(TEnum Element) { return std::uint32_t{1} << static_cast<unsigned>(Element); }
+    static constexpr std::uint32_t BitOf(TEnum Element)
+    {
+        return std::uint32_t{1} << static_cast<unsigned>(Element);
+    }
 
     std::uint32_t FBits = 0;
 };

@@ -106,7 +106,9 @@ void TStrings::Clear()
 
 int TStrings::IndexOf(std::string_view Line) const
 {
-    const auto Found = std::ranges::find_if(Lines, [Line](const std::string& Each) { return SameText(Each, Line); });
+    const auto Found = std::ranges::find_if(Lines, [Line](const std::string& Each) {
+        return SameText(Each, Line);
+    });
     return Found == Lines.end() ? -1 : static_cast<int>(Found - Lines.begin());
 }
 
@@ -133,7 +135,8 @@ std::string_view TStrings::Value(std::string_view Name) const
 int TStrings::IndexOfName(std::string_view Name) const
 {
     const auto HasName = [Name](std::string_view Line) {
-        return Line.size() > Name.size() && Line[Name.size()] == '=' && SameText(Line.substr(0, Name.size()), Name);
+        return Line.size() > Name.size() && Line[Name.size()] == '=' &&
+               SameText(Line.substr(0, Name.size()), Name);
     };
     const auto Found = std::ranges::find_if(Lines, HasName);
     return Found == Lines.end() ? -1 : static_cast<int>(Found - Lines.begin());

@@ -53,7 +53,8 @@ void AppendUtf16AsUtf8(std::string_view Bytes, std::string& Utf8)
             AppendUtf8(Utf8, Unit);
             continue;
         }
-        const char32_t Next = I + 3 < Bytes.size() ? LoadLittleEndian<std::uint16_t>(Bytes.data() + I + 2) : 0;
+        const char32_t Next = I + 3 < Bytes.size() ? LoadLittleEndian<std::uint16_t>(Bytes.data() + I + 2)
+                                                   : 0;
         if (IsLead(Unit) && IsTrail(Next)) {
             AppendUtf8(Utf8, PointOf(Unit, Next));
             I += 2;

@@ -36,7 +36,8 @@ std::size_t SequenceSize(const char* First, const char* Last)
     if (Lead < 0xC2 || Lead > 0xF4)
         return 0;
     const std::size_t Size = Lead < 0xE0 ? 2 : Lead < 0xF0 ? 3 : 4;
-    if (static_cast<std::size_t>(Last - First) < Size || !std::all_of(First + 1, First + Size, IsContinuation))
+    if (static_cast<std::size_t>(Last - First) < Size ||
+        !std::all_of(First + 1, First + Size, IsContinuation))
         return 0;
     const auto Second = static_cast<unsigned char>(First[1]);
     switch (Lead) {

@@ -157,7 +157,8 @@ TVariant& TVariant::operator[](int Index) { return const_cast<TVariant&>(Element
 bool operator==(const TVariant& A, const TVariant& B)
 {
     if (A.FKind != B.FKind)
-        return IsNumber(A.FKind) && IsNumber(B.FKind) && (A.FKind < B.FKind ? NumbersEqual(A, B) : NumbersEqual(B, A));
+        return IsNumber(A.FKind) && IsNumber(B.FKind) &&
+               (A.FKind < B.FKind ? NumbersEqual(A, B) : NumbersEqual(B, A));
     switch (A.FKind) {
     case vkEmpty:
     case vkNull:     return true;

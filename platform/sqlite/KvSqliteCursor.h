@@ -26,7 +26,7 @@ struct TSQLiteRowSource
 {
     std::string Title;                              ///< How messages call it; may be empty.
     std::string Select;                             ///< Key columns, then Columns; no WHERE, no ORDER BY.
-    std::vector<TSQLiteKeyColumn> Key;              ///< None: read in the order in which the database gives them.
+    std::vector<TSQLiteKeyColumn> Key;              ///< None: read in the order of the database.
     std::vector<TSQLiteColumn> Columns;
 
     const TSQLiteColumn& Column(int Index) const { return Columns[static_cast<std::size_t>(Index)]; }
@@ -88,7 +88,7 @@ private:
     TSQLiteStatement ScanAll;                       // all records in order
     TSQLiteStatement ScanAfter;                     // those after a key
     TSQLiteStatement Fetch;                         // the one with a key
-    TSQLiteStatement* Scan = nullptr;               // the one of the first two that stands on the current record
+    TSQLiteStatement* Scan = nullptr;               // which of the first two stands on the current record
     TPlace Place = plEnd;
     TSQLiteKey CurrentKey;                          // of the current record ...
     bool KeyKnown = false;                          // ... unless it is still to be read from Scan

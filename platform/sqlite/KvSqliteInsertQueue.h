@@ -45,7 +45,7 @@ public:
     bool IsActive() const { return Active; }
 
 private:
-    static constexpr std::size_t BlockRows = 1024;  // handed to the thread at once; waking it costs 10 microseconds
+    static constexpr std::size_t BlockRows = 1024;  // handed over at once; waking the thread takes 10 µs
     static constexpr int RecordsBeforeStart = 64;
 
     bool MayStart(const TRecordBuffer& Record);

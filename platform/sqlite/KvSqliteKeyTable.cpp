@@ -8,7 +8,8 @@
 
 namespace kv {
 
-TSQLiteKeyTable::TSQLiteKeyTable(TSQLiteConnection& Owner, const TSQLiteTableSchema& Schema, std::vector<int> Columns)
+TSQLiteKeyTable::TSQLiteKeyTable(TSQLiteConnection& Owner, const TSQLiteTableSchema& Schema,
+                                 std::vector<int> Columns)
     : Connection(Owner), Table(Schema), FColumns(std::move(Columns)),
       FName("kv_keys_" + std::to_string(Owner.NextSerial()))
 {
@@ -44,7 +45,8 @@ void TSQLiteKeyTable::Create()
         const int Column = Table.Key[I].Column;
         Add(RecordKeyName(I), Column < 0 ? saInteger : Table.Column(Column).Affinity);
     }
-    Connection.Execute("CREATE TEMP TABLE " + FName + " (" + Columns + ", PRIMARY KEY (" + Names + ")) WITHOUT ROWID");
+    Connection.Execute("CREATE TEMP TABLE " + FName + " (" + Columns + ", PRIMARY KEY (" + Names +
+                       ")) WITHOUT ROWID");
 }
 
 /// The row of a record, as an expression list. `Prefix` is "", "NEW." or "OLD.".
@@ -68,8 +70,8 @@ void TSQLiteKeyTable::Fill()
     const auto Count = 1 + FColumns.size() + Table.Key.size();
     for (std::size_t I = 1; I <= Count; ++I)
         AddToList(Order, std::to_string(I));
-    Connection.Execute("INSERT INTO temp." + FName + " SELECT " + RowOf("") + " FROM " + Table.QualifiedName() +
-                       " ORDER BY " + Order);
+    Connection.Execute("INSERT INTO temp." + FName + " SELECT " + RowOf("") + " FROM " +
+                       Table.QualifiedName() + " ORDER BY " + Order);
 }
 
 void TSQLiteKeyTable::CreateTriggers()

@@ -111,7 +111,9 @@ void TSQLiteLookup::Forget()
 TSQLiteLookup::TPlan& TSQLiteLookup::PlanFor(std::span<TField* const> Keys)
 {
     const auto Found = std::ranges::find_if(Plans, [Keys](const TPlan& Plan) {
-        return std::ranges::equal(Plan.Columns, Keys, {}, {}, [](const TField* Field) { return Field->Index(); });
+        return std::ranges::equal(Plan.Columns, Keys, {}, {}, [](const TField* Field) {
+            return Field->Index();
+        });
     });
     if (Found != Plans.end()) {
         std::rotate(Plans.begin(), Found, Found + 1);
@@ -159,8 +161,8 @@ bool TSQLiteLookup::HasOtherSpellings(int Index) const
     case ftTime: Ours = Like("__:__:__") + " OR " + Like("__:__:__.___"); break;
     default:     Ours = Like("____-__-__ __:__:__") + " OR " + Like("____-__-__ __:__:__.___"); break;
     }
-    TSQLiteStatement Other(Connection, "SELECT 1 FROM " + Table.QualifiedName() + " WHERE NOT (" + Ours + ") OR " +
-                                           Like("%.000") + " LIMIT 1", Table.Title);
+    TSQLiteStatement Other(Connection, "SELECT 1 FROM " + Table.QualifiedName() + " WHERE NOT (" + Ours +
+                                           ") OR " + Like("%.000") + " LIMIT 1", Table.Title);
     return Other.Step();
 }
 
@@ -184,7 +186,8 @@ void TSQLiteLookup::RefreshKeyTable(TPlan& Plan)
 std::int64_t TSQLiteLookup::ReadDataVersion()
 {
     if (!DataVersion)
-        DataVersion = TSQLiteStatement(Connection, "PRAGMA " + QuoteName(Table.Schema) + ".data_version", Table.Title);
+        DataVersion = TSQLiteStatement(Connection, "PRAGMA " + QuoteName(Table.Schema) + ".data_version",
+                                       Table.Title);
     DataVersion.Step();
     const auto Version = DataVersion.Column(0).Integer;
     DataVersion.Reset();
@@ -230,8 +233,8 @@ std::string TSQLiteLookup::IndexSql(const TPlan& Plan, std::uint64_t Nulls) cons
     }
     const auto& Index = Plan.Index->Name;
     const auto From = Table.QualifiedName() + (Index.empty() ? "" : " INDEXED BY " + Index);
-    return "SELECT " + Table.KeyList() + " FROM " + From + " WHERE " + Where + " ORDER BY " + Table.KeyOrder() +
-           " LIMIT 1";
+    return "SELECT " + Table.KeyList() + " FROM " + From + " WHERE " + Where + " ORDER BY " +
+           Table.KeyOrder() + " LIMIT 1";
 }
 
 std::string TSQLiteLookup::KeyTableSql(const TPlan& Plan, std::uint64_t Nulls) const
@@ -246,8 +249,8 @@ std::string TSQLiteLookup::KeyTableSql(const TPlan& Plan, std::uint64_t Nulls) c
                                              : Equals(TSQLiteKeyTable::KeyName(I), "", Param, Count));
         Param += IsNull(Nulls, I) ? 0 : Count;
     }
-    return "SELECT " + List + " FROM temp." + Plan.KeyTable->Name() + " WHERE " + Where + " ORDER BY " + List +
-           " LIMIT 1";
+    return "SELECT " + List + " FROM temp." + Plan.KeyTable->Name() + " WHERE " + Where + " ORDER BY " +
+           List + " LIMIT 1";
 }
 
 void TSQLiteLookup::Bind(TSQLiteStatement& Statement, const TPlan& Plan, std::span<const TVariant> Values)
@@ -265,7 +268,8 @@ void TSQLiteLookup::Bind(TSQLiteStatement& Statement, const TPlan& Plan, std::sp
 }
 
 /// Binds MaxSpellings parameters, those to spare to null. Returns the number after them.
-int TSQLiteLookup::BindSpellings(TSQLiteStatement& Statement, int Param, const TSQLiteColumn& Column, TDateTime Value)
+int TSQLiteLookup::BindSpellings(TSQLiteStatement& Statement, int Param, const TSQLiteColumn& Column,
+                                 TDateTime Value)
 {
     const auto Texts = SpellingsOf(Column.Def.DataType, Value);
     Spellings.reserve(MaxSpellings * Scratch.size()); // what is bound must stay where it is

@@ -15,7 +15,8 @@ bool CanRefuse(TSQLiteConnection& Connection, const TSQLiteTableSchema& Table)
     if (Table.IsView || Table.IsVirtual || Table.WithoutRowid || Table.Key.size() != 1)
         return true;
     TSQLiteStatement Select(Connection,
-                            "SELECT sql FROM " + QuoteName(Table.Schema) + ".sqlite_schema WHERE type = 'table' AND name = ?1"
+                            "SELECT sql FROM " + QuoteName(Table.Schema) +
+                            ".sqlite_schema WHERE type = 'table' AND name = ?1"
                             " AND NOT EXISTS (SELECT 1 FROM " + QuoteName(Table.Schema) + ".sqlite_schema"
                             " WHERE type IN ('trigger', 'index') AND tbl_name = ?1 COLLATE NOCASE)"
                             " AND NOT EXISTS (SELECT 1 FROM temp.sqlite_schema"
@@ -26,7 +27,9 @@ bool CanRefuse(TSQLiteConnection& Connection, const TSQLiteTableSchema& Table)
     const auto Declaration = UpperCase(Select.Column(0).Bytes);
     constexpr std::string_view Words[] = {"CHECK", "REFERENCES", "GENERATED", "AS (",    "AS(",
                                           "STRICT", "CONFLICT",  "COLLATE",   "DEFAULT", "AUTOINCREMENT"};
-    const auto Names = [&Declaration](std::string_view Word) { return Declaration.find(Word) != std::string::npos; };
+    const auto Names = [&Declaration](std::string_view Word) {
+        return Declaration.find(Word) != std::string::npos;
+    };
     return std::ranges::any_of(Words, Names);
 }
 

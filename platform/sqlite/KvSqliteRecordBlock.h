@@ -28,7 +28,7 @@ public:
 private:
     struct TCell
     {
-        std::int64_t Content;                       // integer, the bits of a real, or where in Texts it begins
+        std::int64_t Content;                       // integer, bits of a real, or where in Texts it begins
         std::uint32_t Size;                         // in bytes
         TSQLiteStorage Storage;
     };

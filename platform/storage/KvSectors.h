@@ -15,7 +15,7 @@
 
 namespace kv {
 
-inline constexpr std::uint32_t MaxSector = 0xFFFFFFFA; ///< The largest number of a sector; above it are marks.
+inline constexpr std::uint32_t MaxSector = 0xFFFFFFFA; ///< The largest number; above it are marks.
 inline constexpr std::uint32_t EndOfChain = 0xFFFFFFFE;
 inline constexpr std::uint32_t FreeSector = 0xFFFFFFFF;
 

@@ -124,7 +124,8 @@ void TKvStorageStream::Require(std::uint64_t End) const
     const auto Present = ReadAll().size();
     if (End > Present)
         throw EFormatError(FormatText("Cannot read %s past byte %d of %d: %s",
-                                      {Title, std::to_string(Present), std::to_string(FSize), Content.Fault()}));
+                                      {Title, std::to_string(Present), std::to_string(FSize),
+                                       Content.Fault()}));
 }
 
 TKvStorage::TKvStorage(const std::string& Path) : FileName(Path), FileBytes(ReadFileBytes(Path))
@@ -132,7 +133,8 @@ TKvStorage::TKvStorage(const std::string& Path) : FileName(Path), FileBytes(Read
     Open(FileBytes.View());
 }
 
-TKvStorage::TKvStorage(std::string_view Bytes, std::string NameInMessages) : FileName(std::move(NameInMessages))
+TKvStorage::TKvStorage(std::string_view Bytes, std::string NameInMessages)
+    : FileName(std::move(NameInMessages))
 {
     Open(Bytes);
 }

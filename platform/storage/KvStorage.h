@@ -49,7 +49,8 @@ public:
     /// The bytes that are there as one piece, fewer than Size() in a damaged file: whoever gets to their end
     /// and needs more calls RequireAll. Valid as long as the stream.
     std::string_view ReadAll() const { return Content.View(); }
-    /// Raises EFormatError "Cannot read stream "%s" of file "%s" past byte %d of %d: %s" when bytes are missing.
+    /// Raises EFormatError "Cannot read stream "%s" of file "%s" past byte %d of
+    /// %d: %s" when bytes are missing.
     void RequireAll() const { Require(FSize); }
 
     std::uint64_t Size() const { return FSize; }    ///< As the file states it.

@@ -44,7 +44,8 @@ std::string CompanionFileName(const std::string& FileName, std::string_view Exte
     std::string Found;
     const auto Name = Expected.filename().string();
     const auto Folder = Expected.has_parent_path() ? Expected.parent_path() : fs::path(".");
-    for (fs::directory_iterator Entry(Folder, Ignored), End; !Ignored && Entry != End; Entry.increment(Ignored)) {
+    for (fs::directory_iterator Entry(Folder, Ignored), End; !Ignored && Entry != End;
+         Entry.increment(Ignored)) {
         auto Other = Entry->path().filename().string();
         if (SameText(Other, Name) && (Found.empty() || Other < Found))
             Found = std::move(Other);

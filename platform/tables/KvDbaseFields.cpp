@@ -131,7 +131,8 @@ TMeaning MeaningOf(const TListedField& Field, TKvDbaseDialect Dialect)
     case 'T': return {ftDateTime, dvMoment, 8, 8};
     case 'Y': return {ftCurrency, dvAmount, 8, 8};
     case 'V':
-        return IsBinary ? TMeaning{ftVarBytes, dvVarBytes, 1, MaxSize} : TMeaning{ftString, dvVarText, 1, MaxSize};
+        return IsBinary ? TMeaning{ftVarBytes, dvVarBytes, 1, MaxSize}
+                        : TMeaning{ftString, dvVarText, 1, MaxSize};
     case 'Q': return {ftVarBytes, dvVarBytes, 1, MaxSize};
     case 'M': return MeaningOfMemo(IsBinary ? ftBlob : ftMemo, Field.Size);
     case 'G': return MeaningOfMemo(ftOle, Field.Size);
@@ -199,8 +200,9 @@ TKvDbaseFields ReadDbaseFields(TKvByteCursor Header, TKvDbaseDialect Dialect, st
         Offset += Each.Size;
     }
     if (Offset != RecordSize)                       // a damaged list may end too early
-        throw EFormatError(FormatText("its records have %d bytes, their fields and the mark of deleted ones %d",
-                                      {std::to_string(RecordSize), std::to_string(Offset)}));
+        throw EFormatError(
+            FormatText("its records have %d bytes, their fields and the mark of deleted ones %d",
+                       {std::to_string(RecordSize), std::to_string(Offset)}));
     CheckBits(Fields, static_cast<std::size_t>(NextBit));
     return Fields;
 }

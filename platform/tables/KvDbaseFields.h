@@ -60,7 +60,7 @@ struct TKvDbaseField
 struct TKvDbaseFields
 {
     std::vector<TKvDbaseField> Visible;
-    std::size_t BitsOffset = 0;                     ///< Of the hidden bits, from the first byte of the record.
+    std::size_t BitsOffset = 0;                     ///< Of the hidden bits, from the start of the record.
     std::size_t BitsSize = 0;                       ///< In bytes; 0 when there are none.
 };
 

@@ -53,7 +53,8 @@ TKvDbaseFile::TKvDbaseFile(const std::string& TableFile, bool Transliterate)
 /// None where the file has become shorter.
 const char* TKvDbaseFile::RecordAt(TKvFileWindow& Source, std::size_t Index) const
 {
-    const auto Bytes = Source.At(Header.HeaderSize + std::uint64_t{Index} * Header.RecordSize, Header.RecordSize);
+    const auto Bytes = Source.At(Header.HeaderSize + std::uint64_t{Index} * Header.RecordSize,
+                                 Header.RecordSize);
     return Bytes.size() == Header.RecordSize ? Bytes.data() : nullptr;
 }
 
@@ -94,7 +95,8 @@ void TKvDbaseFile::SkipDeleted()
         Record = nullptr;
     if (Record == nullptr && RecordIndex < Header.RecordCount)
         throw EFormatError(FormatText("File \"%s\" ends after record %d of %d",
-                                      {FileName, std::to_string(RecordIndex), std::to_string(Header.RecordCount)}));
+                                      {FileName, std::to_string(RecordIndex),
+                                       std::to_string(Header.RecordCount)}));
 }
 
 bool TKvDbaseFile::HasBit(int Bit) const

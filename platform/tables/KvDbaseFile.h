@@ -19,9 +19,9 @@ namespace kv {
 class TKvDbaseFile final : public TKvTableFile
 {
 public:
-    /// Reads records as they come; the memos are read when the first of them is asked for. Texts become process text
-    /// with `Transliterate`, else they stay as they are. Raises EFileError, what ReadDbaseHeader and what AddField
-    /// raise.
+    /// Reads records as they come; the memos are read when the first of them is asked for. Texts become
+    /// process text with `Transliterate`, else they stay as they are. Raises EFileError, what ReadDbaseHeader
+    /// and what AddField raise.
     explicit TKvDbaseFile(const std::string& TableFile, bool Transliterate = true);
 
     std::size_t RecordCount() const override;

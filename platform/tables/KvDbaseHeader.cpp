@@ -49,7 +49,8 @@ const TVersion* VersionOf(std::string_view Bytes)
 {
     const auto* const Last = std::end(Versions);
     const auto* const Found =
-        Bytes.empty() ? Last : std::ranges::find(Versions, static_cast<std::uint8_t>(Bytes[0]), &TVersion::Byte);
+        Bytes.empty() ? Last
+                      : std::ranges::find(Versions, static_cast<std::uint8_t>(Bytes[0]), &TVersion::Byte);
     return Found != Last ? Found : nullptr;
 }
 

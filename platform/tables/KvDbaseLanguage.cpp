@@ -41,7 +41,8 @@ struct TWindowsDriver
 };
 
 constexpr TWindowsDriver WindowsDrivers[] = {
-    {"CZ", "1250"}, {"HU", "1250"}, {"PL", "1250"}, {"RU", "1251"}, {"GR", "1253"}, {"TU", "1254"}, {"HE", "1255"},
+    {"CZ", "1250"}, {"HU", "1250"}, {"PL", "1250"}, {"RU", "1251"}, {"GR", "1253"}, {"TU", "1254"},
+    {"HE", "1255"},
 };
 
 } // namespace

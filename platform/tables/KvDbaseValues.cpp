@@ -70,7 +70,8 @@ std::optional<TDecimal> ReadDecimal(std::string_view Text)
     const auto Parts = WithoutSign(Text);
     const auto Point = std::min(Parts.find('.'), Parts.size());
     const auto Fraction = Parts.substr(std::min(Point + 1, Parts.size()));
-    if (Point + Fraction.size() == 0 || !TakeDigits(Parts.substr(0, Point), Number) || !TakeDigits(Fraction, Number))
+    if (Point + Fraction.size() == 0 || !TakeDigits(Parts.substr(0, Point), Number) ||
+        !TakeDigits(Fraction, Number))
         return std::nullopt;
     Number.Decimals = static_cast<int>(Fraction.size());
     if (Text.front() == '-')
@@ -181,8 +182,9 @@ TVariant DayValue(std::string_view Bytes)
         return Value;
     };
     const bool IsWhole = Text.size() == Bytes.size() && std::ranges::all_of(Text, IsDigit);
-    const auto Day = IsWhole ? EncodeDateTime({.Year = Number(0, 4), .Month = Number(4, 2), .Day = Number(6, 2)})
-                             : std::nullopt;
+    const auto Day = IsWhole
+                         ? EncodeDateTime({.Year = Number(0, 4), .Month = Number(4, 2), .Day = Number(6, 2)})
+                         : std::nullopt;
     if (!Day)
         RefuseText(Text, "date");
     return *Day;
@@ -202,7 +204,8 @@ TVariant MomentValue(std::string_view Bytes)
         throw EFormatError(FormatText("Julian day %d with %d milliseconds is no date and time",
                                       {std::to_string(Day), std::to_string(Time)}));
     const bool IsVeryLast = Day == LastDay && Time == MillisecondsPerDay - 1; // no second follows
-    if (Time % Second == Second - 1 && !IsVeryLast) { // whole seconds, cut to milliseconds from a floating point number
+    // Whole seconds, cut to milliseconds from a floating point number.
+    if (Time % Second == Second - 1 && !IsVeryLast) {
         Day += (Time + 1) / MillisecondsPerDay;
         Time = (Time + 1) % MillisecondsPerDay;
     }

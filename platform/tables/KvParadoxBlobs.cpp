@@ -50,7 +50,8 @@ std::string_view SmallBlob(TKvByteCursor Block, unsigned Index, std::size_t Size
     Block.Skip(2);
     const std::size_t InLast = Block.Take<std::uint8_t>();
     if (First * ChunkSize < FirstEntry + EntryCount * EntrySize || Chunks == 0 || InLast > ChunkSize)
-        Refuse("entry %d of the block at offset %d is empty or damaged", Index, Block.Offset() - Block.Position());
+        Refuse("entry %d of the block at offset %d is empty or damaged", Index,
+               Block.Offset() - Block.Position());
     CheckSize(Size, (Chunks - 1) * ChunkSize + (InLast != 0 ? InLast : ChunkSize));
     return Block.BytesAt(First * ChunkSize, Size);
 }
@@ -93,7 +94,8 @@ std::string_view ParadoxBlobBytes(std::string_view File, const TKvParadoxBlob& B
     const auto Rest = File.substr(Offset);
     TKvByteCursor Block(IsWhole ? Rest : Rest.substr(0, BlockSize), Offset);
     if (Block.Take<std::uint8_t>() != (IsWhole ? bkOneBlob : bkSmallBlobs))
-        Refuse(IsWhole ? "the block at offset %d is none of one blob" : "the block at offset %d is none of small blobs",
+        Refuse(IsWhole ? "the block at offset %d is none of one blob"
+                       : "the block at offset %d is none of small blobs",
                Offset);
     return IsWhole ? OneBlob(Block, Blob.Size) : SmallBlob(Block, Index, Blob.Size);
 }

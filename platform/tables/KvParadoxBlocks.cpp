@@ -14,7 +14,8 @@ constexpr std::size_t BlockHeaderSize = 6;
 constexpr std::size_t MaxBlocks = 0x10000;          // what 16 bits can number
 
 /// Adds the records of a block and gives the number of the next one; 0 when there is none or a fault.
-std::uint16_t AddBlock(TKvByteCursor Block, std::size_t Number, std::size_t RecordSize, TKvParadoxBlocks& Result)
+std::uint16_t AddBlock(TKvByteCursor Block, std::size_t Number, std::size_t RecordSize,
+                       TKvParadoxBlocks& Result)
 {
     if (Block.Size() < BlockHeaderSize) {
         Result.Fault = FormatText("block %d is not there", {std::to_string(Number)});
@@ -32,9 +33,10 @@ std::uint16_t AddBlock(TKvByteCursor Block, std::size_t Number, std::size_t Reco
     Result.RecordCount += Found;
     if (static_cast<std::size_t>(Last) % RecordSize == 0 && Found == Told)
         return Next;
-    Result.Fault = FormatText("block %d tells of %d bytes before its last record, there is room for %d records of %d",
-                              {std::to_string(Number), std::to_string(Last),
-                               std::to_string(Block.Remaining() / RecordSize), std::to_string(RecordSize)});
+    Result.Fault =
+        FormatText("block %d tells of %d bytes before its last record, there is room for %d records of %d",
+                   {std::to_string(Number), std::to_string(Last),
+                    std::to_string(Block.Remaining() / RecordSize), std::to_string(RecordSize)});
     return 0;
 }
 

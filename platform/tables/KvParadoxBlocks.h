@@ -28,7 +28,7 @@ struct TKvParadoxBlocks
 {
     std::vector<TKvParadoxBlock> Blocks;
     std::size_t RecordCount = 0;
-    std::string Fault;                              ///< Why there may be more records; empty when all is well.
+    std::string Fault;                              ///< Why there may be more records; else empty.
 };
 
 /// Follows the chain until its end or a fault. A block fits into the window of `File`. Raises EFileError.

@@ -112,7 +112,8 @@ TVariant TKvParadoxFile::BlobValue(const TKvParadoxField& Field, std::string_vie
     const auto Blob = ParadoxBlob(Stored);
     if (Blob.Size == 0)
         return Null;
-    const auto Content = Blob.IsInLeader() ? Blob.Leader.substr(0, Blob.Size) : ParadoxBlobBytes(Blobs.Bytes(), Blob);
+    const auto Content = Blob.IsInLeader() ? Blob.Leader.substr(0, Blob.Size)
+                                           : ParadoxBlobBytes(Blobs.Bytes(), Blob);
     switch (Field.Type) {
     case ptMemo:          return Text.Value(Content);
     case ptFormattedMemo: return Text.Value(FormattedMemoText(Content));

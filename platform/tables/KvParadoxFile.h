@@ -21,8 +21,8 @@ class TKvParadoxFile final : public TKvTableFile
 {
 public:
     /// Reads the header and follows the blocks; long values are read when the first of them is asked for that
-    /// its record does not hold. `Transliterate` makes process text of the texts, by the code page that the table names.
-    /// Raises EFileError, what ReadParadoxHeader raises, and what AddField raises.
+    /// its record does not hold. `Transliterate` makes process text of the texts, by the code page that the
+    /// table names. Raises EFileError, what ReadParadoxHeader raises, and what AddField raises.
     explicit TKvParadoxFile(const std::string& TableFile, bool Transliterate = true);
 
     std::size_t RecordCount() const override { return Records.RecordCount; }

@@ -59,7 +59,8 @@ std::size_t SizeOf(TKvParadoxType Type, std::size_t Length, std::size_t Number)
     const auto Size = FixedSize(Type);
     if (Size == 0 && !IsText(Type) && !IsParadoxBlob(Type))
         Refuse("field %d has the unknown type %d", {Number, Type});
-    const bool Fits = Size != 0 ? Type == ptBcd || Length == Size : Length >= (IsText(Type) ? 1 : MinBlobSize);
+    const bool Fits = Size != 0 ? Type == ptBcd || Length == Size
+                                : Length >= (IsText(Type) ? 1 : MinBlobSize);
     if (!Fits)
         Refuse("field %d cannot have a length of %d", {Number, Length});
     return Size != 0 ? Size : Length;
@@ -158,15 +159,16 @@ bool IsParadox(std::string_view Bytes)
     const TKvByteCursor File(Bytes);
     const auto Kilobytes = File.At<std::uint8_t>(0x05);
     return File.At<std::uint8_t>(0x04) <= fkLastIndex && File.At<std::uint8_t>(0x39) >= FirstVersion &&
-           File.At<std::uint8_t>(0x39) <= LongNameVersion && Kilobytes > 0 && Kilobytes <= MaxBlockKilobytes &&
-           File.At<std::uint16_t>(0x02) >= LongHeaderSize;
+           File.At<std::uint8_t>(0x39) <= LongNameVersion && Kilobytes > 0 &&
+           Kilobytes <= MaxBlockKilobytes && File.At<std::uint16_t>(0x02) >= LongHeaderSize;
 }
 
 TKvParadoxHeader ReadParadoxHeader(std::string_view Bytes, const std::string& FileName)
 {
     const TKvByteCursor File(Bytes);
     if (IsParadox(Bytes) && !IsTable(File))
-        throw EFormatError(FormatText("File \"%s\" is an index of a Paradox table, not the table itself", {FileName}));
+        throw EFormatError(FormatText("File \"%s\" is an index of a Paradox table, not the table itself",
+                                      {FileName}));
     if (IsParadox(Bytes) && IsEncrypted(File))
         throw EFormatError(FormatText("File \"%s\" is encrypted", {FileName}));
     try {

@@ -101,7 +101,8 @@ TVariant TimestampValue(const char* Bytes)
         return Null;
     const double Day = std::floor(*Stored / MillisecondsPerDay);
     if (Day < 1 || Day > LastDay)
-        throw EFormatError(FormatText("%s milliseconds lie outside the years 1 to 9999", {FloatToText(*Stored)}));
+        throw EFormatError(FormatText("%s milliseconds lie outside the years 1 to 9999",
+                                      {FloatToText(*Stored)}));
     const double Fraction = (*Stored - Day * MillisecondsPerDay) / MillisecondsPerDay;
     const double Days = Day + DayBeforeFirst;
     return TDateTime{Days < 0 ? Days - Fraction : Days + Fraction};

@@ -175,7 +175,8 @@ void TTable::InternalDelete()
     Fail("the table cannot be changed");
 }
 
-bool TTable::InternalLocate(std::span<TField* const> Keys, std::span<const TVariant> Values, TLocateOptions Options)
+bool TTable::InternalLocate(std::span<TField* const> Keys, std::span<const TVariant> Values,
+                            TLocateOptions Options)
 {
     const auto Before = RecordsBefore;
     const auto Matches = [&](const TField* Key, const TVariant& Value) {

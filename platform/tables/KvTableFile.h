@@ -41,7 +41,8 @@ protected:
     explicit TKvTableFile(const std::string& TableFile) : FileName(TableFile) {}
 
     /// Adds a field. Where one before has its name it gets the first of "_1", "_2", ... that is free.
-    /// Raises EFormatError "File "%s", name of field %d: %s" for a name that is no text of the file's code page.
+    /// Raises EFormatError "File "%s", name of field %d: %s" for a name that is
+    /// no text of the file's code page.
     void AddField(std::string_view StoredName, TFieldType Type, std::size_t Size);
 
     /// As Value, but raises any Exception with the reason alone.

@@ -37,7 +37,8 @@ void TKvAccessSession::Open(const std::string& TableName, const std::string& Fil
     FEngine = NewEngine();
     FDatabase = FEngine->OpenDatabase(FileName);
     if (!TableName.empty())
-        FRecordset = FDatabase->OpenRecordset(TableName, AccessTableRecordset, AccessNoOptions, AccessPessimistic);
+        FRecordset = FDatabase->OpenRecordset(TableName, AccessTableRecordset, AccessNoOptions,
+                                              AccessPessimistic);
     FTableName = TableName;
     FFileName = FileName;
 }

@@ -26,7 +26,8 @@ int FieldNamed(const TAccessRecordset& Recordset, std::string_view Name)
 
 } // namespace
 
-TKvImportFromAccess::TKvImportFromAccess(TComponent* Owner) : TKvImportFromFile(Owner, teAccess, Extension()) {}
+TKvImportFromAccess::TKvImportFromAccess(TComponent* Owner)
+    : TKvImportFromFile(Owner, teAccess, Extension()) {}
 
 TPublishedProperties TKvImportFromAccess::PublishedProperties() const
 {
@@ -98,7 +99,8 @@ void TKvImportFromAccess::GoFirst()
 TKvISourcePosition TKvImportFromAccess::SourcePosition() const
 {
     const int Skipped = Extensions.Contains(xaSkipsToRowFirst) && RowFirst > 1 ? RowFirst - 1 : 0;
-    return {.Unit = PositionUnit(), .Number = std::int64_t{Skipped} + (IsLooking() ? CurrentRow + 1 : Statistic.TotalImported)};
+    return {.Unit = PositionUnit(),
+            .Number = std::int64_t{Skipped} + (IsLooking() ? CurrentRow + 1 : Statistic.TotalImported)};
 }
 
 void TKvImportFromAccess::GoNext()
@@ -146,7 +148,8 @@ void GetAccessTables(TStrings& Items, const std::string& DatabaseName, const std
 }
 
 void LoadAccessPreview(TPersistent* Sender, const std::string& TableName, const std::string& FileName,
-                       std::string& FieldNames, bool Flag, TStrings* Columns, const TPreviewCallback& Callback)
+                       std::string& FieldNames, bool Flag, TStrings* Columns,
+                       const TPreviewCallback& Callback)
 {
     TKvAccessSession Session;
     Session.Open(TableName, FileName);

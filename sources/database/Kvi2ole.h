@@ -45,8 +45,8 @@ public:
 
 protected:
     bool NotDefined(std::string& PropName) override;
-    /// For fields of exactly the same name; see xaOpensForMapping. Raises Exception when the table is not open
-    /// or has no such field.
+    /// For fields of exactly the same name; see xaOpensForMapping. Raises Exception when the table is not
+    /// open or has no such field.
     void DetectAutoMapping() override;
     void BeforeImport() override;
     void GoFirst() override;
@@ -69,9 +69,10 @@ private:
 void GetAccessTables(TStrings& Items, const std::string& DatabaseName, const std::string& TableName);
 
 /// Shows the first 20 records of a table: `Callback` gets the values of each record as an array from 0.
-/// `FieldNames` becomes the list of all fields, separated by ";"; to `Columns`, when given, each is added as a
-/// line. Without a `TableName` there is nothing to show.
+/// `FieldNames` becomes the list of all fields, separated by ";"; to `Columns`, when given, each is added as
+/// a line. Without a `TableName` there is nothing to show.
 void LoadAccessPreview(TPersistent* Sender, const std::string& TableName, const std::string& FileName,
-                       std::string& FieldNames, bool Flag, TStrings* Columns, const TPreviewCallback& Callback);
+                       std::string& FieldNames, bool Flag, TStrings* Columns,
+                       const TPreviewCallback& Callback);
 
 } // namespace kv

@@ -41,8 +41,9 @@ std::unique_ptr<TKvImportBaseComponent> LoadImport(const TIniFile& File)
     const auto Name = File.ReadString("Common", "TableType", {});
     const auto TableType = TableTypeOfName(Name);
     if (!TableType)
-        File.RefuseValue("Common", "TableType", Name.empty() ? "it does not say what kind of source it is about"
-                                                             : FormatText("'%s' is no kind of source", {Name}));
+        File.RefuseValue("Common", "TableType",
+                         Name.empty() ? "it does not say what kind of source it is about"
+                                      : FormatText("'%s' is no kind of source", {Name}));
     auto Import = CreateImport(*TableType);
     Import->ReadSpecification(File);
     return Import;

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::uint32_t CodeMax = 0x10FFFF;
 constexpr std::uint32_t Latin1Max = 255;
-constexpr std::size_t MaxDigits = 16;               // many zeros may stand before a number, not any number of them
+constexpr std::size_t MaxDigits = 16;               // many zeros may stand before a number, but not any
 
 struct TName
 {
@@ -38,7 +38,8 @@ constexpr TName HtmlNames[] = {
     {"aelig", 230}, {"agrave", 224}, {"alefsym", 8501}, {"alpha", 945}, {"amp", 38}, {"and", 8743},
     {"ang", 8736}, {"apos", 39}, {"aring", 229}, {"asymp", 8776}, {"atilde", 227}, {"auml", 228},
     {"bdquo", 8222}, {"beta", 946}, {"brvbar", 166}, {"bull", 8226}, {"cap", 8745}, {"ccedil", 231},
-    {"cedil", 184}, {"cent", 162}, {"chi", 967}, {"circ", 710}, {"clubs", 9827}, {"cong", 8773}, {"copy", 169},
+    {"cedil", 184}, {"cent", 162}, {"chi", 967}, {"circ", 710}, {"clubs", 9827}, {"cong", 8773},
+    {"copy", 169},
     {"crarr", 8629}, {"cup", 8746}, {"curren", 164}, {"dArr", 8659}, {"dagger", 8224}, {"darr", 8595},
     {"deg", 176}, {"delta", 948}, {"diams", 9830}, {"divide", 247}, {"eacute", 233}, {"ecirc", 234},
     {"egrave", 232}, {"empty", 8709}, {"emsp", 8195}, {"ensp", 8194}, {"epsilon", 949}, {"equiv", 8801},
@@ -158,7 +159,8 @@ std::size_t DecodeReference(std::string_view Text, TKvReferences Kind, std::stri
     if (Reference.Size == 0)
         return 0;
     // A number below the first wraps far past the last.
-    if (const auto Index = Reference.Code - Windows1252First; Kind == crHtml && Index < std::size(Windows1252))
+    if (const auto Index = Reference.Code - Windows1252First;
+        Kind == crHtml && Index < std::size(Windows1252))
         Reference.Code = Windows1252[Index];
     return IsCharacter(Reference.Code) && AppendCharacter(Reference.Code, Out) ? Reference.Size : 0;
 }

@@ -33,7 +33,10 @@ std::string FindNoBreakSpace()
 class TKvHtmlCellText::TWriter
 {
 public:
-    TWriter(const TKvHtmlCellText& TheRules, std::string& Target) : Rules(TheRules), Out(Target) { Out.clear(); }
+    TWriter(const TKvHtmlCellText& TheRules, std::string& Target) : Rules(TheRules), Out(Target)
+    {
+        Out.clear();
+    }
 
     void Write(std::string_view Text)
     {
@@ -127,8 +130,8 @@ TKvHtmlCellText::TKvHtmlCellText(TKvIHTMLExtensions TheExtensions)
 {
 }
 
-/// Nothing in it has to change: single blanks inside it do not. The search stops at the tag behind the content
-/// and not at its end, which is too near for whole blocks of bytes.
+/// Nothing in it has to change: single blanks inside it do not. The search stops at the tag behind the
+/// content and not at its end, which is too near for whole blocks of bytes.
 bool TKvHtmlCellText::IsPlain(const TKvHtmlCell& Cell, const char* PageEnd) const
 {
     if (Cell.HasTags)

@@ -93,11 +93,13 @@ void TKvHtmlSpans::PlaceAll()
         TPlaced New{.Column = FColumns, .Width = 1, .RowsBelow = 0, .Cell = Cell};
         if (HasAttributes(Cell)) {
             New.RowsBelow = RowSpan(Cell.Tag) - 1;
-            const auto Reach = Covered != Above.end() ? Covered->Column : std::max(MaxColumns, New.Column + 1);
+            const auto Reach = Covered != Above.end() ? Covered->Column
+                                                      : std::max(MaxColumns, New.Column + 1);
             New.Width = std::min(ColumnSpan(Cell.Tag), Reach - New.Column);
         }
         if (New.RowsBelow > 0 && New.Column >= MaxRowSpanColumn)
-            throw Exception("A cell in column " + std::to_string(New.Column + 1) + " covers several rows; column " +
+            throw Exception("A cell in column " + std::to_string(New.Column + 1) +
+                            " covers several rows; column " +
                             std::to_string(MaxRowSpanColumn) + " is the last that may");
         Place(New);
     }

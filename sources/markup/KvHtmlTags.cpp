@@ -184,8 +184,9 @@ TKvHtmlTag TKvHtmlTags::ClassifyTable(const char* Name, bool IsEnd) const
 
 TKvHtmlTag TKvHtmlTags::ClassifyText(const char* Name, bool IsEnd) const
 {
-    static constexpr std::string_view Blocks[] = {"P",  "DIV", "LI", "UL", "OL", "DL", "DT",  "DD", "H1", "H2",
-                                                  "H3", "H4",  "H5", "H6", "HR", "PRE", "BLOCKQUOTE", "CAPTION"};
+    static constexpr std::string_view Blocks[] = {"P",  "DIV", "LI", "UL", "OL", "DL", "DT",  "DD",
+                                                  "H1", "H2",  "H3", "H4", "H5", "H6", "HR",  "PRE",
+                                                  "BLOCKQUOTE", "CAPTION"};
     const auto IsThis = [this, Name](std::string_view Each) { return IsName(Name, Each, true); };
     if (IsThis("BR") && !IsEnd)
         return htLineBreak;

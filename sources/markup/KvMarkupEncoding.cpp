@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr std::size_t HeadSize = 4096;              // bytes in which an encoding is declared; HTML asks for 1024
+constexpr std::size_t HeadSize = 4096;              // bytes to declare an encoding in; HTML asks for 1024
 
 bool IsSpace(char Char)
 {
@@ -40,7 +40,9 @@ std::string_view ValueOf(std::string_view Text)
     SkipSpace();
     if (Text.starts_with('"') || Text.starts_with('\''))
         Text.remove_prefix(1);
-    const auto IsEnd = [](char Char) { return IsSpace(Char) || "\"';/>?"sv.find(Char) != std::string_view::npos; };
+    const auto IsEnd = [](char Char) {
+        return IsSpace(Char) || "\"';/>?"sv.find(Char) != std::string_view::npos;
+    };
     return Text.substr(0, static_cast<std::size_t>(std::ranges::find_if(Text, IsEnd) - Text.begin()));
 }
 

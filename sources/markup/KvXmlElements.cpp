@@ -145,8 +145,8 @@ bool TKvXmlElements::OpenElement()
     return Record;
 }
 
-/// Up to the "/" or ">" that ends the tag. Its place is kept in a variable: a member would be stored and loaded
-/// at every step.
+/// Up to the "/" or ">" that ends the tag. Its place is kept in a variable: a member would be stored and
+/// loaded at every step.
 void TKvXmlElements::ReadAttributes()
 {
     const bool Keeps = KeepsAttributes || FieldsDepth != 0;

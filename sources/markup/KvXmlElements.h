@@ -1,6 +1,7 @@
 // KvXmlElements - the records of a data packet that is read as XML 1.0.
 //
-//   packet := ... <FIELDS> (<FIELD attrname="..."/>)* </FIELDS> ... <ROWDATA> (<ROW name="value" .../>)* </ROWDATA>
+//   packet := ... <FIELDS> (<FIELD attrname="..."/>)* </FIELDS> ...
+//             <ROWDATA> (<ROW name="value" .../>)* </ROWDATA>
 #pragma once
 
 #include <cstddef>
@@ -38,7 +39,8 @@ public:
     /// Moves to the next record. False past the last one, and on every later call.
     bool Next(TKvXmlRowUse Use);
 
-    const TKvXmlAttributes& Attributes() const { return FAttributes; } ///< Of the current record, with ruValues.
+    /// Of the current record, with ruValues.
+    const TKvXmlAttributes& Attributes() const { return FAttributes; }
     const char* Begin() const { return FBegin; }    ///< Of the tag of the current record, in the text.
     /// The elements directly inside a FIELDS so far, called by the attribute "attrname", else the first.
     const std::vector<TKvXmlField>& Fields() const { return FFields; }

@@ -36,8 +36,8 @@ public:
     /// Next(). Nothing when the record has no such attribute or, by the older rules, none that a quote ends.
     std::optional<std::string_view> Value(std::size_t Column);
 
-    /// The names of the attributes of the current record, asked for with ruValues, as views of the text; by the
-    /// older rules what stands between the last blank and the sign.
+    /// The names of the attributes of the current record, asked for with ruValues, as views of the text; by
+    /// the older rules what stands between the last blank and the sign.
     std::vector<std::string_view> AttributeNames();
 
     const std::vector<TKvXmlField>& Fields() const; ///< That FIELDS sections have declared so far.

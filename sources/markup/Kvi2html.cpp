@@ -16,8 +16,9 @@ namespace kv {
 
 namespace {
 
-constexpr std::string_view ExtensionNames[] = {"xhTagSyntax", "xhHeaderCells", "xhReferences",  "xhFoldedSpace",
-                                               "xhSpans",     "xhEncoding",    "xhHeaderNames", "xhEmptyIsNull"};
+constexpr std::string_view ExtensionNames[] = {"xhTagSyntax",   "xhHeaderCells", "xhReferences",
+                                               "xhFoldedSpace", "xhSpans",       "xhEncoding",
+                                               "xhHeaderNames", "xhEmptyIsNull"};
 constexpr std::string_view NamesOf1252[] = {"ISO-8859-1", "latin1", "US-ASCII"};
 constexpr char MsgNoColumn[] = "%s has no column \"%s\"";
 constexpr char MsgNoTable[] = "%s has no table %d: it has tables 1 to %d";

@@ -32,7 +32,7 @@ public:
     TPublishedProperties PublishedProperties() const override;
 
     TKvIHTMLExtensions Extensions;
-    int TableNumber = 0;                            ///< The table to import, from 1; 0: all, one after the other.
+    int TableNumber = 0;                            ///< The table to import, from 1; 0: all of them.
 
     /// How many tables the rows of the last run or look came from, those inside others not counted.
     int TablesRead() const { return FTablesRead; }

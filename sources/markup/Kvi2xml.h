@@ -79,9 +79,9 @@ private:
 std::string_view FindXmlFileEncoding(std::string_view Text);
 
 /// Calls `Callback` once for each of the records `RowFirst` to `RowLast`, at most to number 20, of a file.
-/// `FieldNames`, separated by ";", go to `Columns`; the values are those of the attributes with these names, and
-/// the name itself where there is none. Without names nothing happens. Raises EFileError; with `Extensions`
-/// also what a run with these raises.
+/// `FieldNames`, separated by ";", go to `Columns`; the values are those of the attributes with these names,
+/// and the name itself where there is none. Without names nothing happens. Raises EFileError; with
+/// `Extensions` also what a run with these raises.
 void LoadXMLPreview(TPersistent* Sender, std::string_view FieldNames, const std::string& FileName,
                     std::string_view RowTag, int RowFirst, int RowLast, bool Flag, TStrings& Columns,
                     const TPreviewCallback& Callback, TKvIXMLExtensions Extensions = {});

@@ -27,7 +27,8 @@ std::size_t TSpreadSheetRow::PositionOf(int Col) const
     const auto Guess = static_cast<std::size_t>(Col);
     if (Guess < Cells.size() && Cells[Guess].Col == Col)
         return Guess;
-    const auto Found = std::ranges::lower_bound(Cells, Col, {}, [](const TCell& Cell) { return int{Cell.Col}; });
+    const auto Found = std::ranges::lower_bound(Cells, Col, {},
+                                                [](const TCell& Cell) { return int{Cell.Col}; });
     return static_cast<std::size_t>(Found - Cells.begin());
 }
 

@@ -102,7 +102,7 @@ private:
 
     std::vector<TSpreadSheetRow> Rows;
     bool AreAscending = true;                       // each row has a higher number than the one before
-    std::unordered_map<int, int> Positions;         // of the first row with a number, unless they are ascending
+    std::unordered_map<int, int> Positions;         // of the first row with a number, unless ascending
     int LastFound = 0;                              // tried first: files store row after row
     int FCellRows = 0;
     int FCellColumns = 0;

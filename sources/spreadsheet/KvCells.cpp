@@ -82,15 +82,16 @@ void TSpreadSheetFile::SheetEvent(TCustomSpreadSheetFile&, const std::string& Ca
     Sheets[static_cast<std::size_t>(Sheets.Add())].Caption = Caption;
 }
 
-void TSpreadSheetFile::DimsEvent(TCustomSpreadSheetFile&, int SheetIndex, int, int LastRow, int, int LastColumn)
+void TSpreadSheetFile::DimsEvent(TCustomSpreadSheetFile&, int SheetIndex, int, int LastRow, int,
+                                 int LastColumn)
 {
     auto& Cells = Sheets.Spreadsheet(SheetIndex).Cells;
     Cells.LastRow = static_cast<std::uint16_t>(LastRow);
     Cells.LastColumn = static_cast<std::uint16_t>(LastColumn);
 }
 
-void TSpreadSheetFile::CellEvent(TCustomSpreadSheetFile&, int SheetIndex, int Row, int Column, const TVariant& Value,
-                                 TAlignment Alignment)
+void TSpreadSheetFile::CellEvent(TCustomSpreadSheetFile&, int SheetIndex, int Row, int Column,
+                                 const TVariant& Value, TAlignment Alignment)
 {
     auto& Cells = Sheets.Spreadsheet(SheetIndex).Cells;
     if (Value.HasValue())

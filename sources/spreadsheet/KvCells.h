@@ -54,8 +54,9 @@ using TOnColumnWidth =
     std::function<void(TCustomSpreadSheetFile& Sender, int SheetIndex, int ColumnNo, int Width)>;
 using TOnRowHeight =
     std::function<void(TCustomSpreadSheetFile& Sender, int SheetIndex, int RowNo, int Height)>;
-using TOnDimensions = std::function<void(TCustomSpreadSheetFile& Sender, int SheetIndex, int FirstRow, int LastRow,
-                                         int FirstColumn, int LastColumn)>;
+using TOnDimensions =
+    std::function<void(TCustomSpreadSheetFile& Sender, int SheetIndex, int FirstRow, int LastRow,
+                       int FirstColumn, int LastColumn)>;
 /// `Value` lives as long as the call.
 using TOnCellValue = std::function<void(TCustomSpreadSheetFile& Sender, int SheetIndex, int Row, int Column,
                                         const TVariant& Value, TAlignment Alignment)>;

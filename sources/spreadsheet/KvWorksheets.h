@@ -25,7 +25,7 @@ enum TWorksheetRecord : std::uint16_t {
     wrNumber = 0x0E,
     wrLabel = 0x0F,
     wrFormula = 0x10,
-    wrString = 0x33                                 ///< The result of the formula before it, when that is text.
+    wrString = 0x33                                 ///< The result of the formula before it, if text.
 };
 
 /// Where a cell stands, counted from 0.
@@ -36,9 +36,9 @@ struct TCellPlace
 };
 
 /// Reads a worksheet. Events carry sheet 0; OnSheet is not raised, so that the model names the sheet Sheet1.
-/// OnDimensions has the extent of the range record, whose last row and column are numbers and not counts; with
-/// seCellExtent it comes once more at the end, as counts. A record may have all of the 65535 bytes that its
-/// length can tell; one of length 0 is only a header.
+/// OnDimensions has the extent of the range record, whose last row and column are numbers and not counts;
+/// with seCellExtent it comes once more at the end, as counts. A record may have all of the 65535 bytes that
+/// its length can tell; one of length 0 is only a header.
 class TWorksheetFile : public TSpreadSheetFile
 {
 public:

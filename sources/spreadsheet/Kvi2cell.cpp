@@ -127,7 +127,8 @@ void TKvImportFromCell::DetectAutoMapping()
             return LettersOfColumn(Field.Index());
         const auto NamesField = [&Field](const auto& Each) { return SameText(Each, Field.FieldName()); };
         const auto Found = std::ranges::find_if(Header, NamesField);
-        return Found != Header.end() ? LettersOfColumn(static_cast<int>(Found - Header.begin()) + 1) : std::string();
+        return Found != Header.end() ? LettersOfColumn(static_cast<int>(Found - Header.begin()) + 1)
+                                     : std::string();
     });
     AfterImport();
 }

@@ -75,9 +75,9 @@ int ColumnExtent(const TSpreadSheetCells& Cells, TSpreadSheetExtensions Extensio
 /// Quattro Pro; Exception "Incorrect type of spreadsheet" is raised for another one. `Sheets` receives the
 /// captions of all sheets, `Columns` the letters of those columns that `ColumnSpec` names, separated by ";",
 /// each with its number from 0 attached, or of all that were stored, with their numbers from 1. Rows go from
-/// `FirstRow`, from 1, up to, and without, row `LastRow`, from 0. `Callback` gets `Sender`, the number of columns,
-/// the row of the preview, `Flag`, and an array that holds for each column an array of Null, its name and its
-/// value.
+/// `FirstRow`, from 1, up to, and without, row `LastRow`, from 0. `Callback` gets `Sender`, the number of
+/// columns, the row of the preview, `Flag`, and an array that holds for each column an array of Null, its
+/// name and its value.
 void LoadSpreadSheetPreview(int SpreadSheetType, TPersistent* Sender, std::string_view ColumnSpec,
                             const std::string& FileName, int SheetIndex, int FirstRow, int LastRow,
                             TStrings& Sheets, bool Flag, TStrings& Columns, const TPreviewCallback& Callback,

@@ -18,8 +18,8 @@ namespace kv {
 
 enum TWKSVersion { wvUnknown, wvWKS1, wvWKS2, wvWR1 };
 
-/// Raises "File is not a Lotus 1-2-3 file" for another one. A column from 256 on is raised like any other; the
-/// model counts its values and keeps none.
+/// Raises "File is not a Lotus 1-2-3 file" for another one. A column from 256 on is raised like any other;
+/// the model counts its values and keeps none.
 class TLotus123 final : public TWorksheetFile
 {
 public:

@@ -27,7 +27,8 @@ void TQuattroPro::ReadRange(const TKvRecord& Record)
 TCellPlace TQuattroPro::PlaceOf(const TKvRecord& Cell) const
 {
     const int Row = Extensions.Contains(seWideRows) ? Cell.At<std::uint16_t>(3)
-                                                    : Cell.At<std::uint8_t>(2) * 256 + Cell.At<std::uint8_t>(3);
+                                                    : Cell.At<std::uint8_t>(2) * 256 +
+                                                      Cell.At<std::uint8_t>(3);
     return {.Row = Row, .Column = Cell.At<std::uint8_t>(1)};
 }
 

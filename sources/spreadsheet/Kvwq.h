@@ -11,8 +11,8 @@
 //   formula          10   format:u8 col:u8 row:u8[3]  result:f64 size:u16 ...
 //   string           33   format:u8 col:u8 row:u8[3]  size:u8 text:u8[size]
 //
-// Of the three bytes of the row the first counts 256 and the second 1. What Quattro Pro writes there is a zero
-// and the row in 16 bits, low byte first: up to row 255 it is the same.
+// Of the three bytes of the row the first counts 256 and the second 1. What Quattro Pro writes there is a
+// zero and the row in 16 bits, low byte first: up to row 255 it is the same.
 #pragma once
 
 #include "KvWorksheets.h"

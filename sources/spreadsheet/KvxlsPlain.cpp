@@ -146,7 +146,8 @@ void TKvxlsPlain::ReadCell(const TKvRecord& Cell)
     case rcBoolErr2:
     case rcBoolErr: {
         const std::size_t Position = AllCells && Cell.Id == rcBoolErr2 ? 7 : 6;
-        RaiseBoolErr(NextPlace(Cell), Cell.At<std::uint8_t>(Position), Cell.At<std::uint8_t>(Position + 1) != 0);
+        RaiseBoolErr(NextPlace(Cell), Cell.At<std::uint8_t>(Position),
+                     Cell.At<std::uint8_t>(Position + 1) != 0);
         break;
     }
     case rcFormula:

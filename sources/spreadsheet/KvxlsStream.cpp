@@ -57,12 +57,14 @@ void TKvxlsStream::RaiseMulRk(const TKvRecord& Cells)
     constexpr std::size_t EntrySize = 6, Ends = 6;  // row, first column and last column
     auto Place = PlaceOf(Cells);
     Cells.Text(0, Ends);
-    for (std::size_t Position = 4; Position + EntrySize + 2 <= Cells.Size(); Position += EntrySize, ++Place.Column)
+    for (std::size_t Position = 4; Position + EntrySize + 2 <= Cells.Size();
+         Position += EntrySize, ++Place.Column)
         RaiseAligned(Place, RkNumber(Cells.At<std::uint32_t>(Position + 2)),
                      Formats.IsDate(Cells.At<std::uint16_t>(Position)));
 }
 
-void TKvxlsStream::RaiseResult(const TPlace& Place, const TKvRecord& Formula, std::size_t Position, bool IsDate)
+void TKvxlsStream::RaiseResult(const TPlace& Place, const TKvRecord& Formula, std::size_t Position,
+                               bool IsDate)
 {
     EndTextResult();
     if (!Extends(seFormulaResults) || Formula.At<std::uint16_t>(Position + 6) != NoNumber) {

@@ -152,7 +152,8 @@ void TKvxlsWorkbook::SeekSheet(std::size_t Index, const TKvRecord& Bof)
 {
     const auto Offset = Sheets[Index].Offset;
     if (Offset <= Bof.Offset)
-        Bof.Raise(FormatText("the next sheet cannot begin before it, at offset %d", {std::to_string(Offset)}));
+        Bof.Raise(FormatText("the next sheet cannot begin before it, at offset %d",
+                             {std::to_string(Offset)}));
     Records.Seek(Offset);
 }
 
@@ -317,7 +318,8 @@ void TKvxlsWorkbook::ReadFormulaText(const TKvRecord& Record)
 std::string_view TKvxlsWorkbook::TakeText(std::size_t Position)
 {
     const auto& Record = Records.Record();
-    return TakeCharacters(Position + 3, Record.At<std::uint16_t>(Position), Record.At<std::uint8_t>(Position + 2));
+    return TakeCharacters(Position + 3, Record.At<std::uint16_t>(Position),
+                          Record.At<std::uint8_t>(Position + 2));
 }
 
 /// Characters that begin at `Position` of the current record and may go on in others, of which the last is

@@ -13,12 +13,12 @@
 //   dimensions       0200        firstrow:u16 endrow:u16 firstcol:u16 endcol:u16    rows:u32 in Excel 8
 //   row              0208        row:u16 firstcol:u16 endcol:u16 height:u16
 //
-//   blank            0001        row:u16 column:u16 attributes:u8[3]                column := its low byte ...
+//   blank            0001        row:u16 column:u16 attributes:u8[3]                column := low byte ...
 //   integer          0002        row:u16 column:u16 attributes:u8[3] value:u16
 //   number           0003        row:u16 column:u16 attributes:u8[3] value:f64
 //   label            0004        row:u16 column:u16 attributes:u8[3] length:u8 text     ... but for blanks
 //
-//   boolean, error   0005 0205   cell xf:u16 value:u8 iserror:u8                    cell := row:u16 column:u16
+//   boolean, error   0005 0205   cell xf:u16 value:u8 iserror:u8                    cell := row:u16 col:u16
 //   formula          0006        cell xf:u16 result:f64 ...
 //   RK               007E 027E   cell xf:u16 rk:u32
 //   RK's             00BD        row:u16 first:u16 (xf:u16 rk:u32)* last:u16
@@ -36,7 +36,8 @@
 //   string           0007 0207   length:u16 [options:u8] text                       a formula's result
 //   rich text        00D6        cell xf:u16 length:u16 text runs
 //   label            0204        cell xf:u16 length:u16 options:u8 text             in Excel 8
-//   format           041E        index:u16 length:u8 text                           length:u16 options:u8 in Excel 8
+//   format           041E        index:u16 length:u8 text
+//                                index:u16 length:u16 options:u8 text               in Excel 8
 #pragma once
 
 #include <cstddef>
@@ -58,8 +59,8 @@ public:
     TKvxlsWorkbook(TMSExcel& TheFile, TKvxlsFormats& TheFormats, std::string_view Stream);
 
     /// Raises what the stream holds. False when it ended before the last sheet did. Raises the errors of
-    /// TMSExcel but for "File is not a ...", and with seCellRecords EFormatError "File is truncated: of its %d
-    /// sheets only %d are there".
+    /// TMSExcel but for "File is not a ...", and with seCellRecords EFormatError "File is truncated: of its
+    /// %d sheets only %d are there".
     bool Read();
 
     /// evExcel7 or evExcel8 for bytes that begin like a workbook stream, evUnknown for others.

@@ -48,7 +48,8 @@ std::vector<bool> FindCalculatedFields(const TMdbFile& File, const MdbTableDef& 
     if (Definition.size() < End)
         return Calculated;
     for (std::size_t At = Start; At < End; At += Format.tab_col_entry_size) {
-        if ((static_cast<unsigned char>(Definition[At + ExtraFlagsPosition]) & CalculatedFlags) != CalculatedFlags)
+        if ((static_cast<unsigned char>(Definition[At + ExtraFlagsPosition]) & CalculatedFlags) !=
+            CalculatedFlags)
             continue;
         // The library has the columns in the order of their numbers, the definition in another.
         const int Number = static_cast<unsigned char>(Definition[At + Format.col_num_offset]);

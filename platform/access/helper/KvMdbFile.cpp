@@ -44,7 +44,8 @@ std::uint64_t CheckedSize(const std::string& FileName)
     if (!IsAccess)
         throw EFormatError("is not an Access database");
     if (const int Version = Start[VersionPosition]; Version < 0 || Version > NewestVersion)
-        throw EFormatError("is an Access database of an unknown version (" + std::to_string(Version & 0xFF) + ")");
+        throw EFormatError("is an Access database of an unknown version (" + std::to_string(Version & 0xFF) +
+                           ")");
     return std::filesystem::file_size(FileName);
 }
 

@@ -37,7 +37,8 @@ void GrantTime()
 {
     rusage Used{};
     if (::getrusage(RUSAGE_SELF, &Used) == 0)
-        Limit(RLIMIT_CPU, static_cast<rlim_t>(Used.ru_utime.tv_sec + Used.ru_stime.tv_sec + MaxSecondsWithoutOutput));
+        Limit(RLIMIT_CPU,
+              static_cast<rlim_t>(Used.ru_utime.tv_sec + Used.ru_stime.tv_sec + MaxSecondsWithoutOutput));
 }
 
 } // namespace kv

@@ -65,11 +65,13 @@ bool TMdbRows::NextPage()
     if (Page == 0)
         return false;
     if (Page >= Visited.size() || Visited[Page])
-        RaiseDamaged("page " + std::to_string(Page) + (Page < Visited.size() ? " comes twice" : " is not there"));
+        RaiseDamaged("page " + std::to_string(Page) +
+                     (Page < Visited.size() ? " comes twice" : " is not there"));
     Visited[Page] = true;
     PageRows = static_cast<unsigned>(mdb_get_int16(Handle->pg_buf, Handle->fmt->row_count_offset));
     if (PageRows > File.PageSize() / sizeof(std::uint16_t))
-        RaiseDamaged("page " + std::to_string(Page) + " claims to have " + std::to_string(PageRows) + " records");
+        RaiseDamaged("page " + std::to_string(Page) + " claims to have " + std::to_string(PageRows) +
+                     " records");
     return true;
 }
 
@@ -88,7 +90,8 @@ bool TMdbRows::LoadRow(unsigned Slot)
     if (Flags & MovedFlag) {
         if (Size < PointerSize)
             RaiseDamaged("its pointer is cut off");
-        return LoadMovedRow(static_cast<std::uint32_t>(mdb_get_int32(Handle->pg_buf, static_cast<int>(Start))));
+        return LoadMovedRow(
+            static_cast<std::uint32_t>(mdb_get_int32(Handle->pg_buf, static_cast<int>(Start))));
     }
     Crack(Start, Size);
     Row = {reinterpret_cast<const char*>(Handle->pg_buf) + Start, Size};
@@ -135,11 +138,12 @@ void TMdbRows::Crack(std::size_t Start, std::size_t Size)
     RowStart = Start;
     for (std::size_t I = 0; I < FieldCount(); ++I) {
         auto& Field = Fields[I];
-        if (Column(I).col_num >= Room)              // added later: what seems to be its mark is not of this row
+        if (Column(I).col_num >= Room)              // added later: what seems its mark is not of this row
             Field.is_null = 1;
         if (Field.is_null)
             continue;
-        const auto Begin = static_cast<std::size_t>(Field.start), Length = static_cast<std::size_t>(Field.siz);
+        const auto Begin = static_cast<std::size_t>(Field.start),
+                   Length = static_cast<std::size_t>(Field.siz);
         if (Field.start < 0 || Field.siz < 0 || Begin < Start || Begin > Start + Size ||
             Length > Start + Size - Begin)
             RaiseDamaged("its fields are longer than itself");
@@ -151,7 +155,8 @@ TMdbValue TMdbRows::Value(std::size_t Field) const
     const auto& From = Fields[Field];
     if (From.is_null)
         return {};
-    return {false, Row.substr(static_cast<std::size_t>(From.start) - RowStart, static_cast<std::size_t>(From.siz))};
+    return {false,
+            Row.substr(static_cast<std::size_t>(From.start) - RowStart, static_cast<std::size_t>(From.siz))};
 }
 
 std::string TMdbRows::Place() const

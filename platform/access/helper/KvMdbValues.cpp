@@ -25,8 +25,8 @@ constexpr std::size_t GuidSize = 16;
 template <class T> T NumberOf(std::string_view Bytes)
 {
     if (Bytes.size() != sizeof(T))
-        throw EFormatError("its value is damaged: it takes " + std::to_string(Bytes.size()) + " bytes instead of " +
-                           std::to_string(sizeof(T)));
+        throw EFormatError("its value is damaged: it takes " + std::to_string(Bytes.size()) +
+                           " bytes instead of " + std::to_string(sizeof(T)));
     return LoadLittleEndian<T>(Bytes.data());
 }
 
@@ -34,15 +34,16 @@ template <class T> T NumberOf(std::string_view Bytes)
 std::string GuidText(std::string_view Bytes)
 {
     if (Bytes.size() != GuidSize)
-        throw EFormatError("its value is damaged: it takes " + std::to_string(Bytes.size()) + " bytes instead of 16");
+        throw EFormatError("its value is damaged: it takes " + std::to_string(Bytes.size()) +
+                           " bytes instead of 16");
     TKvByteCursor In(Bytes);
     const unsigned First = In.Take<std::uint32_t>();
     const unsigned Second = In.Take<std::uint16_t>(), Third = In.Take<std::uint16_t>();
     char Text[40];
     int Size = std::snprintf(Text, sizeof Text, "{%08X-%04X-%04X-", First, Second, Third);
     for (int I = 0; I < 8; ++I)
-        Size += std::snprintf(Text + Size, sizeof Text - static_cast<std::size_t>(Size), I == 1 ? "%02X-" : "%02X",
-                              In.Take<std::uint8_t>());
+        Size += std::snprintf(Text + Size, sizeof Text - static_cast<std::size_t>(Size),
+                              I == 1 ? "%02X-" : "%02X", In.Take<std::uint8_t>());
     return std::string(Text, static_cast<std::size_t>(Size)) + '}';
 }
 
@@ -140,7 +141,8 @@ void TMdbValues::WriteText(std::string_view Bytes)
 void TMdbValues::WriteDecimal(std::string_view Bytes, int Scale)
 {
     if (Bytes.size() != TMdbDecimal::Size)
-        throw EFormatError("its value is damaged: it takes " + std::to_string(Bytes.size()) + " bytes instead of 17");
+        throw EFormatError("its value is damaged: it takes " + std::to_string(Bytes.size()) +
+                           " bytes instead of 17");
     const TMdbDecimal Number(Bytes, Scale);
     if (const auto Whole = Number.Scaled(0))
         Writer.Integer(*Whole);

@@ -109,5 +109,5 @@ int main(int Count, char** Arguments)
     for (const char* const Variable : {"MDBOPTS", "MDBICONV", "MDB_JET3_CHARSET"})
         ::unsetenv(Variable);                       // settings of the library; text is to be UTF-8
     kv::Answer(Count, Arguments);
-    std::_Exit(EXIT_SUCCESS);                       // the library may fall over what a damaged file left behind
+    std::_Exit(EXIT_SUCCESS);                       // the library may fall over what a damaged file left
 }
