@@ -19,8 +19,8 @@ TKvLayers SmallTree()
     return TKvLayers({"platform/runtime/Runtime.h", "platform/dataset/DataSet.h", "platform/ui/Ui.h",
                       "platform/storage/Storage.h", "platform/sqlite/Sqlite.h", "platform/qt/QtUi.h",
                       "engine/Engine.h", "sources/text/Text.h", "sources/spreadsheet/Spreadsheet.h",
-                      "sources/factory/Factory.h", "wizard/Wizard.h", "design/Design.h", "apps/kvimport/Program.h",
-                      "apps/kvwizard/Window.h"});
+                      "sources/factory/Factory.h", "wizard/Wizard.h", "design/Design.h",
+                      "apps/kvimport/Program.h", "apps/kvwizard/Window.h"});
 }
 
 struct TIncludeRow

@@ -18,7 +18,8 @@ namespace kv {
 namespace {
 
 constexpr std::chrono::seconds Patience(1);         // what runs in circles would run for ever
-constexpr TMutantLimits Limits{.Count = 1000, .Reader = mrChildProcess, .MaxSeconds = 30, .MaxMegabytes = 2100};
+constexpr TMutantLimits Limits{.Count = 1000, .Reader = mrChildProcess, .MaxSeconds = 30,
+                               .MaxMegabytes = 2100};
 constexpr std::size_t PageSize = 2048;              // or twice that
 constexpr std::size_t MaxFileSize = 150'000;
 
@@ -38,7 +39,8 @@ std::vector<TMutantOrigin> SmallFiles(const std::filesystem::path& Corpus)
 
 void ReadTable(TAccessDatabase& Database, const std::string& Name)
 {
-    const auto Records = Database.OpenRecordset(Name, AccessTableRecordset, AccessNoOptions, AccessPessimistic);
+    const auto Records = Database.OpenRecordset(Name, AccessTableRecordset, AccessNoOptions,
+                                                AccessPessimistic);
     for (; !Records->Eof(); Records->MoveNext())
         for (std::size_t I = 0; I < Records->Fields().size(); ++I)
             try {

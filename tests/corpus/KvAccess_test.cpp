@@ -52,7 +52,8 @@ std::unique_ptr<TAccessRecordset> OpenTable(TAccessDatabase& Database, const std
 /// The name of a table as a part of a file's name.
 std::string FileNameOf(std::string Table)
 {
-    std::ranges::replace_if(Table, [](unsigned char Each) { return !std::isalnum(Each) && Each != '_'; }, '_');
+    std::ranges::replace_if(Table, [](unsigned char Each) { return !std::isalnum(Each) && Each != '_'; },
+                            '_');
     return Table;
 }
 
@@ -110,7 +111,8 @@ std::string DumpText(const TVariant& Value, TAccessFieldType Type)
     case vkDateTime: return TJson(DateText(Value.DateTime())).dump();
     case vkCurrency: return '"' + AmountText(Value.Currency()) + '"';
     case vkDouble:   return TJson(Value.Double()).dump();
-    case vkString:   return TJson(HoldsBytes(Type) ? "0x" + HexText(Value.Text(), LowerDigits) : Value.ToText()).dump();
+    case vkString:   return TJson(HoldsBytes(Type) ? "0x" + HexText(Value.Text(), LowerDigits)
+                                                   : Value.ToText()).dump();
     default:         return Type == afDecimal ? '"' + Value.ToText() + '"' : Value.ToText();
     }
 }

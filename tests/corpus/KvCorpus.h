@@ -1,7 +1,7 @@
 // KvCorpus - files of other programs and what independent tools read from them.
 //
 //   <corpus>/<format>/<file>                           the files
-//   <corpus>/expected/<format>/<file>.<tool>.json      {"sheets": {name: {"B7": [type, value, number format]}}}
+//   <corpus>/expected/<format>/<file>.<tool>.json      {"sheets": {name: {"B7": [type, value, format]}}}
 #pragma once
 
 #include <filesystem>

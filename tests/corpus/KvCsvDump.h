@@ -10,7 +10,7 @@ namespace kv {
 struct TCsvValue
 {
     std::string Text;                               ///< Without its quotes.
-    std::string Behind;                             ///< What follows the closing quote: "A40" of "NAME":A40 is ":A40".
+    std::string Behind;                             ///< What follows the closing quote, such as :A40.
     bool IsQuoted = false;                          ///< An unquoted value without text is no value.
 };
 

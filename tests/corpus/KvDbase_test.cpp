@@ -1,4 +1,5 @@
-// dBase and FoxPro tables of other programs, compared value by value with what independent tools read from them.
+// dBase and FoxPro tables of other programs, compared value by value with what
+// independent tools read from them.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -155,7 +156,8 @@ TTheirTable ReadSheetDump(const fs::path& Path)
         Values.resize(std::max(Table.Names.size(), static_cast<std::size_t>(Column) + 1));
         if (Cell.Type == 's' || Cell.Number)
             Values.at(static_cast<std::size_t>(Column)) = {
-                Cell.Type == 's' ? TTheirValue::Text : Cell.Type == 'b' ? TTheirValue::Boolean : TTheirValue::Number,
+                Cell.Type == 's' ? TTheirValue::Text : Cell.Type == 'b' ? TTheirValue::Boolean
+                                                                        : TTheirValue::Number,
                 Cell.Number.value_or(0), Cell.Text};
     }
     return Table;
@@ -317,7 +319,8 @@ private:
             ++Rules[*Rule];
         else
             ADD_FAILURE() << Theirs.Tool << ", " << Table.FieldDefs()[Field].Name << ": '"
-                          << (Error.empty() ? Ours.ToText() : Error) << "', theirs '" << Value.Characters << "' "
+                          << (Error.empty() ? Ours.ToText() : Error) << "', theirs '" << Value.Characters
+                          << "' "
                           << Value.Numeric;
     }
 
@@ -326,7 +329,8 @@ private:
         if (Value.Kind == TTheirValue::None || (Value.Kind == TTheirValue::Text && Value.Characters.empty()))
             return !Ours.HasValue() || Ours.ToText().empty();
         if (Value.Kind != TTheirValue::Text)
-            return Ours.IsString() ? NumberInText(Ours.Text()) == Value.Numeric : NumberOf(Ours) == Value.Numeric;
+            return Ours.IsString() ? NumberInText(Ours.Text()) == Value.Numeric
+                                   : NumberOf(Ours) == Value.Numeric;
         std::string Buffer;
         switch (Ours.Kind()) {
         case vkString:

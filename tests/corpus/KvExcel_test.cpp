@@ -55,8 +55,8 @@ constexpr std::string_view RuleTexts[RuleCount] = {
     "classic: what a chart holds is a cell of the sheet before it"};
 using TRuleCounts = std::map<TRule, int>;
 
-constexpr TSpreadSheetExtensions AllButDateMode = {seFormulaResults, seCustomDates, seCellExtent, seFileCodePage,
-                                                   seCellRecords};
+constexpr TSpreadSheetExtensions AllButDateMode = {seFormulaResults, seCustomDates, seCellExtent,
+                                                   seFileCodePage, seCellRecords};
 constexpr TSpreadSheetExtensions AllExtensions = {seFormulaResults, seCustomDates,  seDateMode,
                                                   seCellExtent,     seFileCodePage, seCellRecords};
 
@@ -120,8 +120,10 @@ std::string Unicode(const TVariant& Value)
 /// The codes by which one of the tools gives errors.
 std::string_view ErrorText(int Code)
 {
-    static const std::map<int, std::string_view> Texts = {{0x00, "#NULL!"}, {0x07, "#DIV/0!"}, {0x0F, "#VALUE!"},
-                                                          {0x17, "#REF!"},  {0x1D, "#NAME?"},  {0x24, "#NUM!"},
+    static const std::map<int, std::string_view> Texts = {{0x00, "#NULL!"}, {0x07, "#DIV/0!"},
+                                                          {0x0F, "#VALUE!"},
+                                                          {0x17, "#REF!"},  {0x1D, "#NAME?"},
+                                                          {0x24, "#NUM!"},
                                                           {0x2A, "#N/A"}};
     return Texts.at(Code);
 }
@@ -218,7 +220,8 @@ public:
         for (std::size_t I = 0; I < Today.Sheets.size(); ++I) {
             for (const auto& [Ref, Value] : Today.Sheets[I].second) {
                 const auto Old = CellOf(Classic, I, Ref);
-                EXPECT_TRUE((Old.Kind() == Value.Kind() && Old == Value) || ExplainsClassic(Old, Value, I, Ref))
+                EXPECT_TRUE((Old.Kind() == Value.Kind() && Old == Value) ||
+                            ExplainsClassic(Old, Value, I, Ref))
                     << CellRefText(Ref) << ": " << Shown(Old) << ", today " << Shown(Value);
             }
             for (const auto& [Ref, Value] : Classic.Sheets[I].second)

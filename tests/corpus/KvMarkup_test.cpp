@@ -49,7 +49,8 @@ bool IsBlank(std::string_view Text)
 }
 
 /// Imports the given source columns as text. UTF-8.
-std::vector<TRow> ImportRows(TKvImportFromMarkup& Import, const fs::path& Path, const std::vector<std::string>& Columns)
+std::vector<TRow> ImportRows(TKvImportFromMarkup& Import, const fs::path& Path,
+                             const std::vector<std::string>& Columns)
 {
     TMemoryDataSet Table;
     std::vector<TFieldDef> Fields;
@@ -77,7 +78,8 @@ std::vector<TRow> ImportRows(TKvImportFromMarkup& Import, const fs::path& Path, 
 
 // Data packets.
 
-void CompareValue(const std::string& Ours, const nlohmann::json& Record, const std::string& Name, TRules& Rules)
+void CompareValue(const std::string& Ours, const nlohmann::json& Record, const std::string& Name,
+                  TRules& Rules)
 {
     const auto Found = Record.find(Name);
     if (Found == Record.end()) {
@@ -121,7 +123,8 @@ void ComparePacket(const fs::path& File, const nlohmann::json& Dump, TRules& Rul
 bool HasReference(const std::string& Text)
 {
     return std::ranges::any_of(Text, [](char Char) {
-        return static_cast<unsigned char>(Char) < ' ' || std::string_view("<>&\"'").find(Char) != std::string_view::npos;
+        return static_cast<unsigned char>(Char) < ' ' ||
+               std::string_view("<>&\"'").find(Char) != std::string_view::npos;
     });
 }
 
@@ -133,7 +136,8 @@ bool IsValueOfLongerName(const std::string& Ours, const nlohmann::json& Record, 
     });
 }
 
-void CompareClassicValue(const std::string& Ours, const nlohmann::json& Record, const std::string& Name, TRules& Rules)
+void CompareClassicValue(const std::string& Ours, const nlohmann::json& Record, const std::string& Name,
+                         TRules& Rules)
 {
     const auto Found = Record.find(Name);
     const auto Theirs = Found != Record.end() ? Found->get<std::string>() : std::string();
@@ -232,7 +236,8 @@ public:
         int Columns = 1;
         for (const auto& [Ref, Cell] : Sheet)
             Columns = std::max(Columns, Ref.second + 1);
-        Rows = ImportTable(File, Table, Columns + 1); // one more, so that a value too many does not pass unseen
+        // One more, so that a value too many does not pass unseen.
+        Rows = ImportTable(File, Table, Columns + 1);
     }
 
     void Compare(TRules& Rules) const
@@ -244,7 +249,8 @@ public:
                     Explain(Row, Column, Rules);
         for (const auto& [Ref, Cell] : Sheet) {
             const bool HasPlace = Ref.second < 0 || Ref.first < std::ssize(Rows);
-            EXPECT_TRUE(HasPlace || IsInsideACell(Cell.Text)) << CellRefText(Ref) << ": theirs '" << Cell.Text << "'";
+            EXPECT_TRUE(HasPlace || IsInsideACell(Cell.Text))
+                << CellRefText(Ref) << ": theirs '" << Cell.Text << "'";
         }
     }
 
@@ -299,7 +305,9 @@ private:
 
     bool IsLost(const std::string& Text) const
     {
-        return std::ranges::any_of(Sheet, [&](const auto& Each) { return Each.first.second < 0 && Each.second.Text == Text; });
+        return std::ranges::any_of(Sheet, [&](const auto& Each) {
+            return Each.first.second < 0 && Each.second.Text == Text;
+        });
     }
 
     const fs::path File;

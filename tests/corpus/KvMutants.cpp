@@ -39,8 +39,8 @@ double ProcessorSeconds(TMutantReader Reader)
 
 long PeakMegabytes(TMutantReader Reader) { return UsageOf(Reader).ru_maxrss / 1024; }
 
-/// The files of a mutant, there as long as the object. Gone files are written faster than old ones over again:
-/// for those some file systems wait for the disk.
+/// The files of a mutant, there as long as the object. Gone files are written faster than old ones over
+/// again: for those some file systems wait for the disk.
 class TMutant
 {
 public:
@@ -49,7 +49,8 @@ public:
         const auto Damaged = Damage.Number(Origin.Files.size());
         for (const auto& File : Origin.Files) {
             const bool IsDamaged = Names.size() == Damaged;
-            Names.push_back(Folder.Write(File.Name, IsDamaged ? Damage.Of(File.Bytes, File.BlockSize) : File.Bytes));
+            Names.push_back(Folder.Write(File.Name,
+                                         IsDamaged ? Damage.Of(File.Bytes, File.BlockSize) : File.Bytes));
         }
     }
     TMutant(const TMutant&) = delete;
@@ -79,7 +80,8 @@ TMutantOutcomes ReadMutants(const std::vector<TMutantOrigin>& Origins, const TMu
     const auto MemoryBefore = PeakMegabytes(Limits.Reader);
     for (unsigned I = 0; I < Count; ++I) {
         const auto& Origin = Origins[Damage.Number(Origins.size())];
-        SCOPED_TRACE("mutant " + std::to_string(I) + " of seed " + std::to_string(Seed) + ", from " + Origin.Name);
+        SCOPED_TRACE("mutant " + std::to_string(I) + " of seed " + std::to_string(Seed) + ", from " +
+                     Origin.Name);
         const TMutant Mutant(Folder, Origin, Damage);
         const auto Begin = ProcessorSeconds(Limits.Reader);
         Read(Mutant.Name(), Outcomes);
@@ -91,7 +93,8 @@ TMutantOutcomes ReadMutants(const std::vector<TMutantOrigin>& Origins, const TMu
 #ifndef __SANITIZE_ADDRESS__                        // which keeps freed memory for a while
     EXPECT_LE(Growth, Limits.MaxMegabytes);
 #endif
-    std::cout << Count << " mutants of seed " << Seed << ", from " << Origins.size() << " files; the slowest took "
+    std::cout << Count << " mutants of seed " << Seed << ", from " << Origins.size()
+              << " files; the slowest took "
               << Slowest << " s, memory grew by " << Growth << " MB\n";
     for (const auto& [Outcome, Times] : Outcomes)
         std::cout << "  " << Times << " x " << Outcome << '\n';
@@ -101,7 +104,8 @@ TMutantOutcomes ReadMutants(const std::vector<TMutantOrigin>& Origins, const TMu
 std::string KnownOutcome(const std::string& Message, std::span<const std::string_view> Known)
 {
     const auto Found =
-        std::ranges::find_if(Known, [&](std::string_view Words) { return Message.find(Words) != Message.npos; });
+        std::ranges::find_if(Known,
+                             [&](std::string_view Words) { return Message.find(Words) != Message.npos; });
     if (Found != Known.end())
         return std::string(*Found);
     ADD_FAILURE() << "no message of ours: " << Message;

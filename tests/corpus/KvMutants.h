@@ -1,5 +1,5 @@
-// KvMutants - damaged copies of files of other programs, read one after the other: each gives what it holds or a
-// clear error, in bounded time and memory.
+// KvMutants - damaged copies of files of other programs, read one after the other: each gives what it holds
+// or a clear error, in bounded time and memory.
 //
 //   KV_MUTANTS      how many, instead of as many as a test makes by itself
 //   KV_MUTANT_SEED  what they are made from, 1 when not set
@@ -48,8 +48,8 @@ struct TMutantLimits
 /// What came of the mutants, in words, and how often.
 using TMutantOutcomes = std::map<std::string, int>;
 
-/// Makes mutants of origins taken at random and has `Read` read each, given the file to open; prints and gives
-/// what it noted. The test fails where a limit is passed.
+/// Makes mutants of origins taken at random and has `Read` read each, given the file to open; prints and
+/// gives what it noted. The test fails where a limit is passed.
 TMutantOutcomes ReadMutants(const std::vector<TMutantOrigin>& Origins, const TMutantLimits& Limits,
                             const std::function<void(const std::string& File, TMutantOutcomes&)>& Read);
 

@@ -47,8 +47,10 @@ using TRuleCounts = std::map<TRule, int>;
 TFieldType FieldTypeOf(char Letter)
 {
     static const std::map<char, TFieldType> Types = {
-        {'A', ftString}, {'D', ftDate},    {'S', ftSmallint}, {'I', ftInteger}, {'$', ftCurrency}, {'N', ftFloat},
-        {'L', ftBoolean}, {'M', ftMemo},   {'B', ftBlob},     {'F', ftFmtMemo}, {'O', ftOle},      {'G', ftGraphic},
+        {'A', ftString}, {'D', ftDate},    {'S', ftSmallint}, {'I', ftInteger}, {'$', ftCurrency},
+        {'N', ftFloat},
+        {'L', ftBoolean}, {'M', ftMemo},   {'B', ftBlob},     {'F', ftFmtMemo}, {'O', ftOle},
+        {'G', ftGraphic},
         {'T', ftTime},   {'@', ftDateTime}, {'+', ftAutoInc}, {'#', ftBCD},     {'Y', ftBytes}};
     return Types.at(Letter);
 }
@@ -88,7 +90,8 @@ std::optional<std::string> DigitsOf(std::string_view Hex)
 class TComparison
 {
 public:
-    TComparison(const fs::path& TheFile, TRuleCounts& TheRules) : File(TheFile), Table(TheFile.string()), Rules(TheRules)
+    TComparison(const fs::path& TheFile, TRuleCounts& TheRules)
+        : File(TheFile), Table(TheFile.string()), Rules(TheRules)
     {
     }
 
@@ -147,7 +150,8 @@ private:
         case vkInteger:  EXPECT_EQ(std::to_string(Ours.Integer()), Theirs.Text); break;
         case vkBoolean:  EXPECT_EQ(Ours.Boolean() ? "1" : "0", Theirs.Text); break;
         case vkDouble:   EXPECT_EQ(Ours.Double(), NumberOf(Theirs.Text)); break;
-        case vkDateTime: CompareDateTime(Table.FieldDefs()[Field].DataType, Ours.DateTime(), NumberOf(Theirs.Text)); break;
+        case vkDateTime: CompareDateTime(Table.FieldDefs()[Field].DataType, Ours.DateTime(),
+                                         NumberOf(Theirs.Text)); break;
         default:         ADD_FAILURE() << "no value, the tool has " << Theirs.Text;
         }
     }
@@ -159,7 +163,8 @@ private:
         if (Type == ftDate) {
             EXPECT_EQ(Ours.Days, Theirs + DayZero);
         } else {
-            EXPECT_NEAR(Ours.Days, Theirs / Milliseconds + (Type == ftTime ? 0 : DayZero), 0.1 / Milliseconds);
+            EXPECT_NEAR(Ours.Days, Theirs / Milliseconds + (Type == ftTime ? 0 : DayZero),
+                        0.1 / Milliseconds);
         }
         ++Rules[Type == ftDate ? ruDayNumber : ruMilliseconds];
     }

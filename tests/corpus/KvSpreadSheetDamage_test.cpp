@@ -42,7 +42,8 @@ constexpr int Flips = 10'000, SampledCuts = 1'000, SampledFlips = 500;
 
 constexpr TSpreadSheetExtensions Readings[] = {
     {},
-    {seFormulaResults, seCustomDates, seDateMode, seCellExtent, seWideRows, seFileCodePage, seSignedIntegers, seCellRecords}};
+    {seFormulaResults, seCustomDates, seDateMode, seCellExtent, seWideRows, seFileCodePage, seSignedIntegers,
+     seCellRecords}};
 
 template <class TReader> std::unique_ptr<TSpreadSheetFile> Make() { return std::make_unique<TReader>(); }
 
@@ -102,7 +103,8 @@ private:
 class TPatient
 {
 public:
-    explicit TPatient(std::string_view Bytes) : Healthy(Bytes), Descriptor(::memfd_create("damaged", MFD_CLOEXEC))
+    explicit TPatient(std::string_view Bytes)
+        : Healthy(Bytes), Descriptor(::memfd_create("damaged", MFD_CLOEXEC))
     {
         Write(0, Bytes);
     }
@@ -122,7 +124,8 @@ public:
 private:
     void Write(std::size_t Position, std::string_view Bytes)
     {
-        EXPECT_EQ(::pwrite(Descriptor, Bytes.data(), Bytes.size(), static_cast<off_t>(Position)), std::ssize(Bytes));
+        EXPECT_EQ(::pwrite(Descriptor, Bytes.data(), Bytes.size(), static_cast<off_t>(Position)),
+                  std::ssize(Bytes));
     }
 
     const std::string_view Healthy;
@@ -146,13 +149,15 @@ public:
         rusage Usage{};
         ::getrusage(RUSAGE_SELF, &Usage);
         std::cout << Loads << " loads of seed " << Seed() << ", " << Errors << " errors, the slowest "
-                  << static_cast<int>(Slowest * 1000) << " ms, resident at most " << Usage.ru_maxrss / 1024 << " MB\n";
+                  << static_cast<int>(Slowest * 1000) << " ms, resident at most " << Usage.ru_maxrss / 1024
+                  << " MB\n";
     }
 
     int Loads = 0, Errors = 0;
 
 private:
-    std::optional<std::size_t> Load(const TFormat& Format, const std::string& Name, TSpreadSheetExtensions Reading)
+    std::optional<std::size_t> Load(const TFormat& Format, const std::string& Name,
+                                    TSpreadSheetExtensions Reading)
     {
         const auto Reader = Format.MakeReader();
         Reader->Extensions = Reading;
@@ -216,7 +221,8 @@ std::size_t CountPlaces(const std::vector<TFile>& Files)
 {
     std::size_t Count = 0;
     for (const auto& File : Files)
-        Count += std::min(File.Bytes.size(), EveryByteUpTo) + (File.Bytes.size() > EveryByteUpTo ? PlacesBeyond : 0);
+        Count += std::min(File.Bytes.size(), EveryByteUpTo) +
+                 (File.Bytes.size() > EveryByteUpTo ? PlacesBeyond : 0);
     return Count;
 }
 
@@ -267,7 +273,8 @@ TEST_F(KvSpreadSheetDamage, AFlippedBitGivesCellsOrAnError)
         const auto& File = Corpus[Random() % Corpus.size()];
         const auto Position = Random() % File.Bytes.size();
         const auto Bit = static_cast<int>(Random() % 8);
-        SCOPED_TRACE(File.Path.string() + ", bit " + std::to_string(Bit) + " of byte " + std::to_string(Position));
+        SCOPED_TRACE(File.Path.string() + ", bit " + std::to_string(Bit) + " of byte " +
+                     std::to_string(Position));
         TPatient Patient(File.Bytes);
         Patient.Flip(Position, Bit);
         Recovery.Load(*File.Format, Patient.Name());

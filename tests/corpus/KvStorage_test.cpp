@@ -61,7 +61,8 @@ TEST(KvStorage, ReadsEveryFileThatIsNotDamagedOnPurpose)
     for (const std::string_view Format : {"xls-biff5", "xls-biff8"}) {
         const auto Corpus = CorpusFolder(Format);
         if (!Corpus)
-            GTEST_SKIP() << "no files: KV_CORPUS names no folder with " << Format << " and expected/" << Format;
+            GTEST_SKIP() << "no files: KV_CORPUS names no folder with " << Format << " and expected/"
+                         << Format;
         for (const auto& File : CorpusFiles(*Corpus, Format)) {
             SCOPED_TRACE(File.filename().string());
             const auto Known = Damaged.find(File.filename().string());

@@ -103,7 +103,8 @@ TEST(KvDbaseMutants, GiveRecordsOrAClearError)
     const auto Corpus = CorpusFolder("dbase");
     if (!Corpus)
         GTEST_SKIP() << "no files: KV_CORPUS names no folder with dbase and expected/dbase";
-    constexpr std::string_view Known[] = {"is no dBase table", "is encrypted", "ends after record", "name of field"};
+    constexpr std::string_view Known[] = {"is no dBase table", "is encrypted", "ends after record",
+                                          "name of field"};
     ReadMutants(OriginsOf(*Corpus, "dbase", {".dbf", 1024}, {{".dbt", 512}, {".fpt", 512}}), Limits,
                 [&](const std::string& File, TMutantOutcomes& Outcomes) {
                     ReadAll<TKvDbaseFile>(File, Known, Outcomes);

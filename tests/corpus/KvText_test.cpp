@@ -87,7 +87,8 @@ public:
     TConverted(const fs::path& Source, const std::string& Encoding)
         : Path(fs::path(testing::TempDir()) / ("kvcorpus_" + Source.filename().string()))
     {
-        std::ofstream(Path, std::ios::binary) << CodePageToUtf8(ReadFileBytes(Source.string()).View(), Encoding);
+        std::ofstream(Path, std::ios::binary)
+            << CodePageToUtf8(ReadFileBytes(Source.string()).View(), Encoding);
     }
     TConverted(const TConverted&) = delete;
     TConverted& operator=(const TConverted&) = delete;
@@ -117,7 +118,8 @@ bool Agrees(const TRow& Ours, const TRow& Python, TRuleCounts& Rules)
     return true;
 }
 
-std::vector<TRow> ImportAsNamed(const fs::path& File, const TDump& Dump, std::size_t Columns, TRuleCounts& Rules)
+std::vector<TRow> ImportAsNamed(const fs::path& File, const TDump& Dump, std::size_t Columns,
+                                TRuleCounts& Rules)
 {
     if (Dump.Encoding != "utf-16-be")
         return ImportRows(File, Dump.Delimiter, Columns);
@@ -155,7 +157,8 @@ TEST(KvText, AgreesWithPythonOnEveryFile)
     TRuleCounts Rules;
     int Files = 0;
     for (const auto& Entry : fs::directory_iterator(*Folder / "text")) {
-        const auto Dump = *Folder / "expected" / "text" / (Entry.path().filename().string() + std::string(DumpSuffix));
+        const auto Dump = *Folder / "expected" / "text" /
+                          (Entry.path().filename().string() + std::string(DumpSuffix));
         ASSERT_TRUE(fs::exists(Dump)) << Dump;
         CompareFile(Entry.path(), ReadDump(Dump), Rules);
         ++Files;

@@ -54,7 +54,8 @@ constexpr TSpreadSheetExtensions AllExtensions = {
 bool IsOfAnotherKind(const fs::path& File)
 {
     const auto Name = File.filename().string();
-    return Name.ends_with(".wk4") || Name.ends_with(".wk3") || Name.ends_with(".WQ2") || Name.ends_with(".wb1");
+    return Name.ends_with(".wk4") || Name.ends_with(".wk3") || Name.ends_with(".WQ2") ||
+           Name.ends_with(".wb1");
 }
 
 bool IsQuattro(const fs::path& File)
@@ -255,7 +256,8 @@ TEST(KvWorksheets, AgreeWithOtherToolsOnEveryFile)
     for (const std::string_view Format : {"lotus", "quattro"}) {
         const auto Corpus = CorpusFolder(Format);
         if (!Corpus)
-            GTEST_SKIP() << "no files: KV_CORPUS names no folder with " << Format << " and expected/" << Format;
+            GTEST_SKIP() << "no files: KV_CORPUS names no folder with " << Format << " and expected/"
+                         << Format;
         for (const auto& File : CorpusFiles(*Corpus, Format)) {
             if (IsOfAnotherKind(File) || File.stem() == "own-writer__truncated")
                 continue;
@@ -274,7 +276,8 @@ TEST(KvWorksheets, FilesOfAnotherKindAreRefusedByName)
     for (const std::string_view Format : {"lotus", "quattro"}) {
         const auto Corpus = CorpusFolder(Format);
         if (!Corpus)
-            GTEST_SKIP() << "no files: KV_CORPUS names no folder with " << Format << " and expected/" << Format;
+            GTEST_SKIP() << "no files: KV_CORPUS names no folder with " << Format << " and expected/"
+                         << Format;
         for (const auto& File : CorpusFiles(*Corpus, Format)) {
             if (!IsOfAnotherKind(File))
                 continue;

@@ -30,7 +30,8 @@ TEST_F(KviDataFormats, StartAsTheProcessWritesNumbersAndDates)
     FormatSettings().ThousandSeparator = '\'';
     FormatSettings().DecimalSeparator = ',';
     FormatSettings().ShortDateFormat = "d.M.yyyy";
-    EXPECT_THAT(All(TKvIDataFormats()), ElementsAre("0", ".", "-", "True", "False", "'", ",", "True", "False"));
+    EXPECT_THAT(All(TKvIDataFormats()),
+                ElementsAre("0", ".", "-", "True", "False", "'", ",", "True", "False"));
 }
 
 TEST_F(KviDataFormats, YearAndZerosComeFromTheShortDateFormat)
@@ -88,8 +89,8 @@ TEST_F(KviDataFormats, PublishesItsPropertiesInDeclarationOrder)
     for (const auto& Property : TKvIDataFormats().PublishedProperties())
         Names.emplace_back(Property.Name);
     EXPECT_THAT(Names, ElementsAre("DateOrder", "DateSeparator", "TimeSeparator", "FourDigitYear",
-                                   "LeadingZerosInDate", "ThousandSeparator", "DecimalSeparator", "BooleanTrue",
-                                   "BooleanFalse"));
+                                   "LeadingZerosInDate", "ThousandSeparator", "DecimalSeparator",
+                                   "BooleanTrue", "BooleanFalse"));
 }
 
 } // namespace

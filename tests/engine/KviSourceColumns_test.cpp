@@ -9,7 +9,10 @@ struct KviSourceColumns : testing::Test
 {
     std::size_t Find(const char* Name)
     {
-        return Columns.Find(TVariant(Name), [this](const std::string& Text) { ++Resolved; return Text.size(); });
+        return Columns.Find(TVariant(Name), [this](const std::string& Text) {
+            ++Resolved;
+            return Text.size();
+        });
     }
 
     TKvSourceColumns<std::size_t> Columns;

@@ -70,8 +70,9 @@ TEST(KviStatistic, StoresTotalCountUpdateStepAndResultOnly)
         if (Property.Stored)
             Stored.emplace_back(Property.Name);
     }
-    EXPECT_THAT(Names, ElementsAre("TotalCount", "TotalImported", "TotalAdded", "TotalDeleted", "TotalUpdated",
-                                   "TotalErrors", "UpdateStep", "LastAction", "Result"));
+    EXPECT_THAT(Names,
+                ElementsAre("TotalCount", "TotalImported", "TotalAdded", "TotalDeleted", "TotalUpdated",
+                            "TotalErrors", "UpdateStep", "LastAction", "Result"));
     EXPECT_THAT(Stored, ElementsAre("TotalCount", "UpdateStep", "Result"));
 }
 

@@ -34,7 +34,10 @@ protected:
     void InternalInsert(const TRecordBuffer&) override {}
     void InternalUpdate(const TRecordBuffer&) override {}
     void InternalDelete() override {}
-    bool InternalLocate(std::span<TField* const>, std::span<const TVariant>, TLocateOptions) override { return false; }
+    bool InternalLocate(std::span<TField* const>, std::span<const TVariant>, TLocateOptions) override
+    {
+        return false;
+    }
 };
 
 /// The same two records over and over, lent.

@@ -176,11 +176,13 @@ struct KvibaseBalance : testing::TestWithParam<TImportMode>
         TTally Told;
         Import.Rows.clear();
         for (const auto& Record : Given)
-            Import.Rows.push_back({Record.IsNumber ? TVariant(Record.Id) : TVariant("no number"), Record.Name});
+            Import.Rows.push_back({Record.IsNumber ? TVariant(Record.Id) : TVariant("no number"),
+                                   Record.Name});
         const auto Current = [&]() -> const TPlannedRecord& {
             return Given[static_cast<std::size_t>(Import.Statistic.TotalImported - 1)];
         };
-        Import.OnBeforeRecordEvent = [&](TKvImportBaseComponent&, const std::string&, TVariant&, bool& Accept) {
+        Import.OnBeforeRecordEvent = [&](TKvImportBaseComponent&, const std::string&, TVariant&,
+                                         bool& Accept) {
             Accept = !Current().Refused;
             Told.Refused += Current().Refused;
             Table.Posted = Current().Posted;
@@ -236,7 +238,8 @@ std::string NameOfMode(const testing::TestParamInfo<TImportMode>& Info)
     return Names[Info.param];
 }
 
-INSTANTIATE_TEST_SUITE_P(, KvibaseBalance, testing::Values(imAppend, imUpdate, imAppendUpdate, imDelete, imCopy),
+INSTANTIATE_TEST_SUITE_P(, KvibaseBalance,
+                         testing::Values(imAppend, imUpdate, imAppendUpdate, imDelete, imCopy),
                          NameOfMode);
 
 } // namespace

@@ -8,9 +8,9 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr TFieldType AllTypes[] = {
-    ftUnknown, ftString, ftFixedChar, ftSmallint, ftInteger, ftWord, ftAutoInc, ftLargeint, ftBoolean, ftFloat,
-    ftCurrency, ftBCD, ftDate, ftTime, ftDateTime, ftMemo, ftFmtMemo, ftBytes, ftVarBytes, ftBlob, ftGraphic, ftOle,
-    ftGuid, ftVariant};
+    ftUnknown, ftString, ftFixedChar, ftSmallint, ftInteger, ftWord, ftAutoInc, ftLargeint, ftBoolean,
+    ftFloat, ftCurrency, ftBCD, ftDate, ftTime, ftDateTime, ftMemo, ftFmtMemo, ftBytes, ftVarBytes, ftBlob,
+    ftGraphic, ftOle, ftGuid, ftVariant};
 
 /// A table with one field of every type, its index that of the type.
 struct TConvertRun : TTestRun
@@ -36,8 +36,8 @@ TVariant DateTime(double Days) { return TDateTime{Days}; }
 
 std::string Described(const TVariant& Value)
 {
-    static constexpr const char* Kinds[] = {"empty", "null", "integer", "double", "currency", "date-time", "boolean",
-                                            "string", "array"};
+    static constexpr const char* Kinds[] = {"empty", "null", "integer", "double", "currency", "date-time",
+                                            "boolean", "string", "array"};
     return std::string(Kinds[Value.Kind()]) + " " + (Value.IsArray() ? "" : Value.ToText());
 }
 
@@ -68,8 +68,9 @@ TEST_F(KvibaseConvert, WithoutAFieldTheValueStays)
 
 TEST_F(KvibaseConvert, TextsIntegersAndBytesStayAsTheyAre)
 {
-    for (const auto Type : {ftUnknown, ftString, ftFixedChar, ftSmallint, ftInteger, ftWord, ftAutoInc, ftLargeint,
-                            ftMemo, ftFmtMemo, ftBytes, ftVarBytes, ftBlob, ftGraphic, ftOle, ftGuid, ftVariant})
+    for (const auto Type : {ftUnknown, ftString, ftFixedChar, ftSmallint, ftInteger, ftWord, ftAutoInc,
+                            ftLargeint, ftMemo, ftFmtMemo, ftBytes, ftVarBytes, ftBlob, ftGraphic, ftOle,
+                            ftGuid, ftVariant})
         EXPECT_SAME(Parse(" 1,234.50 ", Type), " 1,234.50 ");
 }
 
@@ -136,7 +137,8 @@ TEST_F(KvibaseConvert, MalformedNumberShowsItsMessageOnceAndStaysText)
     Import.DataFormats.DecimalSeparator = ',';
     Import.DataFormats.ThousandSeparator = '.';
     EXPECT_SAME(Parse("1.2 Liter", ftFloat), "1.2 Liter");
-    EXPECT_THAT(Log.Entries, testing::Contains("error '12 Liter' is not a valid floating point value").Times(1));
+    EXPECT_THAT(Log.Entries,
+                testing::Contains("error '12 Liter' is not a valid floating point value").Times(1));
     EXPECT_EQ(FormatSettings().DecimalSeparator, '.');
 }
 
@@ -205,7 +207,8 @@ struct KvibaseLoad : testing::Test, TTestRun
 {
     KvibaseLoad()
     {
-        Table.SetFieldDefs({{.Name = "T"}, {.Name = "N", .DataType = ftInteger}, {.Name = "D", .DataType = ftDate},
+        Table.SetFieldDefs({{.Name = "T"}, {.Name = "N", .DataType = ftInteger},
+                            {.Name = "D", .DataType = ftDate},
                             {.Name = "B", .DataType = ftBoolean}});
         Table.Open();
         Import.SetMappings({"T=Field1", "N=Field2", "D=Field3", "B=Field4", "X=Field5"});
@@ -226,8 +229,9 @@ TEST_F(KvibaseLoad, CellsAreOfferedConvertedWithTheirFields)
 {
     NoteCells();
     Execute();
-    EXPECT_THAT(Cells, ElementsAre("T=string \x81" "ber", "N=string 5", "D=date-time 12/31/2002", "B=boolean True",
-                                   "none=string \x84"));
+    EXPECT_THAT(Cells,
+                ElementsAre("T=string \x81" "ber", "N=string 5", "D=date-time 12/31/2002", "B=boolean True",
+                            "none=string \x84"));
 }
 
 TEST_F(KvibaseLoad, TextOfMsDosIsConvertedButNotNumbersAndDates)
@@ -285,7 +289,8 @@ TEST_F(KvibaseLoad, ValueOfAnotherKindReplacesAnEqualOne)
 
 TEST_F(KvibaseLoad, ValuesThatTheRecordHandlerSetsAreWritten)
 {
-    Import.OnBeforeRecordEvent = [](TKvImportBaseComponent&, const std::string&, TVariant& Values, bool& Accept) {
+    Import.OnBeforeRecordEvent = [](TKvImportBaseComponent&, const std::string&, TVariant& Values,
+                                    bool& Accept) {
         EXPECT_TRUE(Accept);
         Values[0][2] = "changed";
         Values[1][2] = Null;
@@ -344,7 +349,9 @@ TEST_F(KvibaseLoad, HandlersMayKeepTheValuesTheySee)
     std::vector<TVariant> Kept;
     const std::string Long(100, 'x');
     Import.Rows = {{Long, "5", Null, Null, Null}, {"y", "6", Null, Null, Null}};
-    Import.OnGetCellParams = [&](TKvImportBaseComponent&, TField*, TVariant& Value) { Kept.push_back(Value); };
+    Import.OnGetCellParams = [&](TKvImportBaseComponent&, TField*, TVariant& Value) {
+        Kept.push_back(Value);
+    };
     Import.OnBeforeRecordEvent = [&](TKvImportBaseComponent&, const std::string&, TVariant& Values, bool&) {
         Kept.push_back(Values[0][2]);
     };

@@ -69,12 +69,14 @@ INSTANTIATE_TEST_SUITE_P(, KvibaseLines, testing::Values(
     TLinesRow{"WithoutRegardToCase",        {"a=Field1"},                        "Field1",        "1;;"},
     TLinesRow{"WithoutBlanksAtTheEnds",     {"  A \t=  Field3  "},               "Field3",        "3;;"},
     TLinesRow{"FromAColumnNameWithSigns",   {"A=x=y"},                           "x=y",           "x=y;;"},
-    TLinesRow{"FromAColumnNameWithBlanks",  {"A=Unit price"},                    "Unit price",    "Unit price;;"},
+    TLinesRow{"FromAColumnNameWithBlanks",  {"A=Unit price"},                    "Unit price",
+              "Unit price;;"},
     TLinesRow{"NotWithoutASource",          {"A=", "B=  ", "C=Field3"},          "Field3",        ";;3"},
     TLinesRow{"NotWithoutASign",            {"A", "B=Field2", ""},               "Field2",        ";2;"},
     TLinesRow{"FetchedEvenWithoutAField",   {"NOPE=Field9", "A=Field1"},         "Field9,Field1", "1;;"},
     TLinesRow{"FetchedEvenWithoutAName",    {"=Field9", "A=Field1"},             "Field9,Field1", "1;;"},
-    TLinesRow{"TheLastOfEqualNamesWins",    {"A=Field1", "B=Field2", "a=Field3"}, "Field1,Field2,Field3", "3;2;"},
+    TLinesRow{"TheLastOfEqualNamesWins",    {"A=Field1", "B=Field2", "a=Field3"}, "Field1,Field2,Field3",
+              "3;2;"},
     TLinesRow{"OneColumnIntoTwoFields",     {"A=Field1", "B=Field1"},            "Field1,Field1", "1;1;"},
     TLinesRow{"NothingFromNoUsableLine",    {"A="},                              "",              ";;"}),
     [](const auto& Info) { return Info.param.Name; });
@@ -100,7 +102,8 @@ TEST_F(KvibaseMapping, ShortNamesKeepTenCharactersOfTheColumn)
 TEST_F(KvibaseMapping, ShortNamesAreCutBetweenCharacters)
 {
     Import.NamesAreShort = true;
-    RunWith({"A=STRA\xC3\x9F" "ENNAME", "B=\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC"});
+    RunWith({"A=STRA\xC3\x9F" "ENNAME",
+             "B=\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC"});
     EXPECT_EQ(Fetched(), "STRA\xC3\x9F" "ENNAM,"
                          "\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC\xC3\xBC");
 }
@@ -173,7 +176,8 @@ struct TSeen
 
     void LookAt(TScriptedImport& Import)
     {
-        Import.OnBeforeRecordEvent = [this](TKvImportBaseComponent&, const std::string& Fields, TVariant& Given, bool&) {
+        Import.OnBeforeRecordEvent = [this](TKvImportBaseComponent&, const std::string& Fields,
+                                            TVariant& Given, bool&) {
             EXPECT_EQ(Fields, "");
             Values = std::as_const(Given);
         };

@@ -216,7 +216,8 @@ TEST_F(KvibaseSpecification, EveryKindIsNamedWithoutItsPrefix)
     const TTexts Names = {"Paradox", "DBase", "Text", "HTML", "XLS", "WKS", "Quattro", "XML", "Access"};
     for (int I = 0; I <= teAccess; ++I) {
         Import.TableType = static_cast<TTableTypeImport>(I);
-        EXPECT_THAT(Saved(), testing::HasSubstr("\r\nTableType=" + Names[static_cast<std::size_t>(I)] + "\r\n"));
+        EXPECT_THAT(Saved(),
+                    testing::HasSubstr("\r\nTableType=" + Names[static_cast<std::size_t>(I)] + "\r\n"));
     }
 }
 
@@ -233,17 +234,21 @@ TEST_F(KvibaseSpecification, TheWordsOfTruthAreNoPartOfTheFile)
 
 TEST_F(KvibaseSpecification, OtherSectionsAndKeysOfTheFileStay)
 {
-    Folder.Write("orders.kvi", "\xEF\xBB\xBF; Monday's orders\n\n[common]\nmode = 3\nOwner=Ada\n\n[Window]\nTop=1\n");
-    EXPECT_THAT(Saved(), testing::StartsWith("\xEF\xBB\xBF; Monday's orders\n\n[common]\nmode = 0\nOwner=Ada\n"
-                                             "App=Order desk\nDescription=KvImport: specification\n"));
-    EXPECT_THAT(Folder.Read("orders.kvi"), testing::HasSubstr("\nCharacterSet=0\n\n[Window]\nTop=1\n[Mappings]\nCount=2\n"));
+    Folder.Write("orders.kvi",
+                 "\xEF\xBB\xBF; Monday's orders\n\n[common]\nmode = 3\nOwner=Ada\n\n[Window]\nTop=1\n");
+    EXPECT_THAT(Saved(),
+                testing::StartsWith("\xEF\xBB\xBF; Monday's orders\n\n[common]\nmode = 0\nOwner=Ada\n"
+                                    "App=Order desk\nDescription=KvImport: specification\n"));
+    EXPECT_THAT(Folder.Read("orders.kvi"),
+                testing::HasSubstr("\nCharacterSet=0\n\n[Window]\nTop=1\n[Mappings]\nCount=2\n"));
 }
 
 TEST_F(KvibaseSpecification, MappingsBeyondTheNewCountStayUnread)
 {
     Saved();
     Import.SetMappings({"ID=Field7"});
-    EXPECT_THAT(Saved(), testing::HasSubstr("[Mappings]\r\nCount=1\r\nMap0=ID=Field7\r\nMap1=NAME=Field2\r\n"));
+    EXPECT_THAT(Saved(),
+                testing::HasSubstr("[Mappings]\r\nCount=1\r\nMap0=ID=Field7\r\nMap1=NAME=Field2\r\n"));
     Import.LoadSpecification(File);
     EXPECT_EQ(Import.Mappings(), (TStrings{"ID=Field7"}));
 }
@@ -318,7 +323,8 @@ TEST_F(KvibaseSpecification, TheSaveDialogProposesNames)
 TEST_F(KvibaseSpecification, TheProposedFileIsNamedAfterTheSource)
 {
     for (const auto& [Source, Proposed] : std::vector<std::pair<std::string, std::string>>{
-             {"orders.csv", "orders.kvi"}, {"orders", "orders.kvi"}, {"C:\\data\\orders.txt", "orders.kvi"}, {"", ".kvi"}}) {
+             {"orders.csv", "orders.kvi"}, {"orders", "orders.kvi"}, {"C:\\data\\orders.txt", "orders.kvi"},
+                 {"", ".kvi"}}) {
         Import.SourceFileName = Source;
         Import.SaveSpecification("Orders", "", true);
         EXPECT_EQ(Ui.Asked.FileName, ApplicationFolder() + Proposed);
@@ -471,8 +477,8 @@ TEST_F(KvibaseSpecification, FilesOfOtherSystemsAreRead)
 {
     for (const std::string End : {"\n", "\r", "\r\n"}) {
         Import.DatasetKeys = "";
-        Load("\xEF\xBB\xBF; comment" + End + "[COMMON]" + End + "datasetkeys = ID " + End + "Unknown=1" + End + "[Else]" +
-             End + End + "[text]" + End + "rowfirst=2" + End + "RowLa");
+        Load("\xEF\xBB\xBF; comment" + End + "[COMMON]" + End + "datasetkeys = ID " + End + "Unknown=1" +
+             End + "[Else]" + End + End + "[text]" + End + "rowfirst=2" + End + "RowLa");
         EXPECT_EQ(Import.DatasetKeys, "ID");
         EXPECT_EQ(Import.RowFirst, 2);
         EXPECT_EQ(Import.RowLast, RowLastMax);
@@ -491,7 +497,8 @@ TEST_F(KvibaseSpecification, AppDescriptionAndNameAreNotRead)
 TEST_F(KvibaseSpecification, WhatWasReadBeforeAnErrorStays)
 {
     Import.RowFirst = 7;
-    EXPECT_EQ(Refused("[Common]\nMode=1\n[Mappings]\nCount=1\nMap0=ID=A\n[Text]\nFieldDelimiter=3B\nTextQualifier=G1\nRowFirst=2\n"),
+    EXPECT_EQ(Refused("[Common]\nMode=1\n[Mappings]\nCount=1\nMap0=ID=A\n[Text]\nFieldDelimiter=3B\n"
+                      "TextQualifier=G1\nRowFirst=2\n"),
               Place() + "[Text] TextQualifier: '$G1' is not a valid integer value");
     EXPECT_EQ(Import.Mode, imUpdate);
     EXPECT_EQ(Import.Mappings(), (TStrings{"ID=A"}));
@@ -505,14 +512,21 @@ TEST_F(KvibaseSpecification, ValuesWithoutMeaningAreRefused)
 {
     EXPECT_EQ(Refused("[Common]\nMode=5\n"), Place() + "[Common] Mode: 5 is none of the values 0 to 4");
     EXPECT_EQ(Refused("[Common]\nMode=-1\n"), Place() + "[Common] Mode: -1 is none of the values 0 to 4");
-    EXPECT_EQ(Refused("[Common]\nMode=append\n"), Place() + "[Common] Mode: 'append' is not a valid integer value");
-    EXPECT_EQ(Refused("[Common]\nCharacterSet=2\n"), Place() + "[Common] CharacterSet: 2 is none of the values 0 to 1");
-    EXPECT_EQ(Refused("[DataFormat]\nDateOrder=6\n"), Place() + "[DataFormat] DateOrder: 6 is none of the values 0 to 5");
-    EXPECT_EQ(Refused("[Text]\nRowLast=4294967296\n"), Place() + "[Text] RowLast: 4294967296 is out of range");
+    EXPECT_EQ(Refused("[Common]\nMode=append\n"),
+              Place() + "[Common] Mode: 'append' is not a valid integer value");
+    EXPECT_EQ(Refused("[Common]\nCharacterSet=2\n"),
+              Place() + "[Common] CharacterSet: 2 is none of the values 0 to 1");
+    EXPECT_EQ(Refused("[DataFormat]\nDateOrder=6\n"),
+              Place() + "[DataFormat] DateOrder: 6 is none of the values 0 to 5");
+    EXPECT_EQ(Refused("[Text]\nRowLast=4294967296\n"),
+              Place() + "[Text] RowLast: 4294967296 is out of range");
     EXPECT_EQ(Refused("[Text]\nFixed=yes\n"), Place() + "[Text] Fixed: 'yes' is not a valid integer value");
-    EXPECT_EQ(Refused("[Text]\nRecordSeparator=0D 0A\n"), Place() + "[Text] RecordSeparator: '$ 0' is not a valid integer value");
-    EXPECT_EQ(Refused("[DataFormat]\nDateSeparator=xx\n"), Place() + "[DataFormat] DateSeparator: '$xx' is not a valid integer value");
-    EXPECT_EQ(Refused("[Mappings]\nCount=2000000000\n"), Place() + "[Mappings] Count: 2000000000 is more than 65536");
+    EXPECT_EQ(Refused("[Text]\nRecordSeparator=0D 0A\n"),
+              Place() + "[Text] RecordSeparator: '$ 0' is not a valid integer value");
+    EXPECT_EQ(Refused("[DataFormat]\nDateSeparator=xx\n"),
+              Place() + "[DataFormat] DateSeparator: '$xx' is not a valid integer value");
+    EXPECT_EQ(Refused("[Mappings]\nCount=2000000000\n"),
+              Place() + "[Mappings] Count: 2000000000 is more than 65536");
 }
 
 TEST_F(KvibaseSpecification, AFileThatIsNoneIsRefused)

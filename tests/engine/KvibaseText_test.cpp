@@ -44,7 +44,8 @@ TEST_F(KvibaseText, TextQualifierSetsItsCharacter)
 
 TEST_F(KvibaseText, TextQualifierCharacterSetsItsKind)
 {
-    const std::pair<char, TKvITextQualifier> Rows[] = {{'\0', tqNone}, {'"', tqQuot}, {'\'', tqApos}, {'|', tqCustom}};
+    const std::pair<char, TKvITextQualifier> Rows[] = {{'\0', tqNone}, {'"', tqQuot}, {'\'', tqApos},
+                                                       {'|', tqCustom}};
     for (const auto& [Character, Kind] : Rows) {
         Import.SetTextQualifierCustom(Character);
         EXPECT_EQ(Import.GetTextQualifier(), Kind);

@@ -16,8 +16,8 @@ struct Kvistat : testing::Test
 
     bool Open(const char* Caption = "Caption", bool Extended = true)
     {
-        return CreateProgressDlg(Caption, "Status", "Cancel", "Processed", "Errors", "Added", "Updated", "Deleted",
-                                 Extended);
+        return CreateProgressDlg(Caption, "Status", "Cancel", "Processed", "Errors", "Added", "Updated",
+                                 "Deleted", Extended);
     }
 
     TCallLog Log;
@@ -38,9 +38,10 @@ TEST_F(Kvistat, OpensWithTheTextsGiven)
 {
     EXPECT_TRUE(Open());
     const auto& C = Ui.Captions;
-    EXPECT_THAT((std::vector<std::string>{C.Title, C.Status, C.Cancel, C.Processed, C.Errors, C.Added, C.Updated,
-                                          C.Deleted}),
-                ElementsAre("Caption", "Status", "Cancel", "Processed", "Errors", "Added", "Updated", "Deleted"));
+    EXPECT_THAT(
+        (std::vector<std::string>{C.Title, C.Status, C.Cancel, C.Processed, C.Errors, C.Added, C.Updated,
+                                  C.Deleted}),
+        ElementsAre("Caption", "Status", "Cancel", "Processed", "Errors", "Added", "Updated", "Deleted"));
     EXPECT_TRUE(C.Extended);
     EXPECT_GT(Ui.MessageRounds, 0);
     Open("Caption", false);
@@ -97,7 +98,8 @@ TEST_F(Kvistat, FailureToOpenASecondOneClosesTheFirst)
     Log.Refuse("open Caption");
     EXPECT_FALSE(Open());
     EXPECT_FALSE(DestroyProgressDlg());
-    EXPECT_THAT(Log.Entries, ElementsAre("open One", "close", "open Caption", "error Can't create a process dialog"));
+    EXPECT_THAT(Log.Entries,
+                ElementsAre("open One", "close", "open Caption", "error Can't create a process dialog"));
 }
 
 } // namespace

@@ -56,8 +56,8 @@ protected:
 
     TProgramResult Import(const TArguments& More = {}) const { return Shop.ImportFile(Mdb, More); }
 
-    const TShop Shop{"CREATE TABLE orders (ID INTEGER PRIMARY KEY, CITY VARCHAR(20), ORDERED DATETIME, AMOUNT DECIMAL(10,4), "
-                     "PAID BOOLEAN, NOTE TEXT)"};
+    const TShop Shop{"CREATE TABLE orders (ID INTEGER PRIMARY KEY, CITY VARCHAR(20), ORDERED DATETIME, "
+                     "AMOUNT DECIMAL(10,4), PAID BOOLEAN, NOTE TEXT)"};
     const TTempFolder Folder;
     TAccessScript Script{Folder};
     std::string Mdb;
@@ -136,13 +136,15 @@ TEST_F(KvAccessTables, TextOfAnOemCodePageIsRefused)
 {
     const auto Result = Import({"--charset", "msdos"});
     EXPECT_EQ(Result.Status, 2);
-    EXPECT_THAT(Result.Err, HasSubstr("--charset msdos has no meaning for a source of kind access, whose text has no code page\n"));
+    EXPECT_THAT(Result.Err, HasSubstr("--charset msdos has no meaning for a source of kind access, "
+                                      "whose text has no code page\n"));
 }
 
 TEST_F(KvAccessTables, ClassicReadingSaysThatNoRecordIsSkipped)
 {
     const auto Result = Import({"--classic", "--first-row", "3", "--last-row", "3"});
-    EXPECT_THAT(Result.Out, HasSubstr("(--classic: records are taken from the first one on; --first-row and --last-row only say how many)"));
+    EXPECT_THAT(Result.Out, HasSubstr("(--classic: records are taken from the first one on; "
+                                      "--first-row and --last-row only say how many)"));
     EXPECT_EQ(Shop.Ask("SELECT ID FROM orders"), "1");
 }
 
@@ -151,7 +153,8 @@ TEST_F(KvAccessTables, ASavedImportSaysWhichOfItsColumnsAreConstants)
     const auto File = Shop.Folder / "orders.kvi";
     RunKvImport(Shop.Folder, {"save", File, Mdb, "--map", "ID=Id", "--map", "NOTE=May"});
     const auto Result = RunKvImport(Shop.Folder, {"run", File, "--to", Shop.Database(), "--table", "orders"});
-    EXPECT_THAT(Result.Out, HasSubstr("  Id   -> ID\n  May  -> NOTE  (no column but a constant: every record gets this text)\n"));
+    EXPECT_THAT(Result.Out, HasSubstr("  Id   -> ID\n  May  -> NOTE  (no column but a constant: "
+                                      "every record gets this text)\n"));
     EXPECT_EQ(Shop.Ask("SELECT ID, NOTE FROM orders WHERE ID < 3"), "1|May\n2|May");
 }
 
@@ -162,7 +165,8 @@ TEST_F(KvAccessTables, ACrashOfTheReaderLeavesTheDestinationAsItWas)
     Script.Afterwards("[ \"$1\" = tables ] || kill -SEGV $$");
     const auto Result = Import();
     EXPECT_EQ(Result.Status, 3);
-    EXPECT_THAT(Result.Err, HasSubstr("shop.mdb: the reader of Access databases stopped: killed by signal 11"));
+    EXPECT_THAT(Result.Err,
+                HasSubstr("shop.mdb: the reader of Access databases stopped: killed by signal 11"));
     EXPECT_EQ(Shop.Count(), 0);
 }
 
@@ -171,7 +175,8 @@ TEST_F(KvAccessTables, AMissingReaderIsAnError)
     ::setenv("KV_ACCESS_HELPER", "/nowhere/kvaccess", 1);
     const auto Result = Import();
     EXPECT_EQ(Result.Status, 3);
-    EXPECT_THAT(Result.Err, HasSubstr("/nowhere/kvaccess, which KV_ACCESS_HELPER names as the reader of Access databases, "
+    EXPECT_THAT(Result.Err, HasSubstr("/nowhere/kvaccess, "
+                                      "which KV_ACCESS_HELPER names as the reader of Access databases, "
                                       "is not a program"));
 }
 
@@ -186,14 +191,16 @@ TEST_F(KvAccessTables, APreviewShowsTheRecords)
 TEST_F(KvAccessTables, TablesListsRecordsAndFields)
 {
     Script.Table("Elsewhere", {}, 0, [](auto&) {}, ttLinked);
-    Script.Answer("records.Elsewhere", AccessStream([](auto& Writer) { Writer.Error("its table Elsewhere is a link"); }));
+    Script.Answer("records.Elsewhere",
+                  AccessStream([](auto& Writer) { Writer.Error("its table Elsewhere is a link"); }));
     const auto Result = RunKvImport(Shop.Folder, {"tables", Mdb});
     EXPECT_EQ(Result.Status, 0) << Result.Err;
     EXPECT_THAT(Result.Out, AllOf(StartsWith("table      records  fields\n---------  -------  ------"),
                                   EndsWith("-\n"
-                                           "Orders           4  Id Long Integer, City Text (20), Ordered Date/Time, "
-                                           "Amount Currency, Paid Yes/No, Note Memo\n"
-                                           "Elsewhere           (" + Mdb + ": its table Elsewhere is a link)\n")));
+                                           "Orders           4  Id Long Integer, City Text (20), "
+                                           "Ordered Date/Time, Amount Currency, Paid Yes/No, Note Memo\n"
+                                           "Elsewhere           (" + Mdb +
+                                           ": its table Elsewhere is a link)\n")));
 }
 
 TEST_F(KvAccessTables, TablesPrintsJson)

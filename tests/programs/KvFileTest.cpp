@@ -9,7 +9,8 @@ TProgramResult TFileTest::Kvimport(const std::string& Command, std::string_view 
     return RunKvImport(Shop.Folder, Arguments);
 }
 
-TProgramResult TFileTest::Import(std::string_view Bytes, const TArguments& Arguments, const std::string& Name) const
+TProgramResult TFileTest::Import(std::string_view Bytes, const TArguments& Arguments,
+                                 const std::string& Name) const
 {
     return Shop.ImportFile(Write(Bytes, Name), Arguments);
 }

@@ -21,7 +21,8 @@ protected:
     TProgramResult Kvimport(const std::string& Command, std::string_view Bytes, TArguments Arguments = {},
                             const std::string& Name = {}) const;
     /// Imports a file of these bytes into "orders".
-    TProgramResult Import(std::string_view Bytes, const TArguments& Arguments = {}, const std::string& Name = {}) const;
+    TProgramResult Import(std::string_view Bytes, const TArguments& Arguments = {},
+                          const std::string& Name = {}) const;
 
     const TShop Shop;
 

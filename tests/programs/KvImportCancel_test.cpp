@@ -117,7 +117,8 @@ TEST_F(KvImportCancel, WhileAnotherProgramHoldsTheDatabase)
     ASSERT_EQ(sqlite3_open(Shop.Database().c_str(), &Other), SQLITE_OK);
     ASSERT_EQ(sqlite3_exec(Other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
     TRunningProgram Program(Shop.Folder, KV_PROGRAM,
-                            ImportOf(Shop.Folder.Write("orders.csv", ManyOrders(3)), {"--busy-timeout", "60000"}));
+                            ImportOf(Shop.Folder.Write("orders.csv", ManyOrders(3)),
+                                     {"--busy-timeout", "60000"}));
     std::this_thread::sleep_for(500ms);
     EXPECT_THAT(Cancel(Program).Err, HasSubstr("Cancelled: nothing was imported (rolled back)."));
     sqlite3_close(Other);
@@ -127,7 +128,8 @@ TEST_F(KvImportCancel, WhileAnotherProgramHoldsTheDatabase)
 /// A table that takes long to empty, and to index.
 void FillTable(const TShop& Shop)
 {
-    Shop.Ask("INSERT INTO orders (ID, CITY, NOTE) WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1000000) "
+    Shop.Ask("INSERT INTO orders (ID, CITY, NOTE) "
+             "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1000000) "
              "SELECT i, 'City ' || i, 'note ' || i FROM n");
 }
 
@@ -147,7 +149,8 @@ TEST_F(KvImportCancel, WhileAnIndexIsBuilt)
 {
     FillTable(Shop);
     const auto File = Shop.Folder.Write("orders.csv", ManyOrders(300000));
-    TRunningProgram Program(Shop.Folder, KV_PROGRAM, ImportOf(File, {"--mode", "update", "--keys", "CITY", "--json"}));
+    TRunningProgram Program(Shop.Folder, KV_PROGRAM,
+                            ImportOf(File, {"--mode", "update", "--keys", "CITY", "--json"}));
     std::this_thread::sleep_for(500ms);
     const auto Run = Cancel(Program).Json();
     EXPECT_EQ(Run["failed"], 0);
@@ -160,7 +163,8 @@ TEST_F(KvImportCancel, ASecondSignalEndsTheProgramTheUsualWay)
     const auto File = Shop.Folder.Write("orders.csv", ManyOrders(300000));
     TRunningProgram Program(Shop.Folder, KV_PROGRAM, ImportOf(File));
     WaitForWriting();
-    for (const int Signal : {SIGSTOP, SIGINT, SIGTERM, SIGCONT}) // stopped, it cannot act on the first before the second
+    // Stopped, it cannot act on the first before the second.
+    for (const int Signal : {SIGSTOP, SIGINT, SIGTERM, SIGCONT})
         Program.Signal(Signal);
     EXPECT_EQ(Program.Wait().Status, 128 + SIGTERM);
     EXPECT_EQ(Shop.Count(), 0);

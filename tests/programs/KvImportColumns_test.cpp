@@ -12,7 +12,9 @@ using testing::HasSubstr;
 /// "Field1 ID>ID", "Field2 Town>: no field of that name: not imported" and so on.
 std::string FatesOf(const nlohmann::json& Run)
 {
-    const auto Text = [](const nlohmann::json& Value) { return Value.is_null() ? std::string() : Value.get<std::string>(); };
+    const auto Text = [](const nlohmann::json& Value) {
+        return Value.is_null() ? std::string() : Value.get<std::string>();
+    };
     std::string Result;
     for (const auto& Fate : Run["columns"])
         Result += Text(Fate["column"]) + " " + Text(Fate["name"]) + ">" + Text(Fate["field"]) +
@@ -24,14 +26,15 @@ TEST(KvImportColumns, AreFoundByNameWhateverTheirOrderAndCase)
 {
     const TShop Shop;
     const auto Run = Shop.Import("qty, City ,Town,id\n5,Rom,x,1\n");
-    EXPECT_EQ(FatesOf(Run), "Field1 qty>QTY\nField2 City>CITY\nField3 Town>: no field of that name: not imported\nField4 id>ID\n");
+    EXPECT_EQ(FatesOf(Run), "Field1 qty>QTY\nField2 City>CITY\n"
+                            "Field3 Town>: no field of that name: not imported\nField4 id>ID\n");
     EXPECT_EQ(Shop.Ask("SELECT ID, CITY, QTY FROM orders"), "1|Rom|5");
 }
 
 TEST(KvImportColumns, EveryFieldThatGetsNoneIsTold)
 {
-    const TShop Shop("CREATE TABLE orders (ID INTEGER PRIMARY KEY, A TEXT NOT NULL DEFAULT 'x', B TEXT NOT NULL, C TEXT, "
-                     "D INTEGER GENERATED ALWAYS AS (ID * 2))");
+    const TShop Shop("CREATE TABLE orders (ID INTEGER PRIMARY KEY, A TEXT NOT NULL DEFAULT 'x', "
+                     "B TEXT NOT NULL, C TEXT, D INTEGER GENERATED ALWAYS AS (ID * 2))");
     const auto Run = Shop.Import("ID,D\n1,2\n");
     EXPECT_EQ(Run["fieldsWithoutColumn"], nlohmann::json::parse(R"([
         {"field": "A", "remark": "default of the database"},
@@ -46,8 +49,9 @@ TEST(KvImportColumns, ANameThatStandsTwiceCountsOnce)
 {
     const TShop Shop;
     const auto Run = Shop.Import("ID,CITY,city,\n1,Rom,Bern,x\n");
-    EXPECT_EQ(FatesOf(Run), "Field1 ID>ID\nField2 CITY>CITY\nField3 city>: a column before it has that name: not imported\n"
-                            "Field4 >: has no name: not imported\n");
+    EXPECT_EQ(FatesOf(Run),
+              "Field1 ID>ID\nField2 CITY>CITY\nField3 city>: a column before it has that name: not imported\n"
+              "Field4 >: has no name: not imported\n");
     EXPECT_EQ(Shop.Ask("SELECT CITY FROM orders"), "Rom");
 }
 
@@ -97,8 +101,10 @@ TEST(KvImportColumns, BeyondTheLastFieldAreTold)
 TEST(KvImportColumns, AreMappedExactlyAsGiven)
 {
     const TShop Shop;
-    const auto Run = Shop.Import("Rom,1,x\n", {"--map", "id = Field2", "--map", "CITY=Field1", "--map", "QTY=Field99", "--map", "NOTE=May"});
-    EXPECT_EQ(FatesOf(Run), "Field2 >ID\nField1 >CITY\nField99 >QTY: line 1 has no such column: the field stays empty where it is missing\n"
+    const auto Run = Shop.Import("Rom,1,x\n", {"--map", "id = Field2", "--map", "CITY=Field1", "--map",
+                                               "QTY=Field99", "--map", "NOTE=May"});
+    EXPECT_EQ(FatesOf(Run), "Field2 >ID\nField1 >CITY\nField99 >QTY: line 1 has no such column: "
+                            "the field stays empty where it is missing\n"
                             "May >NOTE: no column but a constant: every record gets this text\n"
                             "Field3 >: no --map names it: not imported\n");
     EXPECT_EQ(Shop.Ask("SELECT ID, CITY, QTY, NOTE FROM orders"), "1|Rom|NULL|May");
@@ -115,9 +121,11 @@ TEST(KvImportColumns, AreNamedInAnyCase)
 TEST(KvImportColumns, OfTextAreToldByTheNumberBehindAnyFiveCharacters)
 {
     const TShop Shop;
-    const auto Run = Shop.Import("1,Rom\n", {"--map", "ID=Field1", "--map", "CITY=batch2", "--map", "NOTE=batch7"});
+    const auto Run = Shop.Import("1,Rom\n",
+                                 {"--map", "ID=Field1", "--map", "CITY=batch2", "--map", "NOTE=batch7"});
     EXPECT_EQ(FatesOf(Run), "Field1 >ID\nField2 >CITY\n"
-                            "Field7 >NOTE: line 1 has no such column: the field stays empty where it is missing\n");
+                            "Field7 >NOTE: line 1 has no such column: "
+                            "the field stays empty where it is missing\n");
     EXPECT_EQ(Shop.Ask("SELECT ID, CITY, NOTE FROM orders"), "1|Rom|NULL");
 }
 
@@ -134,13 +142,15 @@ TEST(KvImportColumns, OfFixedWidthStandAtBytes)
     const TShop Shop;
     const TArguments Layout{"--fixed", "--columns", "ID=1-4,CITY=5-12;QTY=13-15"};
     EXPECT_EQ(Shop.Import("1   Rom      10\n2   Oslo     20   beyond\n3   Bern\n", Layout)["exitStatus"], 0);
-    EXPECT_EQ(Shop.Ask("SELECT ID, '[' || CITY || ']', QTY FROM orders"), "1|[Rom]|10\n2|[Oslo]|20\n3|[Bern]|NULL");
+    EXPECT_EQ(Shop.Ask("SELECT ID, '[' || CITY || ']', QTY FROM orders"),
+              "1|[Rom]|10\n2|[Oslo]|20\n3|[Bern]|NULL");
 }
 
 TEST(KvImportColumns, OfFixedWidthKeepTheirBlanksInTheClassicReading)
 {
     const TShop Shop;
-    EXPECT_EQ(Shop.Import("1   Rom     \n", {"--fixed", "--map", "ID=Text1-4", "--map", "CITY=Text5-12", "--classic"})["exitStatus"], 0);
+    EXPECT_EQ(Shop.Import("1   Rom     \n", {"--fixed", "--map", "ID=Text1-4", "--map", "CITY=Text5-12",
+                                             "--classic"})["exitStatus"], 0);
     EXPECT_EQ(Shop.Ask("SELECT '[' || CITY || ']' FROM orders"), "[Rom     ]");
 }
 
@@ -151,14 +161,16 @@ TEST(KvImportColumns, TheDelimiterOfTheHeaderIsFoundUnlessOneIsNamed)
     EXPECT_EQ(Shop.Ask("SELECT CITY FROM orders"), "Rom, Italy");
     const auto Named = Shop.Run("ID;CITY\n1;Rom\n", {"--delimiter", "comma"});
     EXPECT_EQ(Named.Status, 3);
-    EXPECT_THAT(Named.Err, HasSubstr("no column has the name of a field; the columns are ID;CITY; the fields are ID, CITY, ORDERED"));
+    EXPECT_THAT(Named.Err, HasSubstr("no column has the name of a field; the columns are ID;CITY; "
+                                     "the fields are ID, CITY, ORDERED"));
 }
 
 TEST(KvImportColumns, TakeAnyDelimiterAndQualifier)
 {
     const TShop Shop;
     EXPECT_EQ(Shop.Import("ID|CITY\x1E" "1|'a|b'\x1E" "2|c\x1E",
-                          {"--delimiter", "|", "--qualifier", "apos", "--record-separator", "\\x1E"})["exitStatus"], 0);
+                          {"--delimiter", "|", "--qualifier", "apos", "--record-separator",
+                           "\\x1E"})["exitStatus"], 0);
     EXPECT_EQ(Shop.Ask("SELECT ID, CITY FROM orders"), "1|a|b\n2|c");
 }
 

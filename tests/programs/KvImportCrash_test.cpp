@@ -45,13 +45,16 @@ protected:
 
     void Fill() const
     {
-        Shop.Ask("DELETE FROM orders; INSERT INTO orders (ID, CITY, NOTE) WITH RECURSIVE n(i) AS (SELECT 2 UNION ALL "
-                 "SELECT i + 2 FROM n WHERE i < " + std::to_string(Records) + ") SELECT i, 'old', 'old' FROM n");
+        Shop.Ask("DELETE FROM orders; INSERT INTO orders (ID, CITY, NOTE) "
+                 "WITH RECURSIVE n(i) AS (SELECT 2 UNION ALL "
+                 "SELECT i + 2 FROM n WHERE i < " + std::to_string(Records) +
+                 ") SELECT i, 'old', 'old' FROM n");
     }
 
     TArguments Arguments(const TArguments& More) const
     {
-        TArguments All{"import", Shop.Folder / "orders.csv", "--to", Shop.Database(), "--table", "orders", "--mode",
+        TArguments All{"import", Shop.Folder / "orders.csv", "--to", Shop.Database(), "--table", "orders",
+                       "--mode",
                        "append-update", "--cache-size", "100"}; // a small cache writes before the commit
         All.insert(All.end(), More.begin(), More.end());
         return All;
@@ -76,9 +79,11 @@ protected:
     int ImportedUpTo() const
     {
         const auto New = std::stoi(Shop.Ask("SELECT count(*) FROM orders WHERE NOTE = 'new'"));
-        const auto IsWhole = Shop.Ask("SELECT count(*) FROM orders WHERE NOTE = 'new' AND ID <= " + std::to_string(New)) ==
+        const auto IsWhole = Shop.Ask("SELECT count(*) FROM orders WHERE NOTE = 'new' AND ID <= " +
+                                      std::to_string(New)) ==
                              std::to_string(New);
-        const auto OldOnes = Shop.Ask("SELECT count(*) FROM orders WHERE NOTE = 'old'") == std::to_string(Records / 2 - New / 2);
+        const auto OldOnes = Shop.Ask("SELECT count(*) FROM orders WHERE NOTE = 'old'") ==
+                             std::to_string(Records / 2 - New / 2);
         return IsWhole && OldOnes && Shop.Ask("PRAGMA integrity_check") == "ok" ? New : -1;
     }
 

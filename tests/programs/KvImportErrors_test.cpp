@@ -38,7 +38,8 @@ protected:
             else if (Argument == "MISSING")
                 Argument = Shop.Folder / "missing";
             else if (Argument == "NODATABASE")
-                Argument = Shop.Folder.Write("text.db", "this is no database, but long enough to be looked at as one");
+                Argument = Shop.Folder.Write("text.db",
+                                             "this is no database, but long enough to be looked at as one");
             else if (Argument == "EMPTY")
                 Argument = Shop.Folder.Write("empty.db", "");
         return Arguments;
@@ -58,45 +59,71 @@ TEST_P(KvImportExplains, WhatIsWrong)
 }
 
 INSTANTIATE_TEST_SUITE_P(Usage, KvImportExplains, testing::Values(
-    TBadRow{"NoCommand", {}, 2, "kvimport: a command is missing; there are import, preview, sheets, tables, formats, save, show, run"},
-    TBadRow{"UnknownCommand", {"frobnicate"}, 2, "kvimport: 'frobnicate' is no command; there are import, preview, sheets, tables, formats, save, show, run"},
+    TBadRow{"NoCommand", {}, 2, "kvimport: a command is missing; there are import, preview, sheets, tables, "
+                                "formats, save, show, run"},
+    TBadRow{"UnknownCommand", {"frobnicate"}, 2, "kvimport: 'frobnicate' is no command; there are import, "
+                                                 "preview, sheets, tables, formats, save, show, run"},
     TBadRow{"NoFile", {"import"}, 2, "kvimport: FILE is required"},
     TBadRow{"NoDatabase", {"import", "FILE"}, 2, "kvimport: --to is required"},
     TBadRow{"UnknownOption", {"import", "FILE", "--to", "SHOP", "--frobnicate"}, 2, "--frobnicate"},
-    TBadRow{"Mode", {"import", "FILE", "--to", "SHOP", "--mode", "merge"}, 2, "--mode: 'merge' is none of append, update, append-update, delete, copy"},
-    TBadRow{"KeysWithoutUse", {"import", "FILE", "--to", "SHOP", "--table", "orders", "--keys", "ID"}, 2, "--keys has no meaning with --mode append"},
-    TBadRow{"Delimiter", {"import", "FILE", "--to", "SHOP", "--delimiter", "ab"}, 2, "--delimiter: 'ab' is not a single character"},
-    TBadRow{"Escape", {"import", "FILE", "--to", "SHOP", "--record-separator", "\\q"}, 2, "--record-separator: '\\q': after a backslash stands"},
-    TBadRow{"FirstRow", {"import", "FILE", "--to", "SHOP", "--first-row", "0"}, 2, "--first-row: '0' is no whole number from 1 on"},
-    TBadRow{"LastBeforeFirst", {"import", "FILE", "--to", "SHOP", "--table", "orders", "--last-row", "1"}, 2, "--last-row 1 lies before --first-row 2"},
-    TBadRow{"NoHeaderLeft", {"import", "FILE", "--to", "SHOP", "--table", "orders", "--first-row", "1"}, 2, "--first-row 1 leaves no header line"},
-    TBadRow{"FixedWithoutColumns", {"import", "FILE", "--to", "SHOP", "--fixed"}, 2, "--fixed needs --columns"},
-    TBadRow{"Columns", {"import", "FILE", "--to", "SHOP", "--fixed", "--columns", "ID=9-1"}, 2, "--columns: 'ID=9-1' is no column such as CITY=10-29"},
-    TBadRow{"MapAndPosition", {"import", "FILE", "--to", "SHOP", "--map", "ID=Field1", "--by-position"}, 2, "--map and --by-position exclude each other"},
-    TBadRow{"SameSeparators", {"import", "FILE", "--to", "SHOP", "--decimal-separator", ".", "--thousand-separator", "."}, 2, "are the same"},
-    TBadRow{"CodePage", {"import", "FILE", "--to", "SHOP", "--code-page", "klingon"}, 2, "--code-page: Unknown code page 'klingon'"},
-    TBadRow{"Kind", {"import", "FILE", "--to", "SHOP", "--from", "papyrus"}, 2, "--from: 'papyrus' is none of text"},
-    TBadRow{"SameFile", {"import", "SHOP", "--to", "SHOP", "--table", "orders"}, 2, "the source and --to are the same file"}),
+    TBadRow{"Mode", {"import", "FILE", "--to", "SHOP", "--mode", "merge"}, 2,
+            "--mode: 'merge' is none of append, update, append-update, delete, copy"},
+    TBadRow{"KeysWithoutUse", {"import", "FILE", "--to", "SHOP", "--table", "orders", "--keys", "ID"}, 2,
+            "--keys has no meaning with --mode append"},
+    TBadRow{"Delimiter", {"import", "FILE", "--to", "SHOP", "--delimiter", "ab"}, 2,
+            "--delimiter: 'ab' is not a single character"},
+    TBadRow{"Escape", {"import", "FILE", "--to", "SHOP", "--record-separator", "\\q"}, 2,
+            "--record-separator: '\\q': after a backslash stands"},
+    TBadRow{"FirstRow", {"import", "FILE", "--to", "SHOP", "--first-row", "0"}, 2,
+            "--first-row: '0' is no whole number from 1 on"},
+    TBadRow{"LastBeforeFirst", {"import", "FILE", "--to", "SHOP", "--table", "orders", "--last-row", "1"}, 2,
+            "--last-row 1 lies before --first-row 2"},
+    TBadRow{"NoHeaderLeft", {"import", "FILE", "--to", "SHOP", "--table", "orders", "--first-row", "1"}, 2,
+            "--first-row 1 leaves no header line"},
+    TBadRow{"FixedWithoutColumns", {"import", "FILE", "--to", "SHOP", "--fixed"}, 2,
+            "--fixed needs --columns"},
+    TBadRow{"Columns", {"import", "FILE", "--to", "SHOP", "--fixed", "--columns", "ID=9-1"}, 2,
+            "--columns: 'ID=9-1' is no column such as CITY=10-29"},
+    TBadRow{"MapAndPosition", {"import", "FILE", "--to", "SHOP", "--map", "ID=Field1", "--by-position"}, 2,
+            "--map and --by-position exclude each other"},
+    TBadRow{"SameSeparators", {"import", "FILE", "--to", "SHOP", "--decimal-separator", ".",
+                               "--thousand-separator", "."}, 2, "are the same"},
+    TBadRow{"CodePage", {"import", "FILE", "--to", "SHOP", "--code-page", "klingon"}, 2,
+            "--code-page: Unknown code page 'klingon'"},
+    TBadRow{"Kind", {"import", "FILE", "--to", "SHOP", "--from", "papyrus"}, 2,
+            "--from: 'papyrus' is none of text"},
+    TBadRow{"SameFile", {"import", "SHOP", "--to", "SHOP", "--table", "orders"}, 2,
+            "the source and --to are the same file"}),
     [](const auto& Info) { return Info.param.Name; });
 
 INSTANTIATE_TEST_SUITE_P(Files, KvImportExplains, testing::Values(
-    TBadRow{"MissingFile", {"import", "MISSING", "--to", "SHOP", "--table", "orders"}, 3, "missing\": No such file or directory"},
+    TBadRow{"MissingFile", {"import", "MISSING", "--to", "SHOP", "--table", "orders"}, 3,
+            "missing\": No such file or directory"},
     TBadRow{"Directory", {"import", "DIR", "--to", "SHOP", "--table", "orders"}, 3, "Is a directory"},
-    TBadRow{"MissingDatabase", {"import", "FILE", "--to", "MISSING", "--table", "orders"}, 3, "Cannot open database"},
-    TBadRow{"DatabaseIsDirectory", {"import", "FILE", "--to", "DIR", "--table", "orders"}, 3, "it is a directory"},
-    TBadRow{"NotADatabase", {"import", "FILE", "--to", "NODATABASE", "--table", "orders"}, 3, "file is not a database"},
-    TBadRow{"EmptyDatabase", {"import", "FILE", "--to", "EMPTY", "--table", "orders"}, 3, "the file is empty, it has no tables"},
+    TBadRow{"MissingDatabase", {"import", "FILE", "--to", "MISSING", "--table", "orders"}, 3,
+            "Cannot open database"},
+    TBadRow{"DatabaseIsDirectory", {"import", "FILE", "--to", "DIR", "--table", "orders"}, 3,
+            "it is a directory"},
+    TBadRow{"NotADatabase", {"import", "FILE", "--to", "NODATABASE", "--table", "orders"}, 3,
+            "file is not a database"},
+    TBadRow{"EmptyDatabase", {"import", "FILE", "--to", "EMPTY", "--table", "orders"}, 3,
+            "the file is empty, it has no tables"},
     TBadRow{"NoTable", {"import", "FILE", "--to", "SHOP"}, 3, "--table is missing; the tables of"},
-    TBadRow{"UnknownTable", {"import", "FILE", "--to", "SHOP", "--table", "ordres"}, 3, "no such table: ordres (there are: orders)"},
-    TBadRow{"UnknownKey", {"import", "FILE", "--to", "SHOP", "--table", "orders", "--mode", "update", "--keys", "NR"}, 3,
+    TBadRow{"UnknownTable", {"import", "FILE", "--to", "SHOP", "--table", "ordres"}, 3,
+            "no such table: ordres (there are: orders)"},
+    TBadRow{"UnknownKey",
+            {"import", "FILE", "--to", "SHOP", "--table", "orders", "--mode", "update", "--keys", "NR"}, 3,
             "--keys: there is no field 'NR'; the fields are ID, CITY, ORDERED, AMOUNT, QTY, PAID, NOTE"},
-    TBadRow{"KeyWithoutColumn", {"import", "FILE", "--to", "SHOP", "--table", "orders", "--mode", "update", "--keys", "QTY"}, 3,
+    TBadRow{"KeyWithoutColumn",
+            {"import", "FILE", "--to", "SHOP", "--table", "orders", "--mode", "update", "--keys", "QTY"}, 3,
             "--keys: the field 'QTY' gets no column"},
     TBadRow{"UnknownField", {"import", "FILE", "--to", "SHOP", "--table", "orders", "--map", "NR=Field1"}, 3,
             "'NR=Field1': there is no field 'NR'; the fields are ID, CITY"},
-    TBadRow{"FieldTwice", {"import", "FILE", "--to", "SHOP", "--table", "orders", "--map", "ID=Field1", "--map", "id=Field2"}, 3,
+    TBadRow{"FieldTwice", {"import", "FILE", "--to", "SHOP", "--table", "orders", "--map", "ID=Field1",
+                           "--map", "id=Field2"}, 3,
             "'id=Field2': the field has a column already"},
-    TBadRow{"NoPair", {"import", "FILE", "--to", "SHOP", "--table", "orders", "--map", "ID"}, 3, "--map: 'ID' is no pair such as ID=Field1"},
+    TBadRow{"NoPair", {"import", "FILE", "--to", "SHOP", "--table", "orders", "--map", "ID"}, 3,
+            "--map: 'ID' is no pair such as ID=Field1"},
     TBadRow{"PreviewOfAMissingFile", {"preview", "MISSING"}, 3, "No such file or directory"}),
     [](const auto& Info) { return Info.param.Name; });
 
@@ -153,7 +180,8 @@ TEST(KvImportErrors, ErrorsAreCappedAndCounted)
         Text += "x,y\n";
     const auto Run = Shop.Run(Text, {"--max-errors", "3"});
     EXPECT_EQ(Run.Status, 1);
-    EXPECT_THAT(Run.Err, HasSubstr("orders.csv, line 4: 'x' is not a valid integer value for field 'ID'\n... and 27 more errors\n"));
+    EXPECT_THAT(Run.Err, HasSubstr("orders.csv, line 4: 'x' is not a valid integer value for field 'ID'\n"
+                                   "... and 27 more errors\n"));
     EXPECT_THAT(Run.Err, testing::Not(HasSubstr("line 5")));
 }
 
@@ -162,7 +190,8 @@ TEST(KvImportErrors, OfNumbersAreToldOnce)
     const TShop Shop;
     const auto Run = Shop.Run("ID,CITY,AMOUNT\n1,Rom,abc\n");
     EXPECT_EQ(Run.Status, 1);
-    EXPECT_EQ(Run.Err, (Shop.Folder / "orders.csv") + ", line 2: 'abc' is not a valid floating point value for field 'AMOUNT'\n");
+    EXPECT_EQ(Run.Err, (Shop.Folder / "orders.csv") +
+                       ", line 2: 'abc' is not a valid floating point value for field 'AMOUNT'\n");
 }
 
 TEST(KvImportErrors, CannotSteerTheTerminal)
@@ -188,7 +217,8 @@ TEST(KvImportErrors, QuietPrintsNothingButErrors)
 TEST(KvImportErrors, JsonTellsWhatFailedBeforeTheRun)
 {
     const TShop Shop;
-    const auto Run = ImportWithJson(Shop.Folder, {Shop.Folder / "missing", "--to", Shop.Database(), "--table", "orders"});
+    const auto Run = ImportWithJson(Shop.Folder,
+                                    {Shop.Folder / "missing", "--to", Shop.Database(), "--table", "orders"});
     EXPECT_EQ(Run["result"], "failed");
     EXPECT_EQ(Run["exitStatus"], 3);
     EXPECT_THAT(std::string(Run["message"]), HasSubstr("No such file or directory"));

@@ -55,8 +55,9 @@ private:
 
     std::string OddValue()
     {
-        static const std::string Values[] = {"", " ", "\"\"", "\"a\"\"b\"", "\"x,y\"", "\"two\nlines\"", "-1", "1e5", "2023-02-29",
-                                             "a very long text that no column takes", "\xFF\xFE", "\x1A", "99999999999999999999"};
+        static const std::string Values[] = {"", " ", "\"\"", "\"a\"\"b\"", "\"x,y\"", "\"two\nlines\"", "-1",
+                                             "1e5", "2023-02-29", "a very long text that no column takes",
+                                             "\xFF\xFE", "\x1A", "99999999999999999999"};
         return Values[static_cast<std::size_t>(Below(std::size(Values)))];
     }
 
@@ -80,7 +81,8 @@ TEST_P(KvImportFigures, AddUpAndMatchTheTable)
         SCOPED_TRACE("KV_SEED=" + std::to_string(First + I));
         TFileMaker Maker(First + I);
         const TShop Shop;
-        Shop.Ask("INSERT INTO orders (ID, CITY) WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 2 FROM n WHERE i < 60) "
+        Shop.Ask("INSERT INTO orders (ID, CITY) "
+                 "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 2 FROM n WHERE i < 60) "
                  "SELECT i, 'old' FROM n");
         const int Before = static_cast<int>(Shop.Count());
         const auto Run = Shop.Import(Maker.Make(), GetParam().Arguments);
@@ -101,7 +103,8 @@ INSTANTIATE_TEST_SUITE_P(, KvImportFigures, testing::Values(
     TModeRow{"Delete", {"--mode", "delete"}},
     TModeRow{"Copy", {"--mode", "copy"}},
     TModeRow{"Batches", {"--mode", "append-update", "--batch", "7"}},
-    TModeRow{"ByCity", {"--mode", "append-update", "--keys", "CITY"}}), [](const auto& Info) { return Info.param.Name; });
+    TModeRow{"ByCity", {"--mode", "append-update", "--keys", "CITY"}}),
+    [](const auto& Info) { return Info.param.Name; });
 
 } // namespace
 

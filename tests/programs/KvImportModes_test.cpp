@@ -12,7 +12,10 @@ constexpr std::string_view Header = "ID,CITY,QTY\n";
 /// Two orders stand in the table, 1 and 2; the file holds 2 and 3.
 struct TTwoShops : TShop
 {
-    TTwoShops() { Ask("INSERT INTO orders (ID, CITY, QTY, NOTE) VALUES (1, 'Rom', 10, 'old'), (2, 'Oslo', 20, 'old')"); }
+    TTwoShops()
+    {
+        Ask("INSERT INTO orders (ID, CITY, QTY, NOTE) VALUES (1, 'Rom', 10, 'old'), (2, 'Oslo', 20, 'old')");
+    }
 
     nlohmann::json ImportIn(const std::string& Mode, const TArguments& More = {}) const
     {
@@ -23,7 +26,8 @@ struct TTwoShops : TShop
     std::string Rows() const { return Ask("SELECT ID, CITY, QTY, NOTE FROM orders ORDER BY ID"); }
 };
 
-void ExpectFigures(const nlohmann::json& Run, int Read, int Added, int Updated, int Deleted, int Failed, int NotFound)
+void ExpectFigures(const nlohmann::json& Run, int Read, int Added, int Updated, int Deleted, int Failed,
+                   int NotFound)
 {
     EXPECT_EQ(Run["read"], Read);
     EXPECT_EQ(Run["added"], Added);
@@ -77,7 +81,8 @@ TEST(KvImportModes, CopyReplacesTheTable)
 TEST(KvImportModes, ACopyThatFailsLeavesTheTableAsItWas)
 {
     const TTwoShops Shop;
-    const auto Run = Shop.Import(std::string(Header) + "5,Bern,1\nx,Wien,2\n", {"--mode", "copy", "--abort-on-error"});
+    const auto Run = Shop.Import(std::string(Header) + "5,Bern,1\nx,Wien,2\n",
+                                 {"--mode", "copy", "--abort-on-error"});
     EXPECT_EQ(Run["exitStatus"], 3);
     EXPECT_EQ(Run["transaction"], "rolled back");
     EXPECT_EQ(Shop.Rows(), "1|Rom|10|old\n2|Oslo|20|old");
@@ -102,7 +107,8 @@ class KvImportKeys : public testing::TestWithParam<TKeyRow> {};
 TEST_P(KvImportKeys, AreReadHoweverTheyAreSeparated)
 {
     const TTwoShops Shop;
-    const auto Run = Shop.Import(std::string(Header) + "2,oslo,1\n2,Oslo,2\n", {"--mode", "update", "--keys", GetParam().Keys});
+    const auto Run = Shop.Import(std::string(Header) + "2,oslo,1\n2,Oslo,2\n",
+                                 {"--mode", "update", "--keys", GetParam().Keys});
     EXPECT_EQ(Run["keys"], nlohmann::json::array({"ID", "CITY"}));
     ExpectFigures(Run, 2, 0, 1, 0, 0, 1);           // both must be equal, to the letter
     EXPECT_EQ(Shop.Ask("SELECT QTY FROM orders WHERE ID = 2"), "2");
@@ -117,7 +123,8 @@ INSTANTIATE_TEST_SUITE_P(, KvImportKeys, testing::Values(
 TEST(KvImportModes, AKeyWithoutAnIndexFindsRecordsToo)
 {
     const TTwoShops Shop;
-    ExpectFigures(Shop.Import("CITY,QTY\nOslo,7\nBonn,8\n", {"--mode", "update", "--keys", "CITY"}), 2, 0, 1, 0, 0, 1);
+    ExpectFigures(Shop.Import("CITY,QTY\nOslo,7\nBonn,8\n", {"--mode", "update", "--keys", "CITY"}), 2, 0, 1,
+                  0, 0, 1);
     EXPECT_EQ(Shop.Rows(), "1|Rom|10|old\n2|Oslo|7|old");
 }
 
@@ -131,13 +138,15 @@ TEST(KvImportModes, OnceFailedRecordsDoNotPoisonTheOthers)
     EXPECT_EQ(Run["errors"][0]["place"], "line 3");
     EXPECT_EQ(Run["errors"][0]["message"], "'x' is not a valid integer value for field 'ID'");
     EXPECT_EQ(Run["errors"][1]["message"], "Field 'CITY' must have a value");
-    EXPECT_THAT(std::string(Run["errors"][2]["message"]), testing::HasSubstr("UNIQUE constraint failed: orders.ID"));
+    EXPECT_THAT(std::string(Run["errors"][2]["message"]),
+                testing::HasSubstr("UNIQUE constraint failed: orders.ID"));
 }
 
 TEST(KvImportModes, BatchesKeepWhatStoodBeforeAFailure)
 {
     const TShop Shop;
-    const auto Run = Shop.Import("ID,CITY\n1,a\n2,b\n3,c\n4,d\n5,e\nx,f\n7,g\n", {"--batch", "2", "--abort-on-error"});
+    const auto Run = Shop.Import("ID,CITY\n1,a\n2,b\n3,c\n4,d\n5,e\nx,f\n7,g\n",
+                                 {"--batch", "2", "--abort-on-error"});
     EXPECT_EQ(Run["exitStatus"], 3);
     EXPECT_EQ(Run["transaction"], "partly committed");
     EXPECT_EQ(Run["keptRecords"], 4);
@@ -158,7 +167,8 @@ TEST(KvImportModes, TheLastBatchNeedNotBeFull)
 TEST(KvImportModes, ABrokenConstraintOnDeletionFailsTheRun)
 {
     const TShop Shop("PRAGMA foreign_keys = ON; CREATE TABLE orders (ID INTEGER PRIMARY KEY, CITY TEXT);"
-                     "CREATE TRIGGER keep BEFORE DELETE ON orders WHEN old.ID = 2 BEGIN SELECT RAISE(ABORT, 'order 2 stays'); END;"
+                     "CREATE TRIGGER keep BEFORE DELETE ON orders WHEN old.ID = 2 BEGIN "
+                     "SELECT RAISE(ABORT, 'order 2 stays'); END;"
                      "INSERT INTO orders VALUES (1, 'a'), (2, 'b')");
     const auto Run = Shop.Import("ID\n1\n2\n", {"--mode", "delete"});
     EXPECT_EQ(Run["exitStatus"], 3);

@@ -47,10 +47,13 @@ INSTANTIATE_TEST_SUITE_P(, KvImportStores, testing::Values(
     TValueRow{"LineEndInside", "TEXT", "\"a\nb\"", "'a\nb'"},
     TValueRow{"Utf8", "TEXT", "Łódź 東京", "'Łódź 東京'"},
     TValueRow{"NotUtf8", "TEXT", "K\xF6ln", "'Köln'"},
-    TValueRow{"NotUtf8OfAnotherPage", "TEXT", "\xA3\xF3" "d\x9F", "'Łódź'", {"--legacy-code-page", "windows-1250"}},
-    TValueRow{"AnsiCodePage", "TEXT", "\xCC\xEE\xF1\xEA\xE2\xE0", "'Москва'", {"--code-page", "windows-1251"}},
+    TValueRow{"NotUtf8OfAnotherPage", "TEXT", "\xA3\xF3" "d\x9F", "'Łódź'",
+              {"--legacy-code-page", "windows-1250"}},
+    TValueRow{"AnsiCodePage", "TEXT", "\xCC\xEE\xF1\xEA\xE2\xE0", "'Москва'",
+              {"--code-page", "windows-1251"}},
     TValueRow{"MsDos", "TEXT", "K\x94ln \xC4\xB3", "'Köln ─│'", {"--charset", "msdos"}},
-    TValueRow{"MsDosOfAnotherPage", "TEXT", "\xA3\x94", "'Żö'", {"--charset", "msdos", "--oem-code-page", "CP775"}},
+    TValueRow{"MsDosOfAnotherPage", "TEXT", "\xA3\x94", "'Żö'",
+              {"--charset", "msdos", "--oem-code-page", "CP775"}},
     TValueRow{"Date", "DATE", "2024-02-29", "'2024-02-29'"},
     TValueRow{"GermanDate", "DATE", "29.02.2024", "'2024-02-29'", German},
     TValueRow{"AmericanDate", "DATE", "2/29/2024", "'2024-02-29'", American},
@@ -98,21 +101,29 @@ TEST_P(KvImportRefuses, TheRecord)
 
 INSTANTIATE_TEST_SUITE_P(, KvImportRefuses, testing::Values(
     TRefusedValueRow{"NoInteger", "INTEGER", "1.5", "'1.5' is not a valid integer value for field 'V'"},
-    TRefusedValueRow{"TooLargeForSmallint", "SMALLINT", "40000", "'40000' is not between -32768 and 32767 for field 'V'"},
-    TRefusedValueRow{"TooLargeForInteger", "INTEGER", "9223372036854775808", "'9223372036854775808' is not a valid integer value for field 'V'"},
-    TRefusedValueRow{"NoNumber", "DECIMAL(10,2)", "12 EUR", "'12 EUR' is not a valid floating point value for field 'V'"},
-    TRefusedValueRow{"NoSuchDay", "DATE", "2023-02-29", "'2023-02-29' is not a valid date value for field 'V'"},
-    TRefusedValueRow{"DateOfAnotherOrder", "DATE", "29-02-2024", "'29-02-2024' is not a valid date value for field 'V'"},
+    TRefusedValueRow{"TooLargeForSmallint", "SMALLINT", "40000",
+                     "'40000' is not between -32768 and 32767 for field 'V'"},
+    TRefusedValueRow{"TooLargeForInteger", "INTEGER", "9223372036854775808",
+                     "'9223372036854775808' is not a valid integer value for field 'V'"},
+    TRefusedValueRow{"NoNumber", "DECIMAL(10,2)", "12 EUR",
+                     "'12 EUR' is not a valid floating point value for field 'V'"},
+    TRefusedValueRow{"NoSuchDay", "DATE", "2023-02-29",
+                     "'2023-02-29' is not a valid date value for field 'V'"},
+    TRefusedValueRow{"DateOfAnotherOrder", "DATE", "29-02-2024",
+                     "'29-02-2024' is not a valid date value for field 'V'"},
     TRefusedValueRow{"NoSuchTime", "TIME", "24:61", "'24:61' is not a valid time value for field 'V'"},
-    TRefusedValueRow{"NeitherTrueNorFalse", "BOOLEAN", "maybe", "'maybe' is not a valid boolean value for field 'V'"},
-    TRefusedValueRow{"TooLong", "VARCHAR(3)", "Bern", "'Bern' is longer than field 'V': 4 characters, it holds 3"}),
+    TRefusedValueRow{"NeitherTrueNorFalse", "BOOLEAN", "maybe",
+                     "'maybe' is not a valid boolean value for field 'V'"},
+    TRefusedValueRow{"TooLong", "VARCHAR(3)", "Bern",
+                     "'Bern' is longer than field 'V': 4 characters, it holds 3"}),
     [](const auto& Info) { return Info.param.Name; });
 
 TEST(KvImportValues, AreCountedAgainstTheHeaderWhereverItStands)
 {
     const TShop Shop;
     const auto Run = Shop.Import("Orders of May\nID,CITY\n1,Rom\n2,Bern,x\n", {"--first-row", "3"});
-    EXPECT_EQ(Run["warnings"], nlohmann::json::array({"line 4 has more values than line 2: the extra ones were not imported"}));
+    EXPECT_EQ(Run["warnings"], nlohmann::json::array({"line 4 has more values than line 2: "
+                                                      "the extra ones were not imported"}));
 }
 
 TEST(KvImportValues, AreCountedAgainstTheFirstLineWithoutAHeader)
@@ -198,7 +209,8 @@ TEST(KvImportValues, CommasThatAreNoThousandSeparatorsAreRefused)
     const TShop Shop;
     const auto Run = Shop.Run("ID;CITY;AMOUNT\n1;Rom;12\n2;Bern;1,5\n");
     EXPECT_EQ(Run.Status, 3);
-    EXPECT_THAT(Run.Err, HasSubstr("line 3: '1,5' has a comma where no thousands end; say --decimal-separator comma"));
+    EXPECT_THAT(Run.Err,
+                HasSubstr("line 3: '1,5' has a comma where no thousands end; say --decimal-separator comma"));
     EXPECT_EQ(Shop.Import("ID;CITY;AMOUNT\n2;Bern;1,5\n", {"--decimal-separator", "comma"})["added"], 1);
     EXPECT_EQ(Shop.Ask("SELECT AMOUNT FROM orders"), "1.5");
 }

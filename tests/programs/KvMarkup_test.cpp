@@ -20,9 +20,11 @@ const std::string Page = "<!DOCTYPE html><html><head><meta charset=windows-1252>
                          "<tr><td>1<td>K\xF6ln &amp; Bonn<td align=right>1,234.50\n"
                          "<tr><td>2<td>Rom<td>&nbsp;\n"
                          "</table></body></html>";
-const std::string TwoTables = "<html><table><tr><td>1</td><td>Rom</td></tr></table><table><tr><td>2</td><td>Oslo</td></tr></table>";
+const std::string TwoTables =
+    "<html><table><tr><td>1</td><td>Rom</td></tr></table><table><tr><td>2</td><td>Oslo</td></tr></table>";
 const std::string Packet = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n<DATAPACKET><METADATA><FIELDS>"
-                           "<FIELD attrname=\"ID\"/><FIELD attrname=\"CITY\"/><FIELD attrname=\"AMOUNT\"/></FIELDS></METADATA>\n"
+                           "<FIELD attrname=\"ID\"/><FIELD attrname=\"CITY\"/><FIELD "
+                           "attrname=\"AMOUNT\"/></FIELDS></METADATA>\n"
                            "<ROWDATA><ROW ID='1' CITY=\"K\xF6ln &amp; Bonn\" AMOUNT=\"1234.50\"></ROW>\n"
                            "<ROW CITY=\"Rom\" ID=\"2\"/></ROWDATA></DATAPACKET>";
 
@@ -30,7 +32,8 @@ class KvMarkupOnTheCommandLine : public TFileTest
 {
 protected:
     KvMarkupOnTheCommandLine()
-        : TFileTest("orders", "CREATE TABLE orders (ID INTEGER PRIMARY KEY, CITY VARCHAR(20), AMOUNT DECIMAL(10,2))")
+        : TFileTest("orders",
+                    "CREATE TABLE orders (ID INTEGER PRIMARY KEY, CITY VARCHAR(20), AMOUNT DECIMAL(10,2))")
     {
     }
 
@@ -63,7 +66,8 @@ TEST_F(KvHtmlOnTheCommandLine, CellsGoIntoTheFieldsByPosition)
     const auto Run = Import(TwoTables, {"--by-position"});
     EXPECT_EQ(Run.Status, 0) << Run.Err;
     EXPECT_EQ(Orders(), "1|Rom|NULL\n2|Oslo|NULL");
-    EXPECT_THAT(Run.Err, HasSubstr("rows of 2 tables were read one after the other; --table-number takes one"));
+    EXPECT_THAT(Run.Err,
+                HasSubstr("rows of 2 tables were read one after the other; --table-number takes one"));
 }
 
 TEST_F(KvHtmlOnTheCommandLine, OneTableIsTakenByItsNumber)
@@ -91,7 +95,8 @@ TEST_F(KvHtmlOnTheCommandLine, AColumnIsNamedByItsNumber)
 
 TEST_F(KvHtmlOnTheCommandLine, ARecordThatFailsIsNamedByItsRow)
 {
-    const auto Run = Import("<table><tr><td>1</td></tr><tr><td>x</td></tr></table>", {"--by-position", "--from", "html"});
+    const auto Run = Import("<table><tr><td>1</td></tr><tr><td>x</td></tr></table>",
+                            {"--by-position", "--from", "html"});
     EXPECT_EQ(Run.Status, 1);
     EXPECT_THAT(Run.Err, HasSubstr("row 2: 'x' is not a valid integer value for field 'ID'"));
 }
@@ -103,14 +108,16 @@ TEST_F(KvHtmlOnTheCommandLine, ClassicTakesCellsInTheirOrder)
     EXPECT_EQ(Orders(), "1|a &amp; b|2.5");
     const auto ByName = Import(Old, {"--classic"});
     EXPECT_EQ(ByName.Status, 2);
-    EXPECT_THAT(ByName.Err, HasSubstr("with --classic the first mapping takes the first cell of a row and so on"));
+    EXPECT_THAT(ByName.Err,
+                HasSubstr("with --classic the first mapping takes the first cell of a row and so on"));
 }
 
 TEST_F(KvHtmlOnTheCommandLine, APreviewShowsTheRowsBelowTheHeader)
 {
     const auto Run = Kvimport("preview", Page);
     EXPECT_EQ(Run.Status, 0) << Run.Err;
-    EXPECT_THAT(Run.Out, AllOf(HasSubstr("Field2"), HasSubstr("City"), HasSubstr("Köln & Bonn"), HasSubstr("1,234.50")));
+    EXPECT_THAT(Run.Out, AllOf(HasSubstr("Field2"), HasSubstr("City"), HasSubstr("Köln & Bonn"),
+                               HasSubstr("1,234.50")));
     const auto Json = Kvimport("preview", Page, {"--json", "--rows", "1"}).Json();
     EXPECT_EQ(Json["rows"].size(), 1u);
 }
@@ -172,8 +179,10 @@ TEST_F(KvXmlOnTheCommandLine, APreviewShowsTheRecords)
 
 TEST_F(KvMarkupOnTheCommandLine, OptionsOfOtherKindsAreRefused)
 {
-    EXPECT_THAT(Import(Packet, {"--table-number", "1"}).Err, HasSubstr("--table-number has no meaning for a source of kind xml; it is for html"));
-    EXPECT_THAT(Import(Page, {"--row-tag", "x"}).Err, HasSubstr("--row-tag has no meaning for a source of kind html; it is for xml"));
+    EXPECT_THAT(Import(Packet, {"--table-number", "1"}).Err,
+                HasSubstr("--table-number has no meaning for a source of kind xml; it is for html"));
+    EXPECT_THAT(Import(Page, {"--row-tag", "x"}).Err,
+                HasSubstr("--row-tag has no meaning for a source of kind html; it is for xml"));
 }
 
 } // namespace kv

@@ -12,7 +12,8 @@ using testing::HasSubstr;
 class KvPreview : public testing::Test
 {
 protected:
-    TProgramResult Preview(std::string_view Text, TArguments Arguments = {}, const std::string& Name = "orders.csv") const
+    TProgramResult Preview(std::string_view Text, TArguments Arguments = {},
+                           const std::string& Name = "orders.csv") const
     {
         Arguments.insert(Arguments.begin(), {"preview", Folder.Write(Name, Text)});
         return RunKvImport(Folder, Arguments);
@@ -67,7 +68,8 @@ TEST_F(KvPreview, StopsAfterTheRowsAskedFor)
     std::string Text = "ID\n";
     for (int I = 1; I <= 30; ++I)
         Text += std::to_string(I) + "\n";
-    EXPECT_THAT(Preview(Text).Out, HasSubstr("  21      20\nThere are more rows; --rows N shows N of them.\n"));
+    EXPECT_THAT(Preview(Text).Out,
+                HasSubstr("  21      20\nThere are more rows; --rows N shows N of them.\n"));
     EXPECT_THAT(Preview(Text, {"--rows", "2"}).Out, HasSubstr("   3       2\nThere are more rows"));
     EXPECT_THAT(Preview(Text, {"--rows", "30"}).Out, testing::EndsWith("  31      30\n"));
 }
@@ -86,13 +88,14 @@ TEST_F(KvPreview, PrintsJson)
 {
     EXPECT_EQ(Preview("ID;City\n1;Rom\n2;Bern\n", {"--rows", "1", "--json"}).Json(), nlohmann::json::parse(
         R"({"source": ")" + (Folder / "orders.csv") + R"(", "columns": [{"column": "Field1", "name": "ID"},
-            {"column": "Field2", "name": "City"}], "rows": [{"line": 2, "values": ["1", "Rom"]}], "hasMore": true,
-            "findings": ["delimiter semicolon, as line 1 has it"], "warnings": []})"));
+            {"column": "Field2", "name": "City"}], "rows": [{"line": 2, "values": ["1", "Rom"]}],
+            "hasMore": true, "findings": ["delimiter semicolon, as line 1 has it"], "warnings": []})"));
 }
 
 TEST_F(KvPreview, ReadsStandardInput)
 {
-    const auto Result = RunKvImport(Folder, {"preview", "-", "--delimiter", "comma"}, Folder.Write("in", "ID\n7\n"));
+    const auto Result = RunKvImport(Folder, {"preview", "-", "--delimiter", "comma"},
+                                    Folder.Write("in", "ID\n7\n"));
     EXPECT_THAT(Result.Out, HasSubstr("   2       7\n"));
 }
 

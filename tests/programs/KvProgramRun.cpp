@@ -68,8 +68,8 @@ private:
 
 } // namespace
 
-TRunningProgram::TRunningProgram(const TTempFolder& Place, const std::string& Program, const TArguments& Arguments,
-                                 const std::string& Input)
+TRunningProgram::TRunningProgram(const TTempFolder& Place, const std::string& Program,
+                                 const TArguments& Arguments, const std::string& Input)
     : Folder(Place)
 {
     std::vector<char*> Pointers{const_cast<char*>(Program.c_str())};

@@ -46,7 +46,8 @@ private:
 };
 
 /// Runs kvimport to its end.
-TProgramResult RunKvImport(const TTempFolder& Folder, const TArguments& Arguments, const std::string& Input = "/dev/null");
+TProgramResult RunKvImport(const TTempFolder& Folder, const TArguments& Arguments,
+                           const std::string& Input = "/dev/null");
 /// Runs `kvimport import` with --json and gives the object. Fails the test when there is none.
 nlohmann::json ImportWithJson(const TTempFolder& Folder, TArguments Arguments);
 

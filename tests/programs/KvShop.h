@@ -13,15 +13,20 @@ namespace kv {
 class TShop
 {
 public:
-    static constexpr std::string_view Orders = "CREATE TABLE orders (ID INTEGER PRIMARY KEY, CITY VARCHAR(20) NOT NULL, "
-                                               "ORDERED DATE, AMOUNT DECIMAL(10,2), QTY SMALLINT, PAID BOOLEAN, NOTE TEXT)";
+    static constexpr std::string_view Orders = "CREATE TABLE orders (ID INTEGER PRIMARY KEY, "
+                                               "CITY VARCHAR(20) NOT NULL, "
+                                               "ORDERED DATE, AMOUNT DECIMAL(10,2), QTY SMALLINT, "
+                                               "PAID BOOLEAN, NOTE TEXT)";
 
     explicit TShop(std::string_view Sql = Orders);
 
     /// Runs statements; gives the values of all rows, those of a row separated by "|", rows by line ends.
     /// Null is "NULL", bytes that are no text are as SQLite shows them.
     std::string Ask(std::string_view Sql) const;
-    long long Count(std::string_view Table = "orders") const { return std::stoll(Ask("SELECT count(*) FROM " + std::string(Table))); }
+    long long Count(std::string_view Table = "orders") const
+    {
+        return std::stoll(Ask("SELECT count(*) FROM " + std::string(Table)));
+    }
 
     /// Imports `Text` as "orders.csv" into "orders".
     nlohmann::json Import(std::string_view Text, const TArguments& Arguments = {}) const;

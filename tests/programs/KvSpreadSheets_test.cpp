@@ -34,8 +34,10 @@ std::string Workbook()
     Book.Globals(TBiffBuilder(bv5).Xf(0).Xf(14));
     Book.Sheet("Orders", TBiffBuilder(bv5)
                              .Dimensions(0, 3, 0, 4)
-                             .Label(0, 0, "ID").Label(0, 1, "City").Label(0, 2, "Ordered").Label(0, 3, "Amount")
-                             .Number(1, 0, 1).Label(1, 1, "K\xF6ln").Number(1, 2, 37621, DateXf).Number(1, 3, 1234.5)
+                             .Label(0, 0, "ID").Label(0, 1, "City").Label(0, 2, "Ordered")
+                             .Label(0, 3, "Amount")
+                             .Number(1, 0, 1).Label(1, 1, "K\xF6ln").Number(1, 2, 37621, DateXf)
+                             .Number(1, 3, 1234.5)
                              .Number(2, 0, 2).Label(2, 1, "Rom").Number(2, 2, 37622).Number(2, 3, -0.25));
     Book.Sheet("Places", TBiffBuilder(bv5)
                              .Dimensions(0, 3, 0, 2)
@@ -67,7 +69,8 @@ class KvSpreadSheets : public TFileTest
 {
 protected:
     KvSpreadSheets()
-        : TFileTest("book.xls", "CREATE TABLE orders (ID INTEGER PRIMARY KEY, CITY VARCHAR(20), ORDERED DATE, AMOUNT DECIMAL(10,2))")
+        : TFileTest("book.xls", "CREATE TABLE orders (ID INTEGER PRIMARY KEY, CITY VARCHAR(20), "
+                                "ORDERED DATE, AMOUNT DECIMAL(10,2))")
     {
     }
 
@@ -93,11 +96,12 @@ TEST_F(KvSpreadSheets, ANumberInADateFieldIsTheSerialNumberOfADate)
 
 TEST_F(KvSpreadSheets, TellsWhichSheetItTakesAndWhatBecomesOfItsColumns)
 {
-    EXPECT_THAT(Import(Workbook()).Out, AllOf(HasSubstr("  (sheet 1 of 2, 'Orders'; --sheet takes another)\n"),
-                                              HasSubstr("  A  ID       -> ID\n"
-                                                        "  B  City     -> CITY\n"
-                                                        "  C  Ordered  -> ORDERED\n"
-                                                        "  D  Amount   -> AMOUNT\n")));
+    EXPECT_THAT(Import(Workbook()).Out,
+                AllOf(HasSubstr("  (sheet 1 of 2, 'Orders'; --sheet takes another)\n"),
+                      HasSubstr("  A  ID       -> ID\n"
+                                "  B  City     -> CITY\n"
+                                "  C  Ordered  -> ORDERED\n"
+                                "  D  Amount   -> AMOUNT\n")));
 }
 
 TEST_F(KvSpreadSheets, ASheetIsChosenByNumberOrName)
@@ -154,7 +158,8 @@ TEST_F(KvSpreadSheets, AWorksheetOfLotusAndOfQuattroIsImported)
 TEST_F(KvSpreadSheets, AWorkbookComesThroughAPipe)
 {
     const auto File = Shop.Folder.Write("book", Workbook());
-    const auto Result = RunKvImport(Shop.Folder, {"import", "-", "--from", "xls", "--to", Shop.Database(), "--table", "orders"}, File);
+    const auto Result = RunKvImport(Shop.Folder, {"import", "-", "--from", "xls", "--to", Shop.Database(),
+                                                  "--table", "orders"}, File);
     EXPECT_EQ(Result.Status, 0) << Result.Err;
     EXPECT_EQ(Orders(), "1|Köln\n2|Rom");
 }
@@ -170,7 +175,8 @@ TEST_F(KvSpreadSheets, AMappingToWhatIsNoColumnIsRefused)
     for (const auto* const Column : {"City", "IW", "@", "B@", "Field2"}) {
         const auto Result = Import(Workbook(), {"--map", "ID=A", "--map", std::string("CITY=") + Column});
         EXPECT_EQ(Result.Status, 3);
-        EXPECT_THAT(Result.Err, HasSubstr("'" + std::string(Column) + "' is no column: columns are called A to IV\n"));
+        EXPECT_THAT(Result.Err,
+                    HasSubstr("'" + std::string(Column) + "' is no column: columns are called A to IV\n"));
     }
 }
 
@@ -180,7 +186,8 @@ TEST_F(KvSpreadSheets, ColumnsWithoutANameOrWithOneThatIsTakenAreRemarkedOn)
 {
     const auto Out = Import(WorkbookOf(TBiffBuilder(bv5)
                                            .Label(0, 0, "ID").Label(0, 2, "City").Label(0, 3, "CITY")
-                                           .Number(1, 0, 1).Label(1, 1, "x").Label(1, 2, "Rom").Label(1, 3, "Bern"))).Out;
+                                           .Number(1, 0, 1).Label(1, 1, "x").Label(1, 2, "Rom")
+                                           .Label(1, 3, "Bern"))).Out;
     EXPECT_THAT(Out, HasSubstr("  A  ID    -> ID\n"
                                "  B           has no name: not imported\n"
                                "  C  City  -> CITY\n"
@@ -200,12 +207,14 @@ TEST_F(KvSpreadSheets, ARowWithoutNamesIsNoHeader)
 {
     const auto Result = Import(WorkbookOf(TBiffBuilder(bv5).Label(2, 0, "ID").Number(3, 0, 1)));
     EXPECT_EQ(Result.Status, 3);
-    EXPECT_THAT(Result.Err, HasSubstr("book.xls has no names of columns in row 1; --first-row is the row after the one that has them\n"));
+    EXPECT_THAT(Result.Err, HasSubstr("book.xls has no names of columns in row 1; "
+                                      "--first-row is the row after the one that has them\n"));
 }
 
 TEST_F(KvSpreadSheets, AnErrorNamesItsRow)
 {
-    const auto Result = Import(WorkbookOf(TBiffBuilder(bv5).Label(0, 0, "ID").Number(1, 0, 1).Label(2, 0, "x")));
+    const auto Result =
+        Import(WorkbookOf(TBiffBuilder(bv5).Label(0, 0, "ID").Number(1, 0, 1).Label(2, 0, "x")));
     EXPECT_EQ(Result.Status, 1);
     EXPECT_THAT(Result.Err, HasSubstr("book.xls, row 3: 'x' is not a valid integer value for field 'ID'\n"));
 }
@@ -214,19 +223,23 @@ TEST_F(KvSpreadSheets, AnErrorNamesItsRow)
 
 TEST_F(KvSpreadSheets, ClassicReadingWarnsOfRowsThatTheSheetDoesNotDeclare)
 {
-    const auto Result = Import(Worksheet(wfLotus), {"--classic", "--map", "ID=A", "--map", "CITY=B", "--first-row", "2"}, "book.wk1");
+    const auto Result = Import(Worksheet(wfLotus), {"--classic", "--map", "ID=A", "--map", "CITY=B",
+                                                    "--first-row", "2"}, "book.wk1");
     EXPECT_EQ(Orders(), "1|Rom");
     EXPECT_THAT(Result.Err, HasSubstr("Warning: " + Shop.Folder / "book.wk1" +
-                                      ", the sheet declares 2 rows and holds values down to row 3: the rest is not read with --classic\n"));
+                                      ", the sheet declares 2 rows and holds values down to row 3: "
+                                      "the rest is not read with --classic\n"));
 }
 
 TEST_F(KvSpreadSheets, ValuesBeyondTheLastColumnAreWarnedOf)
 {
-    const auto Book = TWorksheetBuilder(wfLotus).Range(300, 1).Label(0, 0, "ID").Integer(0, 1, 1).Integer(300, 1, 5).End().Build();
+    const auto Book = TWorksheetBuilder(wfLotus).Range(300, 1).Label(0, 0, "ID").Integer(0, 1, 1)
+                                                .Integer(300, 1, 5).End().Build();
     const auto Result = Import(Book, {}, "book.wk1");
     EXPECT_EQ(Result.Status, 0);
     EXPECT_THAT(Result.Err, HasSubstr(", 1 value stands beyond column IV, the last that can be read\n"));
-    EXPECT_THAT(ImportWithJson(Shop.Folder, {Shop.Folder / "book.wk1", "--to", Shop.Database(), "--table", "orders", "--mode", "copy"})["warnings"].dump(),
+    EXPECT_THAT(ImportWithJson(Shop.Folder, {Shop.Folder / "book.wk1", "--to", Shop.Database(), "--table",
+                                             "orders", "--mode", "copy"})["warnings"].dump(),
                 HasSubstr("beyond column IV"));
 }
 
@@ -253,7 +266,8 @@ TEST_F(KvSpreadSheets, OptionFromTellsMoreThanBoth)
 {
     const auto Result = Import(Workbook(), {"--from", "wks"});
     EXPECT_EQ(Result.Status, 3);
-    EXPECT_THAT(Result.Err, AllOf(StartsWith("kvimport: "), HasSubstr("book.xls"), HasSubstr("File is not a Lotus 1-2-3 file")));
+    EXPECT_THAT(Result.Err, AllOf(StartsWith("kvimport: "), HasSubstr("book.xls"),
+                                  HasSubstr("File is not a Lotus 1-2-3 file")));
     EXPECT_EQ(Import("ID,City\n5,Bonn\n", {"--from", "text", "--delimiter", "comma"}).Status, 0);
     EXPECT_EQ(Orders(), "5|Bonn");
 }
@@ -268,7 +282,8 @@ TEST_F(KvSpreadSheets, AFileOfNoKnownFormatIsRefusedWithItsName)
 TEST_F(KvSpreadSheets, WorksheetsOfLaterVersionsAreRefusedAndNotTakenForText)
 {
     const std::string Lotus3("\x00\x00\x1A\x00\x00\x10", 6), Windows("\x00\x00\x02\x00\x01\x10", 6);
-    EXPECT_THAT(Import(Lotus3 + std::string(24, '\0'), {}, "book.wk3").Err, HasSubstr("File is not a Lotus 1-2-3 file"));
+    EXPECT_THAT(Import(Lotus3 + std::string(24, '\0'), {}, "book.wk3").Err,
+                HasSubstr("File is not a Lotus 1-2-3 file"));
     EXPECT_THAT(Import(Windows, {}, "book.wb1").Err, HasSubstr("File is not a QuattroPro file"));
 }
 
@@ -276,18 +291,21 @@ TEST_F(KvSpreadSheets, AFileThatIsNotThereIsRefusedWithItsName)
 {
     const auto Result = RunKvImport(Shop.Folder, {"sheets", Shop.Folder / "none.xls"});
     EXPECT_EQ(Result.Status, 3);
-    EXPECT_EQ(Result.Err, "kvimport: Cannot open file \"" + Shop.Folder / "none.xls" + "\": No such file or directory\n");
+    EXPECT_EQ(Result.Err, "kvimport: Cannot open file \"" + Shop.Folder / "none.xls" +
+                          "\": No such file or directory\n");
 }
 
 TEST_F(KvSpreadSheets, OptionsOfOtherKindsAreRefused)
 {
     const auto Text = Import(Workbook(), {"--delimiter", "comma"});
     EXPECT_EQ(Text.Status, 2);
-    EXPECT_THAT(Text.Err, StartsWith("kvimport: --delimiter has no meaning for a source of kind xls; it is for text\n"));
+    EXPECT_THAT(Text.Err, StartsWith("kvimport: --delimiter has no meaning for a source of kind xls; "
+                                     "it is for text\n"));
     EXPECT_THAT(Import(Worksheet(wfLotus), {"--fixed", "--map", "ID=A"}).Err,
                 StartsWith("kvimport: --fixed has no meaning for a source of kind wks; it is for text\n"));
     EXPECT_THAT(Import("ID\n1\n", {"--sheet", "1"}, "orders.csv").Err,
-                StartsWith("kvimport: --sheet has no meaning for a source of kind text; it is for xls, wks, quattro\n"));
+                StartsWith("kvimport: --sheet has no meaning for a source of kind text; "
+                           "it is for xls, wks, quattro\n"));
 }
 
 TEST_F(KvSpreadSheets, FormatsListsThem)
@@ -310,7 +328,8 @@ TEST_F(KvSpreadSheets, PreviewShowsLettersNamesAndRows)
 
 TEST_F(KvSpreadSheets, PreviewCountsRowsFromTheFirstOfTheSheet)
 {
-    const auto Json = Kvimport("preview", Workbook(), {"--sheet", "2", "--first-row", "2", "--rows", "1", "--json"}).Json();
+    const auto Json = Kvimport("preview", Workbook(),
+                               {"--sheet", "2", "--first-row", "2", "--rows", "1", "--json"}).Json();
     EXPECT_EQ(Json["rows"].dump(), R"([{"row":2,"values":["ID","City"]}])");
     EXPECT_EQ(Json["columns"][0].dump(), R"({"column":"A","name":"All places"})");
     EXPECT_TRUE(Json["hasMore"].get<bool>());
@@ -318,7 +337,8 @@ TEST_F(KvSpreadSheets, PreviewCountsRowsFromTheFirstOfTheSheet)
 
 TEST_F(KvSpreadSheets, PreviewGoesOnUntilTheLastValue)
 {
-    const auto Book = TWorksheetBuilder(wfLotus).Range(0, 0).Label(0, 0, "ID").Integer(0, 30, 5).End().Build();
+    const auto Book = TWorksheetBuilder(wfLotus).Range(0, 0).Label(0, 0, "ID").Integer(0, 30, 5).End()
+                                                .Build();
     EXPECT_THAT(Kvimport("preview", Book, {"--rows", "99"}).Out, HasSubstr(" 31   5\n"));
     const auto Classic = Kvimport("preview", Book, {"--classic"});
     EXPECT_THAT(Classic.Out, HasSubstr("There are no rows.\n"));
@@ -332,12 +352,14 @@ TEST_F(KvSpreadSheets, SheetsListsNamesRowsAndColumns)
                                                   "    1  Orders     3        4\n"
                                                   "    2  Places     3        2\n");
     EXPECT_EQ(Kvimport("sheets", Workbook(), {"--json"}).Json()["sheets"].dump(),
-              R"([{"columns":4,"name":"Orders","rows":3,"sheet":1},{"columns":2,"name":"Places","rows":3,"sheet":2}])");
+              R"([{"columns":4,"name":"Orders","rows":3,"sheet":1},)"
+              R"({"columns":2,"name":"Places","rows":3,"sheet":2}])");
 }
 
 TEST_F(KvSpreadSheets, SheetsTellsWhatTheSheetDeclaresWithClassicReading)
 {
-    EXPECT_THAT(Kvimport("sheets", Worksheet(wfLotus), {"--classic"}, "book.wk1").Out, HasSubstr("    1  Sheet1     2        1\n"));
+    EXPECT_THAT(Kvimport("sheets", Worksheet(wfLotus), {"--classic"}, "book.wk1").Out,
+                HasSubstr("    1  Sheet1     2        1\n"));
 }
 
 // Imports that are saved and run again.
@@ -346,8 +368,10 @@ TEST_F(KvSpreadSheets, ASavedImportTakesTheSheetItWasSavedWith)
 {
     const auto Specification = Shop.Folder / "book.kvi";
     const auto Book = Shop.Folder.Write("book.xls", Workbook());
-    RunKvImport(Shop.Folder, {"save", Specification, Book, "--sheet", "2", "--first-row", "3", "--map", "ID=A", "--map", "CITY=B"});
-    const auto Result = RunKvImport(Shop.Folder, {"run", Specification, "--to", Shop.Database(), "--table", "orders"});
+    RunKvImport(Shop.Folder, {"save", Specification, Book, "--sheet", "2", "--first-row", "3", "--map",
+                              "ID=A", "--map", "CITY=B"});
+    const auto Result = RunKvImport(Shop.Folder,
+                                    {"run", Specification, "--to", Shop.Database(), "--table", "orders"});
     EXPECT_EQ(Result.Status, 0) << Result.Err;
     EXPECT_EQ(Orders(), "7|Oslo");
 }
@@ -356,10 +380,12 @@ TEST_F(KvSpreadSheets, ASavedImportWarnsOfWhatItLeavesOutAndNamesTheFileInErrors
 {
     const auto Specification = Shop.Folder / "book.kvi";
     const auto Book = Shop.Folder.Write("book.wk1", Worksheet(wfLotus));
-    RunKvImport(Shop.Folder, {"save", Specification, Book, "--classic", "--map", "ID=A", "--map", "CITY=B", "--first-row", "2"});
+    RunKvImport(Shop.Folder, {"save", Specification, Book, "--classic", "--map", "ID=A", "--map", "CITY=B",
+                              "--first-row", "2"});
     const TArguments Run{"run", Specification, "--to", Shop.Database(), "--table", "orders"};
     EXPECT_THAT(RunKvImport(Shop.Folder, Run).Err,
-                HasSubstr("book.wk1, the sheet declares 2 rows and holds values down to row 3: the rest is not read with --classic\n"));
+                HasSubstr("book.wk1, the sheet declares 2 rows and holds values down to row 3: "
+                          "the rest is not read with --classic\n"));
     EXPECT_EQ(Orders(), "1|Rom");
     Shop.Folder.Write("book.wk1", std::string("\0\0\2\0\7\7", 6));
     EXPECT_THAT(RunKvImport(Shop.Folder, Run).Err, HasSubstr("book.wk1: File is not a Lotus 1-2-3 file\n"));

@@ -23,13 +23,15 @@ protected:
     KvTableFiles()
     {
         Folder().Write("orders.dbf", Orders().Build());
-        Folder().Write("orders.db", TParadoxBuilder().Field("Id", 'I').Field("City", 'A', 20).Field("Amount", '#', 2)
+        Folder().Write("orders.db",
+                       TParadoxBuilder().Field("Id", 'I').Field("City", 'A', 20).Field("Amount", '#', 2)
                                         .Record({ParadoxLong(9), "Oslo", ParadoxBcd("12.50", 2)}).Build());
     }
 
     static TDbaseBuilder Orders()
     {
-        return TDbaseBuilder().Language(0x65).Field("ID", 'N', 5).Field("CITY", 'C', 20).Field("ORDERED", 'D', 8)
+        return TDbaseBuilder().Language(0x65).Field("ID", 'N', 5).Field("CITY", 'C', 20)
+                              .Field("ORDERED", 'D', 8)
             .Field("AMOUNT", 'N', 12, 2).Field("PAID", 'L', 1)
             .Record({"    1", "\x8C\xAE\xE1\xAA\xA2\xA0", "20240229", "       12.34", "T"})
             .Deleted({"    2", "Rome", "", "", ""})
@@ -43,7 +45,10 @@ protected:
     {
         return Shop.ImportFile(Folder() / Name, More);
     }
-    std::string Stored() { return Shop.Ask("SELECT ID, CITY, ORDERED, AMOUNT, PAID FROM orders ORDER BY ID"); }
+    std::string Stored()
+    {
+        return Shop.Ask("SELECT ID, CITY, ORDERED, AMOUNT, PAID FROM orders ORDER BY ID");
+    }
 
     TShop Shop;
 };
@@ -53,7 +58,8 @@ protected:
 TEST_F(KvTableFiles, ATableOfDbaseIsImportedByTheNamesOfItsFields)
 {
     const auto Result = Import("orders.dbf", {"--json"});
-    EXPECT_EQ(Stored(), "1|Москва|2024-02-29|12.34|1\n3|Rome|NULL|99999999.99|0\n5|Oslo|2002-01-01|NULL|NULL");
+    EXPECT_EQ(Stored(),
+              "1|Москва|2024-02-29|12.34|1\n3|Rome|NULL|99999999.99|0\n5|Oslo|2002-01-01|NULL|NULL");
     EXPECT_EQ(Result.Status, 1) << "done, with errors";
     EXPECT_EQ(Result.Json()["read"], 4);
     EXPECT_EQ(Result.Json()["added"], 3);
@@ -78,7 +84,8 @@ TEST_F(KvTableFiles, AFieldOfTheTableMayBeNamedInAnyCase)
 TEST_F(KvTableFiles, WhatCannotBeReadIsToldWithItsPlace)
 {
     const auto Result = Import("orders.dbf");
-    EXPECT_EQ(Result.Err, "File \"" + Folder() / "orders.dbf" + "\", record 4, field 'ORDERED': '20240230' is no date\n");
+    EXPECT_EQ(Result.Err,
+              "File \"" + Folder() / "orders.dbf" + "\", record 4, field 'ORDERED': '20240230' is no date\n");
 }
 
 TEST_F(KvTableFiles, TheFirstBytesTellTheKindWhateverTheName)
@@ -124,20 +131,25 @@ TEST_F(KvTableFiles, AnEncryptedTableFailsWithItsReason)
 
 TEST_F(KvTableFiles, APreviewSaysWhyAValueCannotBeRead)
 {
-    Folder().Write("notes.dbf", TDbaseBuilder(0x83).Field("NOTE", 'M', 10).Record({"         1"}).Record({"         2"}).Build());
+    Folder().Write("notes.dbf", TDbaseBuilder(0x83).Field("NOTE", 'M', 10).Record({"         1"})
+                                                   .Record({"         2"}).Build());
     const auto Result = RunKvImport(Folder(), {"preview", Folder() / "notes.dbf"});
     EXPECT_EQ(Result.Status, 0);
-    EXPECT_EQ(Result.Err, "Warning: " + Folder() / "notes.dbf" + ", 2 values cannot be read: File \"" + Folder() / "notes.dbf" +
+    EXPECT_EQ(Result.Err, "Warning: " + Folder() / "notes.dbf" + ", 2 values cannot be read: File \"" +
+                          Folder() / "notes.dbf" +
                               "\", record 1, field 'NOTE': Cannot open file \"" + Folder() / "notes.dbt" +
                               "\": No such file or directory\n");
 }
 
 TEST_F(KvTableFiles, TextOfACodePageThatIsNotNamedIsPointedOut)
 {
-    Folder().Write("orders.dbf", TDbaseBuilder().Field("ID", 'N', 5).Field("CITY", 'C', 20).Record({"    1", "K\x94ln"}).Build());
-    EXPECT_THAT(Import("orders.dbf").Out, HasSubstr("(the table does not name the code page of its text, which is taken for "
-                                                    "windows-1252; --charset msdos takes it for 437)\n"));
-    EXPECT_THAT(Import("orders.dbf", {"--charset", "msdos", "--mode", "copy"}).Out, Not(HasSubstr("code page")));
+    Folder().Write("orders.dbf", TDbaseBuilder().Field("ID", 'N', 5).Field("CITY", 'C', 20)
+                                                .Record({"    1", "K\x94ln"}).Build());
+    EXPECT_THAT(Import("orders.dbf").Out,
+                HasSubstr("(the table does not name the code page of its text, which is taken for "
+                          "windows-1252; --charset msdos takes it for 437)\n"));
+    EXPECT_THAT(Import("orders.dbf", {"--charset", "msdos", "--mode", "copy"}).Out,
+                Not(HasSubstr("code page")));
     EXPECT_EQ(Shop.Ask("SELECT CITY FROM orders"), "Köln");
     EXPECT_THAT(Import("orders.db", {"--mode", "copy"}).Out, Not(HasSubstr("code page")));
 }
@@ -152,7 +164,8 @@ TEST_F(KvTableFiles, RowsThatEndBeforeTheyBeginAreRefused)
 TEST_F(KvTableFiles, ClassicReadingSaysThatNoRecordIsSkipped)
 {
     EXPECT_THAT(Import("orders.dbf", {"--classic", "--first-row", "5"}).Out,
-                HasSubstr("(--classic: all records are imported, whatever --first-row and --last-row say)\n"));
+                HasSubstr("(--classic: all records are imported, "
+                          "whatever --first-row and --last-row say)\n"));
     EXPECT_EQ(Shop.Count(), 3);
 }
 
@@ -161,33 +174,40 @@ TEST_F(KvTableFiles, ATableWithoutFieldsOfTheDestinationIsRefusedWithBothNamed)
     Folder().Write("orders.dbf", TDbaseBuilder().Field("NR", 'N', 5).Record({"    1"}).Build());
     const auto Result = Import("orders.dbf");
     EXPECT_EQ(Result.Status, 3);
-    EXPECT_THAT(Result.Err, HasSubstr("no column has the name of a field; the columns are NR; the fields are ID, CITY, ORDERED, "
-                                      "AMOUNT, QTY, PAID, NOTE; --map or --by-position joins them otherwise\n"));
+    EXPECT_THAT(Result.Err, HasSubstr("no column has the name of a field; the columns are NR; "
+                                      "the fields are ID, CITY, ORDERED, "
+                                      "AMOUNT, QTY, PAID, NOTE; "
+                                      "--map or --by-position joins them otherwise\n"));
 }
 
 TEST_F(KvTableFiles, ASavedImportSaysWhatTheTableLacks)
 {
     const auto File = Folder() / "orders.kvi";
-    RunKvImport(Folder(), {"save", File, Folder() / "orders.dbf", "--to", Shop.Database(), "--table", "orders"});
-    const auto Result = RunKvImport(Folder(), {"run", File, "--to", Shop.Database(), "--table", "orders", "--source", Folder() / "orders.db",
-                                               "--quiet", "--json"});
+    RunKvImport(Folder(),
+                {"save", File, Folder() / "orders.dbf", "--to", Shop.Database(), "--table", "orders"});
+    const auto Result = RunKvImport(Folder(), {"run", File, "--to", Shop.Database(), "--table", "orders",
+                                               "--source", Folder() / "orders.db", "--quiet", "--json"});
     EXPECT_EQ(Result.Status, 3) << "it is a table of Paradox";
-    Folder().Write("orders.dbf", TDbaseBuilder().Field("ID", 'N', 5).Field("CITY", 'C', 9).Record({"    7", "Rome"}).Build());
+    Folder().Write("orders.dbf", TDbaseBuilder().Field("ID", 'N', 5).Field("CITY", 'C', 9)
+                                                .Record({"    7", "Rome"}).Build());
     EXPECT_THAT(RunKvImport(Folder(), {"run", File, "--to", Shop.Database(), "--table", "orders"}).Out,
                 AllOf(HasSubstr("  CITY     -> CITY\n"),
-                      HasSubstr("  PAID     -> PAID  (no column but a constant: every record gets this text)\n")));
+                      HasSubstr("  PAID     -> PAID  (no column but a constant: "
+                                "every record gets this text)\n")));
 }
 
 TEST_F(KvTableFiles, TablesListsThoseOfDatabasesOnly)
 {
     EXPECT_EQ(RunKvImport(Folder(), {"tables", Folder() / "orders.dbf"}).Err,
-              "kvimport: " + Folder() / "orders.dbf" + " is no Access database but of kind dbase; kvimport preview shows what it holds\n");
+              "kvimport: " + Folder() / "orders.dbf" +
+              " is no Access database but of kind dbase; kvimport preview shows what it holds\n");
 }
 
 TEST_F(KvTableFiles, ADestinationIsNotTakenForATableOfParadox)
 {
     EXPECT_EQ(RunKvImport(Folder(), {"preview", Shop.Database()}).Err,
-              "kvimport: " + Shop.Database() + " is an SQLite database, into which kvimport imports; it reads none\n");
+              "kvimport: " + Shop.Database() +
+              " is an SQLite database, into which kvimport imports; it reads none\n");
 }
 
 TEST_F(KvTableFiles, AFileOfMemosIsNotTakenForText)
@@ -195,7 +215,8 @@ TEST_F(KvTableFiles, AFileOfMemosIsNotTakenForText)
     const auto Memos = Folder().Write("orders.mb", TParadoxBlobBuilder().Build());
     const auto Result = RunKvImport(Folder(), {"preview", Memos});
     EXPECT_EQ(Result.Status, 3);
-    EXPECT_EQ(Result.Err, "kvimport: " + Memos + " is no text and of no other kind that is known; kvimport formats lists the kinds, "
+    EXPECT_EQ(Result.Err, "kvimport: " + Memos +
+                          " is no text and of no other kind that is known; kvimport formats lists the kinds, "
                           "--from takes the file for one\n");
 }
 

@@ -18,8 +18,9 @@ TAccessScript::TAccessScript(const TTempFolder& TheFolder) : Folder(TheFolder)
     WriteTables();
 }
 
-void TAccessScript::Table(const std::string& Name, const std::vector<TAccessField>& Fields, std::uint32_t Counted,
-                          const std::function<void(TAccessWriter&)>& Fill, std::uint8_t Flags)
+void TAccessScript::Table(const std::string& Name, const std::vector<TAccessField>& Fields,
+                          std::uint32_t Counted, const std::function<void(TAccessWriter&)>& Fill,
+                          std::uint8_t Flags)
 {
     Tables.emplace_back(Name, Flags);
     WriteTables();

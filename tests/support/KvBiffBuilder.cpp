@@ -104,7 +104,8 @@ TBiffBuilder& TBiffBuilder::Number2(unsigned Row, unsigned Col, std::string_view
     return Record(0x0003, OldCell(Row, Col, Attributes).F64(Value));
 }
 
-TBiffBuilder& TBiffBuilder::Label2(unsigned Row, unsigned Col, std::string_view Attributes, std::string_view Text)
+TBiffBuilder& TBiffBuilder::Label2(unsigned Row, unsigned Col, std::string_view Attributes,
+                                   std::string_view Text)
 {
     return Record(0x0004, OldCell(Row, Col, Attributes).U8(static_cast<unsigned>(Text.size())).Text(Text));
 }
@@ -196,13 +197,15 @@ TWorkbookBuilder& TWorkbookBuilder::Sheet(std::string_view Name, const TBiffBuil
 
 TWorkbookBuilder& TWorkbookBuilder::Sheet(std::u16string_view Name, const TBiffBuilder& Records)
 {
-    Sheets.push_back({TBytes().U8(static_cast<unsigned>(Name.size())).U8(1).Text(Name), Records.Str(), bpSheet});
+    Sheets.push_back({TBytes().U8(static_cast<unsigned>(Name.size())).U8(1).Text(Name), Records.Str(),
+                      bpSheet});
     return *this;
 }
 
 std::string TWorkbookBuilder::EntryOf(const TSheet& Sheet, std::size_t Offset) const
 {
-    const unsigned Kind = Sheet.Part == bpChart ? 2 : Sheet.Part == bpMacro ? 1 : Sheet.Part == bpModule ? 6 : 0;
+    const unsigned Kind = Sheet.Part == bpChart ? 2 : Sheet.Part == bpMacro ? 1 : Sheet.Part == bpModule ? 6
+                                                                                                         : 0;
     const auto Body = TBytes().U32(static_cast<std::uint32_t>(Offset)).U8(0).U8(Kind).Text(Sheet.Name);
     return TBiffBuilder(Version).Record(0x0085, Body).Str();
 }
@@ -224,7 +227,8 @@ std::string TWorkbookBuilder::Build() const
         Stream += EntryOf(Sheets[I], OffsetOfSheet(I));
     Stream += TBiffBuilder(Version).Eof().Str();
     for (const auto& Sheet : Sheets)
-        Stream += TBiffBuilder(Version).Bof(Sheet.Part).Str() + Sheet.Records + TBiffBuilder(Version).Eof().Str();
+        Stream += TBiffBuilder(Version).Bof(Sheet.Part).Str() + Sheet.Records +
+                  TBiffBuilder(Version).Eof().Str();
     return Stream;
 }
 

@@ -50,7 +50,8 @@ public:
     TBiffBuilder& Integer2(unsigned Row, unsigned Col, std::string_view Attributes, unsigned Value);
     TBiffBuilder& Number2(unsigned Row, unsigned Col, std::string_view Attributes, double Value);
     TBiffBuilder& Label2(unsigned Row, unsigned Col, std::string_view Attributes, std::string_view Text);
-    TBiffBuilder& BoolErr2(unsigned Row, unsigned Col, std::string_view Attributes, unsigned Value, bool IsError);
+    TBiffBuilder& BoolErr2(unsigned Row, unsigned Col, std::string_view Attributes, unsigned Value,
+                           bool IsError);
     TBiffBuilder& Formula2(unsigned Row, unsigned Col, std::string_view Attributes, std::string_view Result);
 
     // Cells from Excel 3 on.

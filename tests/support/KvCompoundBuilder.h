@@ -9,8 +9,8 @@
 
 namespace kv {
 
-/// A compound document with the streams that a test asks for. Valid as built; a test that wants damage changes
-/// bytes of the result, whose parts stand where the functions below tell.
+/// A compound document with the streams that a test asks for. Valid as built; a test that wants damage
+/// changes bytes of the result, whose parts stand where the functions below tell.
 class TCompoundBuilder
 {
 public:

@@ -14,7 +14,10 @@ public:
     explicit TDamage(unsigned Seed) : Random(Seed) {}
 
     /// From 0 to `Below` - 1.
-    std::size_t Number(std::size_t Below) { return std::uniform_int_distribution<std::size_t>(0, Below - 1)(Random); }
+    std::size_t Number(std::size_t Below)
+    {
+        return std::uniform_int_distribution<std::size_t>(0, Below - 1)(Random);
+    }
 
     /// `Bytes`, not empty, cut short, with bits flipped, or with numbers of 1, 2 or 4 bytes overwritten by
     /// extreme ones: anywhere, or at the start of some block of `BlockSize` bytes, where formats keep what

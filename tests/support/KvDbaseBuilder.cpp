@@ -95,7 +95,8 @@ std::string TDbaseBuilder::ListedField(const TField& Field) const
     else if ((Version & 7) == 4)
         Bytes.Text(Name(32)).U8(Field.Size).U8(Field.Decimals).Zeros(13);
     else                                            // a text of more than 255 bytes has its size in both
-        Bytes.Text(Name(11)).Zeros(4).U8(Field.Size % 256).U8(Field.Size > 255 ? Field.Size / 256 : Field.Decimals)
+        Bytes.Text(Name(11)).Zeros(4).U8(Field.Size % 256)
+             .U8(Field.Size > 255 ? Field.Size / 256 : Field.Decimals)
             .U8(Field.Flags).Zeros(13);
     return Bytes.Str();
 }
@@ -107,7 +108,8 @@ std::string TDbaseBuilder::Header(std::size_t HeaderSize, std::size_t RecordSize
         return Bytes.U8(Version).U16(static_cast<unsigned>(Records.size())).U8(6).U8(28).U8(99)
             .U16(static_cast<unsigned>(RecordSize)).Str();
     Bytes.U8(Version).U8(99).U8(6).U8(28).U32(static_cast<std::uint32_t>(Records.size()))
-        .U16(static_cast<unsigned>(HeaderSize)).U16(static_cast<unsigned>(RecordSize)).Zeros(3).U8(IsEncrypted)
+        .U16(static_cast<unsigned>(HeaderSize)).U16(static_cast<unsigned>(RecordSize)).Zeros(3)
+        .U8(IsEncrypted)
         .Zeros(13).U8(LanguageByte).Zeros(2);
     if ((Version & 7) == 4)
         Bytes.Text(Filled(LanguageName, 32, '\0')).Zeros(4);
@@ -131,7 +133,8 @@ std::string TDbaseBuilder::Build() const
     return File + FileEnd;
 }
 
-TDbaseMemoBuilder::TDbaseMemoBuilder(TKind FileKind, unsigned BlockBytes) : Kind(FileKind), BlockSize(BlockBytes)
+TDbaseMemoBuilder::TDbaseMemoBuilder(TKind FileKind, unsigned BlockBytes)
+    : Kind(FileKind), BlockSize(BlockBytes)
 {
     TBytes Header;
     if (Kind == FoxPro)

@@ -65,13 +65,16 @@ TBiffBuilder TitleSheet(TStringTable& Strings)
 TBiffBuilder OrderSheet(TStringTable& Strings)
 {
     TBiffBuilder Sheet;
-    Sheet.Dimensions(0, static_cast<unsigned>(std::size(Orders)) + 1, 0, static_cast<unsigned>(std::size(Headings)));
+    Sheet.Dimensions(0, static_cast<unsigned>(std::size(Orders)) + 1, 0,
+                     static_cast<unsigned>(std::size(Headings)));
     for (unsigned Col = 0; Col < std::size(Headings); ++Col)
         Sheet.LabelSst(0, Col, Strings(Headings[Col]));
     for (unsigned Row = 1; const auto& Order : Orders) {
         Sheet.Rk(Row, 0, RkOfInteger(Order.Id));
-        Sheet.LabelSst(Row, 1, Strings(Order.Customer)).LabelSst(Row, 2, Strings(Order.City)).LabelSst(Row, 3, Strings(Order.Country));
-        Sheet.Number(Row, 4, Order.Ordered, DateXf).Number(Row, 5, Order.Amount).Rk(Row, 6, RkOfInteger(Order.Quantity));
+        Sheet.LabelSst(Row, 1, Strings(Order.Customer)).LabelSst(Row, 2, Strings(Order.City))
+             .LabelSst(Row, 3, Strings(Order.Country));
+        Sheet.Number(Row, 4, Order.Ordered, DateXf).Number(Row, 5, Order.Amount)
+             .Rk(Row, 6, RkOfInteger(Order.Quantity));
         Sheet.BoolErr(Row, 7, Order.Paid, false);
         if (!Order.Note.empty())
             Sheet.LabelSst(Row, 8, Strings(Order.Note));
@@ -97,9 +100,12 @@ std::string Worksheet(TWorksheetFormat Format)
     Book.Range(4, 3);
     for (unsigned Col = 0; const auto* const Heading : {"ID", "CUSTOMER", "CITY", "ORDERED", "AMOUNT"})
         Book.Label(Col++, 0, Heading);
-    Book.Integer(0, 1, 10001).Label(1, 1, "Gr\x94\xE1te Auswahl").Label(2, 1, "M\x81nchen").Number(3, 1, 32874).Number(4, 1, 498.5);
-    Book.Integer(0, 2, 10002).Label(1, 2, "Comidas Pe\xA4\xA2n").Label(2, 2, "Madrid").Number(3, 2, 32881).Number(4, 2, 4157);
-    Book.Integer(0, 3, 10003).Label(1, 3, "Murtal Handel").Label(2, 3, "Graz").Number(3, 3, 32895).Number(4, 3, 86.25);
+    Book.Integer(0, 1, 10001).Label(1, 1, "Gr\x94\xE1te Auswahl").Label(2, 1, "M\x81nchen")
+        .Number(3, 1, 32874).Number(4, 1, 498.5);
+    Book.Integer(0, 2, 10002).Label(1, 2, "Comidas Pe\xA4\xA2n").Label(2, 2, "Madrid").Number(3, 2, 32881)
+        .Number(4, 2, 4157);
+    Book.Integer(0, 3, 10003).Label(1, 3, "Murtal Handel").Label(2, 3, "Graz").Number(3, 3, 32895)
+        .Number(4, 3, 86.25);
     return Book.End().Build();
 }
 
@@ -107,7 +113,8 @@ std::string Worksheet(TWorksheetFormat Format)
 
 std::vector<TExampleFile> ExampleBooks()
 {
-    return {{"orders.xls", Workbook()}, {"orders.wk1", Worksheet(wfLotus)}, {"orders.wq1", Worksheet(wfQuattro)}};
+    return {{"orders.xls", Workbook()}, {"orders.wk1", Worksheet(wfLotus)},
+            {"orders.wq1", Worksheet(wfQuattro)}};
 }
 
 } // namespace kv

@@ -28,10 +28,13 @@ std::vector<TExampleFile> DbaseOrders()
     Table.Field("ID", 'N', 6).Field("CUSTOMER", 'C', 24).Field("CITY", 'C', 14).Field("COUNTRY", 'C', 2);
     Table.Field("ORDERED", 'D', 8).Field("SHIPPED", 'D', 8).Field("AMOUNT", 'N', 10, 2).Field("QTY", 'N', 4);
     Table.Field("PAID", 'L', 1).Field("NOTE", 'M', 10);
-    Table.Record({" 10501", "Gr\x94\xE1te Auswahl", "M\x81nchen", "DE", "19990607", "19990609", "    498.50", "  12", "T", Call});
-    Table.Record({" 10502", "Br\x9B" "drene S\x9Brensen", "K\x9B" "benhavn", "DK", "19990608", "", "   1204.00", "  30", "F", Crates});
+    Table.Record({" 10501", "Gr\x94\xE1te Auswahl", "M\x81nchen", "DE", "19990607", "19990609", "    498.50",
+                  "  12", "T", Call});
+    Table.Record({" 10502", "Br\x9B" "drene S\x9Brensen", "K\x9B" "benhavn", "DK", "19990608", "",
+                  "   1204.00", "  30", "F", Crates});
     Table.Deleted({" 10503", "Murtal Handel", "Graz", "AT", "19990610", "", "     86.25", "   3", "F"});
-    Table.Record({" 10504", "Cr\x82merie \x90toile", "Li\x8Age", "BE", "19990614", "19990618", "", "   5", "?"});
+    Table.Record({" 10504", "Cr\x82merie \x90toile", "Li\x8Age", "BE", "19990614", "19990618", "", "   5",
+                  "?"});
     return {{"orders.dbf", Table.Build()}, {"orders.dbt", Notes.Build()}};
 }
 
@@ -52,10 +55,13 @@ std::vector<TExampleFile> ParadoxOrders()
     TParadoxBuilder Table;
     Table.CodePage(1252).Keyed();
     Table.Field("ID", 'I').Field("Customer", 'A', 24).Field("City", 'A', 14).Field("Country", 'A', 2);
-    Table.Field("Ordered", 'D').Field("Shipped", 'D').Field("Amount", '$').Field("Qty", 'S').Field("Paid", 'L');
+    Table.Field("Ordered", 'D').Field("Shipped", 'D').Field("Amount", '$').Field("Qty", 'S')
+         .Field("Paid", 'L');
     Table.Field("Note", 'M', LeaderSize + 10);
-    Table.Record({ParadoxLong(10601), "M\xFCller, S\xF6hne & Co.", "K\xF6ln", "DE", ParadoxLong(729926), ParadoxLong(729928),
-                  ParadoxNumber(1871.2), ParadoxShort(9), Yes, NoteField(Notes, "Paid in \x80, invoice in DM")});
+    Table.Record({ParadoxLong(10601), "M\xFCller, S\xF6hne & Co.", "K\xF6ln", "DE", ParadoxLong(729926),
+                  ParadoxLong(729928),
+                  ParadoxNumber(1871.2), ParadoxShort(9), Yes,
+                  NoteField(Notes, "Paid in \x80, invoice in DM")});
     Table.Record({ParadoxLong(10602), "Pe\xF1" "a Hermanos", "C\xE1" "diz", "ES", ParadoxLong(729929), "",
                   ParadoxNumber(4157), ParadoxShort(60), No, NoteField(Notes, "Ship with the next load")});
     Table.Record({ParadoxLong(10603), "Au Panier Lyonnais", "Lyon", "FR", ParadoxLong(729933), "",

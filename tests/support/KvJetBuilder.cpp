@@ -324,8 +324,9 @@ TJetBuilder::TTable TJetBuilder::Catalog(const std::vector<std::uint32_t>& Defin
                       {Stored(u"Type"), afInteger, 2, 0, 0}, {Stored(u"Flags"), afLong, 4, 0, 0},
                       {Stored(u"LvProp"), afOle, 0, 0, 0}};
     const auto Add = [&](const TTable& Table, std::uint32_t Page) {
-        Objects.Rows.push_back({Row({JetLong(Page), Table.Name, JetLong(Table.ObjectType, 2), JetLong(Table.Flags),
-                                     std::nullopt}, Objects.Fields), 0, 0});
+        Objects.Rows.push_back(
+            {Row({JetLong(Page), Table.Name, JetLong(Table.ObjectType, 2), JetLong(Table.Flags),
+                  std::nullopt}, Objects.Fields), 0, 0});
     };
     Add(Objects, CatalogPage);
     for (std::size_t I = 0; I < Tables.size(); ++I)

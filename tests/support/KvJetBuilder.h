@@ -90,7 +90,8 @@ private:
     std::uint32_t LongRow(std::string_view Bytes);
     std::string Header() const;
     std::string Definition(const TTable& Table, unsigned MapRow) const;
-    std::string Column(const TField& Field, unsigned Number, unsigned FixedStart, unsigned VariableNumber) const;
+    std::string Column(const TField& Field, unsigned Number, unsigned FixedStart,
+                       unsigned VariableNumber) const;
     void AddTable(TPages& All, const TTable& Table, unsigned MapRow, std::uint32_t Page) const;
     std::uint32_t AddRecords(TPages& All, const TTable& Table, std::uint32_t Owner) const;
     TTable Catalog(const std::vector<std::uint32_t>& DefinitionPages) const;

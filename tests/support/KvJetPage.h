@@ -1,6 +1,7 @@
 // KvJetPage - the pages of an Access database: 2048 bytes in Jet 3, 4096 later.
 //
-//   page := kind:u8 1:u8 free:u16 owner:u32 [4 in Jet 4] count:u16 slot:u16[count] ... row[count - 1] ... row[0]
+//   page := kind:u8 1:u8 free:u16 owner:u32 [4 in Jet 4] count:u16 slot:u16[count] ...
+//           row[count - 1] ... row[0]
 #pragma once
 
 #include <cstddef>

@@ -195,8 +195,10 @@ std::string TParadoxBuilder::Header(std::size_t Blocks) const
     const bool IsLong = Version >= 5;
     std::string Bytes(HeaderSize, '\0');
     const auto First = static_cast<unsigned>(Blocks == 0 ? 0 : IsReversed ? Blocks : 1);
-    Put(Bytes, 0x00, TBytes().U16(static_cast<unsigned>(RecordSize())).U16(HeaderSize).U8(IsKeyed ? 0 : 2).U8(2));
-    Put(Bytes, 0x06, TBytes().U32(static_cast<std::uint32_t>(Records.size())).U16(static_cast<unsigned>(Blocks)));
+    Put(Bytes, 0x00,
+        TBytes().U16(static_cast<unsigned>(RecordSize())).U16(HeaderSize).U8(IsKeyed ? 0 : 2).U8(2));
+    Put(Bytes, 0x06,
+        TBytes().U32(static_cast<std::uint32_t>(Records.size())).U16(static_cast<unsigned>(Blocks)));
     Put(Bytes, 0x0C, TBytes().U16(static_cast<unsigned>(Blocks)).U16(First));
     Put(Bytes, 0x21, TBytes().U16(static_cast<unsigned>(Fields.size())).U16(IsKeyed ? 1 : 0));
     Put(Bytes, 0x25, TBytes().U32(IsLong ? 0xFF00FF00 : Encryption));

@@ -9,7 +9,8 @@ TWorksheetBuilder::TWorksheetBuilder(TWorksheetFormat TheFormat)
 {
 }
 
-TWorksheetBuilder::TWorksheetBuilder(TWorksheetFormat TheFormat, std::uint16_t Version) : FileFormat(TheFormat)
+TWorksheetBuilder::TWorksheetBuilder(TWorksheetFormat TheFormat, std::uint16_t Version)
+    : FileFormat(TheFormat)
 {
     Record(0x00, TBytes().U16(Version));
 }

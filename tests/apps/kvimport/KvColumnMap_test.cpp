@@ -67,10 +67,14 @@ struct TColumnsWithoutConstants : TColumnsOnly
 {
     using TColumnsOnly::TColumnsOnly;
 
-    std::string RemarkOnStranger(const std::string& Name) override { throw Exception(Name + " is no column"); }
+    std::string RemarkOnStranger(const std::string& Name) override
+    {
+        throw Exception(Name + " is no column");
+    }
 };
 
-TColumnMap MapGiven(const std::vector<std::string>& Lines, const std::vector<TSourceColumn>& Given, const TDataSet& Destination)
+TColumnMap MapGiven(const std::vector<std::string>& Lines, const std::vector<TSourceColumn>& Given,
+                    const TDataSet& Destination)
 {
     TColumnsOnly Source(Given);
     return MapAsGiven(Lines, Source, Destination);
@@ -90,7 +94,8 @@ TEST(KvColumnMap, RaisesWhenNoNameFits)
 {
     const TOrders Orders;
     EXPECT_EQ(MessageOf([&] { MapByName(Columns({"A", "B"}), Orders); }),
-              "no column has the name of a field; the columns are A, B; the fields are ID, CITY, TOTAL, NOTE; "
+              "no column has the name of a field; the columns are A, B; "
+              "the fields are ID, CITY, TOTAL, NOTE; "
               "--map or --by-position joins them otherwise");
 }
 
@@ -125,7 +130,8 @@ TEST(KvColumnMap, ColumnsThatDifferInCaseOnlyAreToldApart)
 {
     const TOrders Orders;
     const std::vector<TSourceColumn> Twins = {{.Source = "town", .Name = {}}, {.Source = "Town", .Name = {}}};
-    EXPECT_THAT(MapGiven({"CITY=Town", "NOTE=town"}, Twins, Orders).Lines, ElementsAre("CITY=Town", "NOTE=town"));
+    EXPECT_THAT(MapGiven({"CITY=Town", "NOTE=town"}, Twins, Orders).Lines,
+                ElementsAre("CITY=Town", "NOTE=town"));
 }
 
 TEST(KvColumnMap, ASourceMayRefuseAStranger)
@@ -138,7 +144,8 @@ TEST(KvColumnMap, ASourceMayRefuseAStranger)
 TEST(KvColumnMap, WhatIsNoPairIsRefused)
 {
     for (const std::string Line : {"ID", "ID=", "=Field1", "", " = "})
-        EXPECT_EQ(MessageOf([&] { SplitMapPair(Line); }), "--map: '" + Line + "' is no pair such as ID=Field1: a field and a column");
+        EXPECT_EQ(MessageOf([&] { SplitMapPair(Line); }),
+                  "--map: '" + Line + "' is no pair such as ID=Field1: a field and a column");
 }
 
 TEST(KvColumnMap, RefusesToWriteComputedFields)

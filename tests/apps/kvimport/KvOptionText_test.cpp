@@ -53,7 +53,8 @@ TEST(KvOptionText, ReadsNamesHoweverTheyAreSeparated)
 
 TEST(KvOptionText, ReadsFixedColumns)
 {
-    EXPECT_THAT(ReadFixedColumns("ID=1-9, CITY = 10 - 29 ;A=B=3-3"), ElementsAre("ID=Text1-9", "CITY=Text10-29", "A=B=Text3-3"));
+    EXPECT_THAT(ReadFixedColumns("ID=1-9, CITY = 10 - 29 ;A=B=3-3"),
+                ElementsAre("ID=Text1-9", "CITY=Text10-29", "A=B=Text3-3"));
     for (const auto* const Text : {"", "ID", "ID=", "ID=5", "=1-2", "ID=0-5", "ID=9-8", "ID=a-b", "ID=1-2-3"})
         EXPECT_THROW(ReadFixedColumns(Text), EUsageError) << Text;
 }

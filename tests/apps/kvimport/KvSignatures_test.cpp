@@ -47,7 +47,8 @@ TEST(KvSignatures, EachKindKnowsItsFilesAndNoOther)
         {"sqlite", BeginsLikeSqlite}};
     for (const auto& Beginning : Beginnings)
         for (const auto& [Kind, Begins] : Kinds)
-            EXPECT_EQ(Begins(Beginning.Bytes), Kind == std::string(Beginning.Kind)) << Kind << ": " << Beginning.Bytes;
+            EXPECT_EQ(Begins(Beginning.Bytes), Kind == std::string(Beginning.Kind))
+                << Kind << ": " << Beginning.Bytes;
 }
 
 TEST(KvSignatures, WhatHasBytesOfZeroIsNoTextWithoutAMark)

@@ -33,7 +33,8 @@ TEST(KvTextTable, SetsNumbersAtTheRight)
     Table.AddRow({"5.00", "5.00"});
     Table.AddRow({"", "x"});
     Table.AddRow({"-1,234.50", "1"});
-    EXPECT_EQ(Printed(Table), "   amount  text\n---------  ----\n     5.00  5.00\n           x\n-1,234.50  1\n");
+    EXPECT_EQ(Printed(Table),
+              "   amount  text\n---------  ----\n     5.00  5.00\n           x\n-1,234.50  1\n");
 }
 
 TEST(KvTextTable, GivesWayInItsWidestColumn)
@@ -41,7 +42,8 @@ TEST(KvTextTable, GivesWayInItsWidestColumn)
     TTextTable Table;
     Table.AddHeading({"a", "b"});
     Table.AddRow({"short one", std::string(100, 'x')});
-    EXPECT_EQ(Printed(Table, 30), "a          b\n---------  -------------------\nshort one  xxxxxxxxxxxxxxxxxx…\n");
+    EXPECT_EQ(Printed(Table, 30),
+              "a          b\n---------  -------------------\nshort one  xxxxxxxxxxxxxxxxxx…\n");
 }
 
 TEST(KvTextTable, CutsLinesWhenEvenThatIsNotEnough)

@@ -37,15 +37,18 @@ std::string Header(char Version, std::size_t Size)
 TEST(KvAccessProgram, SaysWhyAFileCannotBeOpened)
 {
     const TTempFolder Folder;
-    EXPECT_EQ(MessageOfOpen(Folder / "none.mdb"), Folder / "none.mdb: cannot be opened: No such file or directory");
-    EXPECT_EQ(MessageOfOpen(Folder.Path.string()), Folder.Path.string() + ": cannot be opened: it is a directory");
+    EXPECT_EQ(MessageOfOpen(Folder / "none.mdb"),
+              Folder / "none.mdb: cannot be opened: No such file or directory");
+    EXPECT_EQ(MessageOfOpen(Folder.Path.string()),
+              Folder.Path.string() + ": cannot be opened: it is a directory");
     EXPECT_EQ(MessageOfOpen("/dev/null"), "/dev/null: cannot be opened: it is no ordinary file");
 }
 
 TEST(KvAccessProgram, RefusesWhatIsNoDatabase)
 {
     const TTempFolder Folder;
-    for (const auto& Bytes : {""s, "a"s, std::string(5000, '\0'), "\0\1\0\0Standard Text   "s + std::string(5000, '\0')})
+    for (const auto& Bytes : {""s, "a"s, std::string(5000, '\0'),
+                              "\0\1\0\0Standard Text   "s + std::string(5000, '\0')})
         EXPECT_EQ(MessageOfOpen(Folder.Write("a.mdb", Bytes)), Folder / "a.mdb: is not an Access database");
 }
 
@@ -61,7 +64,8 @@ TEST(KvAccessProgram, RefusesADatabaseThatIsCutOff)
     const TTempFolder Folder;
     for (const char Version : {'\0', '\1', '\2', '\6'})
         for (const std::size_t Size : {100, 2048, 4096, 8192, 16384})
-            EXPECT_NE(MessageOfOpen(Folder.Write("a.mdb", Header(Version, Size))), "") << int(Version) << " " << Size;
+            EXPECT_NE(MessageOfOpen(Folder.Write("a.mdb", Header(Version, Size))), "")
+                << int(Version) << " " << Size;
 }
 
 } // namespace

@@ -13,7 +13,8 @@ TEST(KvAccessTypes, AreNamedAsInAccess)
     EXPECT_EQ(AccessTypeText({.Name = "A", .Type = afText, .Size = 50}), "Text (50)");
     EXPECT_EQ(AccessTypeText({.Name = "A", .Type = afBinary, .Size = 16}), "Binary (16)");
     EXPECT_EQ(AccessTypeText({.Name = "A", .Type = afMemo}), "Memo");
-    EXPECT_EQ(AccessTypeText({.Name = "A", .Type = afDecimal, .Size = 17, .Precision = 18, .Scale = 2}), "Decimal (18, 2)");
+    EXPECT_EQ(AccessTypeText({.Name = "A", .Type = afDecimal, .Size = 17, .Precision = 18, .Scale = 2}),
+              "Decimal (18, 2)");
 }
 
 TEST(KvAccessTypes, AnUnknownTypeIsShownByItsNumber)

@@ -11,7 +11,8 @@ namespace kv {
 namespace {
 
 /// Words from the highest to the lowest.
-TMdbDecimal Decimal(bool Negative, std::uint32_t A, std::uint32_t B, std::uint32_t C, std::uint32_t D, int Scale)
+TMdbDecimal Decimal(bool Negative, std::uint32_t A, std::uint32_t B, std::uint32_t C, std::uint32_t D,
+                    int Scale)
 {
     return TMdbDecimal(TBytes().U8(Negative ? 0x80 : 0).U32(A).U32(B).U32(C).U32(D).Str(), Scale);
 }
@@ -43,7 +44,8 @@ TEST(KvMdbDecimal, WhatDoesNotFitKeepsAllItsDigitsAsText)
     EXPECT_EQ(Greatest.Scaled(0), std::nullopt);
     EXPECT_EQ(Greatest.Scaled(4), std::nullopt);
     EXPECT_EQ(Greatest.ToText(), "9999999999999999999999999999");
-    EXPECT_EQ(Decimal(true, 0, 0x204FCE5E, 0x3E250261, 0x0FFFFFFF, 28).ToText(), "-0.9999999999999999999999999999");
+    EXPECT_EQ(Decimal(true, 0, 0x204FCE5E, 0x3E250261, 0x0FFFFFFF, 28).ToText(),
+              "-0.9999999999999999999999999999");
 }
 
 TEST(KvMdbDecimal, AllBitsAndAnyScaleHaveAText)

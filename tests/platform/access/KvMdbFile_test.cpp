@@ -84,8 +84,9 @@ TEST(KvMdbFile, NamesMayHaveAnyCharacters)
     TJetBuilder Builder;
     for (const auto* const Name : Names)
         Builder.Table(Name).Field(u"ID", afLong);
-    EXPECT_THAT(NamesOf(Builder), ElementsAre("MSysObjects (system)", "Käse", "漢字表", "a]b [c]", "50% 'off' \"now\"",
-                                              "--help", "a/b\\c;d"));
+    EXPECT_THAT(NamesOf(Builder),
+                ElementsAre("MSysObjects (system)", "Käse", "漢字表", "a]b [c]", "50% 'off' \"now\"",
+                            "--help", "a/b\\c;d"));
     EXPECT_STREQ(TOpenFile(Builder)->Table("漢字表").object_name, "漢字表");
     EXPECT_STREQ(TOpenFile(Builder)->Table("a]B [C]").object_name, "a]b [c]");
 }

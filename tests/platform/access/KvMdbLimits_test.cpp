@@ -35,7 +35,8 @@ TEST(KvMdbLimitsDeathTest, TimeIsGrantedFromNowOn)
         LimitResources();
         rlimit Time{};
         ::getrlimit(RLIMIT_CPU, &Time);
-        std::_Exit(Time.rlim_cur >= MaxSecondsWithoutOutput && Time.rlim_cur < 2 * MaxSecondsWithoutOutput ? 0 : 1);
+        std::_Exit(Time.rlim_cur >= MaxSecondsWithoutOutput &&
+                   Time.rlim_cur < 2 * MaxSecondsWithoutOutput ? 0 : 1);
     };
     EXPECT_EXIT(CheckTime(), testing::ExitedWithCode(0), "");
 }

@@ -201,7 +201,8 @@ TEST(KvMdbRows, ARecordThatReachesOutOfItsPageIsDamage)
     auto Bytes = Orders().Record({JetLong(1), "the only one"}).Build();
     const auto Slot = Bytes.find("the only one") / 4096 * 4096 + 14;
     Bytes.replace(Slot, 2, "\xFF\x1F");
-    EXPECT_THAT(LinesOf(Bytes), ElementsAre("[record 1 of table Orders is damaged: its position is out of range]"));
+    EXPECT_THAT(LinesOf(Bytes),
+                ElementsAre("[record 1 of table Orders is damaged: its position is out of range]"));
 }
 
 TEST(KvMdbRows, FieldsLongerThanTheirRecordAreDamage)

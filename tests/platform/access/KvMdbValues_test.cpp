@@ -124,7 +124,8 @@ TEST(KvMdbValues, FloatingNumbersKeepTheirBits)
 
 TEST(KvMdbValues, DatesAreDaysAlsoBefore1900)
 {
-    EXPECT_THAT(ValuesOf(afDateTime, {JetDouble(0), JetDouble(-1.25), JetDouble(-657434), JetDouble(45351.5)}),
+    EXPECT_THAT(ValuesOf(afDateTime,
+                         {JetDouble(0), JetDouble(-1.25), JetDouble(-657434), JetDouble(45351.5)}),
                 ElementsAre("days 0", "days -1.25", "days -657434", "days 45351.5"));
 }
 
@@ -167,7 +168,8 @@ TEST(KvMdbValues, MemosAndObjectsAreWhole)
 
 TEST(KvMdbValues, BytesStayBytes)
 {
-    EXPECT_THAT(ValuesOf(afBinary, {"a\0\xFF"s, "", {}}, 50), ElementsAre("bytes a\0\xFF"s, "bytes ", "null"));
+    EXPECT_THAT(ValuesOf(afBinary, {"a\0\xFF"s, "", {}}, 50),
+                ElementsAre("bytes a\0\xFF"s, "bytes ", "null"));
 }
 
 TEST(KvMdbValues, AReplicationIdIsItsText)
@@ -180,8 +182,8 @@ TEST(KvMdbValues, DecimalsHaveTheScaleOfTheirField)
 {
     TJetBuilder Builder;
     Builder.Table(u"T").Decimal(u"A", 18, 2).Decimal(u"B", 28, 0).Decimal(u"C", 28, 28).Decimal(u"D", 5, 5);
-    Builder.Record({JetDecimal(true, 0, 0, 0, 12345), JetDecimal(true, 0, 0, 0, 7), JetDecimal(true, 0, 0, 0, 1),
-                    JetDecimal(false, 0, 0, 0, 50000)});
+    Builder.Record({JetDecimal(true, 0, 0, 0, 12345), JetDecimal(true, 0, 0, 0, 7),
+                    JetDecimal(true, 0, 0, 0, 1), JetDecimal(false, 0, 0, 0, 50000)});
     Builder.Record({{}, {}, {}, {}});
     EXPECT_THAT(ValuesOf(Builder),
                 ElementsAre("currency -1234500", "integer -7", "text -0.0000000000000000000000000001",

@@ -68,7 +68,8 @@ public:
 
 TProgressCaptions Captions()
 {
-    return {.Title = "orders.csv", .Status = "Importing...", .Cancel = {}, .Processed = {}, .Errors = {}, .Added = {}, .Updated = {}, .Deleted = {}};
+    return {.Title = "orders.csv", .Status = "Importing...", .Cancel = {}, .Processed = {}, .Errors = {},
+            .Added = {}, .Updated = {}, .Deleted = {}};
 }
 
 TEST(KvConsoleInterface, DrawsABarInOneLineAndErasesIt)

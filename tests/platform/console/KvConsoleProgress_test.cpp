@@ -15,7 +15,8 @@ TConsoleProgress Half()
 
 TEST(KvConsoleProgress, ShowsBarFiguresAndTimeLeft)
 {
-    EXPECT_EQ(ProgressLine(Half(), 70, false), "orders.csv  [############            ]   50 %  500 of 1,000  0:02 left");
+    EXPECT_EQ(ProgressLine(Half(), 70, false),
+              "orders.csv  [############            ]   50 %  500 of 1,000  0:02 left");
 }
 
 TEST(KvConsoleProgress, DrawsPartsOfABlock)

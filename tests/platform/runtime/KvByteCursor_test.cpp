@@ -73,7 +73,8 @@ TEST(KvByteCursor, CountsOffsetsFromTheFirstByteOfTheFile)
     const auto Slice = In.TakeSlice(3);
     EXPECT_EQ(Slice.Offset(), 1002u);
     EXPECT_EQ(Slice.Position(), 0u);
-    EXPECT_EQ(MessageOf<EFormatError>([&] { In.Take<std::uint16_t>(); }), "Unexpected end of data at offset 1006");
+    EXPECT_EQ(MessageOf<EFormatError>([&] { In.Take<std::uint16_t>(); }),
+              "Unexpected end of data at offset 1006");
 }
 
 TEST(KvByteCursor, SeeksAnywhereUpToTheEnd)

@@ -89,7 +89,9 @@ TEST(KvLowByteSet, AgreesWithASearchByteByByte)
         const auto Text = RandomText(Random, Random() % 64, Round % 2 ? 256 : 12);
         const char* const Last = Text.data() + Text.size();
         const char* const First = Text.data() + Random() % (Text.size() + 1);
-        const auto* const Expected = std::find_if(First, Last, [&Set](char Each) { return Set.Contains(Each); });
+        const auto* const Expected = std::find_if(First, Last, [&Set](char Each) {
+            return Set.Contains(Each);
+        });
         ASSERT_EQ(Set.FindIn(First, Last), Expected) << testing::PrintToString(Text);
     }
 }
@@ -102,7 +104,8 @@ TEST(KvByteScan, FindNearAgreesWithASearchByteByByte)
         const char* const Last = Text.data() + Text.size();
         const char* const First = Text.data() + Random() % (Text.size() + 1);
         const char Value = static_cast<char>(Random() % 40 * 37);
-        ASSERT_EQ(FindNear(First, Last, Value), std::find(First, Last, Value)) << testing::PrintToString(Text);
+        ASSERT_EQ(FindNear(First, Last, Value), std::find(First, Last, Value))
+            << testing::PrintToString(Text);
     }
 }
 

@@ -45,12 +45,14 @@ TEST(KvCalendar, EncodesNothingThatIsNoPoint)
     const TCalendar Rows[] = {
         {0, 1, 1},           {10000, 1, 1},       {2024, 0, 1},        {2024, 13, 1},          {2024, 257, 1},
         {2024, 1, 0},        {2024, 1, 32},       {2023, 2, 29},       {1900, 2, 29},          {2024, 4, 31},
-        {2024, 1, 257},      {-1, 1, 1},          {2024, 1, 1, 24},    {2024, 1, 1, -1},       {2024, 1, 1, 0, 60},
+        {2024, 1, 257},      {-1, 1, 1},          {2024, 1, 1, 24},    {2024, 1, 1, -1},
+        {2024, 1, 1, 0, 60},
         {2024, 1, 1, 0, -1}, {2024, 1, 1, 0, 0, 60}, {2024, 1, 1, 0, 0, -1}, {2024, 1, 1, 0, 0, 0, 1000},
         {2024, 1, 1, 0, 0, 0, -1},
     };
     for (const auto& Point : Rows)
-        EXPECT_EQ(EncodeDateTime(Point), std::nullopt) << Point.Year << '-' << Point.Month << '-' << Point.Day;
+        EXPECT_EQ(EncodeDateTime(Point), std::nullopt)
+            << Point.Year << '-' << Point.Month << '-' << Point.Day;
 }
 
 TEST(KvCalendar, DecodingRoundsToTheNearestMillisecond)
@@ -69,8 +71,10 @@ TEST(KvCalendar, RefusesValuesOutsideTheCalendar)
     for (const double Days :
          {-693594.0, 2958466.0, 1e300, -1e300, std::numeric_limits<double>::infinity(), std::nan("")})
         EXPECT_THROW(DecodeDateTime({Days}), EConvertError) << Days;
-    EXPECT_EQ(MessageOf<EConvertError>([] { DateTimeToIso({2958466}); }), "'2958466' is not a valid date and time");
-    EXPECT_THROW(DecodeDateTime({std::nextafter(2958466.0, 0)}), EConvertError) << "rounds up into the year 10000";
+    EXPECT_EQ(MessageOf<EConvertError>([] { DateTimeToIso({2958466}); }),
+              "'2958466' is not a valid date and time");
+    EXPECT_THROW(DecodeDateTime({std::nextafter(2958466.0, 0)}), EConvertError)
+        << "rounds up into the year 10000";
     EXPECT_EQ(DateToIso({std::nextafter(-693594.0, 0)}), "0001-01-02")
         << "the last instant of the first day rounds up";
 }

@@ -69,7 +69,8 @@ TEST_F(KvFile, NamesTheFileAndTheReason)
     std::filesystem::create_directory(Path);
     EXPECT_EQ(MessageOf<EFileError>([&] { ReadFileBytes(Name); }),
               "Cannot open file \"" + Name + "\": Is a directory");
-    EXPECT_EQ(MessageOf<EFileError>([&] { FileSize(Name); }), "Cannot open file \"" + Name + "\": Is a directory");
+    EXPECT_EQ(MessageOf<EFileError>([&] { FileSize(Name); }),
+              "Cannot open file \"" + Name + "\": Is a directory");
     EXPECT_EQ(MessageOf<EFileError>([] { ReadFileBytes("/proc/self/mem"); }),
               "Cannot read file \"/proc/self/mem\": Input/output error");
 }

@@ -126,7 +126,8 @@ class KvIniFileReads : public KvIniFile, public testing::WithParamInterface<TVal
 
 TEST_P(KvIniFileReads, TheValue)
 {
-    EXPECT_EQ(Open("[S]\n" + std::string(GetParam().Line) + "\n").ReadString("S", "A", "missing"), GetParam().Value);
+    EXPECT_EQ(Open("[S]\n" + std::string(GetParam().Line) + "\n").ReadString("S", "A", "missing"),
+              GetParam().Value);
 }
 
 INSTANTIATE_TEST_SUITE_P(, KvIniFileReads, testing::Values(
@@ -208,9 +209,11 @@ TEST_F(KvIniFile, WhatWasWrittenIsReadAtOnce)
 
 TEST_F(KvIniFile, ChangesOneValueAndNothingElse)
 {
-    const auto Saved = After("\xEF\xBB\xBF; mine\r\n\r\n[s]\r\n  Key \t=  old  \r\nother=\"1\"\nbroken\r\n\r\n[T]\r\nx=1",
-                             [](TIniFile& File) { File.WriteString("S", "KEY", "new"); });
-    EXPECT_EQ(Saved, "\xEF\xBB\xBF; mine\r\n\r\n[s]\r\n  Key \t=  new\r\nother=\"1\"\nbroken\r\n\r\n[T]\r\nx=1");
+    const auto Saved =
+        After("\xEF\xBB\xBF; mine\r\n\r\n[s]\r\n  Key \t=  old  \r\nother=\"1\"\nbroken\r\n\r\n[T]\r\nx=1",
+              [](TIniFile& File) { File.WriteString("S", "KEY", "new"); });
+    EXPECT_EQ(Saved,
+              "\xEF\xBB\xBF; mine\r\n\r\n[s]\r\n  Key \t=  new\r\nother=\"1\"\nbroken\r\n\r\n[T]\r\nx=1");
 }
 
 TEST_F(KvIniFile, AValueThatIsThereIsNotWrittenAgain)
@@ -248,15 +251,18 @@ TEST_F(KvIniFile, NewSectionsGoToTheEndOfTheFile)
 
 TEST_F(KvIniFile, ALastLineWithoutItsEndGetsOne)
 {
-    EXPECT_EQ(After("[S]\r\nA=1", [](TIniFile& File) { File.WriteString("S", "B", "2"); }), "[S]\r\nA=1\r\nB=2\r\n");
+    EXPECT_EQ(After("[S]\r\nA=1", [](TIniFile& File) { File.WriteString("S", "B", "2"); }),
+              "[S]\r\nA=1\r\nB=2\r\n");
     EXPECT_EQ(After("[S", [](TIniFile& File) { File.WriteString("S", "B", "2"); }), "[S\r\nB=2\r\n");
-    EXPECT_EQ(After("[S]\nA=1\n ", [](TIniFile& File) { File.WriteString("S", "B", "2"); }), "[S]\nA=1\nB=2\n \n");
+    EXPECT_EQ(After("[S]\nA=1\n ", [](TIniFile& File) { File.WriteString("S", "B", "2"); }),
+              "[S]\nA=1\nB=2\n \n");
 }
 
 TEST_F(KvIniFile, ValuesReadAsTheyWereWritten)
 {
     for (const std::string_view Value :
-         {"", " ", " b", "b\t", "\"", "\"b\"", "'b'", "\"'", "\"A\"=\"B\"", ";b", "[b]", "a=b", "\x01", "\x1A", "\xC4\xA0"})
+         {"", " ", " b", "b\t", "\"", "\"b\"", "'b'", "\"'", "\"A\"=\"B\"", ";b", "[b]", "a=b", "\x01",
+          "\x1A", "\xC4\xA0"})
         EXPECT_EQ(WrittenAndRead(Value), Value);
 }
 

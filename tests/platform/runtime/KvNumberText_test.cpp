@@ -43,8 +43,8 @@ TEST_F(KvNumberText, ReadsIntegers)
 
 TEST_F(KvNumberText, RefusesWhatIsNoInteger)
 {
-    for (const auto* const Text : {"", " ", "+", "-", "+-5", "-+5", "++5", "1 2", "1.0", "1e3", "0x10", "$10", "12a",
-                                   "9223372036854775808", "-9223372036854775809", "1,000"})
+    for (const auto* const Text : {"", " ", "+", "-", "+-5", "-+5", "++5", "1 2", "1.0", "1e3", "0x10", "$10",
+                                   "12a", "9223372036854775808", "-9223372036854775809", "1,000"})
         EXPECT_EQ(TryTextToInt(Text), std::nullopt) << Text;
     EXPECT_EQ(MessageOf<EConvertError>([] { TextToInt("abc"); }), "'abc' is not a valid integer value");
 }
@@ -81,7 +81,8 @@ TEST_F(KvNumberText, RefusesWhatIsNoNumber)
           "1,5", "1.5.", "1..5",  "inf", "-inf",   "nan",   "infinity", "0x10",  "1e",
           "1e+", "e5",   "1e5.5", "1f",  "1.5 kg", "1e999", "-1e999",   "1e-999"})
         EXPECT_EQ(TryTextToFloat(Text), std::nullopt) << Text;
-    EXPECT_EQ(MessageOf<EConvertError>([] { TextToFloat("abc"); }), "'abc' is not a valid floating point value");
+    EXPECT_EQ(MessageOf<EConvertError>([] { TextToFloat("abc"); }),
+              "'abc' is not a valid floating point value");
 }
 
 TEST_F(KvNumberText, ReadsNumbersOfAnyLength)

@@ -44,7 +44,8 @@ private:
         return {.Name = Name,
                 .Kind = Kind,
                 .Get = [](const TPersistent& Object) { return dynamic_cast<const TSample&>(Object).Value; },
-                .Set = [](TPersistent& Object, const TVariant& New) { dynamic_cast<TSample&>(Object).Value = New; },
+                .Set = [](TPersistent& Object,
+                          const TVariant& New) { dynamic_cast<TSample&>(Object).Value = New; },
                 .GetObject = {},
                 .Names = Names};
     }
@@ -131,7 +132,8 @@ TEST(KvProperties, RefuseValuesThatDoNotSuit)
 TEST(KvProperties, RefuseWhatIsNotThere)
 {
     TSample Sample;
-    EXPECT_EQ(MessageOf<EPropertyError>([&] { GetPropValue(Sample, "Size"); }), "TSample has no property \"Size\"");
+    EXPECT_EQ(MessageOf<EPropertyError>([&] { GetPropValue(Sample, "Size"); }),
+              "TSample has no property \"Size\"");
     EXPECT_EQ(MessageOf<EPropertyError>([&] { SetPropValue(Sample, "Size", 1); }),
               "TSample has no property \"Size\"");
     EXPECT_EQ(MessageOf<EPropertyError>([&] { SetPropValue(Sample, "fixed", 1); }),

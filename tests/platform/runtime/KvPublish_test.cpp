@@ -37,7 +37,8 @@ public:
                 Publish("Colors", &TSample::Colors, ColorNames),
                 PublishStrings("Lines", &TSample::Lines),
                 NotStored(Publish<TSample>("Double", &TSample::GetDouble, &TSample::SetDouble)),
-                PublishObject<TSample>("Self", [](const TSample& Self) { return const_cast<TSample*>(&Self); }),
+                PublishObject<TSample>("Self",
+                                       [](const TSample& Self) { return const_cast<TSample*>(&Self); }),
                 PublishEvent("OnChange")};
     }
 };
@@ -72,7 +73,8 @@ TEST(KvPublish, ReadsAndWritesMembers)
 TEST(KvPublish, MembersAreSetFromTexts)
 {
     TSample Sample;
-    for (const auto& [Name, Text] : {std::pair("Number", "-7"), {"Flag", "TRUE"}, {"Color", "clred"}, {"Colors", "2"}})
+    for (const auto& [Name, Text] : {std::pair("Number", "-7"), {"Flag", "TRUE"}, {"Color", "clred"},
+                                     {"Colors", "2"}})
         SetPropValue(Sample, Name, Text);
     EXPECT_EQ(Sample.Number, -7);
     EXPECT_TRUE(Sample.Flag);
@@ -90,7 +92,8 @@ TEST(KvPublish, AValueThatDoesNotSuitLeavesTheMember)
 
 TEST(KvPublish, AddsTheOwnPropertiesBehindThoseOfTheBaseClass)
 {
-    const auto Properties = PublishAfter({PublishEvent("OnFirst"), PublishEvent("OnSecond")}, {PublishEvent("OnOwn")});
+    const auto Properties = PublishAfter({PublishEvent("OnFirst"), PublishEvent("OnSecond")},
+                                         {PublishEvent("OnOwn")});
     ASSERT_EQ(Properties.size(), 3U);
     EXPECT_EQ(Properties[0].Name, "OnFirst");
     EXPECT_EQ(Properties[2].Name, "OnOwn");

@@ -35,7 +35,8 @@ TEST(KvUtf16, RefusesUnpairedSurrogates)
 {
     for (const auto* const Text :
          {u"\xD83D", u"\xDE00", u"a\xD83D", u"\xD83Dx", u"\xDE00\xD83D", u"\xD83D\xD83D\xDE00"})
-        EXPECT_EQ(MessageOf<EConvertError>([&] { Utf16ToUtf8(Text); }), "Text is not valid in code page 'UTF-16'");
+        EXPECT_EQ(MessageOf<EConvertError>([&] { Utf16ToUtf8(Text); }),
+                  "Text is not valid in code page 'UTF-16'");
 }
 
 TEST(KvUtf16, AppendsTheBytesOfAFile)

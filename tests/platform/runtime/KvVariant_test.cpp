@@ -65,7 +65,8 @@ TEST(KvVariant, TakesItsKindFromTheValue)
 
 TEST(KvVariant, KeepsScalarValues)
 {
-    EXPECT_EQ(TVariant(std::numeric_limits<std::int64_t>::min()).Integer(), std::numeric_limits<std::int64_t>::min());
+    EXPECT_EQ(TVariant(std::numeric_limits<std::int64_t>::min()).Integer(),
+              std::numeric_limits<std::int64_t>::min());
     EXPECT_EQ(TVariant(-0.1).Double(), -0.1);
     EXPECT_EQ(TVariant(TCurrency{-1}).Currency(), TCurrency{-1});
     EXPECT_EQ(TVariant(TDateTime{-1.25}).DateTime(), TDateTime{-1.25});
@@ -289,7 +290,8 @@ TEST(KvVariant, RefusesIndexesOutsideTheBounds)
 
 TEST(KvVariant, RefusesBoundsOutOfOrder)
 {
-    EXPECT_EQ(MessageOf<EConvertError>([] { TVariant::Array(2, 0); }), "Variant array bounds are out of order");
+    EXPECT_EQ(MessageOf<EConvertError>([] { TVariant::Array(2, 0); }),
+              "Variant array bounds are out of order");
 }
 
 TEST(KvVariant, OnlyArraysHaveElements)
@@ -312,7 +314,8 @@ TEST(KvVariant, HasATextForm)
     EXPECT_EQ(TVariant(true).ToText(), "True");
     EXPECT_EQ(TVariant(false).ToText(), "False");
     EXPECT_EQ(TVariant(Long).ToText(), Long);
-    EXPECT_EQ(MessageOf<EConvertError>([] { TVariant::Array(0, 0).ToText(); }), "A variant array has no text form");
+    EXPECT_EQ(MessageOf<EConvertError>([] { TVariant::Array(0, 0).ToText(); }),
+              "A variant array has no text form");
 }
 
 TEST(KvVariant, TextFormFollowsTheProcessSettings)
@@ -392,11 +395,13 @@ TEST(KvCurrency, TakesTheNearestAmount)
 TEST(KvCurrency, RefusesAmountsOutOfRange)
 {
     const TKvSettingsGuard Guard;
-    EXPECT_EQ(MessageOf<EConvertError>([] { TCurrency::FromDouble(1e15); }), "'1E15' is not a valid currency value");
+    EXPECT_EQ(MessageOf<EConvertError>([] { TCurrency::FromDouble(1e15); }),
+              "'1E15' is not a valid currency value");
     EXPECT_EQ(MessageOf<EConvertError>([] { TCurrency::FromDouble(-1e300); }),
               "'-1E300' is not a valid currency value");
-    EXPECT_EQ(MessageOf<EConvertError>([] { TCurrency::FromDouble(std::numeric_limits<double>::quiet_NaN()); }),
-              "'NAN' is not a valid currency value");
+    EXPECT_EQ(
+        MessageOf<EConvertError>([] { TCurrency::FromDouble(std::numeric_limits<double>::quiet_NaN()); }),
+        "'NAN' is not a valid currency value");
     EXPECT_EQ(TCurrency::FromDouble(-922337203685477.5808).Scaled, std::numeric_limits<std::int64_t>::min());
 }
 

@@ -33,8 +33,9 @@ TEST(KvSqliteCursor, RecordsRunInTheOrderOfTheRowid)
 
 TEST(KvSqliteCursor, RecordsWithoutRowidRunInTheOrderOfThePrimaryKey)
 {
-    TTestTable Open("CREATE TABLE orders (a TEXT COLLATE NOCASE, b INT, PRIMARY KEY (a, b DESC)) WITHOUT ROWID;"
-                    "INSERT INTO orders VALUES ('x', 1), ('B', 2), ('a', 1), ('b', 3), ('X', 9)");
+    TTestTable Open(
+        "CREATE TABLE orders (a TEXT COLLATE NOCASE, b INT, PRIMARY KEY (a, b DESC)) WITHOUT ROWID;"
+        "INSERT INTO orders VALUES ('x', 1), ('B', 2), ('a', 1), ('b', 3), ('X', 9)");
     EXPECT_EQ(AllOf(Open.Table, "b"), (TTexts{"1", "2", "3", "1", "9"}));
 }
 
@@ -98,7 +99,8 @@ TEST(KvSqliteCursor, DeletingMovesToTheRecordAfter)
 
 TEST(KvSqliteCursor, DeletingUntilEofEmptiesTheTable)
 {
-    for (const auto* const Key : {"(id INTEGER PRIMARY KEY, name TEXT)", "(id INT, name TEXT PRIMARY KEY) WITHOUT ROWID"}) {
+    for (const auto* const Key : {"(id INTEGER PRIMARY KEY, name TEXT)",
+                                  "(id INT, name TEXT PRIMARY KEY) WITHOUT ROWID"}) {
         TTestTable Open("CREATE TABLE orders " + std::string(Key) +
                         "; WITH RECURSIVE n(i) AS (VALUES(1) UNION ALL SELECT i + 1 FROM n WHERE i < 1000)"
                         " INSERT INTO orders SELECT i, 'n' || i FROM n");
@@ -169,7 +171,8 @@ TEST(KvSqliteCursor, ViewsAreReadForwardAndSearched)
     Open.Table.Append();
     EXPECT_EQ(Open.MessageOf([&] { Open.Table.Post(); }), "orders: records cannot be added to a view");
     Open.Table.Cancel();
-    EXPECT_EQ(Open.MessageOf([&] { Open.Table.Delete(); }), "orders: its records have no key and cannot be deleted");
+    EXPECT_EQ(Open.MessageOf([&] { Open.Table.Delete(); }),
+              "orders: its records have no key and cannot be deleted");
 }
 
 } // namespace

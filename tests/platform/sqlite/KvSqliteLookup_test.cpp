@@ -25,13 +25,16 @@ TVariant Pair(TVariant A, TVariant B)
 }
 
 /// The id of the record found, or "none".
-std::string Find(TSQLiteTable& Table, std::string_view Keys, const TVariant& Values, TLocateOptions Options = {})
+std::string Find(TSQLiteTable& Table, std::string_view Keys, const TVariant& Values,
+                 TLocateOptions Options = {})
 {
     return Table.Locate(Keys, Values, Options) ? Table.FieldByName("id").AsString() : "none";
 }
 
-constexpr const char* People = "CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, city TEXT COLLATE NOCASE, qty INT);"
-                               "INSERT INTO orders VALUES (1, 'Ada', 'Rome', 1), (2, 'ada', 'rome', 2), (3, NULL, '', 3),"
+constexpr const char* People = "CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, "
+                               "city TEXT COLLATE NOCASE, qty INT);"
+                               "INSERT INTO orders VALUES (1, 'Ada', 'Rome', 1), (2, 'ada', 'rome', 2), "
+                               "(3, NULL, '', 3),"
                                " (4, 'Bob', NULL, 1), (5, 'Ada', 'Paris', NULL), (6, '', 'Oslo', 7)";
 
 /// The same questions however the columns are indexed, and asked often enough for a temporary index.
@@ -72,9 +75,11 @@ TEST(KvSqliteLookup, IndexesChangeNothingButTheSpeed)
     ExpectSameAnswers("");
     ExpectSameAnswers("CREATE INDEX i ON orders (name)");
     ExpectSameAnswers("CREATE INDEX i ON orders (name COLLATE NOCASE, qty); CREATE INDEX j ON orders (city)");
-    ExpectSameAnswers("CREATE INDEX i ON orders (name, city); CREATE UNIQUE INDEX j ON orders (city COLLATE BINARY)");
+    ExpectSameAnswers("CREATE INDEX i ON orders (name, city); "
+                      "CREATE UNIQUE INDEX j ON orders (city COLLATE BINARY)");
     ExpectSameAnswers("CREATE INDEX i ON orders (city DESC, name DESC)");
-    ExpectSameAnswers("CREATE INDEX i ON orders (name) WHERE name > 'B'; CREATE INDEX j ON orders (upper(name), city)");
+    ExpectSameAnswers("CREATE INDEX i ON orders (name) WHERE name > 'B'; "
+                      "CREATE INDEX j ON orders (upper(name), city)");
     ExpectSameAnswers("CREATE INDEX i ON orders (qty, name, city)");
 }
 
@@ -127,11 +132,14 @@ TEST_P(KvSqliteLookupUses, TheIndexThatServes)
 
 INSTANTIATE_TEST_SUITE_P(, KvSqliteLookupUses, testing::Values(
     TPlanRow{"Rowid", "", "id", "SEARCH main.orders USING INTEGER PRIMARY KEY (rowid=?)"},
-    TPlanRow{"RowidAmongOthers", "CREATE INDEX i ON orders (a)", "a;id", "USING INTEGER PRIMARY KEY (rowid=?)"},
+    TPlanRow{"RowidAmongOthers", "CREATE INDEX i ON orders (a)", "a;id",
+             "USING INTEGER PRIMARY KEY (rowid=?)"},
     TPlanRow{"WholeIndex", "CREATE INDEX i ON orders (a)", "a", "USING COVERING INDEX i (a=?)"},
     TPlanRow{"Prefix", "CREATE INDEX i ON orders (a, b, c)", "b;a", "USING COVERING INDEX i (a=? AND b=?)"},
-    TPlanRow{"ShortestOfSeveral", "CREATE INDEX i ON orders (a, b); CREATE INDEX j ON orders (a)", "a", "INDEX j (a=?)"},
-    TPlanRow{"UniqueOfSeveral", "CREATE INDEX i ON orders (a); CREATE UNIQUE INDEX j ON orders (a)", "a", "INDEX j (a=?)"},
+    TPlanRow{"ShortestOfSeveral", "CREATE INDEX i ON orders (a, b); CREATE INDEX j ON orders (a)", "a",
+             "INDEX j (a=?)"},
+    TPlanRow{"UniqueOfSeveral", "CREATE INDEX i ON orders (a); CREATE UNIQUE INDEX j ON orders (a)", "a",
+             "INDEX j (a=?)"},
     TPlanRow{"UniqueOnAPart", "CREATE UNIQUE INDEX i ON orders (b)", "a;b", "USING INDEX i (b=?)"},
     TPlanRow{"OtherCollation", "CREATE INDEX i ON orders (c)", "c", "USING COVERING INDEX i (c=?)"},
     TPlanRow{"Partial", "CREATE INDEX i ON orders (a) WHERE a > 1", "a", ""},
@@ -246,7 +254,7 @@ TEST(KvSqliteLookup, WithoutRowidTablesHaveTemporaryIndexesToo)
     TTestTable Open("CREATE TABLE orders (a TEXT, b INT, id INT, PRIMARY KEY (a, b)) WITHOUT ROWID;"
                     "INSERT INTO orders VALUES ('x', 1, 10), ('y', 1, 20), ('x', 2, 20)");
     EXPECT_EQ(Find(Open.Table, "id", 20), "20");
-    EXPECT_EQ(Open.Table.FieldByName("b").AsString(), "2"); // in the order of the key ('x', 2) comes before ('y', 1)
+    EXPECT_EQ(Open.Table.FieldByName("b").AsString(), "2"); // by the key ('x', 2) comes before ('y', 1)
     EXPECT_EQ(Find(Open.Table, "id", 20), "20");
     EXPECT_EQ(Open.Table.FieldByName("b").AsString(), "2");
     Open.Table.Delete();
@@ -274,9 +282,11 @@ TEST(KvSqliteLookup, DatesAreFoundHoweverTheyAreSpelled)
     const TVariant Morning = TDateTime{45351 + 9.5 / 24}, Midnight = TDateTime{45351};
     for (const char* const Index : {"", "; CREATE INDEX i ON orders (at)"}) {
         for (const char* const Text : {"2024-02-29 09:30:00", "2024-02-29T09:30:00", "2024-02-29 09:30",
-                                       "2024-02-29 09:30:00.000", "2024-02-29 09:30:00.000000", "2024-02-29T09:30"}) {
+                                       "2024-02-29 09:30:00.000", "2024-02-29 09:30:00.000000",
+                                       "2024-02-29T09:30"}) {
             TTestTable Open("CREATE TABLE orders (id INTEGER PRIMARY KEY, at DATETIME);"
-                            "INSERT INTO orders VALUES (1, '2024-02-28 09:30:00'), (2, '" + std::string(Text) + "')" + Index);
+                            "INSERT INTO orders VALUES (1, '2024-02-28 09:30:00'), (2, '" +
+                            std::string(Text) + "')" + Index);
             for (int Time = 0; Time < 3; ++Time)
                 EXPECT_EQ(Find(Open.Table, "at", Morning), "2") << Text << Index;
         }

@@ -15,7 +15,8 @@ namespace kv {
 namespace {
 
 constexpr const char* Orders = "CREATE TABLE orders (id INTEGER PRIMARY KEY, name VARCHAR(20), day DATE);"
-                               "INSERT INTO orders VALUES (1, 'Ada', '2024-02-29'), (2, 'Bob', NULL), (3, 'Eve', '2024-03-01')";
+                               "INSERT INTO orders VALUES (1, 'Ada', '2024-02-29'), (2, 'Bob', NULL), (3, "
+                               "'Eve', '2024-03-01')";
 
 struct TTestQuery
 {
@@ -24,7 +25,10 @@ struct TTestQuery
         Query.DatabaseName = File.FileName();
         Query.SQL.SetText(Sql);
     }
-    template <class TAction> std::string MessageOf(TAction Action) { return kv::MessageOf(File.FileName(), Action); }
+    template <class TAction> std::string MessageOf(TAction Action)
+    {
+        return kv::MessageOf(File.FileName(), Action);
+    }
 
     TTestFile File;
     TSQLiteQuery Query;
@@ -140,7 +144,8 @@ INSTANTIATE_TEST_SUITE_P(, KvSqliteQueryRefuses, testing::Values(
     TBadQueryRow{"", "Property SQL wasn't specified."},
     TBadQueryRow{"-- nothing", "a query needs a statement that reads: -- nothing"},
     TBadQueryRow{"DELETE FROM orders", "a query needs a statement that reads: DELETE FROM orders"},
-    TBadQueryRow{"DELETE FROM orders RETURNING id", "a query needs a statement that reads: DELETE FROM orders RETURNING id"},
+    TBadQueryRow{"DELETE FROM orders RETURNING id",
+                 "a query needs a statement that reads: DELETE FROM orders RETURNING id"},
     TBadQueryRow{"SELECT 1; DELETE FROM orders", "a query is one statement, without: DELETE FROM orders"},
     TBadQueryRow{"SELECT * FROM orders WHERE id = :id", "a query has no parameters, but there is :id"},
     TBadQueryRow{"SELECT * FROM orders WHERE id = ?", "a query has no parameters, but there is ?"},

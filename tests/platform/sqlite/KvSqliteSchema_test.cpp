@@ -60,15 +60,18 @@ using TTexts = std::vector<std::string>;
 
 TEST(KvSqliteSchema, FieldsCarryTypeSizeAndFlags)
 {
-    TOpenTable Open("CREATE TABLE t (id INTEGER PRIMARY KEY, name VARCHAR(20) NOT NULL, qty SMALLINT DEFAULT 1,"
+    TOpenTable Open("CREATE TABLE t (id INTEGER PRIMARY KEY, name VARCHAR(20) NOT NULL, "
+                    "qty SMALLINT DEFAULT 1,"
                     " price REAL NOT NULL DEFAULT 0, note, raw VARBINARY(4), \"none\" TEXT DEFAULT NULL)");
-    EXPECT_EQ(FieldsOf(Open.Table), (TTexts{"id largeint default", "name string(20) required", "qty smallint default",
-                                            "price float required default", "note variant", "raw bytes(4)", "none string"}));
+    EXPECT_EQ(FieldsOf(Open.Table),
+              (TTexts{"id largeint default", "name string(20) required", "qty smallint default",
+                      "price float required default", "note variant", "raw bytes(4)", "none string"}));
 }
 
 TEST(KvSqliteSchema, GeneratedColumnsAreReadOnly)
 {
-    TOpenTable Open("CREATE TABLE t (a INTEGER, b INTEGER GENERATED ALWAYS AS (a + 1) STORED, c INT NOT NULL AS (a * 2))");
+    TOpenTable Open("CREATE TABLE t (a INTEGER, b INTEGER GENERATED ALWAYS AS (a + 1) STORED, "
+                    "c INT NOT NULL AS (a * 2))");
     EXPECT_EQ(FieldsOf(Open.Table), (TTexts{"a largeint", "b largeint read-only", "c largeint read-only"}));
 }
 
@@ -76,7 +79,8 @@ TEST(KvSqliteSchema, ColumnsOfViewsAreReadOnlyAndTypedAsTheirTables)
 {
     TOpenTable Open("CREATE TABLE base (a INTEGER NOT NULL, n VARCHAR(5));"
                     "CREATE VIEW t AS SELECT a, n, a + 1 AS b FROM base");
-    EXPECT_EQ(FieldsOf(Open.Table), (TTexts{"a largeint read-only", "n string(5) read-only", "b variant read-only"}));
+    EXPECT_EQ(FieldsOf(Open.Table),
+              (TTexts{"a largeint read-only", "n string(5) read-only", "b variant read-only"}));
 }
 
 TEST(KvSqliteSchema, AnyOfStrictTablesIsVariant)
@@ -128,7 +132,8 @@ TEST(KvSqliteSchema, PrimaryKeyIsEmptyWhileClosed)
 /// Appends, locates, changes and deletes through the key that identifies records.
 void ExpectFullService(const std::string& Columns)
 {
-    TOpenTable Open("CREATE TABLE t " + Columns + "; INSERT INTO t(k, v) VALUES ('a', 1), ('b', 2), ('c', 3)");
+    TOpenTable Open("CREATE TABLE t " + Columns +
+                    "; INSERT INTO t(k, v) VALUES ('a', 1), ('b', 2), ('c', 3)");
     auto& Table = Open.Table;
     Table.Append();
     Table.FieldByName("k").SetValue("d");
@@ -164,7 +169,8 @@ TEST(KvSqliteSchema, RecordsAreIdentifiedByWhateverKeyThereIs)
 
 TEST(KvSqliteSchema, WithoutAnyNameForTheRowidRecordsCannotBeChanged)
 {
-    TOpenTable Open("CREATE TABLE t (rowid INT, oid INT, _rowid_ INT, k TEXT); INSERT INTO t(k) VALUES ('a'), ('b')");
+    TOpenTable Open("CREATE TABLE t (rowid INT, oid INT, _rowid_ INT, k TEXT); "
+                    "INSERT INTO t(k) VALUES ('a'), ('b')");
     auto& Table = Open.Table;
     ASSERT_TRUE(Table.Locate("k", "b"));
     Table.Edit();
@@ -179,7 +185,8 @@ TEST(KvSqliteSchema, WithoutAnyNameForTheRowidRecordsCannotBeChanged)
 
 TEST(KvSqliteSchema, TableNamesMayNameTheirSchemaAndBeQuoted)
 {
-    TTestFile Main("CREATE TABLE \"my.table\" (a); CREATE TABLE \"say \"\"hi\"\"\" (b); CREATE TABLE orders (c)");
+    TTestFile Main("CREATE TABLE \"my.table\" (a); CREATE TABLE \"say \"\"hi\"\"\" (b); "
+                   "CREATE TABLE orders (c)");
     TTestFile Other("CREATE TABLE orders (d); CREATE TABLE extra (e)");
     TSQLiteDatabase Database;
     Database.DatabaseName = Main.FileName();
@@ -216,7 +223,8 @@ TEST(KvSqliteSchema, MissingTableIsToldWithTheNamesThatExist)
         ADD_FAILURE();
     }
     catch (const EDatabaseError& Error) {
-        EXPECT_EQ(Error.Message, File.FileName() + ": no such table: order (there are: customers, latest, orders)");
+        EXPECT_EQ(Error.Message,
+                  File.FileName() + ": no such table: order (there are: customers, latest, orders)");
     }
     EXPECT_FALSE(Table.Active());
 }

@@ -42,7 +42,8 @@ public:
     TRowTexts Rows(std::string_view Sql)
     {
         sqlite3_stmt* Statement = nullptr;
-        EXPECT_EQ(sqlite3_prepare_v2(Handle, Sql.data(), static_cast<int>(Sql.size()), &Statement, nullptr), SQLITE_OK)
+        EXPECT_EQ(sqlite3_prepare_v2(Handle, Sql.data(), static_cast<int>(Sql.size()), &Statement, nullptr),
+                  SQLITE_OK)
             << Sql << ": " << sqlite3_errmsg(Handle);
         TRowTexts Result;
         while (sqlite3_step(Statement) == SQLITE_ROW) {

@@ -111,12 +111,17 @@ TEST_P(KvSqliteValueRefuses, WhatSqliteWouldChange)
 }
 
 INSTANTIATE_TEST_SUITE_P(, KvSqliteValueRefuses, testing::Values(
-    TRefuseRow{"REAL", std::numeric_limits<double>::quiet_NaN(), "'NAN' cannot be kept in field 'F': it is not a number"},
-    TRefuseRow{"STRING", "007", "'007' cannot be kept in field 'F': SQLite turns this text into a number there"},
+    TRefuseRow{"REAL", std::numeric_limits<double>::quiet_NaN(),
+               "'NAN' cannot be kept in field 'F': it is not a number"},
+    TRefuseRow{"STRING", "007",
+               "'007' cannot be kept in field 'F': SQLite turns this text into a number there"},
     TRefuseRow{"GUID", "00000000000000000000000000000012",
-               "'00000000000000000000000000000012' cannot be kept in field 'F': SQLite turns this text into a number there"},
-    TRefuseRow{"STRING", "1e5", "'1e5' cannot be kept in field 'F': SQLite turns this text into a number there"},
-    TRefuseRow{"STRING", " 1.5", "' 1.5' cannot be kept in field 'F': SQLite turns this text into a number there"},
+               "'00000000000000000000000000000012' cannot be kept in field 'F': "
+               "SQLite turns this text into a number there"},
+    TRefuseRow{"STRING", "1e5",
+               "'1e5' cannot be kept in field 'F': SQLite turns this text into a number there"},
+    TRefuseRow{"STRING", " 1.5",
+               "' 1.5' cannot be kept in field 'F': SQLite turns this text into a number there"},
     TRefuseRow{"DECIMAL(30,10)", "12345678901234567.8",
                "'12345678901234567.8' cannot be kept in field 'F': it has more digits than SQLite keeps"},
     TRefuseRow{"MONEY", TCurrency{INT64_MAX},

@@ -20,7 +20,8 @@ namespace {
 
 TEST(KvSqliteWriter, UnassignedColumnsGetTheDatabasesDefault)
 {
-    TTestTable Open("CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT DEFAULT 'nobody', qty INT DEFAULT (1 + 1))");
+    TTestTable Open("CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT DEFAULT 'nobody', "
+                    "qty INT DEFAULT (1 + 1))");
     AppendRecord(Open.Table, {{"name", "Ada"}});
     AppendRecord(Open.Table, {{"qty", Null}});
     AppendRecord(Open.Table, {{"id", 7}});
@@ -49,8 +50,9 @@ TEST(KvSqliteWriter, WholeRangeOfIntegersIsExact)
                                        std::numeric_limits<std::int64_t>::max()};
     for (const auto Value : Values)
         AppendRecord(Open.Table, {{"qty", Value}});
-    EXPECT_EQ(Open.Rows("SELECT qty FROM orders"), (TRowTexts{"-9223372036854775808", "-1", "0", "9007199254740993",
-                                                              "9223372036854775807"}));
+    EXPECT_EQ(Open.Rows("SELECT qty FROM orders"),
+              (TRowTexts{"-9223372036854775808", "-1", "0", "9007199254740993",
+                         "9223372036854775807"}));
     Open.Table.First();
     for (const auto Value : Values) {
         EXPECT_EQ(Open.Table.FieldByName("qty").Value().Integer(), Value);
@@ -75,10 +77,11 @@ TEST(KvSqliteWriter, TextAndBytesAreKeptToTheLastByte)
 
 TEST(KvSqliteWriter, EveryKindComesBackAsItWasGiven)
 {
-    TTestTable Open("CREATE TABLE orders (id INTEGER PRIMARY KEY, b BOOLEAN, r REAL, d DECIMAL(9,2), m MONEY, day DATE,"
-                    " at DATETIME, t TIME, g GUID, v)");
+    TTestTable Open("CREATE TABLE orders (id INTEGER PRIMARY KEY, b BOOLEAN, r REAL, d DECIMAL(9,2), "
+                    "m MONEY, day DATE, at DATETIME, t TIME, g GUID, v)");
     const TDateTime Day{45351}, Noon{45351.5}, Time{0.25};
-    AppendRecord(Open.Table, {{"b", true}, {"r", 0.1}, {"d", "12.34"}, {"m", TCurrency{123456}}, {"day", Day}, {"at", Noon},
+    AppendRecord(Open.Table, {{"b", true}, {"r", 0.1}, {"d", "12.34"}, {"m", TCurrency{123456}}, {"day", Day},
+                              {"at", Noon},
                               {"t", Time}, {"g", "{01234567-89AB-CDEF-0123-456789ABCDEF}"}, {"v", 5}});
     EXPECT_EQ(Open.Rows("SELECT * FROM orders"),
               TRowTexts{"1|1|0.1|12.34|12.3456|2024-02-29|2024-02-29 12:00:00|06:00:00|"
@@ -118,13 +121,16 @@ public:
 TEST(KvSqliteWriter, TextIsUnicodeInTheDatabaseWhateverTheProcesssPage)
 {
     const TAnsiPage Page("windows-1252");
-    TTestTable Open("CREATE TABLE orders (id INTEGER PRIMARY KEY, \"gr\xC3\xB6\xC3\x9F\x65\" TEXT, raw BLOB)");
+    TTestTable Open(
+        "CREATE TABLE orders (id INTEGER PRIMARY KEY, \"gr\xC3\xB6\xC3\x9F\x65\" TEXT, raw BLOB)");
     AppendRecord(Open.Table, {{"gr\xF6\xDF\x65", "caf\xE9"}, {"raw", "caf\xE9"}});
-    EXPECT_EQ(Open.Rows("SELECT hex(\"gr\xC3\xB6\xC3\x9F\x65\"), hex(raw) FROM orders"), TRowTexts{"636166C3A9|636166E9"});
+    EXPECT_EQ(Open.Rows("SELECT hex(\"gr\xC3\xB6\xC3\x9F\x65\"), hex(raw) FROM orders"),
+              TRowTexts{"636166C3A9|636166E9"});
     for (int Time = 0; Time < 3; ++Time)
         EXPECT_TRUE(Open.Table.Locate("gr\xF6\xDF\x65", "caf\xE9"));
     EXPECT_EQ(Open.Table.FieldByName("gr\xF6\xDF\x65").AsString(), "caf\xE9");
-    Open.File.Run("UPDATE orders SET \"gr\xC3\xB6\xC3\x9F\x65\" = '\xE2\x88\x9E'"); // infinity has no place in the page
+    // Infinity has no place in the page.
+    Open.File.Run("UPDATE orders SET \"gr\xC3\xB6\xC3\x9F\x65\" = '\xE2\x88\x9E'");
     Open.Table.First();
     EXPECT_THROW(Open.Table.Fields(1).AsString(), EConvertError);
 }
@@ -145,7 +151,8 @@ class KvSqliteWriterRefuses : public testing::TestWithParam<TRefusedRow> {};
 
 TEST_P(KvSqliteWriterRefuses, NamingConstraintAndValue)
 {
-    TTestTable Open("CREATE TABLE parent (k PRIMARY KEY); CREATE TABLE orders (" + std::string(GetParam().Columns) +
+    TTestTable Open("CREATE TABLE parent (k PRIMARY KEY); CREATE TABLE orders (" +
+                    std::string(GetParam().Columns) +
                     "); INSERT INTO orders(id, name, qty) VALUES (1, 'Ada', NULL)");
     TSQLiteDatabase Database;
     Database.DatabaseName = Open.File.FileName();
@@ -175,10 +182,14 @@ INSTANTIATE_TEST_SUITE_P(, KvSqliteWriterRefuses, testing::Values(
     TRefusedRow{"id, name, qty CHECK (qty > 0)", "CHECK constraint failed: qty > 0 (qty = -5)"},
     TRefusedRow{"id, name, qty, CONSTRAINT enough CHECK (qty > 0)", "CHECK constraint failed: enough"},
     TRefusedRow{"id, name, qty REFERENCES parent", "FOREIGN KEY constraint failed (qty = -5)"},
-    TRefusedRow{"id, name, qty, UNIQUE (name) ON CONFLICT IGNORE", "UNIQUE constraint failed: orders.name (name = 'Ada')"},
-    TRefusedRow{"id, name UNIQUE ON CONFLICT REPLACE, qty", "UNIQUE constraint failed: orders.name (name = 'Ada')"},
-    TRefusedRow{"id, name UNIQUE ON CONFLICT ROLLBACK, qty", "UNIQUE constraint failed: orders.name (name = 'Ada')"},
-    TRefusedRow{"id, name UNIQUE ON CONFLICT FAIL, qty", "UNIQUE constraint failed: orders.name (name = 'Ada')"}));
+    TRefusedRow{"id, name, qty, UNIQUE (name) ON CONFLICT IGNORE",
+                "UNIQUE constraint failed: orders.name (name = 'Ada')"},
+    TRefusedRow{"id, name UNIQUE ON CONFLICT REPLACE, qty",
+                "UNIQUE constraint failed: orders.name (name = 'Ada')"},
+    TRefusedRow{"id, name UNIQUE ON CONFLICT ROLLBACK, qty",
+                "UNIQUE constraint failed: orders.name (name = 'Ada')"},
+    TRefusedRow{"id, name UNIQUE ON CONFLICT FAIL, qty",
+                "UNIQUE constraint failed: orders.name (name = 'Ada')"}));
 
 TEST(KvSqliteWriter, AnyColumnsOfStrictTablesKeepTextThatReadsAsANumber)
 {
@@ -189,8 +200,10 @@ TEST(KvSqliteWriter, AnyColumnsOfStrictTablesKeepTextThatReadsAsANumber)
 
 TEST(KvSqliteWriter, RequiredFieldsAreAskedForBeforeTheDatabaseIs)
 {
-    TTestTable Open("CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT NOT NULL, qty INT NOT NULL DEFAULT 0)");
-    EXPECT_EQ(Open.MessageOf([&] { AppendRecord(Open.Table, {{"qty", 1}}); }), "Field 'name' must have a value");
+    TTestTable Open("CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT NOT NULL, "
+                    "qty INT NOT NULL DEFAULT 0)");
+    EXPECT_EQ(Open.MessageOf([&] { AppendRecord(Open.Table, {{"qty", 1}}); }),
+              "Field 'name' must have a value");
     Open.Table.Cancel();
     AppendRecord(Open.Table, {{"name", "Ada"}});
     EXPECT_EQ(Open.Rows(), TRowTexts{"1|Ada|0"});
@@ -221,7 +234,8 @@ TEST(KvSqliteWriter, TableDroppedMeanwhileIsAnError)
 {
     TTestTable Open;
     Open.File.Run("DROP TABLE orders");
-    EXPECT_EQ(Open.MessageOf([&] { AppendRecord(Open.Table, {{"name", "Ada"}}); }), "orders: no such table: main.orders");
+    EXPECT_EQ(Open.MessageOf([&] { AppendRecord(Open.Table, {{"name", "Ada"}}); }),
+              "orders: no such table: main.orders");
 }
 
 // --- Triggers ---------------------------------------------------------------------------------------
@@ -229,7 +243,8 @@ TEST(KvSqliteWriter, TableDroppedMeanwhileIsAnError)
 TEST(KvSqliteWriter, TriggersKeepTheirOwnConflictClauses)
 {
     TTestTable Open(OrdersTable + "CREATE TABLE names (name PRIMARY KEY);"
-                    "CREATE TRIGGER t AFTER INSERT ON orders BEGIN INSERT OR IGNORE INTO names VALUES (NEW.name); END");
+                    "CREATE TRIGGER t AFTER INSERT ON orders BEGIN INSERT OR IGNORE INTO names "
+                    "VALUES (NEW.name); END");
     AppendRecord(Open.Table, {{"name", "Ada"}});
     AppendRecord(Open.Table, {{"name", "Ada"}});
     EXPECT_EQ(Open.Table.FieldByName("id").AsString(), "2");
@@ -261,7 +276,8 @@ TEST(KvSqliteWriter, FailingTriggerLeavesNoTrace)
         if (InTransaction)
             Open.Table.StartTransaction();
         AppendRecord(Open.Table, {{"name", "Ada"}, {"qty", 1}});
-        EXPECT_EQ(Open.MessageOf([&] { AppendRecord(Open.Table, {{"name", "Bob"}, {"qty", -1}}); }), "orders: too few");
+        EXPECT_EQ(Open.MessageOf([&] { AppendRecord(Open.Table, {{"name", "Bob"}, {"qty", -1}}); }),
+                  "orders: too few");
         Open.Table.Cancel();
         AppendRecord(Open.Table, {{"name", "Eve"}, {"qty", 1}});
         Open.Table.Commit();
@@ -274,7 +290,8 @@ TEST(KvSqliteWriter, FailingTriggerLeavesNoTrace)
 const std::string Watched =
     OrdersTable + "CREATE TABLE log (what); INSERT INTO orders VALUES (1, 'Ada', 1);"
                   "CREATE TRIGGER i AFTER UPDATE OF id ON orders BEGIN INSERT INTO log VALUES ('id'); END;"
-                  "CREATE TRIGGER n AFTER UPDATE OF name ON orders BEGIN INSERT INTO log VALUES ('name'); END;"
+                  "CREATE TRIGGER n AFTER UPDATE OF name ON orders BEGIN INSERT INTO log "
+                  "VALUES ('name'); END;"
                   "CREATE TRIGGER q AFTER UPDATE OF qty ON orders BEGIN INSERT INTO log VALUES ('qty'); END";
 
 TEST(KvSqliteWriter, OnlyAssignedColumnsAreWritten)
@@ -354,7 +371,8 @@ TEST(KvSqliteWriter, OtherProgramsReadTheSame)
 {
     TTestTable Open;
     AppendRecord(Open.Table, {{"name", "Zo\xC3\xAB"}, {"qty", 42}});
-    std::FILE* const Pipe = popen(("sqlite3 '" + Open.File.FileName() + "' 'SELECT * FROM orders' 2>&1").c_str(), "r");
+    std::FILE* const Pipe =
+        popen(("sqlite3 '" + Open.File.FileName() + "' 'SELECT * FROM orders' 2>&1").c_str(), "r");
     ASSERT_NE(Pipe, nullptr);
     char Line[100] = "";
     const bool HasLine = std::fgets(Line, sizeof Line, Pipe) != nullptr;

@@ -21,7 +21,8 @@ std::string Text(const TKvSectors& Sectors, std::uint32_t First, std::uint64_t S
     return std::string(TKvChainBytes(Sectors, First, Size).View());
 }
 
-std::string Fault(const TKvSectors& Sectors, std::uint32_t First, std::uint64_t Size = TKvChainBytes::ToTheEnd)
+std::string Fault(const TKvSectors& Sectors, std::uint32_t First,
+                  std::uint64_t Size = TKvChainBytes::ToTheEnd)
 {
     return TKvChainBytes(Sectors, First, Size).Fault();
 }
@@ -90,7 +91,8 @@ TEST(KvSectors, ABrokenChainGivesWhatComesBefore)
         {{1, FreeSector, 0, 0}, "aaaabbbb", "its chain of sectors breaks off after sector 1"},
         {{1}, "aaaabbbb", "its chain of sectors breaks off after sector 1"},
         {{1, 4, 0, 0}, "aaaabbbb", "its chain of sectors leads to sector 4, which is not there"},
-        {{1, 0xFFFFFFFD, 0, 0}, "aaaabbbb", "its chain of sectors leads to sector 4294967293, which is not there"},
+        {{1, 0xFFFFFFFD, 0, 0}, "aaaabbbb",
+         "its chain of sectors leads to sector 4294967293, which is not there"},
         {{0, 0, 0, 0}, "aaaa", "its chain of sectors returns to sector 0"},
         {{2, 2, 1, 0}, "aaaaccccbbbb", "its chain of sectors returns to sector 2"},
     };

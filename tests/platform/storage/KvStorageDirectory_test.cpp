@@ -106,7 +106,8 @@ TEST(KvStorageDirectory, ATreeThatLeadsAstrayIsRefused)
     EXPECT_EQ(WalkError(Root(5) + Entry(u"a")), "directory entry 5 does not exist");
     EXPECT_EQ(WalkError(Root(1) + Entry(u"a", None, 2)), "directory entry 2 does not exist");
     EXPECT_EQ(WalkError(Root(1) + Entry(u"a", 1)), "directory entry 1 is named twice");
-    EXPECT_EQ(WalkError(Root(1) + Entry(u"a", None, 2) + Entry(u"b", None, 1)), "directory entry 1 is named twice");
+    EXPECT_EQ(WalkError(Root(1) + Entry(u"a", None, 2) + Entry(u"b", None, 1)),
+              "directory entry 1 is named twice");
     EXPECT_EQ(WalkError(Root(1) + Entry(u"a", 2, 2) + Entry(u"b")), "directory entry 2 is named twice");
 }
 

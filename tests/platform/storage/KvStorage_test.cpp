@@ -114,7 +114,8 @@ TEST(KvStorage, ListsItsElementsInTheOrderOfTheTree)
                           .Stream(u"\u0005SummaryInformation", "")
                           .Build();
     const TKvStorage Storage(File, "a.xls");
-    EXPECT_THAT(Names(Storage), ElementsAre("Book", "Workbook", "_VBA_PROJECT_CUR", "\x05SummaryInformation"));
+    EXPECT_THAT(Names(Storage),
+                ElementsAre("Book", "Workbook", "_VBA_PROJECT_CUR", "\x05SummaryInformation"));
     EXPECT_EQ(Storage.Elements()[0].Kind, skStream);
     EXPECT_EQ(Storage.Elements()[0].Size, 100u);
     EXPECT_EQ(Storage.Elements()[1].Size, 5000u);
@@ -150,7 +151,8 @@ TEST(KvStorage, ReadsStreamsOfAnySizeFromSectorsOfBothSizes)
                 TCompoundBuilder Builder(SectorSize);
                 if (IsScattered)
                     Builder.Scattered();
-                Builder.Stream(u"Other", Pattern(3000)).Stream(u"Book", Pattern(Size)).Stream(u"Last", Pattern(70));
+                Builder.Stream(u"Other", Pattern(3000)).Stream(u"Book", Pattern(Size))
+                       .Stream(u"Last", Pattern(70));
                 EXPECT_EQ(ReadStream(Builder.Build(), "Book"), Pattern(Size)) << Size << " in " << SectorSize;
             }
         }
@@ -226,19 +228,24 @@ TEST(KvStorage, AHeaderThatCannotBeReadIsRefused)
     const auto Good = OneStream();
     EXPECT_EQ(OpenError(""), R"(File "a.xls" is no compound document: its signature is missing)");
     EXPECT_EQ(OpenError("PK\x03\x04"), R"(File "a.xls" is no compound document: its signature is missing)");
-    EXPECT_EQ(OpenError(Good.substr(0, 8)), R"(File "a.xls" is no compound document: its header is cut short)");
-    EXPECT_EQ(OpenError(Good.substr(0, 511)), R"(File "a.xls" is no compound document: its header is cut short)");
-    EXPECT_EQ(OpenError(Good.substr(0, 512)), R"(File "a.xls" is no compound document: its directory is missing)");
+    EXPECT_EQ(OpenError(Good.substr(0, 8)),
+              R"(File "a.xls" is no compound document: its header is cut short)");
+    EXPECT_EQ(OpenError(Good.substr(0, 511)),
+              R"(File "a.xls" is no compound document: its header is cut short)");
+    EXPECT_EQ(OpenError(Good.substr(0, 512)),
+              R"(File "a.xls" is no compound document: its directory is missing)");
 }
 
 TEST(KvStorage, SectorsOfAnotherSizeAreRefused)
 {
     for (const int Shift : {0, 8, 10, 16, 31, 32, 63, 64, 65535})
         EXPECT_EQ(OpenError(Patched(OneStream(), 0x1E, static_cast<std::uint16_t>(Shift))),
-                  "File \"a.xls\" is no compound document: its sectors have 2^" + std::to_string(Shift) + " bytes");
+                  "File \"a.xls\" is no compound document: its sectors have 2^" + std::to_string(Shift) +
+                  " bytes");
     for (const int Shift : {0, 5, 7, 32, 65535})
         EXPECT_EQ(OpenError(Patched(OneStream(), 0x20, static_cast<std::uint16_t>(Shift))),
-                  "File \"a.xls\" is no compound document: its small sectors have 2^" + std::to_string(Shift) +
+                  "File \"a.xls\" is no compound document: its small sectors have 2^" +
+                  std::to_string(Shift) +
                       " bytes");
 }
 
@@ -332,7 +339,8 @@ TEST(KvStorage, TheSizeOfTheContainerThatTheRootStatesDoesNotMatter)
 {
     TCompoundBuilder Builder;
     const auto Good = Builder.Stream(u"Book", Pattern(1000)).Build();
-    EXPECT_EQ(ReadStream(Patched(Good, Builder.OffsetOfEntry(0) + 120, std::uint64_t{64}), "Book"), Pattern(1000));
+    EXPECT_EQ(ReadStream(Patched(Good, Builder.OffsetOfEntry(0) + 120, std::uint64_t{64}), "Book"),
+              Pattern(1000));
 }
 
 TEST(KvStorage, TheUpperHalfOfASizeCountsOnlyWithLargeSectors)
@@ -344,7 +352,8 @@ TEST(KvStorage, TheUpperHalfOfASizeCountsOnlyWithLargeSectors)
     EXPECT_EQ(ReadStream(Patched(SmallFile, Small.OffsetOfEntry(1) + 124, std::uint32_t{0x10002}), "Book"),
               Pattern(5000));
     EXPECT_EQ(ReadError(Patched(LargeFile, Large.OffsetOfEntry(1) + 124, std::uint32_t{1})),
-              "Cannot read stream \"Book\" of file \"a.xls\" past byte 8192 of 4294972296: its chain of sectors ends");
+              "Cannot read stream \"Book\" of file \"a.xls\" past byte 8192 of 4294972296: "
+              "its chain of sectors ends");
 }
 
 TEST(KvStorage, ADirectoryWhoseChainIsBrokenGivesItsFirstEntries)
@@ -353,7 +362,8 @@ TEST(KvStorage, ADirectoryWhoseChainIsBrokenGivesItsFirstEntries)
     const auto Good = Builder.Stream(u"Book", Pattern(100)).Stream(u"Other", "b").Build();
     const auto DirectorySector = Builder.OffsetOfEntry(0) / 512 - 1;
     for (const auto Link : {static_cast<std::uint32_t>(DirectorySector), 0xFFFFFFFFu, 0x7FFFFFFFu})
-        EXPECT_EQ(ReadStream(Patched(Good, Builder.OffsetOfLink(DirectorySector), Link), "Book"), Pattern(100));
+        EXPECT_EQ(ReadStream(Patched(Good, Builder.OffsetOfLink(DirectorySector), Link), "Book"),
+                  Pattern(100));
 }
 
 TEST(KvStorage, AListOfTableSectorsWithoutEndEndsWithTheFile)
@@ -374,7 +384,8 @@ TEST(KvStorage, AListOfTableSectorsWithoutEndEndsWithTheFile)
 
 TEST(KvStorage, ACutFileGivesAnErrorOrItsBytes)
 {
-    const auto Whole = TCompoundBuilder().Stream(u"Book", Pattern(5000)).Stream(u"Small", Pattern(200)).Build();
+    const auto Whole = TCompoundBuilder().Stream(u"Book", Pattern(5000)).Stream(u"Small", Pattern(200))
+                                         .Build();
     int Read = 0;
     for (std::size_t Size = 0; Size < Whole.size(); Size += 64) {
         try {

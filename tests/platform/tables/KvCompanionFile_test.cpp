@@ -79,7 +79,8 @@ TEST(KvCompanionFile, OneThatIsNotThereIsTheSameErrorEveryTime)
             ADD_FAILURE() << "no error";
         }
         catch (const EFileError& Error) {
-            EXPECT_EQ(Error.Message, "Cannot open file \"" + (Folder / "orders.mb") + "\": No such file or directory");
+            EXPECT_EQ(Error.Message,
+                      "Cannot open file \"" + (Folder / "orders.mb") + "\": No such file or directory");
         }
         Folder.Write("orders.mb", "too late");
     }

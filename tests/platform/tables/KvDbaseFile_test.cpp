@@ -26,7 +26,8 @@ using testing::StartsWith;
 class TTableFile
 {
 public:
-    explicit TTableFile(const TDbaseBuilder& Table, std::string_view MemoName = {}, std::string_view Memos = {})
+    explicit TTableFile(const TDbaseBuilder& Table, std::string_view MemoName = {},
+                        std::string_view Memos = {})
         : TTableFile(Table.Build())
     {
         if (!MemoName.empty())
@@ -166,7 +167,8 @@ TEST(KvDbaseFile, FirstBeginsAnew)
 TEST(KvDbaseFile, TheMarkBehindTheLastRecordMayBeMissing)
 {
     const auto Bytes = Numbers(2).Build();
-    EXPECT_THAT(ReadAll(TTableFile(std::string_view(Bytes).substr(0, Bytes.size() - 1))), ElementsAre("1", "2"));
+    EXPECT_THAT(ReadAll(TTableFile(std::string_view(Bytes).substr(0, Bytes.size() - 1))),
+                ElementsAre("1", "2"));
 }
 
 TEST(KvDbaseFile, WhatStandsBehindTheLastRecordIsNone)
@@ -177,7 +179,7 @@ TEST(KvDbaseFile, WhatStandsBehindTheLastRecordIsNone)
 TEST(KvDbaseFile, RecordsBeginWhereTheHeaderSays)
 {
     auto Bytes = Numbers(2).Build();
-    Bytes.insert(65, 263, '\0');                    // as Visual FoxPro leaves room for the name of its database
+    Bytes.insert(65, 263, '\0');                    // where Visual FoxPro names its database
     Bytes[8] = static_cast<char>((65 + 263) % 256);
     Bytes[9] = static_cast<char>((65 + 263) / 256);
     EXPECT_THAT(ReadAll(TTableFile(Bytes)), ElementsAre("1", "2"));
@@ -195,7 +197,8 @@ TEST(KvDbaseFile, ACountThatLiesReadsNothingOutsideTheFile)
 {
     auto Bytes = Numbers(1).Build();
     Bytes.replace(4, 4, "\xFF\xFF\xFF\xFF");
-    EXPECT_THAT(ReadAll(TTableFile(Bytes)), ElementsAre("1", "File \"%a.dbf\" ends after record 1 of 4294967295"));
+    EXPECT_THAT(ReadAll(TTableFile(Bytes)),
+                ElementsAre("1", "File \"%a.dbf\" ends after record 1 of 4294967295"));
 }
 
 TEST(KvDbaseFile, AMissingFileIsNamed)
@@ -289,7 +292,8 @@ TEST(KvDbaseFile, ABitMarksNulls)
 
 TEST(KvDbaseFile, TextsOfVariableSizeKeepTheirBlanks)
 {
-    const TTableFile File(TDbaseBuilder(0x32).Field("A", 'V', 6).Field("B", 'Q', 6).Field("_NullFlags", '0', 1, 0, 5)
+    const TTableFile File(TDbaseBuilder(0x32).Field("A", 'V', 6).Field("B", 'Q', 6)
+                                             .Field("_NullFlags", '0', 1, 0, 5)
                               .Record({DbaseVarText("ab ", 6), "123456", std::string(1, '\x01')})
                               .Record({"abcdef", DbaseVarText("12", 6), std::string(1, '\x02')})
                               .Record({DbaseVarText("", 6), DbaseVarText("", 6), std::string(1, '\x03')}));
@@ -298,7 +302,8 @@ TEST(KvDbaseFile, TextsOfVariableSizeKeepTheirBlanks)
 
 TEST(KvDbaseFile, TextOfVariableSizeThatIsNotToBeTranslatedIsBytes)
 {
-    const TTableFile File(TDbaseBuilder(0x32).Language(0x65).Field("A", 'V', 6, 0, 4).Field("_NullFlags", '0', 1, 0, 5)
+    const TTableFile File(TDbaseBuilder(0x32).Language(0x65).Field("A", 'V', 6, 0, 4)
+                                             .Field("_NullFlags", '0', 1, 0, 5)
                               .Record({DbaseVarText("\x8F\xE0", 6), std::string(1, '\x01')}));
     EXPECT_THAT(ReadAll(File), ElementsAre("\x8F\xE0"));
 }
@@ -323,7 +328,8 @@ TEST(KvDbaseFile, AnErrorOfAValueNamesItsPlaceAndLeavesTheOthersAlone)
 
 TEST(KvDbaseFile, TextsAreOfTheCodePageThatTheTableNames)
 {
-    const TTableFile File(TDbaseBuilder().Language(0x65).Field("\x88\x8C\x9F", 'C', 6).Record({"\x8F\xE0\xA8"}));
+    const TTableFile File(TDbaseBuilder().Language(0x65).Field("\x88\x8C\x9F", 'C', 6)
+                                         .Record({"\x8F\xE0\xA8"}));
     EXPECT_THAT(ReadAll(File), ElementsAre("При"));
     EXPECT_EQ(TKvDbaseFile(File.Name).FieldDefs()[0].Name, "ИМЯ");
 }
@@ -349,8 +355,10 @@ TEST(KvDbaseFile, TextsStayAsTheyAreWhenAskedTo)
 
 TEST(KvDbaseFile, TextOfACodePageThatNobodyKnowsIsAnError)
 {
-    const TTableFile File(TDbaseBuilder().Language(0x68).Field("A", 'C', 6).Record({"ascii"}).Record({"\x84"}));
-    EXPECT_THAT(ReadAll(File), ElementsAre("ascii", "File \"%a.dbf\", record 2, field 'A': Unknown code page '895'"));
+    const TTableFile File(TDbaseBuilder().Language(0x68).Field("A", 'C', 6).Record({"ascii"})
+                                         .Record({"\x84"}));
+    EXPECT_THAT(ReadAll(File),
+                ElementsAre("ascii", "File \"%a.dbf\", record 2, field 'A': Unknown code page '895'"));
     EXPECT_THAT(ReadAll(File, false), ElementsAre("ascii", "\x84"));
 }
 
@@ -362,7 +370,8 @@ TEST(KvDbaseFile, ANameThatIsNoneOfItsCodePageIsAnErrorOfTheTable)
 
 TEST(KvDbaseFile, BytesAreOfNoCodePage)
 {
-    const TTableFile File(TDbaseBuilder(0x30).Language(0x65).Field("A", 'C', 3, 0, 4).Record({"\x8F\xE0\xA8"}));
+    const TTableFile File(TDbaseBuilder(0x30).Language(0x65).Field("A", 'C', 3, 0, 4)
+                                             .Record({"\x8F\xE0\xA8"}));
     EXPECT_THAT(ReadAll(File), ElementsAre("\x8F\xE0\xA8"));
 }
 
@@ -408,9 +417,12 @@ TEST(KvDbaseFile, MemosAreReadFromTheFileOfTheirKind)
 
 TEST(KvDbaseFile, BlockZeroIsNoMemo)
 {
-    for (const std::string& Zero : {std::string(10, ' '), std::string(10, '\0'), std::string("0000000000"), std::string("         0")})
-        EXPECT_THAT(ReadAll(TTableFile(TDbaseBuilder(0x83).Field("NOTE", 'M', 10).Record({Zero}))), ElementsAre("-"));
-    EXPECT_THAT(ReadAll(TTableFile(TDbaseBuilder(0x30).Field("NOTE", 'M', 4).Record({DbaseLong(0)}))), ElementsAre("-"));
+    for (const std::string& Zero : {std::string(10, ' '), std::string(10, '\0'), std::string("0000000000"),
+                                    std::string("         0")})
+        EXPECT_THAT(ReadAll(TTableFile(TDbaseBuilder(0x83).Field("NOTE", 'M', 10).Record({Zero}))),
+                    ElementsAre("-"));
+    EXPECT_THAT(ReadAll(TTableFile(TDbaseBuilder(0x30).Field("NOTE", 'M', 4).Record({DbaseLong(0)}))),
+                ElementsAre("-"));
 }
 
 TEST(KvDbaseFile, MemosAreTextOfTheTablesCodePageAndBlobsAreNot)
@@ -428,18 +440,21 @@ TEST(KvDbaseFile, AMissingFileOfMemosIsAnErrorOfTheRecordsThatNeedIt)
     const TTableFile File(TDbaseBuilder(0x83).Field("NAME", 'C', 3).Field("NOTE", 'M', 10)
                               .Record({"Ada", ""}).Record({"Bob", "1"}));
     EXPECT_THAT(ReadAll(File), ElementsAre("Ada|-", "Bob|File \"%a.dbf\", record 2, field 'NOTE': "
-                                                    "Cannot open file \"%a.dbt\": No such file or directory"));
+                                                    "Cannot open file \"%a.dbt\": "
+                                                    "No such file or directory"));
 }
 
 TEST(KvDbaseFile, AMemoOutsideItsFileIsAnErrorOfTheRecord)
 {
     TDbaseMemoBuilder Memos(TDbaseMemoBuilder::Dbase3);
     Memos.Add("memo");
-    const TTableFile File(TDbaseBuilder(0x83).Field("NOTE", 'M', 10).Record({"7"}).Record({"x1"}).Record({"1"}),
+    const TTableFile File(TDbaseBuilder(0x83).Field("NOTE", 'M', 10).Record({"7"}).Record({"x1"})
+                                             .Record({"1"}),
                           "a.dbt", Memos.Build());
     EXPECT_THAT(ReadAll(File),
                 ElementsAre("File \"%a.dbf\", record 1, field 'NOTE': memo block 7: it lies outside",
-                            "File \"%a.dbf\", record 2, field 'NOTE': 'x1' is no number of a memo block", "memo"));
+                            "File \"%a.dbf\", record 2, field 'NOTE': 'x1' is no number of a memo block",
+                            "memo"));
 }
 
 TEST(KvDbaseFile, MemosOfAnUnknownKindAreAnError)

@@ -127,7 +127,8 @@ TEST(KvDbaseHeader, BitsGoToTheFieldsInTheirOrder)
     EXPECT_EQ(Fields.BitsSize, 1u);
     std::vector<std::string> Shown;
     for (const auto& Field : Fields.Visible)
-        Shown.push_back(Field.Name + " " + std::to_string(Field.SizeBit) + " " + std::to_string(Field.NullBit));
+        Shown.push_back(Field.Name + " " + std::to_string(Field.SizeBit) + " " +
+                        std::to_string(Field.NullBit));
     EXPECT_EQ(Shown, (std::vector<std::string>{"PLAIN -1 -1", "BYTES 0 1", "MAYBE -1 3", "TEXT 4 -1"}));
 }
 
@@ -155,7 +156,8 @@ TEST(KvDbaseHeader, LongTextsHaveTheHighByteOfTheirSizeAmongTheDecimals)
     EXPECT_EQ(Header.Fields.Visible[0].Size, 1000u);
     EXPECT_EQ(Header.Fields.Visible[1].Offset, 1001u);
     const auto Short = TDbaseBuilder().Field("SHORT", 'C', 10, 5).Build();
-    EXPECT_EQ(ReadDbaseHeader(Short, "a.dbf").Fields.Visible[0].Size, 10u) << "decimals of a text mean nothing";
+    EXPECT_EQ(ReadDbaseHeader(Short, "a.dbf").Fields.Visible[0].Size, 10u)
+        << "decimals of a text mean nothing";
 }
 
 TEST(KvDbaseHeader, TheListOfFieldsMayLackItsEnd)
@@ -171,7 +173,8 @@ TEST(KvDbaseHeader, ADriverNamesTheCodePage)
     EXPECT_EQ(ReadDbaseHeader(Simple().Build(), "a.dbf").CodePage, "");
     EXPECT_EQ(ReadDbaseHeader(Simple().Language(0x65).Build(), "a.dbf").CodePage, "866");
     EXPECT_EQ(ReadDbaseHeader(Simple(0x8C).Language("DB437US0").Build(), "a.dbf").CodePage, "437");
-    EXPECT_EQ(ReadDbaseHeader(Simple(0x8C).Language(0x02).Language("DBWINUS0").Build(), "a.dbf").CodePage, "850");
+    EXPECT_EQ(ReadDbaseHeader(Simple(0x8C).Language(0x02).Language("DBWINUS0").Build(), "a.dbf").CodePage,
+              "850");
 }
 
 TEST(KvDbaseHeader, KnowsItsFilesByTheirFirstBytes)

@@ -27,8 +27,9 @@ TEST(KvDbaseLanguage, ThePagesCanBeConverted)
 {
     for (int Byte = 0; Byte < 256; ++Byte) {
         const auto Page = CodePageOfDriver(static_cast<std::uint8_t>(Byte));
+        // Kamenicky, Mazovia and Greek Macintosh are not known everywhere.
         if (Page.empty() || Page == "895" || Page == "620" || Page == "10006")
-            continue;                               // Kamenicky, Mazovia and Greek Macintosh are not known everywhere
+            continue;
         EXPECT_EQ(CodePageToUtf8("A1", Page), "A1") << Byte;
     }
 }

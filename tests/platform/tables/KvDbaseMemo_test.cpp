@@ -78,7 +78,8 @@ TEST(KvDbaseMemo, ABlockOutsideTheFileIsAnError)
     TDbaseMemoBuilder Memos(TDbaseMemoBuilder::FoxPro, 64);
     Memos.Add("memo");                              // the file ends within block 8
     for (const std::uint64_t Block : {std::uint64_t{9}, std::uint64_t{0x8000000000000000}, std::uint64_t{7}})
-        EXPECT_EQ(Read(Memos.Build(), dmFoxPro, Block), "memo block " + std::to_string(Block) + ": it lies outside");
+        EXPECT_EQ(Read(Memos.Build(), dmFoxPro, Block),
+                  "memo block " + std::to_string(Block) + ": it lies outside");
 }
 
 TEST(KvDbaseMemo, AMemoThatIsLongerThanTheFileIsAnError)

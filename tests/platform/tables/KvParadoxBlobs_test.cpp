@@ -37,7 +37,8 @@ std::string ErrorOf(std::string_view File, std::uint32_t Place, std::size_t Size
 
 TBytes FormattedMemo(std::string_view Text)
 {
-    return TBytes().U16(2).U16(0).U32(static_cast<std::uint32_t>(Text.size())).U16(7).U32(3).Text(Text).Text("fmt");
+    return TBytes().U16(2).U16(0).U32(static_cast<std::uint32_t>(Text.size())).U16(7).U32(3).Text(Text)
+                   .Text("fmt");
 }
 
 std::string MemoErrorOf(std::string_view Memo)
@@ -132,7 +133,8 @@ TEST(KvParadoxBlobs, ABlockThatIsCutIsAnError)
     TParadoxBlobBuilder Builder;
     const std::string Value(5000, 'x');
     const auto Large = Builder.Add(Value);
-    EXPECT_EQ(ErrorOf(Builder.Build().substr(0, 4096 + 5008), Large, 5000), "Unexpected end of data at offset 9104");
+    EXPECT_EQ(ErrorOf(Builder.Build().substr(0, 4096 + 5008), Large, 5000),
+              "Unexpected end of data at offset 9104");
     EXPECT_EQ(ErrorOf(Builder.Build().substr(0, 4097), Large, 5000), "Unexpected end of data at offset 4097");
     EXPECT_EQ(ErrorOf(Patched(Builder.Build(), 4097, TBytes().U16(1)), Large, 5000),
               "5000 bytes do not fit into 1 blocks");
@@ -145,7 +147,8 @@ TEST(KvParadoxBlobs, AnEntryThatLeavesItsBlockIsAnError)
     Builder.Add("what follows");
     constexpr std::size_t EntryAt = 4096 + 12 + 63 * 5;
     const auto With = [&](TBytes Entry) { return Patched(Builder.Build(), EntryAt, Entry); };
-    EXPECT_EQ(ErrorOf(With(TBytes().U8(255).U8(2).U16(1).U8(10)), Place, 26), "Unexpected end of data at offset 8192");
+    EXPECT_EQ(ErrorOf(With(TBytes().U8(255).U8(2).U16(1).U8(10)), Place, 26),
+              "Unexpected end of data at offset 8192");
     EXPECT_EQ(ErrorOf(With(TBytes().U8(20).U8(1).U16(1).U8(10)), Place, 10),
               "entry 63 of the block at offset 4096 is empty or damaged");
     EXPECT_EQ(ErrorOf(With(TBytes().U8(21).U8(1).U16(1).U8(17)), Place, 17),
@@ -164,11 +167,11 @@ TEST(KvParadoxBlobs, WhatIsNoFormattedMemoIsAnError)
     const std::string Good = FormattedMemo(std::string("123\0", 4));
     for (const auto& Memo :
          {std::string(), Good.substr(0, 1), Good.substr(0, 20), Good.substr(0, Good.size() - 1), // cut
-          Patched(Good, 2, "\x01"),                                                            // no text
+          Patched(Good, 2, "\x01"),                                                      // no text
           Patched(Good, 0, TBytes().U16(0)), Patched(Good, 0, TBytes().U16(0xFFFF)),
           Patched(Good, 4, TBytes().U32(0)), Patched(Good, 4, TBytes().U32(0xFFFFFFFF)),
-          Patched(Good, 4, TBytes().U32(3)),                                                   // no zero at its end
-          Patched(Good, 15, TBytes().U8(0))})                                                  // one before it
+          Patched(Good, 4, TBytes().U32(3)),                                             // no zero at its end
+          Patched(Good, 15, TBytes().U8(0))})                                            // one before it
         EXPECT_EQ(MemoErrorOf(Memo), "it is no formatted memo");
 }
 

@@ -132,7 +132,8 @@ TEST(KvParadoxBlocks, ABlockThatTellsOfMoreThanItHoldsIsAFault)
 
 TEST(KvParadoxBlocks, ABlockThatHoldsPartOfARecordIsAFault)
 {
-    const auto Good = TParadoxBuilder().Field("S", 'S').Record({ParadoxShort(1)}).Record({ParadoxShort(2)}).Build();
+    const auto Good = TParadoxBuilder().Field("S", 'S').Record({ParadoxShort(1)}).Record({ParadoxShort(2)})
+                                       .Build();
     const auto File = Patched(Good, TParadoxBuilder::OffsetOfBlock(1) + 4, TBytes().U16(3));
     EXPECT_EQ(Follow(File).RecordCount, 2u);
     EXPECT_EQ(Follow(File).Fault,

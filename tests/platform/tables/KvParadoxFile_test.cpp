@@ -25,12 +25,14 @@ using testing::ElementsAre;
 class TTableFile
 {
 public:
-    explicit TTableFile(std::string_view Table, std::string_view Blobs = {}) : Name(Folder.Write("a.db", Table))
+    explicit TTableFile(std::string_view Table, std::string_view Blobs = {})
+        : Name(Folder.Write("a.db", Table))
     {
         if (!Blobs.empty())
             Folder.Write("a.mb", Blobs);
     }
-    explicit TTableFile(const TParadoxBuilder& Table, std::string_view Blobs = {}) : TTableFile(Table.Build(), Blobs) {}
+    explicit TTableFile(const TParadoxBuilder& Table, std::string_view Blobs = {})
+        : TTableFile(Table.Build(), Blobs) {}
 
     const TTempFolder Folder;
     const std::string Name;
@@ -88,7 +90,8 @@ std::string Patched(std::string File, std::size_t Offset, std::string_view Bytes
 TEST(KvParadoxFile, FieldsHaveTheKindsOfTheTable)
 {
     const TTableFile File(TParadoxBuilder()
-                              .Field("A", 'A', 20).Field("D", 'D').Field("S", 'S').Field("I", 'I').Field("$", '$')
+                              .Field("A", 'A', 20).Field("D", 'D').Field("S", 'S').Field("I", 'I')
+                              .Field("$", '$')
                               .Field("N", 'N').Field("L", 'L').Field("M", 'M', 30).Field("B", 'B', 30)
                               .Field("F", 'F', 30).Field("O", 'O', 30).Field("G", 'G', 30).Field("T", 'T')
                               .Field("@", '@').Field("+", '+').Field("#", '#', 4).Field("Y", 'Y', 5));
@@ -102,8 +105,10 @@ TEST(KvParadoxFile, FieldsHaveTheKindsOfTheTable)
         Sizes.push_back(Def.Size);
     }
     EXPECT_EQ(Names, "ADSI$NLMBFOGT@+#Y");
-    EXPECT_THAT(Types, ElementsAre(ftString, ftDate, ftSmallint, ftInteger, ftCurrency, ftFloat, ftBoolean, ftMemo,
-                                   ftBlob, ftFmtMemo, ftOle, ftGraphic, ftTime, ftDateTime, ftAutoInc, ftBCD, ftBytes));
+    EXPECT_THAT(Types,
+                ElementsAre(ftString, ftDate, ftSmallint, ftInteger, ftCurrency, ftFloat, ftBoolean, ftMemo,
+                            ftBlob, ftFmtMemo, ftOle, ftGraphic, ftTime, ftDateTime, ftAutoInc, ftBCD,
+                            ftBytes));
     EXPECT_THAT(Sizes, ElementsAre(20, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 5));
 }
 
@@ -142,7 +147,8 @@ TEST(KvParadoxFile, RecordsComeInTheOrderOfTheChain)
 
 TEST(KvParadoxFile, ReadsAgainFromItsFirstRecord)
 {
-    const TTableFile File(TParadoxBuilder().Field("ID", 'I').Record({ParadoxLong(1)}).Record({ParadoxLong(2)}));
+    const TTableFile File(TParadoxBuilder().Field("ID", 'I').Record({ParadoxLong(1)})
+                                           .Record({ParadoxLong(2)}));
     TKvParadoxFile Table(File.Name);
     for (int Pass = 0; Pass < 2; ++Pass) {
         Table.First();
@@ -158,7 +164,8 @@ TEST(KvParadoxFile, ValuesOfARecordAreTyped)
 {
     const TTableFile File(TParadoxBuilder().Field("NAME", 'A', 20).Field("BORN", 'D').Field("NET", '#', 2)
                               .Field("PAID", 'L').Field("RATE", 'N')
-                              .Record({"Ada", ParadoxLong(664989), ParadoxBcd("-12.50", 2), "\x81", ParadoxNumber(0.1)})
+                              .Record({"Ada", ParadoxLong(664989), ParadoxBcd("-12.50", 2), "\x81",
+                                       ParadoxNumber(0.1)})
                               .Record({}));
     TKvParadoxFile Table(File.Name);
     Table.First();
@@ -211,7 +218,8 @@ TEST(KvParadoxFile, ATextThatIsNoneOfItsCodePageIsAnErrorOfItsRecord)
 {
     const TTableFile File(TParadoxBuilder().Field("CITY", 'A', 20).CodePage(932).Record({"\x93"}));
     EXPECT_EQ(ErrorOfSingleValue(File), "File \"" + File.Name +
-                                            "\", record 1, field 'CITY': Text is not valid in code page '932'");
+                                            "\", record 1, field 'CITY': "
+                                            "Text is not valid in code page '932'");
 }
 
 TEST(KvParadoxFile, ANameThatIsNoneOfItsCodePageIsAnErrorOfTheTable)
@@ -230,8 +238,9 @@ TEST(KvParadoxFile, ANameThatIsNoneOfItsCodePageIsAnErrorOfTheTable)
 TEST(KvParadoxFile, ATableThatNamesNoCodePageGivesItsTextsAsTheyAre)
 {
     for (const unsigned Version : {3, 12})
-        EXPECT_EQ(SingleValue(TTableFile(TParadoxBuilder(Version).Field("CITY", 'A', 20).Record({"Z\xFCrich"}))),
-                  TVariant("Z\xFCrich"));
+        EXPECT_EQ(
+            SingleValue(TTableFile(TParadoxBuilder(Version).Field("CITY", 'A', 20).Record({"Z\xFCrich"}))),
+            TVariant("Z\xFCrich"));
 }
 
 TEST(KvParadoxFile, TextOfACodePageThatNobodyKnowsIsAnErrorOfItsRecord)
@@ -239,7 +248,8 @@ TEST(KvParadoxFile, TextOfACodePageThatNobodyKnowsIsAnErrorOfItsRecord)
     const auto Table = TParadoxBuilder().Field("CITY", 'A', 20).CodePage(895);
     EXPECT_EQ(SingleValue(TTableFile(TParadoxBuilder(Table).Record({"Zurich"}))), TVariant("Zurich"));
     const TTableFile File(TParadoxBuilder(Table).Record({"Z\xFCrich"}));
-    EXPECT_EQ(ErrorOfSingleValue(File), "File \"" + File.Name + "\", record 1, field 'CITY': Unknown code page '895'");
+    EXPECT_EQ(ErrorOfSingleValue(File),
+              "File \"" + File.Name + "\", record 1, field 'CITY': Unknown code page '895'");
 }
 
 TEST(KvParadoxFile, TextsStayAsTheyAreWhenAskedFor)
@@ -253,7 +263,8 @@ TEST(KvParadoxFile, TextsStayAsTheyAreWhenAskedFor)
 TEST(KvParadoxFile, BinaryValuesAreNotConverted)
 {
     for (const char Kind : {'B', 'O', 'G'})
-        EXPECT_EQ(SingleValue(TTableFile(LongValue(Kind, ParadoxBlobField("\x81\x94\x81\x94\x81", 0, 5)).CodePage(850))),
+        EXPECT_EQ(SingleValue(TTableFile(LongValue(Kind, ParadoxBlobField("\x81\x94\x81\x94\x81", 0, 5))
+                                             .CodePage(850))),
                   TVariant("\x81\x94\x81\x94\x81"))
             << Kind;
 }
@@ -291,8 +302,9 @@ TEST(KvParadoxFile, AFormattedMemoComesAsItsText)
 {
     const auto Text = std::string("K\x94ln\0", 5);
     const std::string Memo = TBytes().U16(1).U16(0).U32(5).Text(Text);
-    EXPECT_EQ(SingleValue(TTableFile(LongValue('F', ParadoxBlobField(Memo, 0, Memo.size()), 23).CodePage(437))),
-              TVariant("Köln"));
+    EXPECT_EQ(
+        SingleValue(TTableFile(LongValue('F', ParadoxBlobField(Memo, 0, Memo.size()), 23).CodePage(437))),
+        TVariant("Köln"));
     const TTableFile Damaged(LongValue('F', ParadoxBlobField("plain", 0, 5)));
     EXPECT_EQ(ErrorOfSingleValue(Damaged),
               "File \"" + Damaged.Name + "\", record 1, field 'NOTE': it is no formatted memo");
@@ -307,7 +319,8 @@ TEST(KvParadoxFile, AMissingFileOfBlobsIsAnErrorOfTheRecordsThatNeedIt)
                               .Record({ParadoxBlobField("beyon", 0x103F, 17)}));
     TKvParadoxFile Table(File.Name);
     const auto Message = [&](int Record) {
-        return "File \"" + File.Name + "\", record " + std::to_string(Record) + ", field 'NOTE': Cannot open file \"" +
+        return "File \"" + File.Name + "\", record " + std::to_string(Record) +
+               ", field 'NOTE': Cannot open file \"" +
                (File.Folder / "a.mb") + "\": No such file or directory";
     };
     std::vector<std::string> Found;
@@ -324,9 +337,11 @@ TEST(KvParadoxFile, AMissingFileOfBlobsIsAnErrorOfTheRecordsThatNeedIt)
 
 TEST(KvParadoxFile, ABlobThatIsNotWhereItsRecordTellsIsAnError)
 {
-    const TTableFile File(LongValue('M', ParadoxBlobField("beyon", 0x103F, 17)), TParadoxBlobBuilder().Build());
+    const TTableFile File(LongValue('M', ParadoxBlobField("beyon", 0x103F, 17)),
+                          TParadoxBlobBuilder().Build());
     EXPECT_EQ(ErrorOfSingleValue(File),
-              "File \"" + File.Name + "\", record 1, field 'NOTE': the file of blobs ends before offset 4096");
+              "File \"" + File.Name +
+              "\", record 1, field 'NOTE': the file of blobs ends before offset 4096");
 }
 
 TEST(KvParadoxFile, ADamagedTableGivesTheRecordsBeforeTheDamage)
@@ -343,7 +358,8 @@ TEST(KvParadoxFile, ADamagedTableGivesTheRecordsBeforeTheDamage)
                                 "\" is damaged after record 4: its chain of blocks returns to block 1"));
     const TTableFile Cut(Good.substr(0, TParadoxBuilder::OffsetOfBlock(3)));
     EXPECT_THAT(ReadFirstField(Cut),
-                ElementsAre("1", "2", "3", "4", "File \"" + Cut.Name + "\" is damaged after record 4: block 3 is not there"));
+                ElementsAre("1", "2", "3", "4",
+                            "File \"" + Cut.Name + "\" is damaged after record 4: block 3 is not there"));
 }
 
 TEST(KvParadoxFile, ADamagedTableIsAtItsEndAfterTheError)
@@ -360,7 +376,8 @@ TEST(KvParadoxFile, ADamagedTableIsAtItsEndAfterTheError)
 TEST(KvParadoxFile, ReadingShortValuesAllocatesNothing)
 {
     TParadoxBuilder Builder;
-    Builder.Field("NAME", 'A', 60).Field("CITY", 'A', 20).Field("BORN", 'D').Field("RATE", 'N').Field("PAID", 'L');
+    Builder.Field("NAME", 'A', 60).Field("CITY", 'A', 20).Field("BORN", 'D').Field("RATE", 'N')
+           .Field("PAID", 'L');
     Builder.Field("QTY", 'S').Field("SEEN", '@').CodePage(850).RecordsPerBlock(10);
     for (int I = 0; I < 100; ++I)
         Builder.Record({std::string(60, 'x'), "Z\x81rich", ParadoxLong(664989), ParadoxNumber(0.1), "\x81",
@@ -400,7 +417,8 @@ TEST(KvParadoxFile, AFileThatBecomesShorterGivesTheRecordsBeforeItsEnd)
         ADD_FAILURE() << "no error";
     }
     catch (const EFormatError& Error) {
-        EXPECT_EQ(Error.Message, "File \"" + File.Name + "\" is damaged after record 79: it has become shorter");
+        EXPECT_EQ(Error.Message,
+                  "File \"" + File.Name + "\" is damaged after record 79: it has become shorter");
     }
     EXPECT_EQ(Records, 79);
 }

@@ -15,7 +15,8 @@ namespace {
 
 TParadoxBuilder Table(unsigned Version = 12)
 {
-    return TParadoxBuilder(Version).Field("ID", '+').Field("NAME", 'A', 20).Field("NET", '#', 2).Field("NOTE", 'M', 30);
+    return TParadoxBuilder(Version).Field("ID", '+').Field("NAME", 'A', 20).Field("NET", '#', 2)
+                                   .Field("NOTE", 'M', 30);
 }
 
 std::string Patched(std::string File, std::size_t Offset, std::string_view Bytes)
@@ -65,7 +66,8 @@ TEST(KvParadoxHeader, FieldsOfEveryVersionFillTheRecord)
 
 TEST(KvParadoxHeader, TellsOfTheBlocks)
 {
-    const auto Header = ReadParadoxHeader(Table().Record({}).Record({}).RecordsPerBlock(1).Reversed().Build(), "a.db");
+    const auto Header = ReadParadoxHeader(Table().Record({}).Record({}).RecordsPerBlock(1).Reversed().Build(),
+                                          "a.db");
     EXPECT_EQ(Header.HeaderSize, 2048u);
     EXPECT_EQ(Header.BlockSize, 2048u);
     EXPECT_EQ(Header.RecordCount, 2u);
@@ -95,7 +97,8 @@ TEST(KvParadoxHeader, EveryIndexIsRefusedByName)
 TEST(KvParadoxHeader, AnEncryptedTableIsRefusedByName)
 {
     for (const unsigned Version : {3, 4, 5, 12})
-        EXPECT_EQ(ErrorOf(Table(Version).Encrypted(0x0A25E09A).Build()), "File \"a.db\" is encrypted") << Version;
+        EXPECT_EQ(ErrorOf(Table(Version).Encrypted(0x0A25E09A).Build()), "File \"a.db\" is encrypted")
+            << Version;
     EXPECT_EQ(ErrorOf(Patched(Table(12).Build(), 0x25, "\x01\x02\x03\x04")), "File \"a.db\" is encrypted");
 }
 
@@ -137,17 +140,22 @@ INSTANTIATE_TEST_SUITE_P(, KvParadoxHeaderRefuses, testing::Values(
     TRefused{"HasNoFields", Patched(Good, 0x21, {"\0\0", 2}), "it cannot have 0 fields"},
     TRefused{"HasTooManyFields", Patched(Good, 0x21, {"\0\1", 2}), "it cannot have 256 fields"},
     TRefused{"HasAnUnknownType", Patched(Good, FirstField, "\x07"), "field 1 has the unknown type 7"},
-    TRefused{"HasAnIntegerOfThreeBytes", Patched(Good, FirstField + 1, "\x03"), "field 1 cannot have a length of 3"},
-    TRefused{"HasATextWithoutLength", Patched(Good, FirstField + 3, {"\0", 1}), "field 2 cannot have a length of 0"},
+    TRefused{"HasAnIntegerOfThreeBytes", Patched(Good, FirstField + 1, "\x03"),
+             "field 1 cannot have a length of 3"},
+    TRefused{"HasATextWithoutLength", Patched(Good, FirstField + 3, {"\0", 1}),
+             "field 2 cannot have a length of 0"},
     TRefused{"HasAMemoShorterThanItsReference", Patched(Good, FirstField + 7, "\x09"),
              "field 4 cannot have a length of 9"},
-    TRefused{"HasRecordsThatAreNotItsFields", Patched(Good, 0, "\x48"), "its records have 72 bytes, their fields 71"},
-    TRefused{"HasAFieldWithoutName", Patched(Good, FirstName, {"\0", 1}), "there is no field name at offset 409"},
+    TRefused{"HasRecordsThatAreNotItsFields", Patched(Good, 0, "\x48"),
+             "its records have 72 bytes, their fields 71"},
+    TRefused{"HasAFieldWithoutName", Patched(Good, FirstName, {"\0", 1}),
+             "there is no field name at offset 409"},
     TRefused{"HasANameWithoutEnd", Patched(Good, FirstName, std::string(300, 'x')),
              "there is no field name at offset 409"},
     TRefused{"HasAHeaderThatEndsWithinItsNames", Patched(Good, 2, {"\xA0\1", 2}),
              "there is no field name at offset 412"},
-    TRefused{"HasAHeaderThatEndsWithinItsFields", Patched(Good, 2, {"\x7A\0", 2}), "Unexpected end of data at offset 122"}),
+    TRefused{"HasAHeaderThatEndsWithinItsFields", Patched(Good, 2, {"\x7A\0", 2}),
+             "Unexpected end of data at offset 122"}),
     NameOfRow);
 
 } // namespace kv

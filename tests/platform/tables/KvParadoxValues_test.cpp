@@ -51,7 +51,8 @@ TEST(KvParadoxValues, ZerosAreBlankInEveryType)
 {
     const std::string Zeros(17, '\0');
     for (const auto& [Type, Size] : std::initializer_list<std::pair<TKvParadoxType, std::size_t>>{
-             {ptAlpha, 10}, {ptDate, 4}, {ptShort, 2}, {ptLong, 4}, {ptCurrency, 8}, {ptNumber, 8}, {ptLogical, 1},
+             {ptAlpha, 10}, {ptDate, 4}, {ptShort, 2}, {ptLong, 4}, {ptCurrency, 8}, {ptNumber, 8},
+             {ptLogical, 1},
              {ptTime, 4}, {ptTimestamp, 8}, {ptAutoIncrement, 4}, {ptBcd, 17}, {ptBytes, 5}})
         EXPECT_TRUE(ParadoxValue(Type, std::string_view(Zeros).substr(0, Size)).IsNull()) << int{Type};
 }
@@ -71,7 +72,8 @@ TEST(KvParadoxValues, IntegersOfBothSizesKeepTheirSign)
 TEST(KvParadoxValues, NumbersAreTheDoublesOfTheFile)
 {
     ExpectSame(ParadoxValue(ptNumber, "\xC0\x9E\x38\x00\x00\x00\x00\x00"sv), 1934.0);
-    for (const double Value : {-1e300, -3709.91, -0.1, 0.0, 0.1, 3709.91, std::numeric_limits<double>::max()}) {
+    for (const double Value : {-1e300, -3709.91, -0.1, 0.0, 0.1, 3709.91,
+                               std::numeric_limits<double>::max()}) {
         ExpectSame(ParadoxValue(ptNumber, ParadoxNumber(Value)), Value);
         ExpectSame(ParadoxValue(ptCurrency, ParadoxNumber(Value)), Value);
     }
@@ -122,13 +124,17 @@ TEST(KvParadoxValues, TimesCountMilliseconds)
 
 TEST(KvParadoxValues, TimestampsCountMillisecondsOfAllDays)
 {
-    const auto Text = [](std::string_view Bytes) { return DateTimeToIso(ParadoxValue(ptTimestamp, Bytes).DateTime()); };
+    const auto Text = [](std::string_view Bytes) {
+        return DateTimeToIso(ParadoxValue(ptTimestamp, Bytes).DateTime());
+    };
     EXPECT_EQ(Text("\xC2\xCC\xF9\x8A\xCB\x19\x34\x00"sv), "2020-02-01 01:00:01");
     EXPECT_EQ(Text(ParadoxNumber(86400000.0)), "0001-01-01 00:00:00");
     EXPECT_EQ(Text(ParadoxNumber(693593 * 86400000.0 + 21600001)), "1899-12-29 06:00:00.001"); // before day 0
     EXPECT_EQ(Text(ParadoxNumber(3652059 * 86400000.0 + 86399999)), "9999-12-31 23:59:59.999");
-    EXPECT_EQ(ErrorOf(ptTimestamp, ParadoxNumber(86399999)), "86399999 milliseconds lie outside the years 1 to 9999");
-    EXPECT_EQ(ErrorOf(ptTimestamp, ParadoxNumber(1e300)), "1E300 milliseconds lie outside the years 1 to 9999");
+    EXPECT_EQ(ErrorOf(ptTimestamp, ParadoxNumber(86399999)),
+              "86399999 milliseconds lie outside the years 1 to 9999");
+    EXPECT_EQ(ErrorOf(ptTimestamp, ParadoxNumber(1e300)),
+              "1E300 milliseconds lie outside the years 1 to 9999");
 }
 
 TEST(KvParadoxValues, DecimalNumbersTakeTheirSimplestExactForm)

@@ -37,7 +37,8 @@ class TCopy : public TKvImportFromDataSet
 public:
     TCopy()
     {
-        Fill(From, {{.Name = "NAME"}, {.Name = "QTY", .DataType = ftInteger}}, {{"Ada", 3}, {"Bob", Null}, {"Cy", 5}});
+        Fill(From, {{.Name = "NAME"}, {.Name = "QTY", .DataType = ftInteger}},
+             {{"Ada", 3}, {"Bob", Null}, {"Cy", 5}});
         Fill(To, {{.Name = "Name"}, {.Name = "Qty", .DataType = ftInteger}, {.Name = "Other"}}, {});
         SetDataSet(&To);
         SetSourceDataset(&From);
@@ -51,7 +52,8 @@ public:
         EXPECT_EQ(Statistic.Result, irExecuted) << ErrorMessage();
         std::vector<std::string> Rows;
         for (To.First(); !To.Eof(); To.Next())
-            Rows.push_back(To.Fields(0).AsString() + "|" + To.Fields(1).AsString() + "|" + To.Fields(2).AsString());
+            Rows.push_back(To.Fields(0).AsString() + "|" + To.Fields(1).AsString() + "|" +
+                           To.Fields(2).AsString());
         return Rows;
     }
 

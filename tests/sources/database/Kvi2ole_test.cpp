@@ -74,10 +74,11 @@ public:
     }
 
     const std::vector<TAccessTable>& TableDefs() override { return Defs; }
-    std::unique_ptr<TAccessRecordset> OpenRecordset(const std::string& Name, int Type, int Options, int Locking) override
+    std::unique_ptr<TAccessRecordset> OpenRecordset(const std::string& Name, int Type, int Options,
+                                                    int Locking) override
     {
-        Fake.Log.push_back("OpenRecordset " + Name + " " + std::to_string(Type) + " " + std::to_string(Options) + " " +
-                           std::to_string(Locking));
+        Fake.Log.push_back("OpenRecordset " + Name + " " + std::to_string(Type) + " " +
+                           std::to_string(Options) + " " + std::to_string(Locking));
         if (!Fake.Tables.contains(Name))
             throw EDatabaseError("shop.mdb: has no table " + Name);
         return std::make_unique<TFakeRecordset>(Fake, Fake.Tables[Name]);
@@ -130,8 +131,8 @@ public:
     using TKvImportFromAccess::TableType;
 };
 
-/// A database "shop.mdb" with the table Orders of ten records (ID 1 to 10) behind both classes of engines, and
-/// an import of it into Id and City.
+/// A database "shop.mdb" with the table Orders of ten records (ID 1 to 10) behind both classes of engines,
+/// and an import of it into Id and City.
 class Kvi2ole : public testing::Test
 {
 protected:
@@ -222,7 +223,8 @@ TEST_F(Kvi2ole, ImportsEveryRecordOfTheTable)
 TEST_F(Kvi2ole, OpensATableRecordsetAndClosesItAndTheDatabase)
 {
     Run();
-    EXPECT_THAT(Fake.Log, ElementsAre("DAO.DBEngine.36", "OpenDatabase shop.mdb", "OpenRecordset Orders 1 0 2", "MoveFirst",
+    EXPECT_THAT(Fake.Log, ElementsAre("DAO.DBEngine.36", "OpenDatabase shop.mdb",
+                                      "OpenRecordset Orders 1 0 2", "MoveFirst",
                                       "Recordset.Close", "Database.Close"));
 }
 
@@ -235,8 +237,12 @@ TEST_F(Kvi2ole, TheOlderEngineIsUsedWhereThereIsNoNewerOne)
 
 TEST_F(Kvi2ole, WithoutAnyEngineTheErrorOfTheOlderOneEndsTheRun)
 {
-    RegisterAccessEngine("DAO.DBEngine.36", []() -> std::unique_ptr<TAccessEngine> { throw EDatabaseError("no 36"); });
-    RegisterAccessEngine("DAO.DBEngine.35", []() -> std::unique_ptr<TAccessEngine> { throw EDatabaseError("no 35"); });
+    RegisterAccessEngine("DAO.DBEngine.36", []() -> std::unique_ptr<TAccessEngine> {
+        throw EDatabaseError("no 36");
+    });
+    RegisterAccessEngine("DAO.DBEngine.35", []() -> std::unique_ptr<TAccessEngine> {
+        throw EDatabaseError("no 35");
+    });
     Import.Execute();
     EXPECT_EQ(Import.Statistic.Result, irFailed);
     EXPECT_EQ(Import.ErrorMessage(), "no 35");
@@ -409,7 +415,8 @@ TEST_F(Kvi2ole, WithoutMappingsARunFailsBeforeItsFirstRecord)
     Import.Execute();
     EXPECT_EQ(Import.Statistic.Result, irFailed);
     EXPECT_EQ(Import.ErrorMessage(),
-              "shop.mdb: table Orders is not open yet, so that its fields are not known; mappings are needed");
+              "shop.mdb: table Orders is not open yet, so that its fields are not known; "
+              "mappings are needed");
     EXPECT_THAT(Imported(), IsEmpty());
     EXPECT_THAT(Fake.Log, IsEmpty());
 }
@@ -436,7 +443,8 @@ TEST_F(Kvi2ole, AnOpenTableWithoutFieldsOfTheSameNameIsAnError)
     To.Open();
     Import.Execute();
     EXPECT_EQ(Import.Statistic.Result, irFailed);
-    EXPECT_EQ(Import.ErrorMessage(), "shop.mdb: no field of table Orders has the name of a field of the destination");
+    EXPECT_EQ(Import.ErrorMessage(),
+              "shop.mdb: no field of table Orders has the name of a field of the destination");
     EXPECT_EQ(Import.Statistic.TotalImported, 2) << "counted by the run before: this one has no record";
 }
 
@@ -455,7 +463,8 @@ TEST_F(Kvi2ole, WithTheExtensionATableWithoutFieldsOfTheSameNameIsAnError)
     Fake.Tables["Orders"].Fields = {{.Name = "A"}, {.Name = "B"}};
     Import.Execute();
     EXPECT_EQ(Import.Statistic.Result, irFailed);
-    EXPECT_EQ(Import.ErrorMessage(), "shop.mdb: no field of table Orders has the name of a field of the destination");
+    EXPECT_EQ(Import.ErrorMessage(),
+              "shop.mdb: no field of table Orders has the name of a field of the destination");
     EXPECT_THAT(Imported(), IsEmpty());
 }
 
@@ -477,16 +486,19 @@ TEST_F(Kvi2ole, ListsTheFieldsOfATable)
 TEST_F(Kvi2ole, AListOfWhatIsNotThereClosesTheDatabase)
 {
     TStrings Items;
-    EXPECT_EQ(MessageOf([&] { GetAccessTables(Items, "shop.mdb", "Customers"); }), "shop.mdb: has no table Customers");
+    EXPECT_EQ(MessageOf([&] { GetAccessTables(Items, "shop.mdb", "Customers"); }),
+              "shop.mdb: has no table Customers");
     EXPECT_EQ(Fake.Log.back(), "Database.Close");
-    EXPECT_EQ(MessageOf([&] { GetAccessTables(Items, "other.mdb", ""); }), "other.mdb: is not an Access database");
+    EXPECT_EQ(MessageOf([&] { GetAccessTables(Items, "other.mdb", ""); }),
+              "other.mdb: is not an Access database");
     EXPECT_TRUE(Items.IsEmpty());
 }
 
 TEST_F(Kvi2ole, AListNeedsADatabase)
 {
     TStrings Items;
-    EXPECT_EQ(MessageOf([&] { GetAccessTables(Items, "", "Orders"); }), "Property DatabaseName wasn't specified.");
+    EXPECT_EQ(MessageOf([&] { GetAccessTables(Items, "", "Orders"); }),
+              "Property DatabaseName wasn't specified.");
 }
 
 /// What a preview offers, a line a row.
@@ -499,7 +511,8 @@ struct TPreview
     void Load(const std::string& TableName)
     {
         LoadAccessPreview(nullptr, TableName, "shop.mdb", FieldNames, true, &Columns,
-                          [this](TPersistent* Sender, int ColCount, int Row, bool Flag, const TVariant& Values) {
+                          [this](TPersistent* Sender, int ColCount, int Row, bool Flag,
+                                 const TVariant& Values) {
                               EXPECT_EQ(Sender, nullptr);
                               EXPECT_TRUE(Flag);
                               EXPECT_EQ(Values.LowBound(), 0);
@@ -521,7 +534,8 @@ TEST_F(Kvi2ole, APreviewShowsFieldsAndRecords)
     ASSERT_EQ(Preview.Rows.size(), 10);
     EXPECT_EQ(Preview.Rows.front(), "1|1|City 1");
     EXPECT_EQ(Preview.Rows.back(), "10|10|City 10");
-    EXPECT_THAT(Fake.Log, ElementsAre("DAO.DBEngine.36", "OpenDatabase shop.mdb", "OpenRecordset Orders 1 0 2", "MoveFirst",
+    EXPECT_THAT(Fake.Log, ElementsAre("DAO.DBEngine.36", "OpenDatabase shop.mdb",
+                                      "OpenRecordset Orders 1 0 2", "MoveFirst",
                                       "Recordset.Close", "Database.Close"));
 }
 

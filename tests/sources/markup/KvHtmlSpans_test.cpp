@@ -61,7 +61,8 @@ TEST(KvHtmlSpans, ACellFillsTheColumnsThatItSpans)
 TEST(KvHtmlSpans, AWrongSpanIsOne)
 {
     for (const std::string_view Tag : {"<td colspan=>", "<td colspan=\"\">", "<td colspan=\"foo\">",
-                                       "<td colspan=0>", "<td colspan=-2>", "<td colspan>", "<td datacolspan=3>"})
+                                       "<td colspan=0>", "<td colspan=-2>", "<td colspan>",
+                                       "<td datacolspan=3>"})
         EXPECT_EQ(OneRow({Tag, "<td>"}), "ab") << Tag;
     EXPECT_EQ(OneRow({"<td colspan='3\"'>", "<td>"}), "aaab"); // as far as it is a number
 }
@@ -125,7 +126,8 @@ TEST(KvHtmlSpans, ACellFarToTheRightMayNotSpanRows)
         FAIL() << "accepted";
     }
     catch (const Exception& Error) {
-        EXPECT_EQ(Error.Message, "A cell in column 1025 covers several rows; column 1024 is the last that may");
+        EXPECT_EQ(Error.Message,
+                  "A cell in column 1025 covers several rows; column 1024 is the last that may");
     }
 }
 

@@ -37,8 +37,9 @@ TEST(KvMarkupEncoding, AMetaTagNamesTheCharset)
 {
     EXPECT_EQ(FindMetaCharset("<html><META CHARSET=koi8-r>"), "koi8-r");
     EXPECT_EQ(FindMetaCharset("<meta charset = 'koi8-r'/>"), "koi8-r");
-    EXPECT_EQ(FindMetaCharset("<meta name=x><meta http-equiv=Content-Type content=\"text/html; charset=gb18030\">"),
-              "gb18030");
+    EXPECT_EQ(
+        FindMetaCharset("<meta name=x><meta http-equiv=Content-Type content=\"text/html; charset=gb18030\">"),
+        "gb18030");
     EXPECT_EQ(FindMetaCharset("<meta name=\"generator\"><p charset=koi8-r>"), "");
 }
 

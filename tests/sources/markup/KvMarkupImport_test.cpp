@@ -196,7 +196,8 @@ TYPED_TEST(KvMarkupImport, APreviewPassesSenderAndFlagThrough)
     TStrings Sender, Columns;
     int Calls = 0;
     TypeParam::LoadPreview(&Sender, "a;", Import.SourceFileName, "", 1, 9, true, Columns,
-                           [&](TPersistent* Passed, int ColCount, int Row, bool Flag, const TVariant& Values) {
+                           [&](TPersistent* Passed, int ColCount, int Row, bool Flag,
+                               const TVariant& Values) {
                                EXPECT_EQ(Passed, &Sender);
                                EXPECT_EQ(ColCount, 2);
                                EXPECT_EQ(Row, 1);

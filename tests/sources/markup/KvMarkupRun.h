@@ -12,8 +12,8 @@
 
 namespace kv {
 
-/// Imports into the text fields A, B and C, by default from the source columns "a", "b" and "c". No value reads
-/// as "-".
+/// Imports into the text fields A, B and C, by default from the source columns "a", "b" and "c". No value
+/// reads as "-".
 template <class TImport> class TMarkupRun : public TFileRun<TImport>
 {
 public:
@@ -53,8 +53,8 @@ struct TPreviewed
 
 /// What `Load`, a preview routine, shows of a file by the older rules.
 template <class TLoad>
-TRows PreviewOf(TLoad Load, const std::string& FileName, const std::string& Names, const std::string& RowTag = "",
-                int RowFirst = 1, int RowLast = RowLastMax)
+TRows PreviewOf(TLoad Load, const std::string& FileName, const std::string& Names,
+                const std::string& RowTag = "", int RowFirst = 1, int RowLast = RowLastMax)
 {
     TPreviewed Seen;
     Load(nullptr, Names, FileName, RowTag, RowFirst, RowLast, false, Seen.Columns, Seen.Callback(), {});

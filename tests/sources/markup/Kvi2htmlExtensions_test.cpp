@@ -46,13 +46,17 @@ INSTANTIATE_TEST_SUITE_P(Syntax, Kvi2htmlReads, testing::Values(
               {"1|b|c"}},
     TReadings{"QuoteOutsideAValue", {xhTagSyntax}, "<tr><td t=it's>1</td><td t=\"\"4\"\">2</td></tr>",
               {"1|2|c"}, {"1|2|c"}},
-    TReadings{"QuoteThatNothingCloses", {xhTagSyntax}, "<tr><td t=\"x>1</td><td>2</td></tr>", {"1|2|c"}, {"1|2|c"}},
-    TReadings{"LessSignInText", {xhTagSyntax}, "<tr><td>1 < 2</td><td>a<3</td></tr>", {"1 a|b|c"}, {"1 < 2|a<3|c"}},
+    TReadings{"QuoteThatNothingCloses", {xhTagSyntax}, "<tr><td t=\"x>1</td><td>2</td></tr>", {"1|2|c"},
+              {"1|2|c"}},
+    TReadings{"LessSignInText", {xhTagSyntax}, "<tr><td>1 < 2</td><td>a<3</td></tr>", {"1 a|b|c"},
+              {"1 < 2|a<3|c"}},
     TReadings{"GreaterSignsInText", {xhTagSyntax}, "<tr><td>>1</td></tr>", {"1|b|c"}, {">1|b|c"}},
     TReadings{"CommentInACell", {xhTagSyntax}, "<tr><td>1<!-- <td>x --->2</td></tr>", {"1|b|c"}, {"12|b|c"}},
-    TReadings{"DeclarationInACell", {xhTagSyntax}, "<tr><td>1<![if x]>2<?y?>3</td></tr>", {"123|b|c"}, {"123|b|c"}},
+    TReadings{"DeclarationInACell", {xhTagSyntax}, "<tr><td>1<![if x]>2<?y?>3</td></tr>", {"123|b|c"},
+              {"123|b|c"}},
     TReadings{"NoEndTags", {xhTagSyntax}, "<tr><td>1<td>2<tr><td>3", {"123|b|c"}, {"1|2|c", "3|b|c"}},
-    TReadings{"NoRowTags", {xhTagSyntax}, "<tbody><td>1</td><td>2</td></tbody><td>3</td>", {}, {"1|2|c", "3|b|c"}},
+    TReadings{"NoRowTags", {xhTagSyntax}, "<tbody><td>1</td><td>2</td></tbody><td>3</td>", {},
+              {"1|2|c", "3|b|c"}},
     TReadings{"SectionsEndRows", {xhTagSyntax}, "<thead><tr><td>1<tbody><tr><td>2<tfoot><tr><td>3",
               {"123|b|c"}, {"1|b|c", "2|b|c", "3|b|c"}},
     TReadings{"TableInACell", {xhTagSyntax},
@@ -76,7 +80,8 @@ INSTANTIATE_TEST_SUITE_P(References, Kvi2htmlReads, testing::Values(
     TReadings{"OthersStay", {xhReferences}, "<tr><td>R&D &foo; &#0;</td></tr>", {"R&D &foo; &#0;|b|c"},
               {"R&D &foo; &#0;|b|c"}},
     TReadings{"BesideTags", {xhReferences}, "<tr><td>a<b>&lt;</b>c</td></tr>", {"a&lt;c|b|c"}, {"a<c|b|c"}},
-    TReadings{"WithoutFoldingKeepSpace", {xhReferences}, "<tr><td>a  &amp;\n b</td></tr>", {"a  &amp;\n b|b|c"},
+    TReadings{"WithoutFoldingKeepSpace", {xhReferences}, "<tr><td>a  &amp;\n b</td></tr>",
+              {"a  &amp;\n b|b|c"},
               {"a  &\n b|b|c"}}),
     NameOfRow);
 
@@ -92,7 +97,8 @@ INSTANTIATE_TEST_SUITE_P(Space, Kvi2htmlReads, testing::Values(
     TReadings{"TagsWithinALine", {xhFoldedSpace}, "<tr><td>a<b>b</b> <i> c</i></td></tr>", {"abc|b|c"},
               {"ab c|b|c"}},
     TReadings{"CellsOfATableInside", {xhFoldedSpace, xhTagSyntax},
-              "<tr><td>1<table><tr><td>2</td><td>3</td></tr></table>4</td></tr>", {"12|3|c"}, {"1\n2\n3\n4|b|c"}},
+              "<tr><td>1<table><tr><td>2</td><td>3</td></tr></table>4</td></tr>", {"12|3|c"},
+              {"1\n2\n3\n4|b|c"}},
     TReadings{"NoBreakSpace", {xhFoldedSpace, xhReferences},
               "<tr><td>1&nbsp;2&nbsp;&nbsp;3</td><td>&nbsp;4&#160;</td></tr>",
               {"1&nbsp;2&nbsp;&nbsp;3|&nbsp;4&#160;|c"}, {"1 2  3|4|c"}},
@@ -106,16 +112,20 @@ INSTANTIATE_TEST_SUITE_P(Spans, Kvi2htmlReads, testing::Values(
     TReadings{"FillRows", {xhSpans},
               "<tr><td rowspan=2>1</td><td>2</td></tr><tr><td>3</td></tr><tr><td>4</td></tr>",
               {"1|2|c", "3|b|c", "4|b|c"}, {"1|2|c", "1|3|c", "4|b|c"}},
-    TReadings{"EndWithTheirTable", {xhSpans}, "<tr><td rowspan=9>1</td></tr></table><table><tr><td>2</td></tr>",
+    TReadings{"EndWithTheirTable", {xhSpans},
+              "<tr><td rowspan=9>1</td></tr></table><table><tr><td>2</td></tr>",
               {"1|b|c", "2|b|c"}, {"1|b|c", "2|b|c"}}), NameOfRow);
 
 INSTANTIATE_TEST_SUITE_P(EmptyCells, Kvi2htmlReads, testing::Values(
-    TReadings{"AreNoValue", {xhEmptyIsNull}, "<tr><td></td><td>2</td></tr>", {"a|2|c"}, {"-|2|-"}}), NameOfRow);
+    TReadings{"AreNoValue", {xhEmptyIsNull}, "<tr><td></td><td>2</td></tr>", {"a|2|c"}, {"-|2|-"}}),
+    NameOfRow);
 
 // Rows that reach into those below count from the first row of the file.
 TEST(Kvi2htmlSpans, ReachFromRowsBeforeRowFirst)
 {
-    THtmlRun Import("<table><tr><td rowspan=3>1</td><td>2</td></tr><tr><td>3</td></tr><tr><td>4</td></tr></table>", {xhSpans});
+    THtmlRun Import(
+        "<table><tr><td rowspan=3>1</td><td>2</td></tr><tr><td>3</td></tr><tr><td>4</td></tr></table>",
+        {xhSpans});
     Import.RowFirst = 2;
     EXPECT_THAT(Import.Run(), ElementsAre("1|3|c", "1|4|c"));
 }
@@ -125,8 +135,10 @@ TEST(Kvi2htmlSpans, TooFarARowSpanFailsTheRunBeforeItWrites)
     std::string Cells;
     for (int I = 0; I < 1024; ++I)
         Cells += "<td>";
-    THtmlRun Import("<table><tr><td>1</td></tr><tr>" + Cells + "<td rowspan=2></tr></table>", {xhSpans, xhTagSyntax});
-    EXPECT_EQ(Import.RunAndFail(), "A cell in column 1025 covers several rows; column 1024 is the last that may");
+    THtmlRun Import("<table><tr><td>1</td></tr><tr>" + Cells + "<td rowspan=2></tr></table>",
+                    {xhSpans, xhTagSyntax});
+    EXPECT_EQ(Import.RunAndFail(),
+              "A cell in column 1025 covers several rows; column 1024 is the last that may");
     EXPECT_EQ(Import.Destination.RecordCount(), 0);
 }
 
@@ -229,7 +241,8 @@ TEST_F(Kvi2htmlNames, MapTheFieldsOfTheSameName)
 
 TEST(Kvi2htmlNumbers, CountColumnsWhateverTheHeaderSays)
 {
-    THtmlRun Import("<table><tr><td>Field2</td><td>B</td></tr><tr><td>1</td><td>2</td></tr></table>", {xhHeaderNames});
+    THtmlRun Import("<table><tr><td>Field2</td><td>B</td></tr><tr><td>1</td><td>2</td></tr></table>",
+                    {xhHeaderNames});
     Import.RowFirst = 2;
     Import.MapTo({"Field2", "B"});
     EXPECT_THAT(Import.Run(), ElementsAre("2|2|-"));
@@ -239,7 +252,8 @@ TEST(Kvi2htmlNumbers, CountColumnsWhateverTheHeaderSays)
 
 TEST(Kvi2htmlTableNumber, ARunTellsHowManyTablesItRead)
 {
-    THtmlRun Import("<table><tr><td>1<table><tr><td>2</td></tr></table></td></tr></table><table></table>", {xhTagSyntax});
+    THtmlRun Import("<table><tr><td>1<table><tr><td>2</td></tr></table></td></tr></table><table></table>",
+                    {xhTagSyntax});
     Import.Run();
     EXPECT_EQ(Import.TablesRead(), 2);
 }

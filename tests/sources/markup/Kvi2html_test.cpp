@@ -107,7 +107,8 @@ TEST(Kvi2html, ATagEndsAtItsFirstGreaterSign)
 
 TEST(Kvi2html, ATagsNameEndsAtABlankOnly)
 {
-    EXPECT_THAT(Imported("<tr><td\nalign=left>1</td><td/>2</td><tdx>3</tdx><td>4</td></tr>"), ElementsAre("4|b|c"));
+    EXPECT_THAT(Imported("<tr><td\nalign=left>1</td><td/>2</td><tdx>3</tdx><td>4</td></tr>"),
+                ElementsAre("4|b|c"));
 }
 
 TEST(Kvi2html, TagsAreReadInEitherCase)
@@ -143,7 +144,8 @@ TEST(Kvi2html, TheEndOfTheFileEndsACellARowAndATable)
 
 TEST(Kvi2html, TagsInACommentAreNone)
 {
-    EXPECT_THAT(Imported("<!-- <tr><td>0</td></tr> --><tr><!--<td>x</td>--><td>1</td></tr>"), ElementsAre("1|b|c"));
+    EXPECT_THAT(Imported("<!-- <tr><td>0</td></tr> --><tr><!--<td>x</td>--><td>1</td></tr>"),
+                ElementsAre("1|b|c"));
 }
 
 TEST(Kvi2html, ACommentInACellHidesTheTextBehindIt)
@@ -165,8 +167,8 @@ TEST(Kvi2html, ACommentThatNothingEndsHidesTheRest)
 
 TEST(Kvi2html, TwoTablesAreOneSequenceOfRows)
 {
-    THtmlRun Import("<table>" + NumberedHtmlRows(2) + "</table>x<tr><td>no</td></tr><table>" + NumberedHtmlRows(1) +
-                    "</table>");
+    THtmlRun Import("<table>" + NumberedHtmlRows(2) + "</table>x<tr><td>no</td></tr><table>" +
+                    NumberedHtmlRows(1) + "</table>");
     EXPECT_THAT(Import.Run(), ElementsAre("1|b|c", "2|b|c", "1|b|c"));
 }
 
@@ -207,7 +209,8 @@ TEST(Kvi2html, IsOfItsKind)
     EXPECT_EQ(Import.TableType, teHTML);
     EXPECT_EQ(TKvImportFromHTML().SourceFileName, "KvImport.HTML");
     EXPECT_EQ(TKvImportFromHTML::Extension(), ".HTML");
-    EXPECT_EQ(TKvImportFromHTML::FillFileFilters(), "All files (*.*)|*.*|HTML file (*.htm;*.html)|*.HTM;*.HTML|");
+    EXPECT_EQ(TKvImportFromHTML::FillFileFilters(),
+              "All files (*.*)|*.*|HTML file (*.htm;*.html)|*.HTM;*.HTML|");
     EXPECT_EQ(Import.RowFirst, 1);
     EXPECT_EQ(Import.RowLast, 2147483647);
     EXPECT_TRUE(Import.Extensions.IsEmpty());

@@ -48,12 +48,14 @@ TEST_P(Kvi2xmlReads, ClassicThenExtended)
 INSTANTIATE_TEST_SUITE_P(Syntax, Kvi2xmlReads, testing::Values(
     TReadings{"SingleQuotes", {xxTagSyntax}, "<R a='1\"' b=\"2'\"/>", {"a|2'|c"}, {"1\"|2'|c"}},
     TReadings{"BlanksAroundEquals", {xxTagSyntax}, "<R a = \"1\" b\n=\n'2'/>", {"a|b|c"}, {"1|2|c"}},
-    TReadings{"QuotedGreaterSign", {xxTagSyntax}, "<R a=\"1>2\" b='>'/>", {"a|b|c", "a|b|c", "a|b|c"}, {"1>2|>|c"}},
+    TReadings{"QuotedGreaterSign", {xxTagSyntax}, "<R a=\"1>2\" b='>'/>", {"a|b|c", "a|b|c", "a|b|c"},
+              {"1>2|>|c"}},
     TReadings{"LineBreaksInAValue", {xxTagSyntax}, "<R a=\"1\r\n2\n3\r4\t5\"/>", {"1234\t5|b|c"},
               {"1 2 3 4 5|b|c"}},
     TReadings{"EndTags", {xxTagSyntax}, "<R a=\"1\"></R ><R a=\"2\">\n</R>", {"1|b|c", "a|b|c", "2|b|c",
               "a|b|c"}, {"1|b|c", "2|b|c"}},
-    TReadings{"BlankBeforeTheEnd", {xxTagSyntax}, "<R a=\"1\" /><R/>", {"1|b|c", "a|b|c"}, {"1|b|c", "a|b|c"}},
+    TReadings{"BlankBeforeTheEnd", {xxTagSyntax}, "<R a=\"1\" /><R/>", {"1|b|c", "a|b|c"},
+              {"1|b|c", "a|b|c"}},
     TReadings{"Comments", {xxTagSyntax}, "<!-- <R a=\"0\"/> --><R a=\"1\"/>", {"0|b|c", "a|b|c", "1|b|c"},
               {"1|b|c"}},
     TReadings{"CharacterData", {xxTagSyntax}, "<R a=\"1\"><![CDATA[<R a=\"2\"/>]]></R>",
@@ -74,10 +76,12 @@ INSTANTIATE_TEST_SUITE_P(Names, Kvi2xmlReads, testing::Values(
 INSTANTIATE_TEST_SUITE_P(References, Kvi2xmlReads, testing::Values(
     TReadings{"AreCharacters", {xxReferences}, "<R a=\"&lt;&gt;&amp;&quot;&apos;\" b=\"&#65;&#x20AC;\"/>",
               {"&lt;&gt;&amp;&quot;&apos;|&#65;&#x20AC;|c"}, {"<>&\"'|A\u20AC|c"}},
-    TReadings{"OthersStay", {xxReferences}, "<R a=\"&nbsp; & &x\"/>", {"&nbsp; & &x|b|c"}, {"&nbsp; & &x|b|c"}},
+    TReadings{"OthersStay", {xxReferences}, "<R a=\"&nbsp; & &x\"/>", {"&nbsp; & &x|b|c"},
+              {"&nbsp; & &x|b|c"}},
     TReadings{"ToLineBreaksKeepThem", {xxReferences, xxTagSyntax}, "<R a=\"1&#13;&#10;2\n3&#9;4\"/>",
               {"1&#13;&#10;23&#9;4|b|c"}, {"1\r\n2 3\t4|b|c"}},
-    TReadings{"AreReadOnce", {xxReferences}, "<R a=\"&amp;lt;\"/>", {"&amp;lt;|b|c"}, {"&lt;|b|c"}}), NameOfRow);
+    TReadings{"AreReadOnce", {xxReferences}, "<R a=\"&amp;lt;\"/>", {"&amp;lt;|b|c"}, {"&lt;|b|c"}}),
+    NameOfRow);
 
 INSTANTIATE_TEST_SUITE_P(Missing, Kvi2xmlReads, testing::Values(
     TReadings{"AreNoValue", {xxMissingIsNull}, "<R b=\"2\" c=\"3/>", {"a|2|c"}, {"-|2|-"}},
@@ -88,7 +92,8 @@ INSTANTIATE_TEST_SUITE_P(Missing, Kvi2xmlReads, testing::Values(
 
 TEST(Kvi2xmlSyntax, SectionsMayHaveAttributes)
 {
-    EXPECT_THAT(ImportedFile("<P><ROWDATA x='y'><R a=\"1\"/></ROWDATA ></P>", {xxTagSyntax}), ElementsAre("1|b|c"));
+    EXPECT_THAT(ImportedFile("<P><ROWDATA x='y'><R a=\"1\"/></ROWDATA ></P>", {xxTagSyntax}),
+                ElementsAre("1|b|c"));
 }
 
 TEST(Kvi2xmlSyntax, AnEmptySectionHasNoRecords)
@@ -99,7 +104,8 @@ TEST(Kvi2xmlSyntax, AnEmptySectionHasNoRecords)
 TEST(Kvi2xmlSyntax, ADoctypeIsSkipped)
 {
     const std::string Doctype = "<!DOCTYPE p SYSTEM \"a>b\" [<!ENTITY x '<ROWDATA>'>]>";
-    EXPECT_THAT(ImportedFile(Doctype + "<ROWDATA><R a=\"1\"/></ROWDATA>", {xxTagSyntax}), ElementsAre("1|b|c"));
+    EXPECT_THAT(ImportedFile(Doctype + "<ROWDATA><R a=\"1\"/></ROWDATA>", {xxTagSyntax}),
+                ElementsAre("1|b|c"));
 }
 
 TEST(Kvi2xmlSyntax, ARowTagTakesThePlaceOfRowdata)
@@ -113,8 +119,9 @@ TEST(Kvi2xmlSyntax, ARowTagTakesThePlaceOfRowdata)
 
 TEST(Kvi2xmlSyntax, FieldsAreNamedByAttrname)
 {
-    TXmlRun Import("<P><FIELDS><FIELD width=\"C\" attrname='a'/><FIELD x=\"B\"/><FIELD/><FIELD attrname=\"n\">"
-                   "<FIELDS><FIELD attrname=\"c\"/></FIELDS></FIELD></FIELDS></P>");
+    TXmlRun Import(
+        "<P><FIELDS><FIELD width=\"C\" attrname='a'/><FIELD x=\"B\"/><FIELD/><FIELD attrname=\"n\">"
+        "<FIELDS><FIELD attrname=\"c\"/></FIELDS></FIELD></FIELDS></P>");
     Import.RowFirst = 2;
     EXPECT_THAT(Import.DetectedMappings(), ElementsAre("B=B", "C=C"));
     Import.Extensions = {xxTagSyntax};
@@ -164,14 +171,16 @@ TEST(Kvi2xmlSyntax, ElementsStandAThousandDeepAtMost)
     }
     EXPECT_THAT(ImportedFile(Deep + Ends, {xxTagSyntax}), IsEmpty());
     TXmlRun Import(Deep + "<x>" + Ends + "</x>", {xxTagSyntax});
-    EXPECT_EQ(Import.RunAndFail(), "Line 1 of FILE is no XML: elements stand more than 1000 deep in each other");
+    EXPECT_EQ(Import.RunAndFail(),
+              "Line 1 of FILE is no XML: elements stand more than 1000 deep in each other");
 }
 
 // The encoding.
 
 TEST(Kvi2xmlEncoding, IsTheDeclaredOne)
 {
-    const std::string File = "<?xml version=\"1.0\" encoding=\"ISO-8859-2\"?><ROWDATA><R a=\"\xB3\"/></ROWDATA>";
+    const std::string File = "<?xml version=\"1.0\" encoding=\"ISO-8859-2\"?><ROWDATA><R "
+                             "a=\"\xB3\"/></ROWDATA>";
     EXPECT_THAT(ImportedFile(File, {}), ElementsAre("\xB3|b|c"));
     EXPECT_THAT(ImportedFile(File, {xxEncoding}), ElementsAre("\u0142|b|c"));
 }

@@ -29,8 +29,10 @@ TRows Imported(const std::string& Records)
 
 TEST(Kvi2xml, APacketOfSelfClosingTagsIsImported)
 {
-    TXmlRun Import("<?xml version=\"1.0\"?>\r\n<DATAPACKET><METADATA><FIELDS><FIELD attrname=\"Name\"/></FIELDS>"
-                   "</METADATA>\r\n<ROWDATA>\r\n  <ROW Name=\"Ada\" Age=\"36\"/>\r\n  <ROW Name=\"Alan\"/>\r\n"
+    TXmlRun Import("<?xml version=\"1.0\"?>\r\n"
+                   "<DATAPACKET><METADATA><FIELDS><FIELD attrname=\"Name\"/></FIELDS>"
+                   "</METADATA>\r\n<ROWDATA>\r\n  <ROW Name=\"Ada\" Age=\"36\"/>\r\n"
+                   "  <ROW Name=\"Alan\"/>\r\n"
                    "</ROWDATA></DATAPACKET>");
     Import.MapTo({"Name", "Age"});
     EXPECT_THAT(Import.Run(), ElementsAre("Ada|36|-", "Alan|Age|-"));
@@ -57,7 +59,8 @@ TEST(Kvi2xml, ANameMatchesTheEndOfAnother)
 
 TEST(Kvi2xml, LongNamesMatchInFull)
 {
-    TXmlRun Import("<ROWDATA><ROW a_customer_name=\"1\" the_customer_name=\"2\" customer_name=\"3\"/></ROWDATA>");
+    TXmlRun Import(
+        "<ROWDATA><ROW a_customer_name=\"1\" the_customer_name=\"2\" customer_name=\"3\"/></ROWDATA>");
     Import.MapTo({"the_customer_name", "Customer_Name", "his_customer_name"});
     EXPECT_THAT(Import.Run(), ElementsAre("2|1|his_customer_name"));
 }
@@ -139,15 +142,17 @@ TEST(Kvi2xml, SectionTagsAreExact)
 
 TEST(Kvi2xml, SectionsOfRecordsAreOneSequence)
 {
-    EXPECT_THAT(TXmlRun("<ROWDATA><R a=\"1\"/></ROWDATA><R a=\"2\"/><ROWDATA><ROWDATA><R a=\"3\"/></ROWDATA>").Run(),
-                ElementsAre("1|b|c", "3|b|c"));
+    EXPECT_THAT(
+        TXmlRun("<ROWDATA><R a=\"1\"/></ROWDATA><R a=\"2\"/><ROWDATA><ROWDATA><R a=\"3\"/></ROWDATA>").Run(),
+        ElementsAre("1|b|c", "3|b|c"));
 }
 
 TEST(Kvi2xml, AFieldsSectionEndsTheRecords)
 {
     EXPECT_THAT(TXmlRun("<ROWDATA><R a=\"1\"/><FIELDS><F a=\"2\"/></FIELDS><R a=\"3\"/></ROWDATA>").Run(),
                 ElementsAre("1|b|c"));
-    EXPECT_THAT(TXmlRun("<FIELDS><ROWDATA><R a=\"1\"/></FIELDS></ROWDATA>").Run(), ElementsAre("1|b|c", "a|b|c"));
+    EXPECT_THAT(TXmlRun("<FIELDS><ROWDATA><R a=\"1\"/></FIELDS></ROWDATA>").Run(),
+                ElementsAre("1|b|c", "a|b|c"));
 }
 
 TEST(Kvi2xml, AZeroByteEndsTheFile)

@@ -41,7 +41,8 @@ void AddSheet(TSpreadSheetFile& Reader, const std::string& Caption, const TSheet
     for (std::size_t Row = 0; Row < Rows.size(); ++Row) {
         Columns = std::max(Columns, Rows[Row].size());
         for (std::size_t Col = 0; Col < Rows[Row].size(); ++Col)
-            Reader.OnCellValue(Reader, Index, static_cast<int>(Row), static_cast<int>(Col), Rows[Row][Col], taLeftJustify);
+            Reader.OnCellValue(Reader, Index, static_cast<int>(Row), static_cast<int>(Col), Rows[Row][Col],
+                               taLeftJustify);
     }
     Reader.OnDimensions(Reader, Index, 0, static_cast<int>(Rows.size()), 0, static_cast<int>(Columns));
 }

@@ -119,8 +119,10 @@ TEST(KvRecords, ABodyThatIsTooShortIsNamedWithItsOffset)
               "Record 0x00FD at offset 4 is too short: 3 bytes, 10 are needed");
     EXPECT_EQ(MessageOf([&] { Record.At<std::uint16_t>(2); }),
               "Record 0x00FD at offset 4 is too short: 3 bytes, 4 are needed");
-    EXPECT_EQ(MessageOf([&] { Record.Text(1, 3); }), "Record 0x00FD at offset 4 is too short: 3 bytes, 4 are needed");
-    EXPECT_EQ(MessageOf([&] { Record.From(4); }), "Record 0x00FD at offset 4 is too short: 3 bytes, 4 are needed");
+    EXPECT_EQ(MessageOf([&] { Record.Text(1, 3); }),
+              "Record 0x00FD at offset 4 is too short: 3 bytes, 4 are needed");
+    EXPECT_EQ(MessageOf([&] { Record.From(4); }),
+              "Record 0x00FD at offset 4 is too short: 3 bytes, 4 are needed");
 }
 
 TEST(KvRecords, AnErrorOfARecordNamesItsPlace)

@@ -38,7 +38,9 @@ std::vector<std::string> EventsOf(const std::string& Bytes, TSpreadSheetExtensio
     TReader Reader;
     Reader.Extensions = Extensions;
     Reader.FileName = Folder.Write("sheet", Bytes);
-    Reader.OnSheet = [&](auto&, const std::string& Caption, int, bool&) { Lines.push_back("sheet " + Caption); };
+    Reader.OnSheet = [&](auto&, const std::string& Caption, int, bool&) {
+        Lines.push_back("sheet " + Caption);
+    };
     Reader.OnColumnWidth = [&](auto&, int Sheet, int Column, int Width) {
         Lines.push_back(SheetWords(Sheet) + "column " + std::to_string(Column) + ": width " +
                         std::to_string(Width));
@@ -48,7 +50,8 @@ std::vector<std::string> EventsOf(const std::string& Bytes, TSpreadSheetExtensio
                         std::to_string(LastRow) + ", columns " + std::to_string(FirstColumn) + " to " +
                         std::to_string(LastColumn));
     };
-    Reader.OnCellValue = [&](auto&, int Sheet, int Row, int Column, const TVariant& Value, TAlignment Alignment) {
+    Reader.OnCellValue = [&](auto&, int Sheet, int Row, int Column, const TVariant& Value,
+                             TAlignment Alignment) {
         Lines.push_back(SheetWords(Sheet) + "row " + std::to_string(Row) + " column " +
                         std::to_string(Column) + ": " + WordsOf(Value) + std::string(Alignments[Alignment]));
     };

@@ -45,7 +45,10 @@ protected:
     {
         return EventsOf<TReader>(Builder.Build(), Extensions);
     }
-    void Load(const TWorksheetBuilder& Builder) { Reader.LoadFromFile(Folder.Write("sheet", Builder.Build())); }
+    void Load(const TWorksheetBuilder& Builder)
+    {
+        Reader.LoadFromFile(Folder.Write("sheet", Builder.Build()));
+    }
     TSpreadSheetCells& Cells() { return Reader.Sheets[0].Cells; }
 
     TTempFolder Folder;
@@ -69,7 +72,8 @@ TYPED_TEST(KvWorksheets, ABeginRecordAloneIsAnEmptySheet)
 
 TYPED_TEST(KvWorksheets, RaisesTheCellsOfItsOneSheetInTheOrderOfTheFile)
 {
-    const auto Sheet = this->Sheet().Number(2, 5, 1.5).Label(0, 7, "abc").Integer(1, 0, 300).Blank(3, 3).End();
+    const auto Sheet = this->Sheet().Number(2, 5, 1.5).Label(0, 7, "abc").Integer(1, 0, 300).Blank(3, 3)
+                                    .End();
     EXPECT_THAT(this->Events(Sheet), ElementsAre("row 5 column 2: number 1.5 left",
                                                  "row 7 column 0: text abc left",
                                                  "row 0 column 1: integer 300 left",
@@ -286,7 +290,8 @@ TYPED_TEST(KvWorksheets, RecordsBehindTheEndAreRead)
 
 TYPED_TEST(KvWorksheets, WhatFillsABlockBehindTheEndIsNoCutRecord)
 {
-    for (const auto& Padding : {std::string(109, '\x1A'), std::string(126, '\0'), std::string(3, '\0'), "\x0E"s})
+    for (const auto& Padding : {std::string(109, '\x1A'), std::string(126, '\0'), std::string(3, '\0'),
+                                "\x0E"s})
         EXPECT_THAT(this->Events(this->Sheet().Integer(0, 0, 7).End().Bytes(Padding)),
                     ElementsAre("row 0 column 0: integer 7 left"));
 }

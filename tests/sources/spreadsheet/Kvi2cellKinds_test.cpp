@@ -59,7 +59,8 @@ TEST(Kvi2cellKinds, EachHasItsFileFiltersBeforeAllFiles)
     EXPECT_EQ(TKvImportFromXLS::FillFileFilters(),
               "Excel spreadsheet (*.xls)|*.XLS|Excel file (*.xls)|*.XLS|All files (*.*)|*.*");
     EXPECT_EQ(TKvImportFromWKS::FillFileFilters(),
-              "Lotus 1-2-3 file (*.wk1)|*.WK1|Lotus 1-2-3 file (*.wk2)|*.WK2|Lotus Symphony file (*.wr1)|*.WR1|"
+              "Lotus 1-2-3 file (*.wk1)|*.WK1|Lotus 1-2-3 file (*.wk2)|*.WK2|Lotus Symphony "
+              "file (*.wr1)|*.WR1|"
               "All files (*.*)|*.*");
     EXPECT_EQ(TKvImportFromQuattro::FillFileFilters(), "QuattroPro file (*.wq1)|*.WQ1|All files (*.*)|*.*");
 }

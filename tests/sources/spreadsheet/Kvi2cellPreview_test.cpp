@@ -48,8 +48,8 @@ TPreview Preview(const std::string& Bytes, int FirstRow, int LastRow, std::strin
             Text += " " + Values[I][1].ToText() + "=" + Values[I][2].ToText();
         Result.Rows.push_back(Text);
     };
-    LoadSpreadSheetPreview(2, nullptr, ColumnSpec, Folder.Write("book.wk1", Bytes), SheetIndex, FirstRow, LastRow,
-                           Sheets, false, Columns, Note, Extensions);
+    LoadSpreadSheetPreview(2, nullptr, ColumnSpec, Folder.Write("book.wk1", Bytes), SheetIndex, FirstRow,
+                           LastRow, Sheets, false, Columns, Note, Extensions);
     for (int I = 0; I < Columns.Count(); ++I)
         Result.Columns.push_back(Columns[I] + " " + Columns.Object(I).ToText());
     Result.Sheets.assign(Sheets.begin(), Sheets.end());
@@ -63,8 +63,9 @@ TEST(Kvi2cellPreview, RefusesAnUnknownTypeOfSpreadsheet)
     for (const int Type : {0, 4, -1}) {
         TStrings Sheets{"old"};
         TStrings Columns;
-        EXPECT_THAT([&] { LoadSpreadSheetPreview(Type, nullptr, {}, "book", 0, 1, 9, Sheets, false, Columns, {}); },
-                    testing::Throws<Exception>(testing::Field(&Exception::Message, "Incorrect type of spreadsheet")));
+        EXPECT_THAT(
+            [&] { LoadSpreadSheetPreview(Type, nullptr, {}, "book", 0, 1, 9, Sheets, false, Columns, {}); },
+            testing::Throws<Exception>(testing::Field(&Exception::Message, "Incorrect type of spreadsheet")));
         EXPECT_TRUE(Sheets.IsEmpty());
     }
 }
@@ -77,12 +78,15 @@ TEST(Kvi2cellPreview, EachTypeHasItsReader)
     for (const int Type : {2, 3}) {
         TStrings Sheets;
         TStrings Columns;
-        EXPECT_THAT([&] { LoadSpreadSheetPreview(Type, nullptr, {}, File, 0, 1, 9, Sheets, false, Columns, {}); },
-                    testing::Throws<Exception>(testing::Field(&Exception::Message, testing::HasSubstr(Messages[Type - 2]))));
+        EXPECT_THAT(
+            [&] { LoadSpreadSheetPreview(Type, nullptr, {}, File, 0, 1, 9, Sheets, false, Columns, {}); },
+            testing::Throws<Exception>(testing::Field(&Exception::Message,
+                                                      testing::HasSubstr(Messages[Type - 2]))));
     }
     TStrings Sheets;
     TStrings Columns;
-    EXPECT_THROW(LoadSpreadSheetPreview(1, nullptr, {}, Folder / "none", 0, 1, 9, Sheets, false, Columns, {}), Exception);
+    EXPECT_THROW(LoadSpreadSheetPreview(1, nullptr, {}, Folder / "none", 0, 1, 9, Sheets, false, Columns, {}),
+                 Exception);
 }
 
 TEST(Kvi2cellPreview, ListsTheCaptionsOfAllSheets)
@@ -153,7 +157,8 @@ TEST(Kvi2cellPreview, HandsSenderAndFlagOn)
     bool SeenFlag = false;
     TStrings Sheets;
     TStrings Columns;
-    LoadSpreadSheetPreview(2, &Sender, {}, Folder.Write("book.wk1", Worksheet(1, 1)), 0, 1, 9, Sheets, true, Columns,
+    LoadSpreadSheetPreview(2, &Sender, {}, Folder.Write("book.wk1", Worksheet(1, 1)), 0, 1, 9, Sheets, true,
+                           Columns,
                            [&](TPersistent* Who, int, int, bool Flag, const TVariant& Values) {
                                Seen = Who;
                                SeenFlag = Flag;

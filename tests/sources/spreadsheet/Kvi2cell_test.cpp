@@ -64,7 +64,8 @@ TEST(Kvi2cell, WantsAFileName)
     TCellImport Import(TSheetRows{{"1"}});
     Import.SourceFileName.clear();
     EXPECT_THAT([&] { Import.Execute(); },
-                testing::Throws<Exception>(testing::Field(&Exception::Message, "Property SourceFileName wasn't specified.")));
+                testing::Throws<Exception>(testing::Field(&Exception::Message,
+                                                          "Property SourceFileName wasn't specified.")));
 }
 
 TEST(Kvi2cell, WantsADataSetBeforeAFileName)
@@ -73,7 +74,8 @@ TEST(Kvi2cell, WantsADataSetBeforeAFileName)
     Import.SourceFileName.clear();
     Import.SetDataSet(nullptr);
     EXPECT_THAT([&] { Import.Execute(); },
-                testing::Throws<Exception>(testing::Field(&Exception::Message, "Property DataSet wasn't specified.")));
+                testing::Throws<Exception>(testing::Field(&Exception::Message,
+                                                          "Property DataSet wasn't specified.")));
 }
 
 TEST(Kvi2cell, ARunWithoutAReaderFails)

@@ -18,7 +18,8 @@ TEST(Kvwks, TheVersionIsThatOfTheLastFile)
     const TTempFolder Folder;
     TLotus123 Reader;
     EXPECT_EQ(Reader.Version, wvUnknown);
-    const std::pair<std::uint16_t, TWKSVersion> Rows[] = {{0x0404, wvWKS1}, {0x0405, wvWKS2}, {0x0406, wvWR1}};
+    const std::pair<std::uint16_t, TWKSVersion> Rows[] = {{0x0404, wvWKS1}, {0x0405, wvWKS2},
+                                                          {0x0406, wvWR1}};
     for (const auto& [Number, Version] : Rows) {
         Reader.LoadFromFile(Folder.Write("sheet", TWorksheetBuilder(wfLotus, Number).Build()));
         EXPECT_EQ(Reader.Version, Version);

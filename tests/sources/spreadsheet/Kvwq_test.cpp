@@ -51,8 +51,10 @@ TEST(Kvwq, AnotherVersionFailsBeforeAnyCell)
 
 TEST(Kvwq, TheRowIsComposedHighByteFirst)
 {
-    EXPECT_THAT(EventsOf<TQuattroPro>(CellAt("\x03\0\x05\0"s)), ElementsAre("row 5 column 3: integer 7 left"));
-    EXPECT_THAT(EventsOf<TQuattroPro>(CellAt("\x03\x01\0\0"s)), ElementsAre("row 256 column 3: integer 7 left"));
+    EXPECT_THAT(EventsOf<TQuattroPro>(CellAt("\x03\0\x05\0"s)),
+                ElementsAre("row 5 column 3: integer 7 left"));
+    EXPECT_THAT(EventsOf<TQuattroPro>(CellAt("\x03\x01\0\0"s)),
+                ElementsAre("row 256 column 3: integer 7 left"));
     EXPECT_THAT(EventsOf<TQuattroPro>(CellAt("\xFF\xFF\xFF\xFF")),
                 ElementsAre("row 65535 column 255: integer 7 left"));
 }
@@ -65,7 +67,8 @@ TEST(Kvwq, ARowAbove255IsMisplaced)
 
 TEST(Kvwq, WithTheExtensionARowAbove255KeepsItsNumber)
 {
-    EXPECT_THAT(EventsOf<TQuattroPro>(TWorksheetBuilder(wfQuattro).Integer(0, 0x1234, 7).Build(), {seWideRows}),
+    EXPECT_THAT(EventsOf<TQuattroPro>(TWorksheetBuilder(wfQuattro).Integer(0, 0x1234, 7).Build(),
+                                      {seWideRows}),
                 ElementsAre("row 4660 column 0: integer 7 left"));
     EXPECT_THAT(EventsOf<TQuattroPro>(CellAt("\x03\0\x05\0"s), {seWideRows}),
                 ElementsAre("row 5 column 3: integer 7 left"));
@@ -109,7 +112,8 @@ TEST(Kvwq, TheTextOfAFormulaHasItsLengthBeforeIt)
     };
     EXPECT_THAT(Text("\x03" "abc"), ElementsAre("row 2 column 1: text abc left"));
     EXPECT_THAT(Text("\x03" "abcxy"), ElementsAre("row 2 column 1: text abc left"));
-    EXPECT_THAT(Text("\x03" "ab"), ElementsAre("Record 0x0033 at offset 6 is too short: 8 bytes, 9 are needed"));
+    EXPECT_THAT(Text("\x03" "ab"),
+                ElementsAre("Record 0x0033 at offset 6 is too short: 8 bytes, 9 are needed"));
     EXPECT_THAT(Text(""), ElementsAre("Record 0x0033 at offset 6 is too short: 5 bytes, 6 are needed"));
 }
 

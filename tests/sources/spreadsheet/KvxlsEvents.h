@@ -49,7 +49,8 @@ public:
     /// Widths and heights are recorded too.
     TRecordingExcel& WithSizes()
     {
-        Reader.OnColumnWidth = [this](auto&, int Sheet, int Col, int Width) { Add("width", Sheet, {Col, Width}); };
+        Reader.OnColumnWidth = [this](auto&, int Sheet, int Col,
+                                      int Width) { Add("width", Sheet, {Col, Width}); };
         Reader.OnRowHeight = [this](auto&, int Sheet, int Row, int Height) {
             Add("height", Sheet, {Row, Height});
         };

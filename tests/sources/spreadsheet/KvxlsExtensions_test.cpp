@@ -46,7 +46,8 @@ TEST(KvxlsExtensions, ResultsOfFormulasArriveAsWhatTheyAre)
         Sheet.Formula(0, 1, BooleanResult(true))
             .Formula(0, 2, BooleanResult(false))
             .Formula(0, 3, ErrorResult(0x07));
-        Sheet.Formula(0, 4, EmptyResult()).Formula(0, 5, TBytes().F64(1.5)).Formula(0, 6, TBytes().F64(36526), 1);
+        Sheet.Formula(0, 4, EmptyResult()).Formula(0, 5, TBytes().F64(1.5))
+             .Formula(0, 6, TBytes().F64(36526), 1);
         const auto Text = Version == bv8 ? "Gr\xC3\xBC\xC3\x9F" : "Gr\xFC\xDF";
         EXPECT_THAT(Read(TBiffBuilder(Version).Xf(0).Xf(14), Sheet, {seFormulaResults}),
                     ElementsAre(SheetLine, "cell 0: 0 0 string " + std::string(Text) + " left",
@@ -82,7 +83,8 @@ TEST(KvxlsExtensions, AFormulaWhoseTextIsMissingHasAnEmptyOne)
         TBiffBuilder Sheet(Version);
         Sheet.Formula(0, 0, TextResult()).Formula(0, 1, TextResult()).Rk(0, 2, 6);
         const auto Workbook = TWorkbookBuilder(Version).Sheet("One", Sheet).Sheet("Two", Sheet).Build();
-        EXPECT_THAT(TRecordingExcel({seFormulaResults}).Workbook(Workbook, Version == bv8 ? evExcel8 : evExcel7),
+        EXPECT_THAT(TRecordingExcel({seFormulaResults}).Workbook(Workbook,
+                                                                 Version == bv8 ? evExcel8 : evExcel7),
                     ElementsAre("sheet 0 \"One\"", "cell 0: 0 0 string  left", "cell 0: 0 2 double 1 right",
                                 "cell 0: 0 1 string  left", "sheet 1 \"Two\"", "cell 1: 0 0 string  left",
                                 "cell 1: 0 2 double 1 right", "cell 1: 0 1 string  left"));
@@ -100,7 +102,8 @@ TEST(KvxlsExtensions, AResultOfUnknownKindIsTold)
 {
     const auto Result = TBytes().U8(4).Zeros(5).U16(0xFFFF).Str();
     EXPECT_THAT(Read({}, TBiffBuilder().Formula(0, 0, Result), {seFormulaResults}),
-                ElementsAre(SheetLine, "error: Record 0x0006 at offset 57: the kind of its result is unknown"));
+                ElementsAre(SheetLine,
+                            "error: Record 0x0006 at offset 57: the kind of its result is unknown"));
 }
 
 TEST(KvxlsExtensions, DatePatternsMakeDates)
@@ -114,7 +117,8 @@ TEST(KvxlsExtensions, DatePatternsMakeDates)
                                  .Xf(165)
                                  .Xf(46);
         TBiffBuilder Sheet(Version);
-        Sheet.Number(0, 0, 36526, 1).Number(0, 1, 36526, 2).Number(0, 2, 0.5, 3).Formula(0, 3, TBytes().F64(2), 1);
+        Sheet.Number(0, 0, 36526, 1).Number(0, 1, 36526, 2).Number(0, 2, 0.5, 3)
+             .Formula(0, 3, TBytes().F64(2), 1);
         EXPECT_THAT(Read(Globals, Sheet, {seCustomDates}),
                     ElementsAre(SheetLine, "cell 0: 0 0 date 36526 left", "cell 0: 0 1 double 36526 right",
                                 "cell 0: 0 2 date 0.5 left", "cell 0: 0 3 date 2 left"));
@@ -125,7 +129,8 @@ TEST(KvxlsExtensions, DatePatternsOfSixteenBitsAreUnderstood)
 {
     const auto Pattern = std::u16string_view(u"yyyy\u5E74m\u6708d\u65E5");
     const auto Size = static_cast<unsigned>(Pattern.size());
-    const auto Globals = TBiffBuilder().Record(0x041E, TBytes().U16(164).U16(Size).U8(1).Text(Pattern)).Xf(164);
+    const auto Globals = TBiffBuilder().Record(0x041E, TBytes().U16(164).U16(Size).U8(1).Text(Pattern))
+                                       .Xf(164);
     EXPECT_THAT(Read(Globals, TBiffBuilder().Number(0, 0, 1), {seCustomDates}),
                 ElementsAre(SheetLine, "cell 0: 0 0 date 1 left"));
 }
@@ -155,7 +160,8 @@ TEST(KvxlsExtensions, TheCodePageOfAFileIsUsed)
                             .Sheet("\xCB\xE8\xF1\xF2", TBiffBuilder(bv5).Label(0, 0, "\xC6"))
                             .Build();
     EXPECT_THAT(TRecordingExcel({seFileCodePage}).Workbook(Stream, evExcel7),
-                ElementsAre("sheet 0 \"\xD0\x9B\xD0\xB8\xD1\x81\xD1\x82\"", "cell 0: 0 0 string \xD0\x96 left"));
+                ElementsAre("sheet 0 \"\xD0\x9B\xD0\xB8\xD1\x81\xD1\x82\"",
+                            "cell 0: 0 0 string \xD0\x96 left"));
 }
 
 TEST(KvxlsExtensions, NamesOfExcel8SheetsAreUnicode)
@@ -194,7 +200,8 @@ TEST(KvxlsExtensions, ALabelMayRunOnFromRecordToRecord)
     Sheet.Record(0x0204, First).Record(0x003C, TBytes().U8(1).Text(u"cd"));
     EXPECT_THAT(Read({}, Sheet, {seCellRecords}), ElementsAre(SheetLine, "cell 0: 7 8 string abcd left"));
     EXPECT_THAT(Read({}, TBiffBuilder().Record(0x0204, First), {seCellRecords}),
-                ElementsAre(SheetLine, "error: Record 0x0204 at offset 57 is too short: 11 bytes, 13 are needed"));
+                ElementsAre(SheetLine,
+                            "error: Record 0x0204 at offset 57 is too short: 11 bytes, 13 are needed"));
 }
 
 TEST(KvxlsExtensions, SharedStringsMayHavePhoneticText)
@@ -244,7 +251,8 @@ TEST(KvxlsExtensions, WhatStandsInChartsAndMacroSheetsIsNoCell)
                                 .Build();
         EXPECT_THAT(TRecordingExcel({seCellRecords}).Workbook(Stream),
                     ElementsAre("sheet 0 \"One\"", "cell 0: 0 0 double 1 right", "cell 0: 1 1 double 1 right",
-                                "sheet 1 \"Two\"", "cell 1: 0 0 double 1 right", "cell 1: 1 1 double 1 right"));
+                                "sheet 1 \"Two\"", "cell 1: 0 0 double 1 right",
+                                "cell 1: 1 1 double 1 right"));
     }
 }
 
@@ -252,7 +260,8 @@ TEST(KvxlsExtensions, TheMarkersOfAChartBeginNoPart)
 {
     // A record of charts whose id has the low byte of a BOF; its colour may say anything.
     for (const unsigned Part : {0x0000, 0x0010, 0x0020}) {
-        const auto Chart = TBiffBuilder().Bof(bpChart).Record(0x1009, TBytes().U16(0).U16(Part).Zeros(16)).Eof();
+        const auto Chart = TBiffBuilder().Bof(bpChart).Record(0x1009, TBytes().U16(0).U16(Part).Zeros(16))
+                                         .Eof();
         const auto Sheet = TBiffBuilder().Add(Chart).Rk(1, 1, 6);
         EXPECT_THAT(Read({}, Sheet, {seCellRecords}), ElementsAre(SheetLine, "cell 0: 1 1 double 1 right"));
     }
@@ -309,14 +318,16 @@ TEST(KvxlsExtensions, RecordsOfAnySizeAreRead)
     for (const auto Version : {bv5, bv8})
         for (const unsigned Size : {2081u, 8225u, 65535u}) {
             const auto Row = TBytes().U16(0).U16(0).U16(0).U32(6).Zeros(Size - 10);
-            EXPECT_THAT(Read(TBiffBuilder(Version), TBiffBuilder(Version).Record(0x027E, Row), {seCellRecords}),
+            EXPECT_THAT(Read(TBiffBuilder(Version), TBiffBuilder(Version).Record(0x027E, Row),
+                             {seCellRecords}),
                         ElementsAre(SheetLine, "cell 0: 0 0 double 1 right"));
         }
 }
 
 TEST(KvxlsExtensions, AStreamWithoutAllOfItsSheetsIsTruncated)
 {
-    auto Builder = TWorkbookBuilder().Sheet("One", TBiffBuilder().Rk(0, 0, 6)).Sheet("Two", {}).Sheet("Three", {});
+    auto Builder = TWorkbookBuilder().Sheet("One", TBiffBuilder().Rk(0, 0, 6)).Sheet("Two", {})
+                                     .Sheet("Three", {});
     const auto Stream = Builder.Build();
     const auto ReadFirst = [&](std::size_t Size) {
         return TRecordingExcel({seCellRecords}).Workbook(std::string_view(Stream).substr(0, Size));

@@ -98,8 +98,8 @@ TEST(KvxlsFormats, PatternsDecideUnderTheExtension)
 
 TEST(KvxlsFormats, BuiltInDatesOfEveryLanguageCountUnderTheExtension)
 {
-    const std::vector<int> Expected = {14, 15, 16, 17, 18, 19, 20, 21, 22, 27, 28, 29, 30, 31, 32, 33, 34, 35, 36,
-                                       45, 46, 47, 50, 51, 52, 53, 54, 55, 56, 57, 58};
+    const std::vector<int> Expected = {14, 15, 16, 17, 18, 19, 20, 21, 22, 27, 28, 29, 30, 31, 32, 33, 34, 35,
+                                       36, 45, 46, 47, 50, 51, 52, 53, 54, 55, 56, 57, 58};
     EXPECT_EQ(DatesAmong(TKvxlsFormats(true), 0, 0xFFFF), Expected);
 }
 
@@ -122,8 +122,8 @@ TEST(KvxlsFormats, DatePatterns)
 TEST(KvxlsFormats, PatternsThatAreNoDates)
 {
     for (const auto* const Pattern :
-         {"", "General", "GENERAL", "Standard", "0.00", "0.00E+00", "@", "# ?/?", "\"day\"", "\"open d", "\\d0",
-          "0_d", "*d0", "[Red]0", "[$-409]0", "[$DM-407]0", "[<100]0", "[]0", "[d", "0\\", "_",
+         {"", "General", "GENERAL", "Standard", "0.00", "0.00E+00", "@", "# ?/?", "\"day\"", "\"open d",
+          "\\d0", "0_d", "*d0", "[Red]0", "[$-409]0", "[$DM-407]0", "[<100]0", "[]0", "[d", "0\\", "_",
           "#,##0\\ _D_M", "General\" days\"", "0\"%\""})
         EXPECT_FALSE(IsDatePattern(Pattern)) << Pattern;
 }

@@ -108,7 +108,8 @@ TEST(KvxlsPlain, BooleansOfExcel2AreReadAsLaterOnes)
 {
     // Their attribute stands where later ones have the value.
     EXPECT_THAT(Read(Declared(bv3).BoolErr2(0, 0, "\0\0\0"sv, 1, false).BoolErr2(0, 1, "\0\0\1"sv, 0, true)),
-                ElementsAre(DeclaredLine, "cell -1: 0 0 string #NULL! left", "cell -1: 0 1 boolean True left"));
+                ElementsAre(DeclaredLine, "cell -1: 0 0 string #NULL! left",
+                            "cell -1: 0 1 boolean True left"));
 }
 
 TEST(KvxlsPlain, NumbersFromExcel3OnAndFormulasAreNotRead)
@@ -285,7 +286,8 @@ TEST(KvxlsPlain, ResultsOfFormulasArriveAsWhatTheyAre)
         Stream.Formula(0, 0, TextResult()).String("text").Formula(0, 1, BooleanResult(true));
         Stream.Formula(0, 2, ErrorResult(0x2A)).Formula(0, 3, EmptyResult());
         EXPECT_THAT(Read(Stream, {seFormulaResults}),
-                    ElementsAre(DeclaredLine, "cell -1: 0 0 string text left", "cell -1: 0 1 boolean True left",
+                    ElementsAre(DeclaredLine, "cell -1: 0 0 string text left",
+                                "cell -1: 0 1 boolean True left",
                                 "cell -1: 0 2 string #N/A left", "cell -1: 0 3 string  left"));
     }
     auto Stream = File(bv2);
@@ -305,7 +307,8 @@ TEST(KvxlsPlain, AFormulaWhoseTextIsMissingHasAnEmptyOne)
         EXPECT_THAT(Read(Declared(Version).Formula(0, 0, TextResult()).Rk(0, 1, 6).Eof(), {seFormulaResults}),
                     ElementsAre(DeclaredLine, "cell -1: 0 1 double 1 centre", "cell -1: 0 0 string  left"));
     auto Workbook = TBiffBuilder(bv4).Bof(static_cast<TBiffPart>(0x0100));
-    Workbook.Bof().Dimensions(0, 9, 0, 9).Formula(0, 0, TextResult()).Eof().Bof().Dimensions(0, 9, 0, 9).Eof();
+    Workbook.Bof().Dimensions(0, 9, 0, 9).Formula(0, 0, TextResult()).Eof().Bof().Dimensions(0, 9, 0, 9)
+            .Eof();
     EXPECT_THAT(Read(Workbook, {seFormulaResults, seCellRecords}),
                 ElementsAre("sheet 0 \"\"", "dimensions 0: 0 10 0 10", "cell 0: 0 0 string  left",
                             "sheet 1 \"\"", "dimensions 1: 0 10 0 10"));
@@ -315,10 +318,11 @@ TEST(KvxlsPlain, FormatsOfCellsOfExcel2MakeDatesUnderTheExtension)
 {
     auto Stream = File(bv2);
     Stream.Format(0, "General").Format(1, "d.m.yy").Format(2, "0");
-    Stream.Number2(0, 0, "\0\1\0"sv, 9).Number2(0, 1, "\1\2\0"sv, 9).Formula2(0, 2, "\0\xC1\0"sv, TBytes().F64(9));
+    Stream.Number2(0, 0, "\0\1\0"sv, 9).Number2(0, 1, "\1\2\0"sv, 9)
+          .Formula2(0, 2, "\0\xC1\0"sv, TBytes().F64(9));
     EXPECT_THAT(Read(Stream, {seCustomDates, seFormulaResults}),
-                ElementsAre("cell -1: 0 0 date 9 left", "cell -1: 0 1 double 9 left", "cell -1: 0 2 date 9 left",
-                            "dimensions -1: 0 1 0 3"));
+                ElementsAre("cell -1: 0 0 date 9 left", "cell -1: 0 1 double 9 left",
+                            "cell -1: 0 2 date 9 left", "dimensions -1: 0 1 0 3"));
 }
 
 TEST(KvxlsPlain, IntegersAreDatesUnderTheExtensionOnly)
@@ -354,7 +358,8 @@ TEST(KvxlsPlain, XfsOfExcel3To5MakeDatesUnderTheExtension)
 TEST(KvxlsPlain, TheDateModeIsAppliedUnderTheExtension)
 {
     const auto Stream = [](unsigned Is1904) {
-        return Declared(bv5).DateMode(Is1904).Xf(0).Xf(14).Rk(0, 0, RkOfInteger(1), 0).Rk(0, 1, RkOfInteger(1), 1);
+        return Declared(bv5).DateMode(Is1904).Xf(0).Xf(14).Rk(0, 0, RkOfInteger(1), 0)
+                            .Rk(0, 1, RkOfInteger(1), 1);
     };
     EXPECT_THAT(Read(Stream(1)),
                 ElementsAre(DeclaredLine, "cell -1: 0 0 double 1 centre", "cell -1: 0 1 date 1 centre"));
@@ -406,7 +411,8 @@ TEST(KvxlsPlain, AnExcel4WorkbookHasSheetsUnderTheExtension)
     Stream.Record(0x008F, Header("Zw\xF6lf")).Bof().Rk(1, 1, 2).Eof().Eof();
     EXPECT_THAT(Read(Stream, {seCellRecords, seFileCodePage}),
                 ElementsAre("sheet 0 \"One\"", "dimensions 0: 0 10 0 10", "cell 0: 0 0 double 1 centre",
-                            "sheet 1 \"Zw\xC3\xB6lf\"", "cell 1: 1 1 double 0 centre", "dimensions 1: 0 2 0 2"));
+                            "sheet 1 \"Zw\xC3\xB6lf\"", "cell 1: 1 1 double 0 centre",
+                            "dimensions 1: 0 2 0 2"));
     EXPECT_THAT(TRecordingExcel({seCellRecords}).Skipping(0).Plain(Stream.Str()),
                 ElementsAre("sheet 0 \"One\"", "dimensions 0: 0 10 0 10", "sheet 1 \"Zw\xF6lf\"",
                             "cell 1: 1 1 double 0 centre", "dimensions 1: 0 2 0 2"));

@@ -261,7 +261,8 @@ TEST(KvxlsStrings, AnUnknownOptionOfAContinueIsTold)
 {
     const std::vector<TBiffString> Strings = {{.Text = u"abc"}};
     EXPECT_EQ(MessageOf(BiffSharedStrings(Strings, {.At = {12}, .Option = 2})), "Unknown string [02] in SST");
-    EXPECT_EQ(MessageOf(BiffSharedStrings(Strings, {.At = {12}, .Option = 0xAB})), "Unknown string [AB] in SST");
+    EXPECT_EQ(MessageOf(BiffSharedStrings(Strings, {.At = {12}, .Option = 0xAB})),
+              "Unknown string [AB] in SST");
 }
 
 TEST(KvxlsStrings, AHugeCountEndsWithTheBytes)

@@ -83,7 +83,8 @@ TEST(KvxlsWorkbook, SeveralRkValuesInOneRecord)
                             "cell 0: 3 7 double 0.01 right"));
     const auto None = TBytes().U16(3).U16(5).U16(4);
     EXPECT_THAT(ReadSheet(TBiffBuilder().Record(0x00BD, None)), IsEmpty());
-    EXPECT_THAT(ReadSheet(TBiffBuilder().Record(0x00BD, TBytes(None).Zeros(5))), IsEmpty()); // not a whole entry
+    const auto NotAWholeOne = TBytes(None).Zeros(5);
+    EXPECT_THAT(ReadSheet(TBiffBuilder().Record(0x00BD, NotAWholeOne)), IsEmpty());
 }
 
 TEST(KvxlsWorkbook, SeveralBlanksInOneRecord)
@@ -109,7 +110,8 @@ TEST(KvxlsWorkbook, FormulasAreTheirNumbers)
     for (const auto Version : {bv5, bv8}) {
         TBiffBuilder Sheet(Version);
         Sheet.Formula(0, 0, F64(2.5)).Formula(0, 1, F64(36526), 1);
-        EXPECT_THAT(ReadSheet(Sheet), ElementsAre("cell 0: 0 0 double 2.5 right", "cell 0: 0 1 date 36526 left"));
+        EXPECT_THAT(ReadSheet(Sheet),
+                    ElementsAre("cell 0: 0 0 double 2.5 right", "cell 0: 0 1 date 36526 left"));
     }
 }
 
@@ -130,7 +132,8 @@ TEST(KvxlsWorkbook, AFormulaIsANumberWhateverItsResult)
 TEST(KvxlsWorkbook, LabelsAreEightBitText)
 {
     for (const auto Version : {bv5, bv8})
-        EXPECT_THAT(ReadSheet(TBiffBuilder(Version).CodePage(1252).Label(0, 300, "Gr\xFC\xDF").Label(1, 0, "")),
+        EXPECT_THAT(ReadSheet(TBiffBuilder(Version).CodePage(1252).Label(0, 300, "Gr\xFC\xDF")
+                                                   .Label(1, 0, "")),
                     ElementsAre("cell 0: 0 300 string Gr\xFC\xDF left", "cell 0: 1 0 string  left"));
 }
 
@@ -160,7 +163,8 @@ TEST(KvxlsWorkbook, ASharedStringThatIsNotThereIsTold)
 TEST(KvxlsWorkbook, CellsInTheRecordsOfExcel2)
 {
     TBiffBuilder Sheet;
-    Sheet.Blank2(1, 0x123, "\0\0\2"sv).Integer2(2, 0x123, "\0\0\3"sv, 65535).Number2(3, 0x123, "\0\0\1"sv, 1.5);
+    Sheet.Blank2(1, 0x123, "\0\0\2"sv).Integer2(2, 0x123, "\0\0\3"sv, 65535)
+         .Number2(3, 0x123, "\0\0\1"sv, 1.5);
     Sheet.Number2(4, 4, "\1\0\3"sv, 2.5).Label2(5, 0x123, "\0\0\2"sv, "text");
     EXPECT_THAT(ReadSheet(Sheet), ElementsAre("cell 0: 1 291 null centre", "cell 0: 2 35 integer 65535 right",
                                               "cell 0: 3 35 double 1.5 left", "cell 0: 4 4 date 2.5 right",
@@ -302,7 +306,8 @@ TEST(KvxlsWorkbook, ReadingEndsWithTheLastSheet)
 {
     for (const bool HasEntries : {true, false}) {
         const auto Stream = (HasEntries ? TWorkbookBuilder().Sheet("S", Cells(1)).Build()
-                                        : TBiffBuilder().Bof(bpGlobals).Eof().Bof().Add(Cells(1)).Eof().Str()) +
+                                        : TBiffBuilder().Bof(bpGlobals).Eof().Bof().Add(Cells(1)).Eof()
+                                                        .Str()) +
                             Cells(9).Str() + "damaged";
         TRecordingExcel Excel;
         EXPECT_EQ(Excel.Workbook(Stream).back(), "cell 0: 0 0 double 1 right");
@@ -340,7 +345,8 @@ TEST(KvxlsWorkbook, WhatStandsInOtherPartsBelongsToTheSheetBefore)
         EXPECT_THAT(TRecordingExcel().Workbook(Stream),
                     ElementsAre("sheet 0 \"One\"", "cell 0: 0 0 double 1 right", "dimensions 0: 0 7 0 3",
                                 "cell 0: 0 0 double 9 right", "cell 0: 1 1 double 1 right",
-                                "cell 0: 0 0 double 7 right", "sheet 1 \"Other\"", "cell 1: 0 0 double 2 right"));
+                                "cell 0: 0 0 double 7 right", "sheet 1 \"Other\"",
+                                "cell 1: 0 0 double 2 right"));
     }
 }
 
@@ -348,7 +354,8 @@ TEST(KvxlsWorkbook, WhatStandsBeforeTheFirstSheetHasTheSheetMinus1)
 {
     const auto Stream = TWorkbookBuilder().Sheet("Chart", Cells(7), bpChart).Sheet("One", Cells(1)).Build();
     EXPECT_THAT(TRecordingExcel().Workbook(Stream),
-                ElementsAre("cell -1: 0 0 double 7 right", "sheet 0 \"Chart\"", "cell 0: 0 0 double 1 right"));
+                ElementsAre("cell -1: 0 0 double 7 right", "sheet 0 \"Chart\"",
+                            "cell 0: 0 0 double 1 right"));
 }
 
 TEST(KvxlsWorkbook, AnyEndWithinTheLastSheetEndsReading)
@@ -362,7 +369,8 @@ TEST(KvxlsWorkbook, AnyEndWithinTheLastSheetEndsReading)
 TEST(KvxlsWorkbook, EveryIdWithTheLowByteOfABofIsOne)
 {
     const auto Stream = TWorkbookBuilder()
-                            .Sheet("One", TBiffBuilder().Record(0x1009, TBytes().U16(0).U16(0x10)).Rk(0, 0, 6))
+                            .Sheet("One",
+                                   TBiffBuilder().Record(0x1009, TBytes().U16(0).U16(0x10)).Rk(0, 0, 6))
                             .Sheet("Two", {})
                             .Build();
     EXPECT_THAT(TRecordingExcel().Workbook(Stream),
@@ -391,8 +399,10 @@ TEST(KvxlsWorkbook, ANameThatReachesPastItsEntryIsTold)
         const auto Stream = TBiffBuilder(Version).Bof(bpGlobals).Record(0x0085, Name).Str();
         EXPECT_THAT(TRecordingExcel().Workbook(Stream, Version == bv8 ? evExcel8 : evExcel7),
                     ElementsAre(Version == bv8
-                                    ? "error: Record 0x0085 at offset 20 is too short: 10 bytes, 11 are needed"
-                                    : "error: Record 0x0085 at offset 12 is too short: 9 bytes, 10 are needed"));
+                                    ? "error: Record 0x0085 at offset 20 is too short: "
+                                      "10 bytes, 11 are needed"
+                                    : "error: Record 0x0085 at offset 12 is too short: "
+                                      "9 bytes, 10 are needed"));
     }
 }
 
@@ -407,7 +417,8 @@ TEST(KvxlsWorkbook, AnEncryptedWorkbookIsRefusedBeforeAnyCell)
 
 TEST(KvxlsWorkbook, WhatStandsBeforeAnErrorIsRaised)
 {
-    const auto Stream = TWorkbookBuilder().Sheet("S", TBiffBuilder().Rk(0, 0, 6).Record(0x0203, "short")).Build();
+    const auto Stream = TWorkbookBuilder().Sheet("S", TBiffBuilder().Rk(0, 0, 6).Record(0x0203, "short"))
+                                          .Build();
     EXPECT_THAT(TRecordingExcel().Workbook(Stream),
                 ElementsAre("sheet 0 \"S\"", "cell 0: 0 0 double 1 right",
                             "error: Record 0x0203 at offset 71 is too short: 5 bytes, 14 are needed"));
@@ -419,8 +430,10 @@ TEST(KvxlsWorkbook, EveryRecordThatIsTooShortIsTold)
     {
         std::uint16_t Id;
         unsigned Needed;                            // at least
-    } Rows[] = {{0x0001, 7},  {0x0002, 9},  {0x0003, 15}, {0x0004, 8},  {0x0005, 8},  {0x0006, 14}, {0x007D, 6},
-                {0x007E, 10}, {0x0085, 8},  {0x00BD, 6},  {0x00BE, 4},  {0x00E0, 4},  {0x00FD, 10}, {0x0200, 12},
+    } Rows[] = {{0x0001, 7},  {0x0002, 9},  {0x0003, 15}, {0x0004, 8},  {0x0005, 8},  {0x0006, 14},
+                {0x007D, 6},
+                {0x007E, 10}, {0x0085, 8},  {0x00BD, 6},  {0x00BE, 4},  {0x00E0, 4},  {0x00FD, 10},
+                {0x0200, 12},
                 {0x0203, 14}, {0x0204, 8},  {0x0205, 8},  {0x0208, 8},  {0x027E, 10}, {0x0809, 4}};
     const auto Head = TBiffBuilder().Bof(bpGlobals).Str() + BiffSharedStrings({{.Text = u"a"}}) +
                       TBiffBuilder().Bof().Str();
@@ -438,7 +451,8 @@ TEST(KvxlsWorkbook, RecordsThatOnlyExtensionsReadAreNotLookedInto)
 {
     for (const auto Version : {bv5, bv8}) {
         TBiffBuilder Sheet(Version);
-        for (const auto Id : std::initializer_list<std::uint16_t>{0x0007, 0x0022, 0x0042, 0x00D6, 0x0207, 0x041E})
+        for (const auto Id : std::initializer_list<std::uint16_t>{0x0007, 0x0022, 0x0042, 0x00D6, 0x0207,
+                                                                  0x041E})
             Sheet.Record(Id, {});
         EXPECT_THAT(ReadSheet(Sheet), IsEmpty());
     }
@@ -453,7 +467,8 @@ TEST(KvxlsWorkbook, ATruncatedStreamIsTold)
 
 TEST(KvxlsWorkbook, ErrorsOfSharedStringsEndTheLoad)
 {
-    const auto Stream = TBiffBuilder().Bof(bpGlobals).Record(0x00FC, TBytes().U32(1).U32(1).U16(1).U8(4)).Str();
+    const auto Stream = TBiffBuilder().Bof(bpGlobals).Record(0x00FC, TBytes().U32(1).U32(1).U16(1).U8(4))
+                                      .Str();
     EXPECT_THAT(TRecordingExcel().Workbook(Stream), ElementsAre("error: Unhandled string in SST [04]"));
 }
 

@@ -41,7 +41,8 @@ protected:
 
 std::string Workbook(std::u16string_view StreamName, std::string_view Stream)
 {
-    return TCompoundBuilder().Stream(u"\x0005SummaryInformation", "summary").Stream(StreamName, Stream).Build();
+    return TCompoundBuilder().Stream(u"\x0005SummaryInformation", "summary").Stream(StreamName, Stream)
+                             .Build();
 }
 
 std::string OneSheet(TBiffVersion Version)
@@ -115,7 +116,8 @@ TEST_F(Kvxls, NamesOfStreamsHaveNoCase)
 
 TEST_F(Kvxls, TheFirstStreamOfTheDirectoryCounts)
 {
-    const auto File = TCompoundBuilder().Stream(u"Workbook", OneSheet(bv8)).Stream(u"Book", OneSheet(bv5)).Build();
+    const auto File = TCompoundBuilder().Stream(u"Workbook", OneSheet(bv8)).Stream(u"Book", OneSheet(bv5))
+                                        .Build();
     EXPECT_EQ(Load(FileOf(File)), "");
     EXPECT_EQ(Reader.Version, evExcel7);            // shorter names come first
 }
@@ -142,7 +144,8 @@ TEST_F(Kvxls, AnEncryptedFileIsRefused)
 
 TEST_F(Kvxls, WhatWasReadBeforeAnErrorStays)
 {
-    const auto Stream = TWorkbookBuilder().Sheet("S", TBiffBuilder().Number(0, 0, 1.5).LabelSst(0, 1, 7)).Build();
+    const auto Stream = TWorkbookBuilder().Sheet("S", TBiffBuilder().Number(0, 0, 1.5).LabelSst(0, 1, 7))
+                                          .Build();
     EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", Stream))),
               "Record 0x00FD at offset 75: there is no shared string 7, only 0");
     EXPECT_EQ(CellText(0, 0, 0), "double 1.5");
@@ -154,13 +157,15 @@ TEST_F(Kvxls, ADamagedDocumentIsToldBeforeItsRecords)
     Builder.Stream(u"Workbook",
                    TWorkbookBuilder().Sheet("S", TBiffBuilder().Label(0, 0, std::string(8000, 'x'))).Build());
     auto File = Builder.Build();
-    File.replace(Builder.OffsetOfLink(Builder.FirstSectorOf(1)), 4, "\xFE\xFF\xFF\xFF"); // ends after one sector
+    // It ends after one sector.
+    File.replace(Builder.OffsetOfLink(Builder.FirstSectorOf(1)), 4, "\xFE\xFF\xFF\xFF");
     EXPECT_THAT(Load(FileOf(File)), testing::StartsWith("Cannot read stream \"Workbook\" of file "));
 }
 
 TEST_F(Kvxls, EveryLoadStartsAnew)
 {
-    const auto First = TWorkbookBuilder().Globals(TBiffBuilder().Xf(14)).Sheet("A", {}).Sheet("B", {}).Build();
+    const auto First = TWorkbookBuilder().Globals(TBiffBuilder().Xf(14)).Sheet("A", {}).Sheet("B", {})
+                                         .Build();
     EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", First))), "");
     EXPECT_EQ(Reader.Sheets.Count(), 2u);
     EXPECT_TRUE(Reader.FormatIsDateTime(0));
@@ -233,7 +238,8 @@ TEST_F(Kvxls, PublishesVersionAndSheet)
 
 TEST_F(Kvxls, CellsBeyondTheLastColumnAreCounted)
 {
-    const auto Stream = TWorkbookBuilder().Sheet("S", TBiffBuilder().Number(0, 255, 1).Number(0, 256, 2)).Build();
+    const auto Stream = TWorkbookBuilder().Sheet("S", TBiffBuilder().Number(0, 255, 1).Number(0, 256, 2))
+                                          .Build();
     EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", Stream))), "");
     EXPECT_EQ(CellText(0, 255, 0), "double 1");
     EXPECT_EQ(Reader.Sheets[0].Cells.CellsBeyond(), 1u);

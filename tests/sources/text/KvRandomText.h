@@ -23,7 +23,10 @@ public:
 
     unsigned Seed() const { return FSeed; }
 
-    std::size_t Below(std::size_t Limit) { return std::uniform_int_distribution<std::size_t>(0, Limit - 1)(Engine); }
+    std::size_t Below(std::size_t Limit)
+    {
+        return std::uniform_int_distribution<std::size_t>(0, Limit - 1)(Engine);
+    }
 
     std::string Text(std::string_view Alphabet, std::size_t MaxSize)
     {

@@ -151,7 +151,8 @@ TEST(KvTextLines, LineEndsAreFoundAtAnyPlaceOfALongLine)
 {
     for (std::size_t Size = 0; Size < 70; ++Size) {
         const auto Long = std::string(Size, 'x');
-        EXPECT_THAT(Cut(Long + "\n" + Long + "\r\n" + "y" + Long), ElementsAre(Long, Long, "y" + Long)) << Size;
+        EXPECT_THAT(Cut(Long + "\n" + Long + "\r\n" + "y" + Long), ElementsAre(Long, Long, "y" + Long))
+            << Size;
     }
 }
 
@@ -198,7 +199,8 @@ TEST(KvTextLinesRfc4180, AnOpenValueIsNoErrorInTheOlderReading)
 TEST(KvTextLines, AgreeWithTheRulesReadCharacterByCharacter)
 {
     TRandomText Random;
-    const std::vector<std::string> Separators{"\r\n", "\n", "\r", "\n\r\n", "", "\"\n", "\r\"", "abcde\n", "\n\n"};
+    const std::vector<std::string> Separators{"\r\n", "\n", "\r", "\n\r\n", "", "\"\n", "\r\"", "abcde\n",
+                                              "\n\n"};
     const std::vector<std::string> Qualifiers{"\"", "\"", "'", "", "\0"s, "\"'"};
     for (int Round = 0; Round < 100000; ++Round) {
         const auto& Separator = Separators[Random.Below(Separators.size())];

@@ -29,7 +29,10 @@ public:
     {
         return Position >= 1 && Position <= Text.size() && Values.find(Text[Position - 1]) != Values.npos;
     }
-    std::string Copy(std::size_t From, std::size_t To) const { return std::string(Text.substr(From - 1, To - From)); }
+    std::string Copy(std::size_t From, std::size_t To) const
+    {
+        return std::string(Text.substr(From - 1, To - From));
+    }
 
 private:
     std::string_view Text;
@@ -70,7 +73,9 @@ inline TRow Lines(std::string_view Buffer, std::string_view Separator, std::stri
 inline std::vector<TBounds> Fields(std::string_view Source, char Delimiter, char Qualifier)
 {
     const TText Line(Source);
-    const auto IsQualifier = [&](std::size_t Position) { return Qualifier != '\0' && Line.Has(Position, Qualifier); };
+    const auto IsQualifier = [&](std::size_t Position) {
+        return Qualifier != '\0' && Line.Has(Position, Qualifier);
+    };
     std::vector<TBounds> Result;
     std::size_t FieldStart = 1;
     bool Quoted = false;
@@ -81,7 +86,8 @@ inline std::vector<TBounds> Fields(std::string_view Source, char Delimiter, char
             continue;
         const auto FieldEnd = I < Line.Size() ? I - 1 : I;
         const bool SkipsFirst = IsQualifier(FieldStart) || Line.Has(FieldStart, Delimiter);
-        Result.emplace_back(SkipsFirst ? FieldStart + 1 : FieldStart, IsQualifier(FieldEnd) ? FieldEnd - 1 : FieldEnd);
+        Result.emplace_back(SkipsFirst ? FieldStart + 1 : FieldStart, IsQualifier(FieldEnd) ? FieldEnd - 1
+                                                                                            : FieldEnd);
         FieldStart = FieldEnd + 1;
         if (Line.Has(FieldStart, Delimiter))
             ++FieldStart;

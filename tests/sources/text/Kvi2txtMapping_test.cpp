@@ -77,7 +77,8 @@ TEST(Kvi2txtMapping, FixedWithoutAHeaderMapsByTheWidthsOfTheFields)
 {
     TTextImport Import("\r\n");
     Import.Fixed = true;
-    Import.SetFields({{.Name = "A", .Size = 10}, {.Name = "B", .DataType = ftInteger}, {.Name = "C", .Size = 1}});
+    Import.SetFields({{.Name = "A", .Size = 10}, {.Name = "B", .DataType = ftInteger},
+                      {.Name = "C", .Size = 1}});
     EXPECT_THAT(Import.DetectedMappings(), ElementsAre("A=Text0-10", "B=Text12-23", "C=Text25-26"));
     Import.SetFieldDelimiter(fdNone);
     EXPECT_THAT(Import.DetectedMappings(), ElementsAre("A=Text0-10", "B=Text11-22", "C=Text23-24"));

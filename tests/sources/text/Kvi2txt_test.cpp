@@ -48,8 +48,8 @@ TEST(Kvi2txt, PublishesItsPropertiesAfterThoseOfEveryImport)
     const auto Inherited = TKvImportBaseComponent().PublishedProperties().size();
     Names.erase(Names.begin(), Names.begin() + static_cast<std::ptrdiff_t>(Inherited));
     EXPECT_THAT(Names, ElementsAre("SourceFileName", "RowFirst", "RowLast", "Fixed", "FieldDelimiter",
-                                   "FieldDelimiterCustom", "TextQualifier", "TextQualifierCustom", "RecordSeparator",
-                                   "RecordSeparatorCustom", "Extensions"));
+                                   "FieldDelimiterCustom", "TextQualifier", "TextQualifierCustom",
+                                   "RecordSeparator", "RecordSeparatorCustom", "Extensions"));
 }
 
 TEST(Kvi2txt, PublishedPairsStayInStep)
@@ -74,7 +74,8 @@ TEST(Kvi2txt, OffersTextFilesAfterAllFiles)
     EXPECT_EQ(TKvImportFromText::Extension(), ".TXT");
     EXPECT_EQ(TKvImportFromText::FillFileFilters(),
               "All files (*.*)|*.*|Text file (*.txt)|*.TXT|Comma-delimited file (*.csv)|*.CSV|"
-              "Data file (*.dat)|*.DAT|Text file (*.prn)|*.PRN|Tabular file (*.tab)|*.TAB|ASCII file (*.asc)|*.ASC|");
+              "Data file (*.dat)|*.DAT|Text file (*.prn)|*.PRN|Tabular file (*.tab)|*.TAB|"
+              "ASCII file (*.asc)|*.ASC|");
 }
 
 TEST(Kvi2txt, RefusesToRunWithoutADestinationOrAFile)
@@ -206,7 +207,8 @@ TEST(Kvi2txt, AByteOrderMarkIsPartOfTheFirstValue)
 
 TEST(Kvi2txt, AnOpenQualifierTakesTheRestOfTheFileIntoOneRecord)
 {
-    EXPECT_THAT(TTextImport("1,2,3\r\n4,\"5,6\r\n7,8,9\r\n").Run(), ElementsAre("1|2|3", "4|5,6\r\n7,8,9\r\n|"));
+    EXPECT_THAT(TTextImport("1,2,3\r\n4,\"5,6\r\n7,8,9\r\n").Run(),
+                ElementsAre("1|2|3", "4|5,6\r\n7,8,9\r\n|"));
 }
 
 TEST(Kvi2txt, DoubledQualifiersStayDoubled)
@@ -368,7 +370,8 @@ std::size_t AllocationsFor(int Count, TKvITextExtensions Extensions)
 TEST(Kvi2txt, AllocatesNothingForARecord)
 {
     for (const auto Extensions : {TKvITextExtensions(), TKvITextExtensions{xtDoubledQualifiers}})
-        EXPECT_LE(AllocationsFor(10000, Extensions), AllocationsFor(10, Extensions) + 20); // the index of lines grows
+        EXPECT_LE(AllocationsFor(10000, Extensions),
+                  AllocationsFor(10, Extensions) + 20); // the index of lines grows
 }
 
 // Messages.
@@ -378,7 +381,9 @@ TEST(Kvi2txt, TellsTheLineOfTheCurrentRecord)
     TTextImport Import("H\r\n1\r\n2\r\n");
     Import.RowFirst = 2;
     std::vector<std::string> Places;
-    Import.OnAfterRecordEvent = [&](TKvImportBaseComponent& Sender, bool&) { Places.push_back(Sender.RecordPlace()); };
+    Import.OnAfterRecordEvent = [&](TKvImportBaseComponent& Sender, bool&) {
+        Places.push_back(Sender.RecordPlace());
+    };
     Import.Run();
     EXPECT_THAT(Places, ElementsAre("line 2", "line 3"));
 }
@@ -403,7 +408,8 @@ TEST(Kvi2txt, TheLineToCompareWithMayBeAnyOrTheFirstThatIsImported)
         Import.Mappings().Add("ID=Field1");
         Import.Run();
         const auto& Counts = Import.FieldCounts();
-        EXPECT_EQ(std::tie(Counts.FewerLines, Counts.FirstFewer, Counts.MoreLines, Counts.FirstMore), std::tuple(1, 4, 1, 5));
+        EXPECT_EQ(std::tie(Counts.FewerLines, Counts.FirstFewer, Counts.MoreLines, Counts.FirstMore),
+                  std::tuple(1, 4, 1, 5));
     }
 }
 
