@@ -17,14 +17,17 @@ namespace kv {
 namespace {
 
 constexpr std::string_view Section = "Extensions";
-constexpr std::string_view SetProperty = "Extensions";
+constexpr std::string_view SourceSet = "Extensions";
+constexpr std::string_view Sets[] = {SourceSet, "RunExtensions"};
 constexpr std::string_view Places[] = {"SheetIndex", "TableName", "TableNumber", "TableType"}; // which records
 constexpr std::size_t PrefixSize = 2;               // of the name of an element
 
-const TPublishedProperty* FindSet(const TPublishedProperties& Properties)
+/// Calls `Take` with each of the sets that there are.
+template <class TTake> void ForEachSet(const TPublishedProperties& Properties, TTake Take)
 {
-    const auto* const Property = FindProperty(Properties, SetProperty);
-    return Property && Property->Kind == pkSet ? Property : nullptr;
+    for (const auto Name : Sets)
+        if (const auto* const Property = FindProperty(Properties, Name); Property && Property->Kind == pkSet)
+            Take(*Property);
 }
 
 std::string_view KeyOf(std::string_view Element)
@@ -86,20 +89,21 @@ template <class TTake> void ForEachPlace(const TPublishedProperties& Properties,
             Take(*Property);
 }
 
-bool IsKnown(std::string_view Key, const TPublishedProperties& Properties, const TPublishedProperty& Set)
+bool IsKnown(std::string_view Key, const TPublishedProperties& Properties)
 {
     const auto IsKey = [Key](std::string_view Element) { return SameText(KeyOf(Element), Key); };
     const auto IsPlace = [Key](std::string_view Name) { return SameText(Name, Key); };
-    return std::ranges::any_of(Set.Names, IsKey) ||
-           (std::ranges::any_of(Places, IsPlace) && FindProperty(Properties, Key));
+    bool Known = std::ranges::any_of(Places, IsPlace) && FindProperty(Properties, Key);
+    ForEachSet(Properties,
+               [&](const TPublishedProperty& Set) { Known = Known || std::ranges::any_of(Set.Names, IsKey); });
+    return Known;
 }
 
-void RefuseUnknown(const TIniFile& File, const TPublishedProperties& Properties, const TPublishedProperty& Set,
-                   const TPersistent& Component)
+void RefuseUnknown(const TIniFile& File, const TPublishedProperties& Properties, const TPersistent& Component)
 {
     for (const auto& Key : File.KeysOf(Section)) {
         const auto Value = File.ReadString(Section, Key, {});
-        if (!Value.empty() && Value != "0" && !IsKnown(Key, Properties, Set))
+        if (!Value.empty() && Value != "0" && !IsKnown(Key, Properties))
             File.RefuseValue(Section, Key, FormatText("%s has no such setting", {Component.ClassName()}));
     }
 }
@@ -109,8 +113,7 @@ void RefuseUnknown(const TIniFile& File, const TPublishedProperties& Properties,
 void WriteOwnSettings(TIniFile& File, const TPersistent& Component)
 {
     const auto Properties = Component.PublishedProperties();
-    if (const auto* const Set = FindSet(Properties))
-        WriteSet(File, *Set, Component);
+    ForEachSet(Properties, [&](const TPublishedProperty& Set) { WriteSet(File, Set, Component); });
     ForEachPlace(Properties, [&](const TPublishedProperty& Place) { WritePlace(File, Place, Component); });
 }
 
@@ -119,10 +122,9 @@ void ReadOwnSettings(const TIniFile& File, TPersistent& Component)
     if (!File.HasSection(Section))
         return;
     const auto Properties = Component.PublishedProperties();
-    if (const auto* const Set = FindSet(Properties)) {
-        RefuseUnknown(File, Properties, *Set, Component);
-        ReadSet(File, *Set, Component);
-    }
+    if (FindProperty(Properties, SourceSet))
+        RefuseUnknown(File, Properties, Component);
+    ForEachSet(Properties, [&](const TPublishedProperty& Set) { ReadSet(File, Set, Component); });
     ForEachPlace(Properties, [&](const TPublishedProperty& Place) { ReadPlace(File, Place, Component); });
 }
 

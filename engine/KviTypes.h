@@ -44,6 +44,19 @@ enum TKvIOption {
 };
 using TKvIOptions = TSet<TKvIOption>;
 
+/// Rules of a run that take the place of older ones.
+enum TKvIRunExtension {
+    /// A run that fails enables the controls of the destination and lets go of the source, as one does that is
+    /// executed. Without it the controls stay disabled, and what the source has loaded stays.
+    rxRestoresControls,
+    /// The progress dialog is refreshed before the first record, then about every 50 ms, and after the last
+    /// one. Without it every UpdateStep records.
+    rxTimedProgress,
+    /// What is wrong with a number is told by the error of its record. Without it a message box tells it before.
+    rxNoNumberBoxes
+};
+using TKvIRunExtensions = TSet<TKvIRunExtension>;
+
 /// The order of day, month and year in a date.
 enum TKvIDateOrder { doMDY, doDMY, doYMD, doYDM, doDYM, doMYD };
 

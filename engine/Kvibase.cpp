@@ -11,6 +11,7 @@ namespace {
 constexpr std::string_view CharacterSetNames[] = {"csiANSI_WINDOWS", "csiASCII_MSDOS"};
 constexpr std::string_view ModeNames[] = {"imAppend", "imUpdate", "imAppendUpdate", "imDelete", "imCopy"};
 constexpr std::string_view OptionNames[] = {"soShowMessage", "soExtendedStatistic"};
+constexpr std::string_view RunExtensionNames[] = {"rxRestoresControls", "rxTimedProgress", "rxNoNumberBoxes"};
 
 /// Data formats outlive their component: handlers and forms may keep reading them.
 TKvIDataFormats& NewDataFormats()
@@ -61,7 +62,8 @@ TPublishedProperties TKvImportBaseComponent::PublishedProperties() const
             PublishEvent("OnBeforeLoadSpecification"),
             PublishEvent("OnAfterLoadSpecification"),
             PublishEvent("OnBeforeSaveSpecification"),
-            PublishEvent("OnAfterSaveSpecification")};
+            PublishEvent("OnAfterSaveSpecification"),
+            Publish("RunExtensions", &T::RunExtensions, RunExtensionNames)};
 }
 
 void TKvImportBaseComponent::SetDataSet(TDataSet* Value)

@@ -85,6 +85,7 @@ public:
     TKvIOptions Options{soShowMessage, soExtendedStatistic};
     std::string TitleStatus = "Importing...";       ///< Caption of the progress dialog.
     TKvIStatistic Statistic;
+    TKvIRunExtensions RunExtensions;                ///< Of every source; what concerns one has its own set.
 
     TErrorEvent OnErrorEvent;
     TGetCellParamsEvent OnGetCellParams;
@@ -265,6 +266,7 @@ private:
     void CheckRequired();
     std::string Run();                              // the guarded part of Execute; the final message
     void ShowOutcome(const std::string& Outcome);
+    void Release();
     void WriteCommon(TIniFile& File, const std::string& SpecName) const;
     void ReadCommon(const TIniFile& File);
     void WriteLayout(TIniFile& File) const;
@@ -275,6 +277,7 @@ private:
     void EmptyDataSet();
     bool IsCanceled() const;
     void ImportRecords();
+    void ShowProgress() const;
     void StoreRecord();
     void RecordDone(TKvIFate Fate);
     bool TellFailed(const Exception& Error);
@@ -311,6 +314,8 @@ private:
     bool InRecord = false;                          // it was read, and its fate is open
     bool Counting = false;                          // the counters are those of this run
     bool HasDialog = false;                         // this run has opened the progress dialog
+    bool HasSource = false;                         // BeforeImport was called, AfterImport not yet
+    bool HasControls = false;                       // of the destination, disabled
     std::int64_t LookedAt = 0;                      // rows of a look, up to the current one
 };
 

@@ -37,15 +37,22 @@ std::string_view TextOf(const TVariant& Value, std::string& Storage)
     return Storage;
 }
 
+/// How values are to be read.
+struct TReading
+{
+    const TKvIDataFormats& Formats;
+    TKvIRunExtensions Extensions;
+};
+
 // Each turns `Value` into one of its kind or, where it has no meaning in it, leaves it as it is.
 
-void ParseBoolean(TVariant& Value, const TKvIDataFormats& Formats)
+void ParseBoolean(TVariant& Value, const TReading& Reading)
 {
     std::string Storage;
     const auto Text = TextOf(Value, Storage);
-    if (Text == Formats.BooleanTrue)
+    if (Text == Reading.Formats.BooleanTrue)
         Value = true;
-    else if (Text == Formats.BooleanFalse)
+    else if (Text == Reading.Formats.BooleanFalse)
         Value = false;
 }
 
@@ -59,31 +66,31 @@ std::string_view WithoutSeparator(std::string_view Text, char Separator, std::st
     return Storage;
 }
 
-void ParseFloat(TVariant& Value, const TKvIDataFormats& Formats)
+void ParseFloat(TVariant& Value, const TReading& Reading)
 {
     if (Value.Kind() == vkInteger || Value.Kind() == vkDouble || Value.Kind() == vkCurrency)
         return;                                     // its text would only lose digits
-    const TSeparatorInForce Decimal(FormatSettings().DecimalSeparator, Formats.DecimalSeparator);
+    const TSeparatorInForce Decimal(FormatSettings().DecimalSeparator, Reading.Formats.DecimalSeparator);
     std::string Whole, Digits;
-    const auto Text = WithoutSeparator(TextOf(Value, Whole), Formats.ThousandSeparator, Digits);
+    const auto Text = WithoutSeparator(TextOf(Value, Whole), Reading.Formats.ThousandSeparator, Digits);
     if (const auto Number = TryTextToFloat(Text))
         Value = *Number;
-    else
+    else if (!Reading.Extensions.Contains(rxNoNumberBoxes))
         UserInterface().ShowMessage(mkError, "'" + std::string(Text) + "' is not a valid floating point value");
 }
 
-void ParseDateTime(TVariant& Value, const TKvIDataFormats& Formats)
+void ParseDateTime(TVariant& Value, const TReading& Reading)
 {
     if (Value.Kind() == vkDateTime)
         return;
-    const TSeparatorInForce Date(FormatSettings().DateSeparator, Formats.DateSeparator);
-    const TSeparatorInForce Time(FormatSettings().TimeSeparator, Formats.TimeSeparator);
+    const TSeparatorInForce Date(FormatSettings().DateSeparator, Reading.Formats.DateSeparator);
+    const TSeparatorInForce Time(FormatSettings().TimeSeparator, Reading.Formats.TimeSeparator);
     std::string Storage;
     if (const auto Point = TryTextToDateTime(TextOf(Value, Storage)))
         Value = *Point;
 }
 
-using TParse = void (*)(TVariant& Value, const TKvIDataFormats& Formats);
+using TParse = void (*)(TVariant& Value, const TReading& Reading);
 
 /// How a value gets the kind of a field's type. None for texts and bytes, which stay as they are, and for
 /// integers, on which the field's assignment decides.
@@ -119,7 +126,7 @@ TVariant TKvImportBaseComponent::GetParsedValue(const TVariant& Source, int Fiel
     if (Value.IsBlank())
         Value = Null;
     else if (const auto Parse = FieldIndex >= 0 ? ParserFor(FDataSet->Fields(FieldIndex).DataType()) : nullptr)
-        Parse(Value, DataFormats);
+        Parse(Value, {.Formats = DataFormats, .Extensions = RunExtensions});
     return Value;
 }
 

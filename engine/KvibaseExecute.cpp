@@ -77,6 +77,7 @@ TKvImportBaseComponent::TActive::TActive(TKvImportBaseComponent& Busy, TActivity
         throw Exception(FormatText(MsgBusy, {Component.ClassName(), Operation, Goes}));
     Component.Activity = Activity;
     Component.Canceled = Component.InRecord = Component.Counting = false;
+    Component.HasSource = Component.HasControls = false;
 }
 
 TKvImportBaseComponent::TActive::~TActive()
@@ -174,6 +175,17 @@ void TKvImportBaseComponent::EndByError(const Exception& Error)
     });
     if (!Counting)
         Statistic.Reset();                          // the figures are still those of the run before
+    if (RunExtensions.Contains(rxRestoresControls))
+        Release();
+}
+
+/// What a run that is executed does at its end.
+void TKvImportBaseComponent::Release()
+{
+    if (HasControls && FDataSet)
+        Quietly([this] { FDataSet->EnableControls(); });
+    if (HasSource)
+        Quietly([this] { AfterImport(); });
 }
 
 /// A handler may have changed AnimatedStatus since: a dialog that was opened is closed nonetheless.

@@ -5,6 +5,8 @@
 #include <cstdint>
 
 #include "KvBulkRun.h"
+#include "KvUserInterface.h"
+#include "KviPace.h"
 #include "Kvistat.h"
 
 namespace kv {
@@ -63,10 +65,37 @@ private:
     TDataSet& DataSet;
 };
 
+/// When the progress dialog is to be refreshed: asked before each record.
+class TRefreshing
+{
+public:
+    TRefreshing(TKvIRunExtensions Extensions, const TKvIStatistic& Figures)
+        : ByTime(Extensions.Contains(rxTimedProgress)), Statistic(Figures)
+    {
+    }
+
+    bool IsByTime() const { return ByTime; }
+    bool IsDue() { return ByTime ? Pace.IsDue() : IsStepDone(); }
+
+private:
+    bool IsStepDone()
+    {
+        const bool Done = Statistic.UpdateStep <= Records;
+        Records = Done ? 1 : Records + 1;
+        return Done;
+    }
+
+    const bool ByTime;
+    const TKvIStatistic& Statistic;
+    TKvIPace Pace;
+    int Records = 0;                                // since the last refresh
+};
+
 } // namespace
 
 void TKvImportBaseComponent::Prepare()
 {
+    HasSource = true;
     BeforeImport();
     BuildFieldMapping();
     BuildArrayIntersection();
@@ -74,6 +103,7 @@ void TKvImportBaseComponent::Prepare()
     if (Observer && GoesOn)
         Observer->SourceOpened();
     FDataSet->DisableControls();
+    HasControls = true;
     if (Mode == imCopy && GoesOn)
         EmptyDataSet();
     GoFirst();
@@ -92,15 +122,22 @@ void TKvImportBaseComponent::Prepare()
         ImportRecords();
     }
     FDataSet->First();
+    HasControls = false;
     FDataSet->EnableControls();
+    HasSource = false;
     AfterImport();
 }
 
 void TKvImportBaseComponent::EmptyDataSet()
 {
     FDataSet->First();
+    TKvIPace Pace;
     std::int64_t Count = 0;
-    for (; !FDataSet->Eof() && !IsCanceled(); ++Count) {
+    for (; !FDataSet->Eof(); ++Count) {
+        if (AnimatedStatus && Pace.IsDue())
+            UserInterface().ProcessMessages();
+        if (IsCanceled())
+            break;
         FDataSet->Delete();
         ++Statistic.TotalDeleted;
     }
@@ -110,18 +147,13 @@ void TKvImportBaseComponent::EmptyDataSet()
 
 void TKvImportBaseComponent::ImportRecords()
 {
-    auto& S = Statistic;
-    int SinceRefresh = 0;
+    TRefreshing Refreshing(RunExtensions, Statistic);
     while (!Aborted && !IsCanceled() && NeedMore()) {
-        if (AnimatedStatus && S.UpdateStep <= SinceRefresh) {
-            UpdateProgressDlg(MsgImporting, S.TotalImported, S.TotalErrors, S.TotalAdded, S.TotalDeleted,
-                              S.TotalUpdated);
-            SinceRefresh = 0;
-        }
-        ++SinceRefresh;
-        ++S.TotalImported;
-        FDataSet->RecordTag = S.TotalImported;
-        S.LastAction = iaUnknown;
+        if (AnimatedStatus && Refreshing.IsDue())
+            ShowProgress();
+        ++Statistic.TotalImported;
+        FDataSet->RecordTag = Statistic.TotalImported;
+        Statistic.LastAction = iaUnknown;
         InRecord = true;
         if (LoadRecord())
             StoreRecord();
@@ -132,6 +164,14 @@ void TKvImportBaseComponent::ImportRecords()
             OnAfterRecordEvent(*this, Aborted);
         GoNext();
     }
+    if (AnimatedStatus && Refreshing.IsByTime())
+        ShowProgress();
+}
+
+void TKvImportBaseComponent::ShowProgress() const
+{
+    const auto& S = Statistic;
+    UpdateProgressDlg(MsgImporting, S.TotalImported, S.TotalErrors, S.TotalAdded, S.TotalDeleted, S.TotalUpdated);
 }
 
 void TKvImportBaseComponent::StoreRecord()

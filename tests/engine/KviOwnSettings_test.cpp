@@ -30,6 +30,21 @@ public:
     std::string TableName;
 };
 
+/// A component with rules of its own and of all.
+class TRuledSource : public TPersistent
+{
+public:
+    std::string_view ClassName() const override { return "TRuledSource"; }
+    TPublishedProperties PublishedProperties() const override
+    {
+        static constexpr std::string_view RunNames[] = {"rxCommon", "rxGeneral"};
+        using T = TRuledSource;
+        return {Publish("Extensions", &T::Extensions, RuleNames), Publish("RunExtensions", &T::RunExtensions, RunNames)};
+    }
+
+    TRules Extensions, RunExtensions;
+};
+
 /// A component that only names a table.
 class TTableSource : public TPersistent
 {
@@ -81,6 +96,20 @@ TEST_F(KviOwnSettings, ElementsOfTheSetAreKeysWithoutTheirPrefix)
 {
     Source.Extensions = {ruThird, ruFirst};
     EXPECT_EQ(Written(Source), "[Extensions]\r\nFirst=1\r\nThird=1\r\n");
+}
+
+TEST_F(KviOwnSettings, RulesOfAllSourcesStandBesideThoseOfOne)
+{
+    TRuledSource Ruled;
+    Ruled.RunExtensions = {ruSecond};
+    EXPECT_EQ(Written(Ruled), "[Extensions]\r\nGeneral=1\r\n");
+    Ruled.Extensions = {ruFirst};
+    EXPECT_EQ(Written(Ruled, "[Extensions]\nCommon=1\n"), "[Extensions]\nCommon=0\nFirst=1\nGeneral=1\n");
+    Read("[Extensions]\nCommon=1\nThird=1\n", Ruled);
+    EXPECT_EQ(Ruled.Extensions, TRules{ruThird});
+    EXPECT_EQ(Ruled.RunExtensions, TRules{ruFirst});
+    Read("[Extensions]\nThird=1\n", Ruled);         // as files are that know of none
+    EXPECT_TRUE(Ruled.RunExtensions.IsEmpty());
 }
 
 TEST_F(KviOwnSettings, TheSheetAndTheTableAreWrittenWhenTheyAreNamed)

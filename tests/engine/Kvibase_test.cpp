@@ -86,7 +86,7 @@ TEST_F(Kvibase, PublishesItsPropertiesInDeclarationOrder)
         "About", "AnimatedStatus", "CharacterSet", "DataFormats", "DataSet", "DatasetKeys", "Mappings", "Mode",
         "Options", "TitleStatus", "Statistic", "OnErrorEvent", "OnGetCellParams", "OnBeforeExecute", "OnAfterExecute",
         "OnBeforeRecordEvent", "OnAfterRecordEvent", "OnBeforeUpdate", "OnBeforeLoadSpecification",
-        "OnAfterLoadSpecification", "OnBeforeSaveSpecification", "OnAfterSaveSpecification"));
+        "OnAfterLoadSpecification", "OnBeforeSaveSpecification", "OnAfterSaveSpecification", "RunExtensions"));
 }
 
 TEST_F(Kvibase, PropertiesAreSetByTheirNames)

@@ -1,8 +1,11 @@
 #include "KvSourceFactory.h"
 
+#include <set>
+
 #include "KvException.h"
 #include "KvProperties.h"
 #include "KvTempFolder.h"
+#include "KvText.h"
 #include "Kvi2ds.h"
 #include "KviTableType.h"
 
@@ -95,6 +98,20 @@ TEST_P(KvSourceFactoryMakes, ComponentsThatAreLoadedAsTheyWereSaved)
 TEST_P(KvSourceFactoryMakes, ComponentsThatWriteNoExtensionsByThemselves)
 {
     EXPECT_THAT(Saved(*CreateImport(GetParam().TableType)), testing::Not(HasSubstr("[Extensions]")));
+}
+
+TEST_P(KvSourceFactoryMakes, ComponentsWhoseSettingsBeyondTheUsualOnesHaveKeysOfTheirOwn)
+{
+    const auto Properties = CreateImport(GetParam().TableType)->PublishedProperties();
+    std::multiset<std::string> Keys;
+    for (const auto& Property : Properties)
+        if (Property.Kind == pkSet && Property.Name.ends_with("Extensions"))
+            for (const auto Name : Property.Names)
+                Keys.insert(UpperCase(Name.substr(2)));
+    for (const auto& Key : Keys) {
+        EXPECT_EQ(Keys.count(Key), 1u) << Key;
+        EXPECT_EQ(FindProperty(Properties, Key), nullptr) << Key;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(, KvSourceFactoryMakes, testing::Values(
