@@ -44,6 +44,7 @@ void ReadStream(TAccessReader& Reader)
         case amCount:   ReadAccessCount(Message.Body); break;
         case amRecords: ReadRecords(Message.Body, Fields, Records); break;
         case amError:
+        case amDamage:
         case amEnd:     return;
         }
     }

@@ -29,7 +29,7 @@ std::unique_ptr<TAccessEngine> CreateAccessEngine(const std::string& ClassName)
 {
     const auto Found = Classes().find(ClassName);
     if (Found == Classes().end())
-        throw EDatabaseError("There is no automation class " + ClassName);
+        throw EDatabaseError("There is no automation class " + ClassName, {.Rule = erMissing});
     return Found->second();
 }
 

@@ -59,6 +59,9 @@ class TAccessEngine
 public:
     virtual ~TAccessEngine() = default;
 
+    /// `Continue` is asked now and then while the databases that are opened next, and their recordsets, keep
+    /// somebody waiting; false gives up, which raises EDatabaseError with the rule erCancelled.
+    virtual void SetContinue(std::function<bool()> Continue) { static_cast<void>(Continue); }
     /// Opens for reading. Raises EDatabaseError when it is no Access database or cannot be read.
     virtual std::unique_ptr<TAccessDatabase> OpenDatabase(const std::string& FileName) = 0;
 };

@@ -1,6 +1,8 @@
 #include "KvAccessEngine.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdlib>
 #include <limits>
 #include <optional>
 #include <utility>
@@ -25,13 +27,15 @@ public:
     {
     }
 
-    /// The next message, which is no amError.
+    /// The next message, which is no error.
     TAccessMessage Next()
     {
         return Named([this] {
             const auto Message = Reader.Next();
             if (Message.Kind == amError)
                 throw EDatabaseError(Utf8ToAnsi(Message.Body));
+            if (Message.Kind == amDamage)
+                throw EDatabaseError(Utf8ToAnsi(Message.Body), {.Rule = erFormat});
             return Message;
         });
     }
@@ -43,7 +47,9 @@ public:
             return Work();
         }
         catch (const Exception& Error) {
-            throw EDatabaseError(FileName + ": " + Error.Message);
+            auto Facts = Error.Facts;
+            Facts.FileName = FileName;
+            throw EDatabaseError(FileName + ": " + Error.Message, std::move(Facts));
         }
     }
 
@@ -88,8 +94,16 @@ public:
     TVariant Value(int Index) override
     {
         if (AtEnd)
-            throw EDatabaseError(FileName + ": no current record in table " + TableName);
-        return Stream->Named([this, Index] { return Records.Value(static_cast<std::size_t>(Index)); });
+            throw EDatabaseError(FileName + ": no current record in table " + TableName,
+                                 {.FileName = FileName, .Rule = erMissing});
+        try {
+            return Stream->Named([this, Index] { return Records.Value(static_cast<std::size_t>(Index)); });
+        }
+        catch (EDatabaseError& Error) {
+            Error.Facts.Field = FFields[static_cast<std::size_t>(Index)].Name;
+            Error.Facts.Place = Place();
+            throw;
+        }
     }
     void Close() override
     {
@@ -116,12 +130,25 @@ private:
         Counted = Stream->Named([&Message] { return ReadAccessCount(Message.Body); });
         Records = {};
         Records.SetFieldCount(FFields.size());
+        Number = 0;
         Step();
         AtFirst = true;
     }
 
-    /// An error leaves no current record: its bytes are gone with the message before.
     void Step()
+    {
+        ++Number;                                   // errors are about the record that is looked for
+        try {
+            Find();
+        }
+        catch (EDatabaseError& Error) {
+            Error.Facts.Place = Place();
+            throw;
+        }
+    }
+
+    /// An error leaves no current record: its bytes are gone with the message before.
+    void Find()
     {
         AtEnd = true;
         while (!Stream->Named([this] { return Records.Next(); })) {
@@ -135,6 +162,8 @@ private:
         AtEnd = false;
     }
 
+    std::string Place() const { return "record " + std::to_string(Number); }
+
     static std::string ToUtf8(const std::string& Text)
     {
         std::string Buffer;
@@ -147,6 +176,7 @@ private:
     std::vector<TAccessField> FFields;
     std::uint32_t Counted = 0;
     TAccessRecords Records;                         // of the last message
+    std::int64_t Number = 0;                        // of the current record, from 1
     bool AtFirst = false, AtEnd = true;
 };
 
@@ -169,7 +199,9 @@ public:
     std::unique_ptr<TAccessRecordset> OpenRecordset(const std::string& TableName, int Type, int, int) override
     {
         if (Type != AccessTableRecordset)
-            throw EDatabaseError(FileName + ": a recordset of type " + std::to_string(Type) + " cannot be opened");
+            throw EDatabaseError(
+                FileName + ": a recordset of type " + std::to_string(Type) + " cannot be opened",
+                {.FileName = FileName});
         return std::make_unique<THelperRecordset>(Options, FileName, TableName);
     }
     void Close() override {}
@@ -185,13 +217,14 @@ class THelperEngine final : public TAccessEngine
 public:
     explicit THelperEngine(TAccessHelperOptions TheOptions) : Options(std::move(TheOptions)) {}
 
+    void SetContinue(std::function<bool()> Value) override { Options.Continue = std::move(Value); }
     std::unique_ptr<TAccessDatabase> OpenDatabase(const std::string& FileName) override
     {
         return std::make_unique<THelperDatabase>(Options, FileName);
     }
 
 private:
-    const TAccessHelperOptions Options;
+    TAccessHelperOptions Options;
 };
 
 } // namespace

@@ -26,6 +26,7 @@ constexpr char HelperName[] = "kvaccess";
 constexpr char HelperVariable[] = "KV_ACCESS_HELPER";
 constexpr int PipeSize = 1 << 20;                   // lets the program read ahead while records are stored
 constexpr int CannotRun = 127;                      // exit status of what could not be started
+constexpr std::chrono::milliseconds PollTime(100);  // between two looks at the Cancel button
 
 std::string SystemWord(int Code)
 {
@@ -99,7 +100,8 @@ std::string FindAccessHelper(const std::string& ProgramFolder)
         if (IsProgram(Named))
             return Named;
         throw EDatabaseError(std::string(Named) + ", which " + HelperVariable +
-                             " names as the reader of Access databases, is not a program");
+                                 " names as the reader of Access databases, is not a program",
+                             {.FileName = Named, .Rule = erMissing});
     }
     auto File = ProgramFolder + HelperName;
     if (!ProgramFolder.empty() && IsProgram(File))
@@ -108,13 +110,15 @@ std::string FindAccessHelper(const std::string& ProgramFolder)
     File = SearchIn(Path ? Path : "");
     if (File.empty())
         throw EDatabaseError("The reader of Access databases is missing: there is no program kvaccess " +
-                             (ProgramFolder.empty() ? "" : "in " + ProgramFolder + " or ") +
-                             "on PATH; it is built where mdbtools is installed (Debian package mdbtools-dev)");
+                                 (ProgramFolder.empty() ? "" : "in " + ProgramFolder + " or ") +
+                                 "on PATH; it is built where mdbtools is installed (Debian package "
+                                 "mdbtools-dev)",
+                             {.Rule = erMissing});
     return File;
 }
 
 TAccessHelper::TAccessHelper(const TAccessHelperOptions& Options, const std::vector<std::string>& Arguments)
-    : Patience(Options.Patience)
+    : Patience(Options.Patience), Continue(Options.Continue)
 {
     std::vector<char*> Words{const_cast<char*>(Options.Program.c_str())};
     for (const auto& Argument : Arguments)
@@ -166,15 +170,25 @@ void TAccessHelper::WaitForOutput()
     const auto Deadline = TClock::now() + Patience;
     for (;;) {
         const auto Left = std::chrono::ceil<std::chrono::milliseconds>(Deadline - TClock::now());
+        const auto Wait = std::clamp<std::chrono::milliseconds>(Left, {}, Continue ? PollTime : Patience);
         pollfd Waited{.fd = Output, .events = POLLIN, .revents = 0};
-        const int Ready = ::poll(&Waited, 1, static_cast<int>(std::max<long long>(Left.count(), 0)));
+        const int Ready = ::poll(&Waited, 1, static_cast<int>(Wait.count()));
         if (Ready > 0 || (Ready < 0 && errno != EINTR))
             return;                                 // read() tells what is wrong
-        if (Ready == 0) {
+        AskWhetherToGoOn();
+        if (Ready == 0 && Left <= Wait) {
             Stop();
             RaiseStopped("it made no progress for " + std::to_string(Patience.count() / 1000) + " s");
         }
     }
+}
+
+void TAccessHelper::AskWhetherToGoOn()
+{
+    if (!Continue || Continue())
+        return;
+    Stop();
+    throw EDatabaseError("reading was canceled by user", {.Rule = erCancelled});
 }
 
 /// How the program ended, as waitpid has it; 0 when somebody else has asked for it before.

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,8 @@ struct TAccessHelperOptions
     std::string Program;                            ///< The file to run.
     /// How long it may keep silent while somebody waits for it. Damage makes the library run in circles.
     std::chrono::milliseconds Patience = std::chrono::seconds(30);
+    /// Asked about ten times a second while somebody waits for it; false gives up. None: nobody is asked.
+    std::function<bool()> Continue = {};
 };
 
 /// The file of kvaccess: the one that environment variable KV_ACCESS_HELPER names, else the one in
@@ -34,16 +37,19 @@ public:
     ~TAccessHelper();
 
     /// Waits for output, stores up to `Size` bytes of it and tells how many; 0 after the program ended well.
-    /// Raises EDatabaseError when it ended otherwise or kept silent for too long, and says how.
+    /// Raises EDatabaseError when it ended otherwise or kept silent for too long, and says how; with the rule
+    /// erCancelled when the options' Continue said no.
     std::size_t Receive(char* Bytes, std::size_t Size);
 
 private:
     void WaitForOutput();
+    void AskWhetherToGoOn();
     void CheckExit();
     int Reap();
     void Stop();
 
     const std::chrono::milliseconds Patience;
+    const std::function<bool()> Continue;
     pid_t Process = -1;                             // -1: has ended
     int Output = -1;                                // our end of the pipe
 };

@@ -3,13 +3,14 @@
 // The reader is a program of its own, so that a damaged database can neither crash nor exhaust the one
 // that imports. It gets its task as arguments and answers with one stream:
 //
-//   stream    := "KVAC"  version:u8  message*        the last message is amEnd or amError
+//   stream    := "KVAC"  version:u8  message*        the last message is amEnd, amError or amDamage
 //   message   := size:u32le  kind:u8  body:u8[size]
 //   amTable   := flags:u8  name:u8[]                 one a table; see TAccessTableFlag
 //   amField   := type:u8  size:u32le  precision:u8  scale:u8  name:u8[]   one a field, in order
 //   amCount   := records:u32le                       what the definition of the table counts
 //   amRecords := count:u32le  value[fields * count]  after amCount, as often as there are records left
 //   amError   := message:u8[]
+//   amDamage  := message:u8[]                        an error in the bytes of the database
 //   amEnd     :=
 //   value     := tag:u8  what TAccessTag says
 //
@@ -25,7 +26,7 @@ namespace kv {
 inline constexpr std::string_view AccessMagic = "KVAC";
 inline constexpr std::uint8_t AccessVersion = 1;
 
-enum TAccessMessageKind : std::uint8_t { amTable = 1, amField, amCount, amRecords, amError, amEnd };
+enum TAccessMessageKind : std::uint8_t { amTable = 1, amField, amCount, amRecords, amError, amEnd, amDamage };
 
 /// How a value follows its tag; numbers low byte first.
 enum TAccessTag : std::uint8_t {

@@ -77,7 +77,7 @@ TAccessMessage TAccessReader::Next()
     const auto Kind = static_cast<TAccessMessageKind>(Header.Take<std::uint8_t>());
     if (Size > TAccessBounds::MaxMessageSize)
         RaiseNotUnderstood("a message of " + std::to_string(Size) + " bytes");
-    if (Kind < amTable || Kind > amEnd)
+    if (Kind < amTable || Kind > amDamage)
         RaiseNotUnderstood("a message of kind " + std::to_string(Kind));
     return {Kind, Take(Size)};
 }
@@ -184,7 +184,7 @@ TVariant TAccessRecords::Value(std::size_t Field) const
     case atBytes:    return TVariant::Borrow(Bytes());
     case atRefused:  break;
     }
-    throw EDatabaseError(std::string(Bytes()));
+    throw EDatabaseError(std::string(Bytes()), {.Rule = erFormat});
 }
 
 } // namespace kv

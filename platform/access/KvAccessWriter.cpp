@@ -72,6 +72,12 @@ void TAccessWriter::Error(std::string_view Text)
     Message(amError, Text);
 }
 
+void TAccessWriter::Damage(std::string_view Text)
+{
+    DropRecord();
+    Message(amDamage, Text);
+}
+
 void TAccessWriter::End()
 {
     Message(amEnd, {});

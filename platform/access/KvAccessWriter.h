@@ -26,6 +26,7 @@ public:
     void Field(const TAccessField& Field);
     void Count(std::uint32_t Records);
     void Error(std::string_view Message);
+    void Damage(std::string_view Message);
     void End();
 
     // The values of a record, one a field, then EndRecord.

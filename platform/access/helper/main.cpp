@@ -81,6 +81,9 @@ void Answer(int Count, char** Arguments)
             WriteTables(Arguments[2], Writer);
         Writer.End();
     }
+    catch (const EFormatError& Error) {
+        Writer.Damage(Error.Message);
+    }
     catch (const Exception& Error) {
         Writer.Error(Error.Message);
     }

@@ -113,6 +113,35 @@ TEST_F(KvAccessHelper, EndsOneThatKeepsSilent)
     EXPECT_LT(std::chrono::steady_clock::now() - Begun, 20s);
 }
 
+TEST_F(KvAccessHelper, EndsOneThatNobodyWaitsForAnyMore)
+{
+    int Asked = 0;
+    const auto Begun = std::chrono::steady_clock::now();
+    const auto Program = Script("printf begun; exec sleep 60");
+    TAccessHelper Helper({.Program = Program, .Continue = [&] { return ++Asked < 3; }}, {});
+    char Bytes[100];
+    EXPECT_EQ(Helper.Receive(Bytes, sizeof Bytes), 5);
+    try {
+        Helper.Receive(Bytes, sizeof Bytes);
+        FAIL() << "nothing was raised";
+    }
+    catch (const EDatabaseError& Error) {
+        EXPECT_EQ(Error.Message, "reading was canceled by user");
+        EXPECT_EQ(Error.Facts.Rule, erCancelled);
+    }
+    EXPECT_EQ(Asked, 3);
+    EXPECT_LT(std::chrono::steady_clock::now() - Begun, 20s);
+}
+
+TEST_F(KvAccessHelper, PatienceEndsForWhoIsAskedToo)
+{
+    const auto Program = Script("exec sleep 60");
+    TAccessHelper Helper({.Program = Program, .Patience = 300ms, .Continue = [] { return true; }}, {});
+    char Byte;
+    EXPECT_EQ(MessageOf([&] { Helper.Receive(&Byte, 1); }),
+              "the reader of Access databases stopped: it made no progress for 0 s");
+}
+
 TEST_F(KvAccessHelper, WaitsForOneThatGoesOn)
 {
     EXPECT_EQ(Run("for I in 1 2 3 4; do sleep 0.4; printf $I; done", 1500ms), "1234");

@@ -44,6 +44,7 @@ std::vector<std::string> ReadAll(const std::string& Stream, std::size_t Piece = 
         case amField:  Found.push_back("field " + ReadAccessField(Message.Body).Name); ++Fields; break;
         case amCount:  Found.push_back("count " + std::to_string(ReadAccessCount(Message.Body))); break;
         case amError:  Found.push_back("error " + std::string(Message.Body)); return Found;
+        case amDamage: Found.push_back("damage " + std::string(Message.Body)); return Found;
         case amEnd:    Found.push_back("end"); return Found;
         case amRecords:
             Records.SetFieldCount(Fields);

@@ -29,6 +29,17 @@ template <class TAction> std::string MessageOf(TAction Action)
     return "";
 }
 
+template <class TAction> TKvErrorFacts FactsOf(TAction Action)
+{
+    try {
+        Action();
+    }
+    catch (const Exception& Error) {
+        return Error.Facts;
+    }
+    return {.Place = "nothing was raised"};
+}
+
 /// A database "shop.mdb" with the table Orders of three records, read by a script.
 class KvAccess : public testing::Test
 {
@@ -210,6 +221,41 @@ TEST_F(KvAccess, AHangIsAnErrorOfTheDatabase)
     Script.Afterwards("exec sleep 60");
     EXPECT_EQ(MessageOf([&] { Open(1s); }),
               "shop.mdb: the reader of Access databases stopped: it made no progress for 1 s");
+}
+
+TEST_F(KvAccess, AHangIsGivenUpWhenTheUserCancels)
+{
+    Script.Answer("tables", "KVAC\1");
+    Script.Afterwards("exec sleep 60");
+    const auto Engine = MakeAccessEngine({Script.Program()});
+    Engine->SetContinue([] { return false; });
+    const auto Facts = FactsOf([&] { Engine->OpenDatabase("shop.mdb"); });
+    EXPECT_EQ(Facts.Rule, erCancelled);
+    EXPECT_EQ(Facts.FileName, "shop.mdb");
+}
+
+TEST_F(KvAccess, DamageSaysWhichRecordAndWhichFieldAsFacts)
+{
+    const auto Answer = [](TAccessWriter& Writer) {
+        Writer.Field({.Name = "NOTE", .Type = afMemo});
+        Writer.Count(2);
+        Writer.Refused("record 1 of table Notes, field NOTE: its value is damaged: not all of it is there");
+        Writer.EndRecord();
+        Writer.Damage("record 2 of table Notes is damaged: it cannot be taken apart");
+    };
+    Script.Table("Notes", {}, 0, [](auto&) {});
+    Script.Answer("records.Notes", AccessStream(Answer));
+    const auto Records = OpenTable("Notes");
+    const auto OfValue = FactsOf([&] { Records->Value(0); });
+    EXPECT_EQ(OfValue.FileName, "shop.mdb");
+    EXPECT_EQ(OfValue.Place, "record 1");
+    EXPECT_EQ(OfValue.Field, "NOTE");
+    EXPECT_EQ(OfValue.Rule, erFormat);
+    const auto OfRecord = FactsOf([&] { Records->MoveNext(); });
+    EXPECT_EQ(OfRecord.FileName, "shop.mdb");
+    EXPECT_EQ(OfRecord.Place, "record 2");
+    EXPECT_EQ(OfRecord.Field, "");
+    EXPECT_EQ(OfRecord.Rule, erFormat);
 }
 
 TEST_F(KvAccess, AnAnswerThatIsCutOffIsAnError)
