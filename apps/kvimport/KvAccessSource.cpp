@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "KvAccessSession.h"
 #include "KvDisplayText.h"
 #include "KvException.h"
 #include "KvExitStatus.h"

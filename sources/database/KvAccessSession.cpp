@@ -31,16 +31,38 @@ TKvAccessSession::~TKvAccessSession()
     }
 }
 
-void TKvAccessSession::Open(const std::string& TableName, const std::string& FileName)
+void TKvAccessSession::Open(const std::string& TableName, const std::string& FileName,
+                            const std::function<bool()>& Continue)
 {
     Close(true);
     FEngine = NewEngine();
+    FEngine->SetContinue(Continue);
     FDatabase = FEngine->OpenDatabase(FileName);
-    if (!TableName.empty())
-        FRecordset = FDatabase->OpenRecordset(TableName, AccessTableRecordset, AccessNoOptions,
-                                              AccessPessimistic);
-    FTableName = TableName;
     FFileName = FileName;
+    if (!TableName.empty())
+        OpenRecordset(TableName);
+}
+
+void TKvAccessSession::OpenOrKeep(const std::string& TableName, const std::string& FileName,
+                                  const std::function<bool()>& Continue)
+{
+    if (!IsOpen() || FileName != FFileName)
+        Open(TableName, FileName, Continue);
+    else if (!TableName.empty() && !Holds(TableName, FileName))
+        OpenRecordset(TableName);
+}
+
+void TKvAccessSession::OpenRecordset(const std::string& TableName)
+{
+    if (const auto Before = std::move(FRecordset))
+        Before->Close();
+    FRecordset = OpenTable(TableName);
+    FTableName = TableName;
+}
+
+std::unique_ptr<TAccessRecordset> TKvAccessSession::OpenTable(const std::string& TableName)
+{
+    return FDatabase->OpenRecordset(TableName, AccessTableRecordset, AccessNoOptions, AccessPessimistic);
 }
 
 void TKvAccessSession::Close(bool CloseRecordset)

@@ -2,8 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
-#include "KvFormatSettings.h"
+#include "KvAccessSession.h"
+#include "KvException.h"
 #include "KvPublish.h"
 #include "KvText.h"
 
@@ -14,7 +16,9 @@ namespace {
 constexpr std::string_view ExtensionNames[] = {"xaOpensForMapping", "xaSkipsToRowFirst"};
 
 constexpr char MsgNotSpecified[] = "Property %s wasn't specified.";
+constexpr char MsgCancelled[] = ": reading was canceled by user";
 constexpr int PreviewRows = 20;
+constexpr int PollRecords = 4096;                   // between two looks at the Cancel button
 
 int FieldNamed(const TAccessRecordset& Recordset, std::string_view Name)
 {
@@ -24,10 +28,63 @@ int FieldNamed(const TAccessRecordset& Recordset, std::string_view Name)
     return -1;
 }
 
+/// The field of a dataset that holds such values.
+TFieldType FieldTypeOf(TAccessFieldType Type)
+{
+    switch (Type) {
+    case afBoolean:  return ftBoolean;
+    case afByte:
+    case afInteger:  return ftSmallint;
+    case afLong:
+    case afComplex:  return ftInteger;
+    case afCurrency: return ftCurrency;
+    case afSingle:
+    case afDouble:   return ftFloat;
+    case afDateTime: return ftDateTime;
+    case afBinary:   return ftVarBytes;
+    case afText:     return ftString;
+    case afOle:      return ftOle;
+    case afMemo:     return ftMemo;
+    case afGuid:     return ftGuid;
+    case afDecimal:  return ftBCD;
+    case afBigInt:   return ftLargeint;
+    }
+    return ftUnknown;
+}
+
+std::vector<TKvISourceColumn> ColumnsOf(const TAccessRecordset& Recordset)
+{
+    std::vector<TKvISourceColumn> Result;
+    for (const auto& Field : Recordset.Fields()) {
+        const bool HasSize = Field.Type == afText || Field.Type == afBinary;
+        Result.push_back({.Name = Field.Name,
+                          .Title = Field.Name,
+                          .DataType = FieldTypeOf(Field.Type),
+                          .Size = HasSize ? static_cast<int>(Field.Size) : 0,
+                          .TypeName = AccessTypeText(Field)});
+    }
+    return Result;
+}
+
+/// The import with what a preview needs of a look.
+struct TPreviewOfAccess final : TKvImportFromAccess
+{
+    using TKvImportFromAccess::FieldValue;
+    using TKvImportFromAccess::GoFirst;
+    using TKvImportFromAccess::GoNext;
+    using TKvImportFromAccess::NeedMore;
+    using TKvImportFromAccess::OpenForLook;
+    using TKvImportFromAccess::SourceColumns;
+};
+
 } // namespace
 
 TKvImportFromAccess::TKvImportFromAccess(TComponent* Owner)
-    : TKvImportFromFile(Owner, teAccess, Extension()) {}
+    : TKvImportFromFile(Owner, teAccess, Extension()), Session(std::make_unique<TKvAccessSession>())
+{
+}
+
+TKvImportFromAccess::~TKvImportFromAccess() = default;
 
 TPublishedProperties TKvImportFromAccess::PublishedProperties() const
 {
@@ -55,77 +112,210 @@ bool TKvImportFromAccess::NotDefined(std::string& PropName)
 /// The lines name fields as the table writes them: that is how a run finds them.
 void TKvImportFromAccess::DetectAutoMapping()
 {
+    EndLook();                                      // what a look has opened is no help to a run
     const bool Opens = Extensions.Contains(xaOpensForMapping);
     if (Opens)
-        Session.Open(TableName, SourceFileName);
-    else if (!Session.Holds(TableName, SourceFileName)) // a failed run may have left it open
+        Session->Open(TableName, SourceFileName, Continue());
+    else if (!Session->Holds(TableName, SourceFileName)) // a failed run may have left it open
         throw Exception(SourceFileName + ": table " + TableName +
-                        " is not open yet, so that its fields are not known; mappings are needed");
+                            " is not open yet, so that its fields are not known; mappings are needed",
+                        {.FileName = SourceFileName});
     for (int I = 0; I < GetDataSet()->FieldCount(); ++I) {
         const auto& FieldName = GetDataSet()->Fields(I).FieldName();
-        for (const auto& Field : Session.Recordset()->Fields())
+        for (const auto& Field : Session->Recordset()->Fields())
             if (Opens ? SameText(Field.Name, FieldName) : Field.Name == FieldName)
                 Mappings().Add(FieldName + "=" + Field.Name);
     }
     if (Opens)
-        Session.Close(true);
+        Session->Close(true);
     if (Mappings().IsEmpty())
         throw Exception(SourceFileName + ": no field of table " + TableName +
-                        " has the name of a field of the destination");
+                            " has the name of a field of the destination",
+                        {.FileName = SourceFileName});
+}
+
+// The run.
+
+/// A run that is cancelled while the database keeps it waiting has no more records.
+template <class TAct> void TKvImportFromAccess::UnlessCancelled(TAct Act)
+{
+    try {
+        Act();
+    }
+    catch (const EDatabaseError& Error) {
+        if (IsLooking() || Error.Facts.Rule != erCancelled)
+            throw;
+        Session->Close(true);
+    }
+}
+
+std::function<bool()> TKvImportFromAccess::Continue() const
+{
+    return [this] { return KeepsRunning(); };
 }
 
 void TKvImportFromAccess::BeforeImport()
 {
     Columns.Clear();
-    Session.Open(TableName, SourceFileName);
+    IsForLook = false;
+    UnlessCancelled([this] { Session->Open(TableName, SourceFileName, Continue()); });
 }
 
 void TKvImportFromAccess::AfterImport()
 {
-    Session.Close(true);
+    Session->Close(true);
 }
 
 void TKvImportFromAccess::GoFirst()
 {
     CurrentRow = 0;
-    auto& Recordset = *Session.Recordset();
-    Recordset.MoveFirst();
-    if (Extensions.Contains(xaSkipsToRowFirst))
-        for (int Number = 1; Number < RowFirst && !Recordset.Eof(); ++Number)
-            Recordset.MoveNext();
+    auto* const Recordset = Session->Recordset();
+    if (!Recordset)
+        return;                                     // cancelled
+    const int First = Extensions.Contains(xaSkipsToRowFirst) ? RowFirst : 1;
+    UnlessCancelled([this, Recordset, First] {
+        Recordset->MoveFirst();
+        for (int Number = 1; Number < First && !Recordset->Eof(); ++Number) {
+            Recordset->MoveNext();
+            if (Number % PollRecords == 0 && !KeepsRunning())
+                throw EDatabaseError(SourceFileName + MsgCancelled,
+                                     {.FileName = SourceFileName, .Rule = erCancelled});
+        }
+    });
 }
 
 /// Records count from the table's first.
 TKvISourcePosition TKvImportFromAccess::SourcePosition() const
 {
     const int Skipped = Extensions.Contains(xaSkipsToRowFirst) && RowFirst > 1 ? RowFirst - 1 : 0;
-    return {.Unit = PositionUnit(),
-            .Number = std::int64_t{Skipped} + (IsLooking() ? CurrentRow + 1 : Statistic.TotalImported)};
+    const int Taken = IsLooking() ? CurrentRow + 1 : Statistic.TotalImported;
+    return {.Unit = PositionUnit(), .Number = std::int64_t{Skipped} + Taken};
 }
 
 void TKvImportFromAccess::GoNext()
 {
     ++CurrentRow;
-    Session.Recordset()->MoveNext();
+    UnlessCancelled([this] { Session->Recordset()->MoveNext(); });
 }
 
 bool TKvImportFromAccess::NeedMore()
 {
-    const auto* const Recordset = Session.Recordset();
+    const auto* const Recordset = Session->Recordset();
     return Recordset && !Recordset->Eof() && WantsMoreThan(CurrentRow);
 }
 
 int TKvImportFromAccess::GetTotalCount()
 {
-    return Session.Recordset() ? Session.Recordset()->RecordCount() : TKvImportFromFile::GetTotalCount();
+    return Session->Recordset() ? Session->Recordset()->RecordCount() : TKvImportFromFile::GetTotalCount();
+}
+
+TVariant TKvImportFromAccess::FieldValue(int Field)
+{
+    return Session->Value(Field, DataFormats.DecimalSeparator);
 }
 
 TVariant TKvImportFromAccess::GetFieldValue(const TVariant& Source)
 {
     const int Field = Columns.Find(
-        Source, [this](const std::string& Each) { return FieldNamed(*Session.Recordset(), Each); });
-    return Field >= 0 ? Session.Value(Field, DataFormats.DecimalSeparator)
-                      : TKvImportFromFile::GetFieldValue(Source);
+        Source, [this](const std::string& Each) { return FieldNamed(*Session->Recordset(), Each); });
+    return Field >= 0 ? FieldValue(Field) : TKvImportFromFile::GetFieldValue(Source);
+}
+
+TVariant TKvImportFromAccess::SourceRecord()
+{
+    const auto* const Recordset = Session->Recordset();
+    if (!Recordset || Recordset->Eof())
+        return Null;
+    const auto Count = static_cast<int>(Recordset->Fields().size());
+    auto Values = TVariant::Array(0, Count - 1);
+    for (int I = 0; I < Count; ++I) {
+        try {
+            const auto Lent = FieldValue(I);
+            Values[I] = Lent;
+        }
+        catch (const Exception&) {
+            Values[I] = Null;
+        }
+    }
+    return Values;
+}
+
+// A look.
+
+void TKvImportFromAccess::OpenForLook(const std::string& Table)
+{
+    Columns.Clear();
+    if (IsForLook)
+        Session->OpenOrKeep(Table, SourceFileName, Continue());
+    else
+        Session->Open(Table, SourceFileName, Continue()); // a failed run may have left it open
+    IsForLook = true;
+}
+
+void TKvImportFromAccess::BeforeLook(const TKvISourceLook&)
+{
+    if (TableName.empty())
+        throw Exception(FormatText(MsgNotSpecified, {"TableName"}));
+    OpenForLook(TableName);
+}
+
+std::vector<TKvISourceColumn> TKvImportFromAccess::SourceColumns(int)
+{
+    return ColumnsOf(*Session->Recordset());
+}
+
+void TKvImportFromAccess::AfterLook()
+{
+    if (!IsForLook)
+        Session->Close(true);
+}
+
+void TKvImportFromAccess::EndLook()
+{
+    if (std::exchange(IsForLook, false))
+        Session->Close(true);
+}
+
+std::vector<TKvISourcePart> TKvImportFromAccess::SourceParts()
+{
+    OpenForLook({});
+    std::vector<TKvISourcePart> Parts;
+    for (const auto& Table : Session->Database().TableDefs()) {
+        Parts.push_back(Describe(Table.Name));
+        Parts.back().IsSystem = Table.IsSystem;
+    }
+    return Parts;
+}
+
+/// A table that cannot be opened says why.
+TKvISourcePart TKvImportFromAccess::Describe(const std::string& Table)
+{
+    TKvISourcePart Part;
+    Part.Name = Table;
+    try {
+        const auto Recordset = Session->OpenTable(Table);
+        Part.Rows = Recordset->RecordCount();
+        Part.Fields = ColumnsOf(*Recordset);
+        Part.Columns = static_cast<int>(Part.Fields.size());
+    }
+    catch (const EDatabaseError& Error) {
+        if (Error.Facts.Rule == erCancelled)
+            throw;
+        Part.Error = Error.Message;
+    }
+    return Part;
+}
+
+void TKvImportFromAccess::SelectPart(int, const TKvISourcePart& Part)
+{
+    TableName = Part.Name;
+}
+
+std::optional<bool> TKvImportFromAccess::NamesColumn(const std::string& Source)
+{
+    if (!IsForLook || !Session->Holds(TableName, SourceFileName))
+        return {};
+    return FieldNamed(*Session->Recordset(), Source) >= 0;
 }
 
 // Routines without a component.
@@ -149,31 +339,34 @@ void GetAccessTables(TStrings& Items, const std::string& DatabaseName, const std
 
 void LoadAccessPreview(TPersistent* Sender, const std::string& TableName, const std::string& FileName,
                        std::string& FieldNames, bool Flag, TStrings* Columns,
-                       const TPreviewCallback& Callback)
+                       const TPreviewCallback& Callback, TKvIAccessExtensions Extensions)
 {
-    TKvAccessSession Session;
-    Session.Open(TableName, FileName);
+    TPreviewOfAccess Import;
+    Import.AnimatedStatus = false;
+    Import.SourceFileName = FileName;
+    Import.Extensions = Extensions;
+    Import.OpenForLook(TableName);
     FieldNames.clear();
-    if (!Session.Recordset())
+    if (TableName.empty())
         return;
-    auto& Recordset = *Session.Recordset();
-    for (const auto& Field : Recordset.Fields()) {
+    const auto Shown = Import.SourceColumns(0);
+    for (const auto& Column : Shown) {
         if (!FieldNames.empty() && !FieldNames.ends_with(';'))
             FieldNames += ';';
-        FieldNames += Field.Name;
+        FieldNames += Column.Name;
         if (Columns)
-            Columns->Add(Field.Name);
+            Columns->Add(Column.Name);
     }
-    const auto Count = static_cast<int>(Recordset.Fields().size());
-    Recordset.MoveFirst();
-    for (int Row = 1; Row <= PreviewRows && !Recordset.Eof(); ++Row) {
+    const auto Count = static_cast<int>(Shown.size());
+    Import.GoFirst();
+    for (int Row = 1; Row <= PreviewRows && Import.NeedMore(); ++Row) {
         auto Values = TVariant::Array(0, Count - 1);
         for (int I = 0; I < Count; ++I)
-            Values[I] = Session.Value(I, FormatSettings().DecimalSeparator);
+            Values[I] = Import.FieldValue(I);
         Callback(Sender, Count, Row, Flag, Values);
-        Recordset.MoveNext();
+        Import.GoNext();
     }
-    Session.Close(true);
+    Import.EndLook();
 }
 
 } // namespace kv

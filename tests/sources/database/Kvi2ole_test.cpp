@@ -3,12 +3,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "KvAccessSession.h"
 #include "KvException.h"
 #include "KvFormatSettings.h"
 #include "KvMemoryDataSet.h"
@@ -34,6 +37,8 @@ struct TFakeDatabase
     std::map<std::string, TFakeTable> Tables;
     TLines Log;
     bool FailsAtSecondRow = false;
+    bool KeepsWaiting = false;                      // until somebody gives up
+    std::string Gone;                               // a table that is listed and not there
 };
 
 class TFakeRecordset final : public TAccessRecordset
@@ -77,9 +82,9 @@ public:
     std::unique_ptr<TAccessRecordset> OpenRecordset(const std::string& Name, int Type, int Options,
                                                     int Locking) override
     {
-        Fake.Log.push_back("OpenRecordset " + Name + " " + std::to_string(Type) + " " +
-                           std::to_string(Options) + " " + std::to_string(Locking));
-        if (!Fake.Tables.contains(Name))
+        Fake.Log.push_back("OpenRecordset " + Name + " " + std::to_string(Type) + " " + std::to_string(Options) + " " +
+                           std::to_string(Locking));
+        if (!Fake.Tables.contains(Name) || Name == Fake.Gone)
             throw EDatabaseError("shop.mdb: has no table " + Name);
         return std::make_unique<TFakeRecordset>(Fake, Fake.Tables[Name]);
     }
@@ -100,11 +105,25 @@ public:
         Fake.Log.push_back("OpenDatabase " + FileName);
         if (FileName != "shop.mdb")
             throw EDatabaseError(FileName + ": is not an Access database");
+        while (Fake.KeepsWaiting)
+            if (!Continue())
+                throw EDatabaseError("shop.mdb: reading was canceled by user", {.Rule = erCancelled});
         return std::make_unique<TFakeOpenDatabase>(Fake);
     }
 
+    void SetContinue(std::function<bool()> Value) override { Continue = std::move(Value); }
+
 private:
     TFakeDatabase& Fake;
+    std::function<bool()> Continue;
+};
+
+/// An observer who lets a run go on until it has been asked so many times.
+struct TPatience final : TKvIRunObserver
+{
+    explicit TPatience(int Times) : Left(Times) {}
+    bool KeepsRunning() override { return Left-- > 0; }
+    int Left;
 };
 
 template <class TAction> std::string MessageOf(TAction Action)
@@ -468,6 +487,205 @@ TEST_F(Kvi2ole, WithTheExtensionATableWithoutFieldsOfTheSameNameIsAnError)
     EXPECT_THAT(Imported(), IsEmpty());
 }
 
+// A look.
+
+TLines RowsIn(const TKvISourceView& View)
+{
+    TLines Lines;
+    for (const auto& Row : View.Rows) {
+        Lines.push_back(std::to_string(Row.Position.Number) + ":");
+        for (const auto& Value : Row.Values)
+            Lines.back() += "|" + (Value.Error.empty() ? Value.Value.ToText() : "!" + Value.Error);
+    }
+    return Lines;
+}
+
+TLines Joined(const std::vector<TLines>& Parts)
+{
+    TLines All;
+    for (const auto& Part : Parts)
+        All.insert(All.end(), Part.begin(), Part.end());
+    return All;
+}
+
+TEST_F(Kvi2ole, ALookShowsFieldsAndRecords)
+{
+    Fake.Tables["Orders"].Fields.push_back({.Name = "Price", .Type = afDecimal, .Precision = 18, .Scale = 2});
+    Fake.Tables["Orders"].Rows = {{1, "Rom", "0.1"}, {2, Null, Null}, {3, "Bern", "2"}};
+    const auto View = Import.Look({.Rows = 2, .Columns = {}});
+    ASSERT_EQ(View.Columns.size(), 3);
+    EXPECT_EQ(View.Columns[0].Name, "Id");
+    EXPECT_EQ(View.Columns[0].DataType, ftInteger);
+    EXPECT_EQ(View.Columns[1].Title, "CITY");
+    EXPECT_EQ(View.Columns[1].DataType, ftString);
+    EXPECT_EQ(View.Columns[1].Size, 20);
+    EXPECT_EQ(View.Columns[1].TypeName, "Text (20)");
+    EXPECT_EQ(View.Columns[2].DataType, ftBCD);
+    EXPECT_EQ(View.Columns[2].TypeName, "Decimal (18, 2)");
+    EXPECT_THAT(RowsIn(View), ElementsAre("1:|1|Rom|0.1", "2:|2||"));
+    EXPECT_EQ(View.Rows[0].Position.Unit, "record");
+    EXPECT_TRUE(View.HasMore);
+}
+
+TEST_F(Kvi2ole, ALookTakesTheRecordsThatARunTakes)
+{
+    Import.RowFirst = 3;
+    Import.RowLast = 4;
+    EXPECT_THAT(RowsIn(Import.Look({})), ElementsAre("1:|1|City 1", "2:|2|City 2"));
+    Import.Extensions = {xaSkipsToRowFirst};
+    const auto View = Import.Look({.Columns = {"CITY", "Rom"}});
+    EXPECT_THAT(RowsIn(View), ElementsAre("3:|City 3|Rom", "4:|City 4|Rom"));
+    EXPECT_FALSE(View.HasMore);
+}
+
+TEST_F(Kvi2ole, AValueThatCannotBeReadShowsWhy)
+{
+    Fake.FailsAtSecondRow = true;
+    const auto View = Import.Look({.Rows = 2, .Columns = {"Id"}});
+    EXPECT_THAT(RowsIn(View), ElementsAre("1:|1", "2:|!record 2 is damaged"));
+}
+
+TEST_F(Kvi2ole, LooksOpenTheDatabaseOnceAndARunOpensItAnew)
+{
+    Import.SelectPart(1, Import.SourceParts()[1]);
+    Import.Look({});
+    Import.Look({});
+    const TLines Opened{"DAO.DBEngine.36", "OpenDatabase shop.mdb"};
+    const TLines Listed{"OpenRecordset MSysObjects 1 0 2", "OpenRecordset Orders 1 0 2"};
+    const TLines Shown{"OpenRecordset Orders 1 0 2", "MoveFirst"}, Again{"MoveFirst"};
+    EXPECT_EQ(Fake.Log, Joined({Opened, Listed, Shown, Again}));
+    Fake.Log.clear();
+    Run();
+    const TLines Closed{"Recordset.Close", "Database.Close"};
+    EXPECT_EQ(Fake.Log, Joined({Closed, Opened, Shown, Closed}));
+}
+
+TEST_F(Kvi2ole, EndingALookClosesTheDatabase)
+{
+    Import.Look({});
+    Fake.Log.clear();
+    Import.EndLook();
+    Import.EndLook();
+    EXPECT_THAT(Fake.Log, ElementsAre("Recordset.Close", "Database.Close"));
+}
+
+TEST_F(Kvi2ole, ALookAtAnotherTableClosesTheOneBefore)
+{
+    Fake.Tables["Cities"] = {{{.Name = "Name"}}, {{"Bern"}}};
+    Import.Look({});
+    Fake.Log.clear();
+    Import.TableName = "Cities";
+    EXPECT_THAT(RowsIn(Import.Look({})), ElementsAre("1:|Bern"));
+    EXPECT_THAT(Fake.Log, ElementsAre("Recordset.Close", "OpenRecordset Cities 1 0 2", "MoveFirst"));
+}
+
+TEST_F(Kvi2ole, ThePartsOfADatabaseAreAllItsTables)
+{
+    const auto Parts = Import.SourceParts();
+    ASSERT_EQ(Parts.size(), 2);
+    EXPECT_EQ(Parts[0].Name, "MSysObjects");
+    EXPECT_TRUE(Parts[0].IsSystem);
+    EXPECT_EQ(Parts[1].Name, "Orders");
+    EXPECT_FALSE(Parts[1].IsSystem);
+    EXPECT_EQ(Parts[1].Rows, 10);
+    EXPECT_EQ(Parts[1].Columns, 2);
+    ASSERT_EQ(Parts[1].Fields.size(), 2);
+    EXPECT_EQ(Parts[1].Fields[0].TypeName, "Long Integer");
+    Import.TableName = "";
+    Import.SelectPart(1, Parts[1]);
+    EXPECT_EQ(Import.TableName, "Orders");
+}
+
+TEST_F(Kvi2ole, ATableThatCannotBeOpenedSaysWhy)
+{
+    Fake.Gone = "Orders";
+    const auto Parts = Import.SourceParts();
+    ASSERT_EQ(Parts.size(), 2);
+    EXPECT_EQ(Parts[0].Error, "");
+    EXPECT_EQ(Parts[1].Error, "shop.mdb: has no table Orders");
+}
+
+TEST_F(Kvi2ole, ALookNeedsATableThatIsThere)
+{
+    Import.TableName = "";
+    EXPECT_EQ(MessageOf([this] { Import.Look({}); }), "Property TableName wasn't specified.");
+    Import.TableName = "Customers";
+    EXPECT_EQ(MessageOf([this] { Import.Look({}); }), "shop.mdb: has no table Customers");
+    EXPECT_EQ(Fake.Log.back(), "Database.Close");
+    Import.TableName = "Orders";
+    EXPECT_EQ(Import.Look({}).Rows.size(), 10);
+}
+
+TEST_F(Kvi2ole, ALookTellsFieldsByTheirExactNames)
+{
+    EXPECT_EQ(Import.NamesColumn("Id"), std::nullopt);
+    Import.Look({});
+    EXPECT_EQ(Import.NamesColumn("Id"), true);
+    EXPECT_EQ(Import.NamesColumn("ID"), false);
+    Import.TableName = "Other";
+    EXPECT_EQ(Import.NamesColumn("Id"), std::nullopt) << "nobody has looked at that";
+}
+
+TEST_F(Kvi2ole, ALookHelpsNoRunThatHasNoMappings)
+{
+    Import.Look({});
+    Import.Mappings().Clear();
+    Import.Execute();
+    EXPECT_THAT(Import.ErrorMessage(), testing::HasSubstr("mappings are needed"));
+}
+
+TEST_F(Kvi2ole, TheRecordOfASourceIsTheValuesOfItsFields)
+{
+    std::vector<TVariant> Records;
+    Import.RowLast = 1;
+    Import.OnAfterRecordEvent = [&](TKvImportBaseComponent& Sender, bool&) {
+        Records.push_back(Sender.SourceRecord());
+    };
+    Run();
+    ASSERT_EQ(Records.size(), 1);
+    EXPECT_EQ(Records[0][0].Kind(), vkInteger);
+    EXPECT_EQ(Records[0][1].ToText(), "City 1");
+    EXPECT_TRUE(Import.SourceRecord().IsNull()) << "after the run";
+}
+
+// Cancel.
+
+TEST_F(Kvi2ole, ARunIsCancelledWhileTheDatabaseKeepsItWaiting)
+{
+    Fake.KeepsWaiting = true;
+    TPatience Observer(3);
+    Import.SetObserver(&Observer);
+    Import.Execute();
+    EXPECT_EQ(Import.Statistic.Result, irCanceled);
+    EXPECT_EQ(Import.Statistic.TotalImported, 0);
+    EXPECT_EQ(Import.ErrorMessage(), "");
+}
+
+TEST_F(Kvi2ole, ALookIsCancelledWhileTheDatabaseKeepsItWaiting)
+{
+    Fake.KeepsWaiting = true;
+    TPatience Observer(3);
+    Import.SetObserver(&Observer);
+    EXPECT_EQ(MessageOf([this] { Import.Look({}); }), "shop.mdb: reading was canceled by user");
+}
+
+TEST_F(Kvi2ole, CancelIsSeenWhileRecordsAreSkipped)
+{
+    for (int Id = 11; Id <= 10000; ++Id)
+        Fake.Tables["Orders"].Rows.push_back({Id, Null});
+    Import.Extensions = {xaSkipsToRowFirst};
+    Import.RowFirst = 10000;
+    TPatience Observer(1);
+    Import.SetObserver(&Observer);
+    Import.Execute();
+    EXPECT_EQ(Import.Statistic.Result, irCanceled);
+    EXPECT_EQ(Import.Statistic.TotalImported, 0);
+    Import.SetObserver(nullptr);
+    EXPECT_THAT(Run(), ElementsAre("10000|"));
+}
+
+// Routines without a component.
+
 TEST_F(Kvi2ole, ListsEveryTable)
 {
     TStrings Items;
@@ -570,6 +788,15 @@ TEST_F(Kvi2ole, APreviewWithoutATableShowsNothing)
     EXPECT_THAT(Preview.Rows, IsEmpty());
     EXPECT_EQ(Preview.FieldNames, "");
     EXPECT_EQ(Fake.Log.back(), "Database.Close");
+}
+
+TEST_F(Kvi2ole, APreviewTakesExtensions)
+{
+    std::string FieldNames;
+    int Rows = 0;
+    LoadAccessPreview(nullptr, "Orders", "shop.mdb", FieldNames, false, nullptr, [&](auto&&...) { ++Rows; },
+                      {xaSkipsToRowFirst});
+    EXPECT_EQ(Rows, 10);
 }
 
 TEST_F(Kvi2ole, AFieldNameThatEndsInASemicolonGetsNoSecondOne)
