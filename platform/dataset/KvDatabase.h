@@ -47,7 +47,7 @@ public:
     int BusyTimeout = 5000;                         ///< Milliseconds to wait for the locks of others.
     /// Asked, in the thread that called, while the database waits for others, works long on a statement or
     /// stores what it has taken, and before a commit; false gives up at once with an error. What it raises
-    /// comes through.
+    /// comes through. It must not use the database.
     std::function<bool()> OnWait;
 
     virtual void Open() = 0;                        ///< Does nothing when open.

@@ -18,6 +18,8 @@ namespace {
 
 constexpr int StepsBetweenQuestions = 20000;        // of SQLite's virtual machine: about a millisecond
 
+thread_local bool IsWorker = false;                 // see BecomeWorker
+
 std::int64_t SteadyMilliseconds()
 {
     using namespace std::chrono;
@@ -59,18 +61,41 @@ void TSQLiteConnection::Configure()
 {
     sqlite3_busy_handler(Handle(), &WaitForLock, this);
     sqlite3_rollback_hook(Handle(), &TellRolledBack, this);
-    if (Settings.OnWork)
-        sqlite3_progress_handler(Handle(), StepsBetweenQuestions, &AskToStop, this);
+    sqlite3_progress_handler(Handle(), StepsBetweenQuestions, &AskToStop, this);
     if (Settings.CacheSize > 0)
         Execute("PRAGMA cache_size = -" + std::to_string(Settings.CacheSize));
     Execute("SELECT 1 FROM sqlite_schema LIMIT 1"); // opening alone does not look into the file
 }
 
-/// Not zero to stop. Asks only in the program's own thread.
+// --- Asking the program -----------------------------------------------------------------------------
+
+void TSQLiteConnection::BecomeWorker()
+{
+    IsWorker = true;
+}
+
+/// True to go on. Nothing may cross SQLite's own frames.
+bool TSQLiteConnection::Ask(const std::function<bool()>& Special)
+{
+    try {
+        return (!Settings.OnWait || Settings.OnWait()) && (!Special || Special());
+    }
+    catch (...) {
+        Raised = std::current_exception();
+        return false;
+    }
+}
+
+bool TSQLiteConnection::GoesOn()
+{
+    return Ask(Settings.OnWork);
+}
+
+/// Not zero to stop.
 int TSQLiteConnection::AskToStop(void* Self)
 {
-    const auto& Connection = *static_cast<TSQLiteConnection*>(Self);
-    return std::this_thread::get_id() == Connection.Thread && !Connection.Settings.OnWork();
+    auto& Connection = *static_cast<TSQLiteConnection*>(Self);
+    return !(IsWorker ? Connection.WorkerGoesOn.load() : Connection.GoesOn());
 }
 
 // --- Waiting for locks ------------------------------------------------------------------------------
@@ -84,20 +109,16 @@ int TSQLiteConnection::WaitForLock(void* Self, int Tries)
 bool TSQLiteConnection::WaitForLock(int Tries)
 {
     constexpr std::int64_t LongestSleep = 100;      // milliseconds
-    if (Tries == 0)
+    if (Tries == 0) {
         WaitingSince = SteadyMilliseconds();
+        GaveUp = false;
+    }
     const auto Left = WaitingSince + Settings.BusyTimeout - SteadyMilliseconds();
     if (Left <= 0)
         return false;
-    try {
-        // Asked only in the program's own thread; that of the insert queue just waits.
-        if (Settings.OnBusy && std::this_thread::get_id() == Thread && !Settings.OnBusy())
-            return false;
-    }
-    catch (...) {                                   // must not cross SQLite's own frames
-        BusyError = std::current_exception();
+    GaveUp = !(IsWorker ? WorkerGoesOn.load() : Ask(Settings.OnBusy));
+    if (GaveUp)
         return false;
-    }
     const auto Sleep = std::min({std::int64_t{1} << std::min(Tries, 7), LongestSleep, Left});
     std::this_thread::sleep_for(std::chrono::milliseconds(Sleep));
     return true;
@@ -112,9 +133,9 @@ TSQLiteError TSQLiteConnection::TakeError()
     const bool Busy = (Code & PrimaryCode) == SQLITE_BUSY;
     TSQLiteError Error;
     Error.Text = Busy ? "the database is locked by another connection" : sqlite3_errmsg(Handle());
-    Error.Facts = {.FileName = FFileName, .Rule = RuleOfCode(Code, Error.Text)};
+    Error.Facts = {.FileName = FFileName, .Rule = Busy && GaveUp ? erCancelled : RuleOfCode(Code, Error.Text)};
     Error.Text += LossAfterFailure();
-    Error.Raised = std::exchange(BusyError, nullptr);
+    Error.Raised = std::exchange(Raised, nullptr);
     return Error;
 }
 
@@ -201,8 +222,8 @@ bool TSQLiteConnection::TryEnd(const char* Sql)
                 return false;
             RaiseForAll();
         }
-        ++FTransactionSerial;
     }
+    ++FTransactionSerial;
     Owner = toNobody;
     Lost = false;
     return true;
@@ -218,6 +239,13 @@ void TSQLiteConnection::StartTransaction()
 }
 
 void TSQLiteConnection::Commit()
+{
+    if (InTransaction() && !GoesOn())
+        Raise({.Text = "interrupted", .Facts = {.Rule = erCancelled}, .Raised = std::exchange(Raised, nullptr)});
+    CommitNow();
+}
+
+void TSQLiteConnection::CommitNow()
 {
     if (std::exchange(Lost, false)) {
         Owner = toNobody;
@@ -246,7 +274,7 @@ void TSQLiteConnection::RaiseForAll()
 void TSQLiteConnection::CommitBatch()
 {
     if (Owner == toBatch)
-        Commit();
+        CommitNow();
 }
 
 void TSQLiteConnection::CheckNotLost()
@@ -272,8 +300,8 @@ void TSQLiteConnection::EndChange(int CommitEvery, std::int64_t Tag)
         FirstTag = Tag;
     if (Owner != toBatch || Changes % std::max(CommitEvery, 1) != 0)
         return;
-    if (!TryEnd("COMMIT") && BusyError)
-        std::rethrow_exception(std::exchange(BusyError, nullptr));
+    if (!TryEnd("COMMIT") && Raised)
+        std::rethrow_exception(std::exchange(Raised, nullptr));
 }
 
 void TSQLiteConnection::ReleaseCursors()

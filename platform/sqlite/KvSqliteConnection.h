@@ -2,12 +2,13 @@
 // transaction. For the units of this folder.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <exception>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <vector>
 
 #include <sqlite3.h>
@@ -58,6 +59,15 @@ public:
     void EndChange(int CommitEvery, std::int64_t Tag);
     void CommitBatch();                             ///< Nothing when there is none.
 
+    // A thread that stores what a queue has taken asks the program nothing; whoever waits for it does, and
+    // lets it go on or stop.
+    static void BecomeWorker();
+    void LetWorkerGoOn(bool Value) { WorkerGoesOn = Value; }
+    /// What OnWait and OnWork of the database say; what they raise is kept for Raise, and a no.
+    bool GoesOn();
+    /// Nothing has failed although the program wanted to stop: it will be asked again.
+    void ForgetAnswer() { Raised = nullptr; }
+
     // Changes that were taken and are not yet stored. Every statement settles them first.
     void Settle()
     {
@@ -87,10 +97,12 @@ private:
     static int WaitForLock(void* Self, int Tries);
     bool WaitForLock(int Tries);
     static int AskToStop(void* Self);
+    bool Ask(const std::function<bool()>& Special);
     static void TellRolledBack(void* Self);
     void Configure();
     void Begin(TTransactionOwner NewOwner);
     bool TryEnd(const char* Sql);
+    void CommitNow();
     [[noreturn]] void RaiseForAll();
     void CheckNotLost();
     std::string LossAfterFailure();
@@ -108,10 +120,11 @@ private:
     std::int64_t FirstTag = -1;                     // ... and the tag of the first one
     std::int64_t FTransactionSerial = 0;
     std::int64_t WaitingSince = 0;                  // steady milliseconds
-    std::exception_ptr BusyError;                   // what OnBusy raised inside a call of SQLite
+    bool GaveUp = false;                            // the last wait for a lock, because the program said so
+    std::exception_ptr Raised;                      // what the program raised when it was asked
+    std::atomic<bool> WorkerGoesOn = true;
     int Serial = 0;
-    TSQLiteQueue* Queue = nullptr;            // while changes wait
-    const std::thread::id Thread = std::this_thread::get_id();
+    TSQLiteQueue* Queue = nullptr;                  // while changes wait
 };
 
 } // namespace kv

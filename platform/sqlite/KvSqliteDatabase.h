@@ -46,10 +46,9 @@ public:
     /// takes for a database without tables, unless CreateIfMissing. On in databases that a URL has named.
     bool CheckFile = false;
 
-    /// OnWait for locks of other programs alone: asked between two tries.
-    std::function<bool()> OnBusy;
-    /// OnWait for statements that work alone, such as one that builds an index: asked every millisecond or so.
-    std::function<bool()> OnWork;
+    // OnWait in two halves. Both may be asked, and OnWait too.
+    std::function<bool()> OnBusy;                   ///< Asked between two tries while another program holds a lock.
+    std::function<bool()> OnWork;                   ///< Asked every millisecond or so while a statement works.
 
     void Open() override;
     void Close() override;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <chrono>
 #include <csignal>
 #include <limits>
 #include <utility>
@@ -127,6 +128,7 @@ void TSQLiteInsertQueue::HandOver()
     CheckStored();
     std::swap(Filling, Storing);
     Filling.Clear();
+    Connection.LetWorkerGoOn(true);
     {
         const std::lock_guard Lock(Mutex);
         HasWork = true;
@@ -136,12 +138,19 @@ void TSQLiteInsertQueue::HandOver()
 
 void TSQLiteInsertQueue::Pause()
 {
+    constexpr auto BetweenQuestions = std::chrono::milliseconds(50);
     std::unique_lock Lock(Mutex);
-    Changed.wait(Lock, [this] { return !HasWork; });
+    while (!Changed.wait_for(Lock, BetweenQuestions, [this] { return !HasWork; })) {
+        Lock.unlock();                              // the program may take its time to answer
+        if (!Connection.GoesOn())
+            Connection.LetWorkerGoOn(false);
+        Lock.lock();
+    }
 }
 
 void TSQLiteInsertQueue::RunBlocks()
 {
+    TSQLiteConnection::BecomeWorker();
     std::unique_lock Lock(Mutex);
     for (;;) {
         Changed.wait(Lock, [this] { return HasWork || Ending; });
@@ -174,7 +183,7 @@ void TSQLiteInsertQueue::Store(TSQLiteRecordBlock& Block)
 void TSQLiteInsertQueue::CheckStored()
 {
     if (!std::exchange(Failed, false))
-        return;
+        return Connection.ForgetAnswer();
     auto Error = Connection.AbandonTransaction();
     Error.Facts.Record = FailedTag;
     Stop();
@@ -194,13 +203,19 @@ void TSQLiteInsertQueue::Finish()
     Stop();
 }
 
+void TSQLiteInsertQueue::Forget()
+{
+    Connection.LetWorkerGoOn(false);
+    Stop();
+}
+
 void TSQLiteInsertQueue::Stop()
 {
     if (!Active)
         return;
     Pause();
     Connection.SetQueue(nullptr);
-    Active = false;
+    Active = Failed = false;
     Candidates = 0;
     Filling.Clear();
     Insert.Reset();
