@@ -202,15 +202,21 @@ TVariant TKvImportFromBDE::SourceRecord()
 
 // Columns.
 
-/// The field of that name or, where mappings cut names to their first characters, those that begin with it:
-/// none, one or two of them. Tables of dBase 7 have longer names than those for which that rule was made.
+/// Where mappings cut names to their first characters, `Column` means fields that begin so: tables of dBase 7
+/// have longer names than those for which that rule was made.
+bool TKvImportFromBDE::IsCutFrom(std::string_view FieldName, std::string_view Column) const
+{
+    return FieldIsTruncated() && SameText(ShortName(FieldName), Column);
+}
+
+/// The field of that name, else those that it is cut from: none, one or two of them.
 std::pair<TField*, TField*> TKvImportFromBDE::FieldsCalled(std::string_view Column) const
 {
     std::pair<TField*, TField*> Found{Table->FindField(Column), nullptr};
-    if (Found.first || !FieldIsTruncated())
+    if (Found.first)
         return Found;
     for (int I = 0; I < Table->FieldCount() && !Found.second; ++I)
-        if (auto& Field = Table->Fields(I); SameText(ShortName(Field.FieldName()), Column))
+        if (auto& Field = Table->Fields(I); IsCutFrom(Field.FieldName(), Column))
             (Found.first ? Found.second : Found.first) = &Field;
     return Found;
 }
@@ -223,6 +229,17 @@ TField* TKvImportFromBDE::FindColumn(const std::string& Column) const
                                    {SourceFileName, Field->FieldName(), Other->FieldName(), Column}),
                         {.FileName = SourceFileName, .Field = Column});
     return Field;
+}
+
+TKvISourceName TKvImportFromBDE::ResolveName(const std::string& Wanted,
+                                             const std::vector<TKvISourceColumn>& Shown) const
+{
+    auto Found = TKvImportFromFile::ResolveName(Wanted, Shown);
+    const auto Column = SourceName(Wanted);
+    const auto IsMeant = [&](const auto& Each) { return IsCutFrom(Each.Name, Column); };
+    if (const auto Cut = std::ranges::find_if(Shown, IsMeant); Found.Kind != snColumn && Cut != Shown.end())
+        return {.Kind = snColumn, .Name = Cut->Name};
+    return Found;
 }
 
 std::optional<bool> TKvImportFromBDE::NamesColumn(const std::string& Source)

@@ -52,6 +52,8 @@ public:
     /// The values of all fields; null for one that cannot be read.
     TVariant SourceRecord() override;
     void EndLook() override;
+    TKvISourceName ResolveName(const std::string& Wanted,
+                               const std::vector<TKvISourceColumn>& Shown) const override;
     std::optional<bool> NamesColumn(const std::string& Source) override;
 
 protected:
@@ -82,6 +84,7 @@ private:
     void PrepareTable(const TDataSet* Destination);
     bool IsKept() const;
     bool HasRecord() const;
+    bool IsCutFrom(std::string_view FieldName, std::string_view Column) const;
     std::pair<TField*, TField*> FieldsCalled(std::string_view Column) const;
     TField* FindColumn(const std::string& Column) const;
 

@@ -225,6 +225,23 @@ std::vector<TKvISourceRemark> TKvImportFromHTML::SourceRemarks() const
     return {{.Kind = srSeveralTables, .Count = FTablesRead}};
 }
 
+/// A column goes by the text above it, too.
+TKvISourceName TKvImportFromHTML::ResolveName(const std::string& Wanted,
+                                              const std::vector<TKvISourceColumn>& Shown) const
+{
+    if (auto Found = TKvImportFromMarkup::ResolveName(Wanted, Shown); Found.Kind == snColumn)
+        return Found;
+    if (!Extensions.Contains(xhHeaderNames))
+        return {.Kind = snByOrder, .Name = Wanted};
+    if (NumberedColumn(Wanted) != NoColumn)
+        return {.Kind = snMissing, .Name = Wanted};
+    const auto IsAbove = [&Wanted](const auto& Column) { return SameText(Column.Title, Wanted); };
+    const auto Titled = std::ranges::find_if(Shown, IsAbove);
+    if (Wanted.empty() || Titled == Shown.end())
+        return {.Kind = snNothing, .Name = Wanted};
+    return {.Kind = snColumn, .Name = Titled->Name};
+}
+
 std::optional<bool> TKvImportFromHTML::NamesColumn(const std::string& Source)
 {
     if (!IsKept() || !Extensions.Contains(xhHeaderNames))

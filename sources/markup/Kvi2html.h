@@ -39,6 +39,8 @@ public:
 
     /// The texts of the row's cells.
     TVariant SourceRecord() override;
+    TKvISourceName ResolveName(const std::string& Wanted,
+                               const std::vector<TKvISourceColumn>& Shown) const override;
     std::vector<TKvISourcePart> SourceParts() override;
     void SelectPart(int Index, const TKvISourcePart& Part) override;
     std::vector<TKvISourceRemark> SourceRemarks() const override;

@@ -159,17 +159,32 @@ void TKvImportFromXML::AfterLook()
 }
 
 /// By the rule that finds it in a record.
+bool TKvImportFromXML::IsOneOf(const std::vector<TKvISourceColumn>& Shown, std::string_view Attribute) const
+{
+    TKvXmlAttributes Attributes;
+    for (const auto& Column : Shown) {
+        const auto* const First = Column.Name.data();
+        AddAttribute(Attributes, First, First, First + Column.Name.size());
+    }
+    return TKvXmlColumn(Attribute, Extensions.Contains(xxWholeNames)).FindIn(Attributes) != nullptr;
+}
+
+TKvISourceName TKvImportFromXML::ResolveName(const std::string& Wanted,
+                                             const std::vector<TKvISourceColumn>& Shown) const
+{
+    if (auto Found = TKvImportFromMarkup::ResolveName(Wanted, Shown); Found.Kind == snColumn)
+        return Found;
+    if (IsOneOf(Shown, Wanted))
+        return {.Kind = snColumn, .Name = Wanted};
+    return {.Kind = Extensions.Contains(xxMissingIsNull) ? snMissing : snConstant, .Name = Wanted};
+}
+
 std::optional<bool> TKvImportFromXML::NamesColumn(const std::string& Source)
 {
     if (!IsKept())
         return {};
     const auto& [All, AreAll] = KnownColumns();
-    TKvXmlAttributes Attributes;
-    for (const auto& Column : All) {
-        const auto* const First = Column.Name.data();
-        AddAttribute(Attributes, First, First, First + Column.Name.size());
-    }
-    if (TKvXmlColumn(Source, Extensions.Contains(xxWholeNames)).FindIn(Attributes))
+    if (IsOneOf(All, Source))
         return true;
     return AreAll ? std::optional(false) : std::nullopt;
 }

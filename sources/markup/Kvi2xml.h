@@ -37,6 +37,8 @@ public:
 
     /// The values of the columns that a look shows; null where the record has none.
     TVariant SourceRecord() override;
+    TKvISourceName ResolveName(const std::string& Wanted,
+                               const std::vector<TKvISourceColumn>& Shown) const override;
     /// Cannot be told of an attribute that the records looked at lack where others follow them.
     std::optional<bool> NamesColumn(const std::string& Source) override;
 
@@ -67,6 +69,7 @@ private:
 
     std::unique_ptr<TKvXmlRows> MakeRows(std::string_view Text) const;
     const TKnownColumns& KnownColumns();
+    bool IsOneOf(const std::vector<TKvISourceColumn>& Shown, std::string_view Attribute) const;
     std::optional<std::string_view> ValueOf(const TVariant& Source);
 
     std::unique_ptr<TKvXmlRows> Rows;               // from BeforeImport to AfterImport, and in a look

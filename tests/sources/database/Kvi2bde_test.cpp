@@ -559,6 +559,19 @@ TEST(Kvi2bdeLook, AShortNameOfTwoFieldsIsAColumnThoughNobodyKnowsWhich)
     EXPECT_EQ(Import.NamesColumn("CustomerName"), true);
 }
 
+TEST(Kvi2bdeLook, SaysWhatANameInAMappingMeans)
+{
+    const std::vector<TKvISourceColumn> Shown{{.Name = "CustomerName", .Title = "CustomerName"}};
+    TTableImport Import;
+    Import.TableType = ttDBase;
+    EXPECT_EQ(Import.ResolveName("customername", Shown).Kind, snColumn);
+    EXPECT_EQ(Import.ResolveName("CustomerNamed", Shown).Kind, snColumn);
+    EXPECT_EQ(Import.ResolveName("CustomerNamed", Shown).Name, "CustomerName");
+    EXPECT_EQ(Import.ResolveName("Customer", Shown).Kind, snConstant);
+    Import.TableType = ttFoxPro;
+    EXPECT_EQ(Import.ResolveName("CustomerNamed", Shown).Kind, snConstant);
+}
+
 TEST(Kvi2bdeLook, CannotTellColumnsBeforeALookAndAfterItsEnd)
 {
     TTableImport Import;
@@ -642,9 +655,10 @@ TEST(Kvi2bdeLook, CancelIsSeenWhileRecordsAreSkipped)
     Import.Extensions = {xbKeepsToRows};
     Import.RowFirst = 10000;
     Import.SetMappings({"Qty=NO"});
-    TPatience Observer(1);
+    TPatience Observer(2);                          // before the first record, and on the way to it
     Import.SetObserver(&Observer);
     EXPECT_THAT(Import.Run(irCanceled), IsEmpty());
+    EXPECT_EQ(Observer.Left, -1) << "asked once more, it says no";
     EXPECT_EQ(Import.Statistic.TotalImported, 0);
     Import.SetObserver(nullptr);
     EXPECT_THAT(Import.Run(), ElementsAre("|10000"));

@@ -96,10 +96,18 @@ template <class TAct> Exception Raised(TAct Act)
     return Exception("nothing was raised");
 }
 
-/// An observer who never lets anything go on.
-struct TNo final : TKvIRunObserver
+/// An observer who lets things go on until it has been asked so many times.
+struct TPatience : TKvIRunObserver
 {
-    bool KeepsRunning() override { return false; }
+    explicit TPatience(int Times) : Left(Times) {}
+    bool KeepsRunning() override { return Left-- > 0; }
+    int Left;
+};
+
+/// One who never lets anything go on.
+struct TNo final : TPatience
+{
+    TNo() : TPatience(0) {}
 };
 
 std::string ThreeRows()
@@ -261,6 +269,24 @@ TEST(Kvi2htmlLook, TellsColumnsByNumberAndHeaderFromAllElse)
     EXPECT_EQ(Classic.NamesColumn("Field1"), std::nullopt) << "the order of the mappings decides";
 }
 
+TEST(Kvi2htmlLook, SaysWhatANameInAMappingMeans)
+{
+    const std::vector<TKvISourceColumn> Shown{{.Name = "Field1", .Title = "Name"}};
+    THtmlRun Import(ThreeRows(), AllOfHtml);
+    const auto Resolved = [&](const std::string& Name) {
+        const auto Meant = Import.ResolveName(Name, Shown);
+        return std::pair(Meant.Kind, Meant.Name);
+    };
+    EXPECT_EQ(Resolved("FIELD1"), std::pair(snColumn, std::string("Field1")));
+    EXPECT_EQ(Resolved("name"), std::pair(snColumn, std::string("Field1")));
+    EXPECT_EQ(Resolved("Field2"), std::pair(snMissing, std::string("Field2")));
+    EXPECT_EQ(Resolved("Field0"), std::pair(snNothing, std::string("Field0")));
+    EXPECT_EQ(Resolved("Ada"), std::pair(snNothing, std::string("Ada")));
+    Import.Extensions = {};
+    EXPECT_EQ(Resolved("field1"), std::pair(snColumn, std::string("Field1")));
+    EXPECT_EQ(Resolved("Ada"), std::pair(snByOrder, std::string("Ada")));
+}
+
 // Packets.
 
 TEST(Kvi2xmlLook, ShowsTheColumnsThatTheFieldsSectionDeclares)
@@ -349,6 +375,19 @@ TEST(Kvi2xmlLook, TellsColumnsByTheRuleThatFindsThem)
     Extended.Look({});
     EXPECT_EQ(Extended.NamesColumn("userid"), true);
     EXPECT_EQ(Extended.NamesColumn("id"), false);
+}
+
+TEST(Kvi2xmlLook, SaysWhatANameInAMappingMeans)
+{
+    const std::vector<TKvISourceColumn> Shown{{.Name = "USERID", .Title = "USERID"}};
+    TXmlRun Import("<ROWDATA/>", AllOfXml);
+    EXPECT_EQ(Import.ResolveName("userid", Shown).Kind, snColumn);
+    EXPECT_EQ(Import.ResolveName("userid", Shown).Name, "USERID");
+    EXPECT_EQ(Import.ResolveName("ID", Shown).Kind, snMissing);
+    Import.Extensions = {};
+    EXPECT_EQ(Import.ResolveName("ID", Shown).Kind, snColumn);
+    EXPECT_EQ(Import.ResolveName("ID", Shown).Name, "ID");
+    EXPECT_EQ(Import.ResolveName("other", Shown).Kind, snConstant);
 }
 
 TEST(Kvi2xmlLook, CannotTellOfAnAttributeThatLaterRecordsMayHave)
@@ -464,7 +503,8 @@ TYPED_TEST(KvMarkupLook, ACancelledLookShowsNothingAndIsNotKept)
     TypeParam Import(this->File(2));
     TNo No;
     Import.SetObserver(&No);
-    EXPECT_THAT(RowsIn(Import.Look({})), IsEmpty());
+    EXPECT_EQ(Raised([&] { Import.Look({}); }).Facts.Rule, erCancelled);
+    EXPECT_THAT(Import.SourceParts(), IsEmpty());
     Import.SetObserver(nullptr);
     EXPECT_EQ(Import.Look({}).Rows.size(), 2U);
 }
@@ -474,9 +514,9 @@ TYPED_TEST(KvMarkupLook, CancelIsSeenWhileRowsAreSkipped)
     TypeParam Import(this->File(40000));
     Import.RowFirst = 40000;
     EXPECT_EQ(Import.Look({.Columns = {"a"}}).Rows.size(), 1U);
-    TNo No;
-    Import.SetObserver(&No);                        // the file is kept, so that it is asked for rows alone
-    EXPECT_THAT(RowsIn(Import.Look({.Columns = {"a"}})), IsEmpty());
+    TPatience Once(1);                              // the file is kept: the rest is about rows
+    Import.SetObserver(&Once);
+    EXPECT_EQ(Raised([&] { Import.Look({.Columns = {"a"}}); }).Facts.Rule, erCancelled);
     Import.SetObserver(nullptr);
 }
 
