@@ -5,6 +5,7 @@
 
 #include "KvBenchImport.h"
 #include "KvFile.h"
+#include "KvTextFields.h"
 #include "KvTextLines.h"
 
 namespace kv {

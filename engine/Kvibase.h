@@ -285,7 +285,7 @@ private:
     TKvISourceView LookAtSource(const TKvISourceLook& What);
     void PretendMapping(const TKvISourceColumn& Column);
     TKvISourceRow LookAtRecord(std::vector<TKvISourceColumn>& Columns, bool MayWiden);
-    TKvISourceValue LookAtValue(const TKvISourceColumn& Column);
+    TKvISourceValue LookAtValue(const std::function<TVariant()>& ValueOf, TFieldType DataType);
     const TVariant& BuildSearchValue();
     TKvIAction ActionForRecord() const;
     void WriteRecord(TKvIAction Action);

@@ -86,18 +86,22 @@ TKvISourceRow TKvImportBaseComponent::LookAtRecord(std::vector<TKvISourceColumn>
         PretendMapping(Columns.back());
     }
     const auto Count = Width < 0 ? Columns.size() : static_cast<std::size_t>(Width);
-    for (std::size_t I = 0; I < Count; ++I)
-        Row.Values.push_back(LookAtValue(Columns[I]));
+    for (std::size_t I = 0; I < Count; ++I) {
+        const TVariant Source(SourceName(Columns[I].Name)); // which the value may be a loan of
+        Row.Values.push_back(LookAtValue([&] { return GetFieldValue(Source); }, Columns[I].DataType));
+    }
+    if (MayWiden && Columns.empty() && SourceRecord().IsString()) // lines that nobody has told how to cut
+        Row.Values.push_back(LookAtValue([this] { return SourceRecord(); }, ftUnknown));
     return Row;
 }
 
-TKvISourceValue TKvImportBaseComponent::LookAtValue(const TKvISourceColumn& Column)
+TKvISourceValue TKvImportBaseComponent::LookAtValue(const std::function<TVariant()>& ValueOf,
+                                                    TFieldType DataType)
 {
     try {
-        const TVariant Source(SourceName(Column.Name)); // which the value may be a loan of
-        const TVariant Lent = GetFieldValue(Source);
+        const TVariant Lent = ValueOf();
         TVariant Value(Lent);                       // owned
-        if (CharacterSet == csiASCII_MSDOS && Value.IsString() && !IsBinaryField(Column.DataType))
+        if (CharacterSet == csiASCII_MSDOS && Value.IsString() && !IsBinaryField(DataType))
             Value = UECode(true, Value.Text());
         return {.Value = std::move(Value)};
     }

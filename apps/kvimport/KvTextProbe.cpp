@@ -7,6 +7,7 @@
 #include "KvException.h"
 #include "KvTextFields.h"
 #include "KvTextFile.h"
+#include "KvTextLayout.h"
 #include "KvTextLines.h"
 #include "Kvi2txt.h"
 
@@ -30,12 +31,12 @@ std::vector<std::string> ValuesOf(std::string_view Line, TKvTextFields* Fields)
 /// Nothing when `Size` bytes do not hold these lines but the file may.
 std::optional<TProbedText> Probe(const TKvImportFromText& Component, int First, int Last, std::size_t Size)
 {
-    const auto Mark = Component.Extensions.Contains(xtByteOrderMark) ? bmTellsEncoding : bmIsText;
-    const TKvTextFile Beginning(Component.SourceFileName, Mark, Size);
-    auto Cutter = Component.LineCutter(Beginning.Text());
+    const auto Layout = LayoutOf(Component);
+    const TKvTextFile Beginning(Component.SourceFileName, Layout.Mark(), Size);
+    auto Cutter = Layout.LineCutter(Beginning.Text());
     std::optional<TKvTextFields> Fields;
     if (!Component.Fixed)
-        Fields.emplace(Component.FieldCutter());
+        Fields.emplace(Layout.FieldCutter());
 
     TProbedText Result;
     while (Cutter.Next()) {

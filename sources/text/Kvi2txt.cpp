@@ -4,7 +4,10 @@
 
 #include "KvNumberText.h"
 #include "KvPublish.h"
+#include "KvTextLayout.h"
+#include "KvTextLoader.h"
 #include "Kvi2txtLine.h"
+#include "Kvi2txtState.h"
 
 namespace kv {
 
@@ -17,14 +20,6 @@ constexpr std::string_view RecordSeparatorNames[] = {"rsCustom", "rsCRLF", "rsCR
 constexpr std::string_view ExtensionNames[] = {"xtDoubledQualifiers", "xtLongLines", "xtByteOrderMark",
                                                "xtFixedPadding"};
 
-constexpr char MsgUnclosed[] = "begins a value that no text qualifier closes";
-
-constexpr std::size_t HeaderBytes = 64 << 10;       // hold line 1 of most files
-constexpr std::size_t PreviewBytes = 102400;
-constexpr int PreviewRows = 20;
-constexpr int PreviewRowFirstMax = 9;               // a later first row may lie beyond PreviewBytes
-constexpr std::size_t PollBytes = 4 << 20;          // between two looks at the Cancel button
-
 constexpr std::string_view TextPrefix = "Text";
 constexpr std::string_view FieldPrefix = "Field";
 
@@ -34,57 +29,15 @@ std::size_t PositionOf(std::string_view Text)
     return static_cast<std::size_t>(std::max<std::int64_t>(TryTextToInt(Text).value_or(0), 0));
 }
 
-std::string FileAndLine(const std::string& FileName, std::size_t Number)
-{
-    return "Line " + std::to_string(Number) + " of " + FileName + " ";
-}
-
-/// How many lines to make room for, going by the start of the text. An index that grows from nothing to
-/// millions of lines copies itself over and over; a wrong guess costs no more room than the text takes.
-std::size_t EstimateLines(std::string_view Text, std::string_view Separator)
-{
-    constexpr std::size_t SampleBytes = 64 << 10;
-    const auto Sample = Text.substr(0, SampleBytes);
-    if (Sample.empty() || Separator.empty())
-        return 0;
-    const auto InSample = static_cast<std::size_t>(std::ranges::count(Sample, Separator.back())) + 1;
-    const auto Samples = Text.size() / Sample.size() + 1;
-    return std::min(InSample * Samples, Text.size() / sizeof(std::string_view));
-}
-
-/// Gives number and text of each line up to `LastLine`, and of line 1, to `Take`. `Continue`, when given, is
-/// asked every few megabytes; false ends it with answer false.
-template <class TTake>
-bool CutLines(TKvTextLines& Lines, int LastLine, const std::function<bool()>& Continue, TTake Take)
-{
-    std::size_t NextPoll = PollBytes;
-    for (std::int64_t Number = 1; Number <= std::max(LastLine, 1) && Lines.Next(); ++Number) {
-        Take(Number, Lines.Line());
-        if (Lines.Offset() < NextPoll)
-            continue;
-        NextPoll = Lines.Offset() + PollBytes;
-        if (Continue && !Continue())
-            return false;
-    }
-    return true;
-}
-
-/// Holds back the changes of a list for the length of a block.
-class TUpdateOf
-{
-public:
-    explicit TUpdateOf(TStrings& TheList) : List(TheList) { List.BeginUpdate(); }
-    TUpdateOf(const TUpdateOf&) = delete;
-    TUpdateOf& operator=(const TUpdateOf&) = delete;
-    ~TUpdateOf() { List.EndUpdate(); }
-
-private:
-    TStrings& List;
-};
-
 } // namespace
 
-TKvImportFromText::TKvImportFromText(TComponent* Owner) : TKvImportFromFile(Owner, teText, Extension()) {}
+TKvImportFromText::TKvImportFromText(TComponent* Owner)
+    : TKvImportFromFile(Owner, teText, Extension()),
+      State(std::make_unique<TState>())
+{
+}
+
+TKvImportFromText::~TKvImportFromText() = default;
 
 TPublishedProperties TKvImportFromText::PublishedProperties() const
 {
@@ -111,123 +64,88 @@ std::string TKvImportFromText::FillFileFilters()
 
 void TKvImportFromText::BeforeImport()
 {
-    Load(RowLast, TKvTextFile::WholeFile);
+    FFieldCounts = {};
+    LoadLines({.First = RowFirst, .Last = RowLast, .Header = HeaderLine});
+    if (!State->Fields)
+        return;
+    State->Fields->Split(LineToCompare());
+    State->ComparedFields = State->Fields->Count();
 }
 
 void TKvImportFromText::AfterImport()
 {
-    Unload();
+    State->Restart();
+    State->Text.Close();
 }
 
-void TKvImportFromText::Unload()
+void TKvImportFromText::LoadLines(const TKvWantedLines& Wanted)
 {
-    FieldPositions.reset();
-    Lines = {};
-    CurrentLine = FirstLine = Header = {};
-    File.reset();
-}
-
-void TKvImportFromText::Load(int LastLine, std::size_t MaxSize)
-{
-    Unload();                                       // a run that an exception ended left its lines behind
-    Columns.Clear();
-    CurrentRow = 0;
-    ComparedFields = 0;
-    FFieldCounts = {};
-    const auto Mark = Extensions.Contains(xtByteOrderMark) ? bmTellsEncoding : bmIsText;
-    File.emplace(SourceFileName, Mark, MaxSize, [this] { return KeepsRunning(); });
-    LoadLines(LastLine);
-    if (Fixed)
-        return;
-    FieldPositions.emplace(FieldCutter());
-    FieldPositions->Split(LineToCompare());
-    ComparedFields = FieldPositions->Count();
+    State->Restart();
+    const auto Layout = LayoutOf(*this);
+    State->Text.Load(SourceFileName, Layout, Wanted, [this] { return KeepsRunning(); });
+    State->Text.RequireClosed();
+    if (!Fixed)
+        State->Fields.emplace(Layout.FieldCutter());
 }
 
 /// A header among the lines that are imported is none.
 std::string_view TKvImportFromText::LineToCompare() const
 {
+    const auto& Text = State->Text;
     if (HeaderLine == 0)
-        return Lines.empty() ? std::string_view() : Lines.front();
-    return HeaderLine < RowFirst ? Header : std::string_view();
-}
-
-/// For automatic mapping line 1 is enough: the run that follows reads the file anyway.
-void TKvImportFromText::LoadFirstLine()
-{
-    Load(1, HeaderBytes);
-    const bool MayGoOn = FirstLine.data() + FirstLine.size() == File->Text().data() + File->Text().size();
-    if (MayGoOn && !File->IsWhole())
-        Load(1, TKvTextFile::WholeFile);
-}
-
-TKvTextLines TKvImportFromText::LineCutter(std::string_view Text) const
-{
-    const char Qualifier = GetTextQualifierCustom();
-    const bool Doubled = Extensions.Contains(xtDoubledQualifiers);
-    TKvTextLineRules Rules{.Separator = GetRecordSeparatorCustom(),
-                           .Qualifier = {&Qualifier, 1}, // #0 too: the zero byte then hides line ends
-                           .DoubledQualifiers = Doubled,
-                           .Delimiter = GetFieldDelimiterCustom()};
-    if (Doubled && (Fixed || Qualifier == '\0'))
-        Rules.Qualifier = {};
-    return TKvTextLines(Text, Rules);
-}
-
-TKvTextFields TKvImportFromText::FieldCutter() const
-{
-    return TKvTextFields(GetFieldDelimiterCustom(), GetTextQualifierCustom(), Extensions.Contains(xtDoubledQualifiers));
-}
-
-void TKvImportFromText::LoadLines(int LastLine)
-{
-    auto Cutter = LineCutter(File->Text());
-    if (LastLine == RowLastMax)
-        Lines.reserve(EstimateLines(File->Text(), GetRecordSeparatorCustom()));
-    const bool Complete = CutLines(Cutter, LastLine, [this] { return KeepsRunning(); },
-                                   [this, LastLine](std::int64_t Number, std::string_view Line) {
-                                       if (Number == 1)
-                                           FirstLine = Line;
-                                       if (Number == HeaderLine)
-                                           Header = Line;
-                                       if (RowFirst <= Number && Number <= LastLine)
-                                           Lines.push_back(Line);
-                                   });
-    if (!Complete)
-        Lines.clear();                              // cancelled: nothing of the file is imported
-    else if (Cutter.Unclosed() && File->IsWhole())
-        throw Exception(FileAndLine(SourceFileName, Cutter.Number()) + MsgUnclosed);
+        return Text.Lines().empty() ? std::string_view() : Text.Lines().front();
+    return HeaderLine < RowFirst ? Text.Header() : std::string_view();
 }
 
 // The records.
 
 std::size_t TKvImportFromText::LineNumber() const
 {
-    return static_cast<std::size_t>(std::max(RowFirst, 1)) + CurrentRow;
+    return static_cast<std::size_t>(std::max(RowFirst, 1)) + State->CurrentRow;
 }
 
 TKvISourcePosition TKvImportFromText::SourcePosition() const
 {
-    return {.Unit = PositionUnit(), .Number = static_cast<std::int64_t>(LineNumber())};
+    if (!State->HasRecord())
+        return {.Unit = PositionUnit()};
+    return {.Unit = PositionUnit(),
+            .Number = static_cast<std::int64_t>(LineNumber()),
+            .Offset = State->Text.OffsetOf(State->Line())};
+}
+
+TVariant TKvImportFromText::SourceRecord()
+{
+    return State->HasRecord() ? TVariant(State->Line()) : TVariant(Null);
 }
 
 int TKvImportFromText::GetTotalCount()
 {
-    return static_cast<int>(std::min(Lines.size(), static_cast<std::size_t>(RowLastMax)));
+    return static_cast<int>(std::min(State->Text.Lines().size(), static_cast<std::size_t>(RowLastMax)));
+}
+
+void TKvImportFromText::GoFirst()
+{
+    State->CurrentRow = 0;
+}
+
+void TKvImportFromText::GoNext()
+{
+    ++State->CurrentRow;
 }
 
 bool TKvImportFromText::NeedMore()
 {
-    return CurrentRow < Lines.size() && WantsMoreThan(static_cast<std::int64_t>(CurrentRow));
+    return State->HasRecord() && WantsMoreThan(static_cast<std::int64_t>(State->CurrentRow));
 }
 
 bool TKvImportFromText::LoadRecord()
 {
-    CurrentLine = Lines[CurrentRow];
-    if (FieldPositions) {
-        CheckLength(CurrentLine, LineNumber());
-        FieldPositions->Split(CurrentLine);
-        if (ComparedFields > 0 && FieldPositions->Count() != ComparedFields)
+    auto& S = *State;
+    S.CurrentLine = S.Line();
+    if (S.Fields) {
+        CheckLength(S.CurrentLine, LineNumber());
+        S.Fields->Split(S.CurrentLine);
+        if (S.ComparedFields > 0 && S.Fields->Count() != S.ComparedFields)
             CountFields();
     }
     return TKvImportFromFile::LoadRecord();
@@ -243,7 +161,7 @@ void TKvImportFromText::CheckLength(std::string_view Line, std::size_t Number) c
 void TKvImportFromText::CountFields()
 {
     auto& Counts = FFieldCounts;
-    const bool Fewer = FieldPositions->Count() < ComparedFields;
+    const bool Fewer = State->Fields->Count() < State->ComparedFields;
     if (++(Fewer ? Counts.FewerLines : Counts.MoreLines) == 1)
         (Fewer ? Counts.FirstFewer : Counts.FirstMore) = static_cast<int>(LineNumber());
 }
@@ -252,14 +170,13 @@ void TKvImportFromText::CountFields()
 
 TVariant TKvImportFromText::GetFieldValue(const TVariant& Source)
 {
-    const auto& Column = Columns.Find(
-        Source, [this](std::string_view Each) { return Fixed ? ResolveFixed(Each) : ResolveDelimited(Each); });
+    const auto& Column = State->Columns.Find(Source, Fixed ? TColumn::OfFixed : TColumn::OfDelimited);
     return TVariant::Borrow(TextOf(Column, Source.Text()));
 }
 
 /// Any five characters stand before the number of a value, any four before a position: only a name
 /// without one is a constant.
-TKvImportFromText::TColumn TKvImportFromText::ResolveDelimited(std::string_view Source)
+TKvImportFromText::TColumn TKvImportFromText::TColumn::OfDelimited(std::string_view Source)
 {
     TColumn Column{.NamesField = Source.starts_with(FieldPrefix)};
     if (Source.size() > FieldPrefix.size())
@@ -267,7 +184,7 @@ TKvImportFromText::TColumn TKvImportFromText::ResolveDelimited(std::string_view 
     return Column;
 }
 
-TKvImportFromText::TColumn TKvImportFromText::ResolveFixed(std::string_view Source)
+TKvImportFromText::TColumn TKvImportFromText::TColumn::OfFixed(std::string_view Source)
 {
     TColumn Column{.NamesField = Source.starts_with(FieldPrefix)};
     const auto Dash = Source.find('-');
@@ -278,44 +195,19 @@ TKvImportFromText::TColumn TKvImportFromText::ResolveFixed(std::string_view Sour
     return Column;
 }
 
-std::string_view TKvImportFromText::TextOf(const TColumn& Column, std::string_view Source)
+std::string_view TKvImportFromText::TextOf(const TColumn& Column, std::string_view Source) const
 {
-    const bool InLine = Column.First > 0 && (Fixed || Column.First <= FieldPositions->Count());
-    if (!InLine)
-        return Column.NamesField ? std::string_view() : WithoutDelimiter(Source);
-    if (Fixed) {
-        const auto Bytes = WithoutDelimiter(Slice(CurrentLine, Column.First, Column.Last));
-        return Extensions.Contains(xtFixedPadding) ? Bytes.substr(0, Bytes.find_last_not_of(' ') + 1) : Bytes;
-    }
-    const auto Value = FieldPositions->Value(Column.First - 1);
-    return Extensions.Contains(xtDoubledQualifiers) ? Value : WithoutDelimiter(Value);
+    if (!Fixed && Column.First - 1 < State->Fields->Count()) // for no position the highest of all numbers
+        return ValueAt(Column.First - 1);
+    if (Fixed && Column.First > 0)
+        return BytesAt(Column);
+    return Column.NamesField ? std::string_view() : WithoutDelimiter(Source);
 }
 
-std::string_view TKvImportFromText::WithoutDelimiter(std::string_view Value) const
+std::string_view TKvImportFromText::BytesAt(const TColumn& Column) const
 {
-    if (!Value.empty() && Value.back() == GetFieldDelimiterCustom())
-        Value.remove_suffix(1);
-    return Value;
-}
-
-// Without a component.
-
-void LoadTextFile(bool IsPreview, std::string& FirstLine, TStrings& Lines, const std::string& FileName,
-                  std::string_view RecordSeparator, std::string_view TextQualifier, int RowFirst, int RowLast)
-{
-    const TUpdateOf Update(Lines);
-    Lines.Clear();
-    FirstLine.clear();
-    const bool ReadsStart = IsPreview && RowFirst <= PreviewRowFirstMax;
-    const TKvTextFile File(FileName, bmIsText, ReadsStart ? PreviewBytes : TKvTextFile::WholeFile);
-    TKvTextLines Cutter(File.Text(), {.Separator = RecordSeparator, .Qualifier = TextQualifier});
-    const int LastLine = IsPreview ? std::min(RowLast, PreviewRows) : RowLast;
-    CutLines(Cutter, LastLine, {}, [&](std::int64_t Number, std::string_view Line) {
-        if (Number == 1)
-            FirstLine = Line;
-        if (RowFirst <= Number && Number <= LastLine)
-            Lines.Add(Line);
-    });
+    const auto Bytes = WithoutDelimiter(Slice(State->CurrentLine, Column.First, Column.Last));
+    return Extensions.Contains(xtFixedPadding) ? Bytes.substr(0, Bytes.find_last_not_of(' ') + 1) : Bytes;
 }
 
 } // namespace kv

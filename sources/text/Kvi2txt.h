@@ -3,37 +3,18 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "KvSet.h"
-#include "KvTextFields.h"
-#include "KvTextFile.h"
-#include "KvTextLines.h"
+#include "KvTextExtensions.h"
 #include "KviFileImport.h"
-#include "KviSourceColumns.h"
 
 namespace kv {
 
-/// Rules of today's text files that take the place of older ones.
-enum TKvITextExtension {
-    /// RFC 4180: only a value that begins with the qualifier is qualified; inside it a doubled qualifier
-    /// stands for one, and delimiters and line ends are text. A qualified value that is never closed is
-    /// an error. Without it every qualifier switches, doubled ones stay doubled, and a value loses the
-    /// delimiter that it ends in.
-    xtDoubledQualifiers,
-    /// Delimited lines have any length. Without it a line over 9999 characters ends the run.
-    xtLongLines,
-    /// A byte order mark is no part of the first value; one of UTF-16 also says how the text is to be
-    /// read. Without it the mark is text.
-    xtByteOrderMark,
-    /// Blanks that fill a fixed column up are no part of its value. Without it they are.
-    xtFixedPadding
-};
-using TKvITextExtensions = TSet<TKvITextExtension>;
+struct TKvWantedLines;
 
 /// Lines of a run that hold more or fewer values than the one to compare with, usually the header. Line
 /// numbers count every line of the file from 1; 0 means none.
@@ -50,6 +31,7 @@ class TKvImportFromText : public TKvImportFromFile
 {
 public:
     explicit TKvImportFromText(TComponent* Owner = nullptr);
+    ~TKvImportFromText() override;
 
     std::string_view ClassName() const override { return "TKvImportFromText"; }
     TPublishedProperties PublishedProperties() const override;
@@ -79,11 +61,13 @@ public:
     const TKvITextFieldCounts& FieldCounts() const { return FFieldCounts; }
     std::string_view PositionUnit() const override { return "line"; }
     TKvISourcePosition SourcePosition() const override;
-
-    /// Cuts `Text`, which must outlive the result, into lines as a run does.
-    TKvTextLines LineCutter(std::string_view Text) const;
-    /// Cuts lines into values as a run does.
-    TKvTextFields FieldCutter() const;
+    TVariant SourceRecord() override;               ///< The bytes of the line without its end.
+    std::vector<TKvISourceRemark> SourceRemarks() const override; ///< FieldCounts() in their words.
+    void EndLook() override;
+    /// The first of `Candidates` that delimits values in line `HeaderRow`, cut as it would be with that one.
+    /// None when no one does, for fixed lines, and without a header. What is read for it is kept for looks.
+    /// Raises EFileError, and EConvertError as a look does.
+    std::optional<char> FindDelimiter(int HeaderRow, std::string_view Candidates);
 
     static std::string Extension() { return ".TXT"; }
     static std::string FillFileFilters();
@@ -91,58 +75,50 @@ public:
 protected:
     void DetectAutoMapping() override;
     void BeforeImport() override;
-    void GoFirst() override { CurrentRow = 0; }
+    void GoFirst() override;
     int GetTotalCount() override;
     bool NeedMore() override;
     bool LoadRecord() override;
     TVariant GetFieldValue(const TVariant& Source) override;
-    void GoNext() override { ++CurrentRow; }
+    void GoNext() override;
     void AfterImport() override;
+    void BeforeLook(const TKvISourceLook& What) override;
+    /// Fixed lines have none but those that the caller names.
+    std::vector<TKvISourceColumn> SourceColumns(int HeaderRow) override;
+    int RecordWidth() const override;
+    void AfterLook() override;
 
 private:
-    /// What a source column's name says.
-    struct TColumn
-    {
-        std::size_t First = 0;                      // value or byte of the line, from 1; 0: no position
-        std::size_t Last = 0;                       // byte of the line; 0: none
-        bool NamesField = false;                    // a name that stands for nothing else
-    };
+    struct TColumn;                                 // what a source column's name says
+    struct TState;                                  // what is loaded, and the current record
 
-    void Load(int LastLine, std::size_t MaxSize);
-    void LoadLines(int LastLine);
-    void LoadFirstLine();
+    void LoadLines(const TKvWantedLines& Wanted);
     std::string_view LineToCompare() const;
-    void Unload();
+    bool Delimits(char Delimiter, int LineNumber);
     void CheckLength(std::string_view Line, std::size_t Number) const;
     void CountFields();
     std::size_t LineNumber() const;
-    static TColumn ResolveDelimited(std::string_view Source);
-    static TColumn ResolveFixed(std::string_view Source);
-    std::string_view TextOf(const TColumn& Column, std::string_view Source);
+    std::string_view TextOf(const TColumn& Column, std::string_view Source) const;
+    std::string_view ValueAt(std::size_t Index) const; // of a delimited line, from 0
+    std::string_view BytesAt(const TColumn& Column) const; // of a fixed line
     std::string_view WithoutDelimiter(std::string_view Value) const;
     void MapHeaderFields();
     void MapHeaderBreaks();
     void MapFieldsInOrder();
     void MapFieldWidths();
 
-    // One run, from BeforeImport to AfterImport.
-    std::optional<TKvTextFile> File;                // all below view it
-    std::string_view FirstLine, Header;             // line 1 and that of HeaderLine
-    std::vector<std::string_view> Lines;            // those from RowFirst to RowLast
-    std::optional<TKvTextFields> FieldPositions;    // of the current line; none for fixed lines
-    std::size_t CurrentRow = 0;                     // into Lines
-    std::string_view CurrentLine;
-    TKvSourceColumns<TColumn> Columns;
-    std::size_t ComparedFields = 0;                 // values of LineToCompare(); 0: not counted
+    const std::unique_ptr<TState> State;
     TKvITextFieldCounts FFieldCounts;
 };
 
 /// Fills `Lines` with the lines `RowFirst` to `RowLast` of a file and `FirstLine` with its line 1. Any
 /// character of `RecordSeparator` ends a line unless the qualifiers before it in the line are odd in
 /// number; an empty `TextQualifier` is none. A preview stops at line 20 and, when `RowFirst` is below
-/// 10, at 102400 bytes. Raises EFileError.
+/// 10, at 102400 bytes. `FieldDelimiter` tells xtDoubledQualifiers where a value begins. Raises EFileError,
+/// and by the extensions what a run would end by.
 void LoadTextFile(bool IsPreview, std::string& FirstLine, TStrings& Lines, const std::string& FileName,
-                  std::string_view RecordSeparator, std::string_view TextQualifier, int RowFirst, int RowLast);
+                  std::string_view RecordSeparator, std::string_view TextQualifier, int RowFirst, int RowLast,
+                  TKvITextExtensions Extensions = {}, char FieldDelimiter = '\t');
 
 /// Finds the values of `Line`. Delimited: `Positions` get start * 10000 + stop of each (characters from
 /// 1, both inclusive); `DataSet` is not used, and a line over 9999 characters raises Exception. Fixed:

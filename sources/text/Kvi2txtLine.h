@@ -2,12 +2,19 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace kv {
 
 inline constexpr std::size_t MaxLineSize = 9999;    // two positions share one number
 inline constexpr char MsgLineTooLong[] = "is longer than 9999 characters";
+
+/// The beginning of a message: "Line 3 of orders.csv ".
+inline std::string FileAndLine(const std::string& FileName, std::size_t Number)
+{
+    return "Line " + std::to_string(Number) + " of " + FileName + " ";
+}
 
 /// `Text` from byte `First` to byte `Last`, both from 1, as far as it reaches.
 inline std::string_view Slice(std::string_view Text, std::size_t First, std::size_t Last)

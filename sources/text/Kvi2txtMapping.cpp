@@ -4,7 +4,9 @@
 #include <algorithm>
 
 #include "KvText.h"
+#include "KvTextFields.h"
 #include "Kvi2txtLine.h"
+#include "Kvi2txtState.h"
 
 namespace kv {
 
@@ -62,22 +64,24 @@ void FillFields(TDataSet* DataSet, bool IsFixed, char Delimiter, char TextQualif
         FillBreaks(*DataSet, Delimiter, TextQualifier, Line, Positions);
 }
 
+/// Line 1 is enough: the run that follows reads the file anyway.
 void TKvImportFromText::DetectAutoMapping()
 {
-    LoadFirstLine();
+    LoadLines({.Header = 1, .Bytes = BytesToLookAt, .Grows = true});
     if (RowFirst > 1)
         Fixed ? MapHeaderBreaks() : MapHeaderFields();
     else
         Fixed ? MapFieldWidths() : MapFieldsInOrder();
-    AfterImport();
+    AfterLook();
 }
 
 /// By the names in line 1. A field whose name is not there gets no mapping.
 void TKvImportFromText::MapHeaderFields()
 {
-    CheckLength(FirstLine, 1);
-    auto& Names = *FieldPositions;
-    Names.Split(FirstLine);
+    const auto Header = State->Text.Header();
+    CheckLength(Header, 1);
+    auto& Names = *State->Fields;
+    Names.Split(Header);
     MapFields([&Names](const TField& Field) {
         std::size_t Position = 0;
         while (Position < Names.Count() && !NamesField(Names.Value(Position), Field))
@@ -91,12 +95,13 @@ void TKvImportFromText::MapHeaderFields()
 /// that is mapped is the one byte at the break: programs know the result as it is.
 void TKvImportFromText::MapHeaderBreaks()
 {
+    const auto Header = State->Text.Header();
     std::vector<int> Breaks;
-    FillFields(GetDataSet(), true, GetFieldDelimiterCustom(), GetTextQualifierCustom(), FirstLine, Breaks);
+    FillFields(GetDataSet(), true, GetFieldDelimiterCustom(), GetTextQualifierCustom(), Header, Breaks);
     std::size_t Pos = 0;
     MapFields([&](const TField& Field) {
         for (const int Break : Breaks) {
-            const auto Part = Slice(FirstLine, std::max<std::size_t>(Pos, 1), static_cast<std::size_t>(Break));
+            const auto Part = Slice(Header, std::max<std::size_t>(Pos, 1), static_cast<std::size_t>(Break));
             Pos = static_cast<std::size_t>(Break);
             if (NamesField(Part, Field))
                 return "Text" + std::to_string(Pos) + "-" + std::to_string(Break);

@@ -31,6 +31,15 @@ void Load(TLoaded& Loaded, std::string_view Text, bool IsPreview = false, int Ro
                  RowLast);
 }
 
+std::vector<std::string> LinesOf(std::string_view Text, TKvITextExtensions Extensions, bool IsPreview = false)
+{
+    const TTempFolder Folder;
+    TLoaded Loaded;
+    LoadTextFile(IsPreview, Loaded.FirstLine, Loaded.Lines, Folder.Write("file", Text), "\r\n", "\"", 1,
+                 RowLastMax, Extensions, ',');
+    return Loaded.All();
+}
+
 std::string NumberedLines(int Count, std::size_t Size)
 {
     std::string Text;
@@ -154,6 +163,23 @@ TEST(LoadTextFile, APreviewThatBeginsAtLine10OrLaterReadsTheWholeFile)
     Load(Loaded, NumberedLines(20, 10000), true, 10);
     EXPECT_EQ(Loaded.Lines.Count(), 11);
     EXPECT_EQ(Loaded.Lines[10].size(), 9999u);
+}
+
+TEST(LoadTextFile, ReadsByTheExtensionsThatItIsGiven)
+{
+    const auto* const Inches = "5\" x,1\r\n6\" y,2\r\n";
+    EXPECT_THAT(LinesOf(Inches, {}), ElementsAre("5\" x,1\r\n6\" y,2"));
+    EXPECT_THAT(LinesOf(Inches, {xtDoubledQualifiers}), ElementsAre("5\" x,1", "6\" y,2"));
+    EXPECT_THAT(LinesOf("1,\"a\r\nb\"\r\n", {xtDoubledQualifiers}), ElementsAre("1,\"a\r\nb\""));
+    EXPECT_THAT(LinesOf("\xEF\xBB\xBF" "1\r\n", {}), ElementsAre("\xEF\xBB\xBF" "1"));
+    EXPECT_THAT(LinesOf("\xEF\xBB\xBF" "1\r\n", {xtByteOrderMark}), ElementsAre("1"));
+}
+
+TEST(LoadTextFile, RefusesAValueThatIsNeverClosedUnlessItMayBeClosedBehindThePreview)
+{
+    const auto Open = "1,\"" + std::string(102400, 'x');
+    EXPECT_THROW(LinesOf(Open, {xtDoubledQualifiers}), Exception);
+    EXPECT_THAT(LinesOf(Open, {xtDoubledQualifiers}, true), testing::SizeIs(1));
 }
 
 TEST(FillFields, PacksStartAndStopOfEachValue)
