@@ -41,9 +41,12 @@ TKvISourceView TKvImportBaseComponent::LookAtSource(const TKvISourceLook& What)
 {
     TKvISourceView View;
     LookedAt = 0;
+    const auto CheckCancel = [this] {               // what was read then is not the source
+        if (IsCanceled())
+            throw Exception(MsgLookCanceled, {.Rule = erCancelled});
+    };
     BeforeLook(What);
-    if (IsCanceled())                               // what was loaded then is not the source
-        throw Exception(MsgLookCanceled, {.Rule = erCancelled});
+    CheckCancel();
     if (What.Columns.empty())
         View.Columns = SourceColumns(What.HeaderRow);
     for (const auto& Column : What.Columns)
@@ -52,6 +55,7 @@ TKvISourceView TKvImportBaseComponent::LookAtSource(const TKvISourceLook& What)
     for (const auto& Column : View.Columns)
         PretendMapping(Column);
     GoFirst();
+    CheckCancel();
     for (; NeedMore(); GoNext()) {
         View.HasMore = std::cmp_greater_equal(View.Rows.size(), What.Rows);
         if (View.HasMore)
