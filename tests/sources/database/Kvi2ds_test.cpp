@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "KvException.h"
 #include "KvMemoryDataSet.h"
 
 using testing::ElementsAre;
@@ -64,15 +66,20 @@ public:
     TMemoryDataSet From, To;
 };
 
-std::string MessageOfExecute(TKvImportBaseComponent& Import)
+template <class TAct> std::string MessageOf(TAct Act)
 {
     try {
-        Import.Execute();
+        Act();
     }
     catch (const Exception& Error) {
         return Error.Message;
     }
     return "";
+}
+
+std::string MessageOfExecute(TKvImportBaseComponent& Import)
+{
+    return MessageOf([&] { Import.Execute(); });
 }
 
 std::vector<std::string> LinesOf(const TStrings& Lines)
@@ -245,6 +252,115 @@ TEST(Kvi2ds, PublishesTheSource)
     EXPECT_EQ(Properties.back().Name, "SourceDataset");
     EXPECT_EQ(Properties.back().Kind, pkObject);
     EXPECT_EQ(Properties.back().GetObject(Copy), &Copy.From);
+}
+
+// A look.
+
+/// A source whose records have a key.
+class TKeyed : public TMemoryDataSet
+{
+public:
+    std::string KeyFields() override { return "NAME"; }
+};
+
+std::vector<std::string> RowsIn(const TKvISourceView& View)
+{
+    std::vector<std::string> Rows;
+    for (const auto& Row : View.Rows) {
+        Rows.push_back(Row.Position.Text());
+        for (const auto& Value : Row.Values)
+            Rows.back() += "|" + Value.Value.ToText();
+    }
+    return Rows;
+}
+
+TEST(Kvi2dsLook, ShowsFieldsAndRecords)
+{
+    TCopy Copy;
+    const auto View = Copy.Look({.Rows = 2});
+    ASSERT_EQ(View.Columns.size(), 2U);
+    EXPECT_EQ(View.Columns[0].Name, "NAME");
+    EXPECT_EQ(View.Columns[0].Title, "NAME");
+    EXPECT_EQ(View.Columns[0].DataType, ftString);
+    EXPECT_EQ(View.Columns[1].DataType, ftInteger);
+    EXPECT_THAT(RowsIn(View), ElementsAre("record 1|Ada|3", "record 2|Bob|"));
+    EXPECT_TRUE(View.HasMore);
+    const auto Named = Copy.Look({.Rows = 1, .Columns = {"qty", "Imported"}});
+    EXPECT_THAT(RowsIn(Named), ElementsAre("record 1|3|Imported"));
+}
+
+TEST(Kvi2dsLook, LeavesTheCursorWhereItStoodWhenTheSourceHasAKey)
+{
+    TCopy Copy;
+    TKeyed Keyed;
+    Fill(Keyed, {{.Name = "NAME"}}, {{"Ada"}, {"Bob"}, {"Cy"}});
+    Keyed.Next();
+    Copy.SetSourceDataset(&Keyed);
+    EXPECT_EQ(Copy.Look({}).Rows.size(), 3U);
+    EXPECT_EQ(Keyed.Fields(0).AsString(), "Bob");
+}
+
+TEST(Kvi2dsLook, LeavesTheCursorOnTheFirstRecordOtherwise)
+{
+    TCopy Copy;
+    Copy.From.Next();
+    Copy.Look({});
+    EXPECT_EQ(Copy.From.Fields(0).AsString(), "Ada");
+}
+
+TEST(Kvi2dsLook, ControlsAreToldOnceThatItIsOver)
+{
+    TCopy Copy;
+    int Told = 0;
+    const auto Handle = Copy.From.AddDataChangeHandler([&Told] { ++Told; });
+    Copy.Look({});
+    EXPECT_EQ(Told, 1);
+    EXPECT_FALSE(Copy.From.ControlsDisabled());
+}
+
+TEST(Kvi2dsLook, AClosedSourceIsOpenedAndStaysOpen)
+{
+    TCopy Copy;
+    Copy.From.Close();
+    EXPECT_EQ(Copy.NamesColumn("NAME"), std::nullopt);
+    EXPECT_EQ(Copy.Look({}).Rows.size(), 3U);
+    EXPECT_TRUE(Copy.From.Active());
+    EXPECT_EQ(Copy.NamesColumn("name"), true);
+    EXPECT_EQ(Copy.NamesColumn("Imported"), false);
+}
+
+TEST(Kvi2dsLook, StoresNothingThatIsBeingWritten)
+{
+    TCopy Copy;
+    Copy.From.Edit();
+    Copy.From.Fields(0).SetValue("changed");
+    EXPECT_EQ(MessageOf([&] { Copy.Look({}); }),
+              "A record of the source is being written; it has to be stored or dropped first");
+    EXPECT_EQ(Copy.From.State(), dsEdit);
+    EXPECT_FALSE(Copy.From.ControlsDisabled());
+}
+
+TEST(Kvi2dsLook, NeedsASource)
+{
+    TCopy Copy;
+    Copy.SetSourceDataset(nullptr);
+    EXPECT_EQ(MessageOf([&] { Copy.Look({}); }), "Property SourceDataset wasn't specified.");
+    EXPECT_EQ(Copy.NamesColumn("NAME"), std::nullopt);
+}
+
+TEST(Kvi2dsLook, TheRecordOfASourceIsTheValuesOfItsFields)
+{
+    TCopy Copy;
+    std::vector<TVariant> Records;
+    Copy.OnAfterRecordEvent = [&](TKvImportBaseComponent& Sender, bool&) {
+        Records.push_back(Sender.SourceRecord());
+    };
+    Copy.Run();
+    ASSERT_EQ(Records.size(), 3U);
+    EXPECT_EQ(Records[0][0].ToText(), "Ada");
+    EXPECT_EQ(Records[0][1].Kind(), vkInteger);
+    EXPECT_TRUE(Records[1][1].IsNull());
+    EXPECT_TRUE(Copy.SourceRecord().IsNull()) << "after the run";
 }
 
 TEST(Kvi2ds, AFailingSourceFailsTheRun)
