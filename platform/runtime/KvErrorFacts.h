@@ -29,6 +29,8 @@ enum TKvErrorRule {
 struct TKvErrorFacts
 {
     std::string FileName = {};                      ///< The file or database at fault.
+    /// The message does not name the file, as its text is fixed: whoever shows it puts the name before.
+    bool LacksFileName = false;
     std::string Place = {};                         ///< Where in it: "record 17", "line 18", "cell B3".
     /// The field of the destination, or the column of the source; of several together the names are joined by ";".
     std::string Field = {};

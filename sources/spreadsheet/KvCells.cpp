@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "KvException.h"
+#include "KvFileAlias.h"
 #include "KvPublish.h"
 #include "KvText.h"
 
@@ -20,7 +21,7 @@ constexpr char MsgNotExists[] = "File is not exists.";
 bool Exists(const std::string& FileName)
 {
     std::error_code Error;
-    return std::filesystem::status(FileName, Error).type() != std::filesystem::file_type::not_found;
+    return std::filesystem::status(PathOfFile(FileName), Error).type() != std::filesystem::file_type::not_found;
 }
 
 } // namespace

@@ -54,17 +54,33 @@ TSpreadSheetFile& TKvImportFromCell::LoadWorkBook()
         WorkBook = WorkBookCreation();
     if (!WorkBook)
         throw Exception(std::string(ClassName()) + " has no reader of workbooks");
-    WorkBook->Extensions = Extensions;
-    WorkBook->LoadFromFile(SourceFileName);
+    WorkBook->Extensions = LoadedWith = Extensions;
+    LoadedName = SourceFileName;
+    try {
+        WorkBook->LoadFromFile(SourceFileName);
+    }
+    catch (EFileError&) {
+        throw;
+    }
+    catch (Exception& Error) {
+        Error.Facts.LacksFileName = Error.Facts.FileName.empty();
+        Error.Facts.FileName = SourceFileName;
+        throw;
+    }
     LoadedAhead = true;
     return *WorkBook;
+}
+
+void TKvImportFromCell::LoadOnce()
+{
+    if (!LoadedAhead || LoadedName != SourceFileName || LoadedWith != Extensions)
+        LoadWorkBook();
 }
 
 void TKvImportFromCell::BeforeImport()
 {
     Columns.Clear();
-    if (!LoadedAhead)
-        LoadWorkBook();
+    LoadOnce();
     LoadedAhead = false;
 }
 
@@ -84,6 +100,7 @@ TKvISourcePosition TKvImportFromCell::SourcePosition() const
 void TKvImportFromCell::GoFirst()
 {
     CurrentRow = RowFirst - 1;
+    LookAtExtent();
 }
 
 int TKvImportFromCell::GetTotalCount()

@@ -30,10 +30,21 @@ public:
 
     std::string_view PositionUnit() const override { return "row"; }
     TKvISourcePosition SourcePosition() const override;
+    TKvISourceName ResolveName(const std::string& Wanted,
+                               const std::vector<TKvISourceColumn>& Columns) const override;
 
     /// Loads the workbook ahead of a run, which then does not load it again: for programs that look at it
-    /// first. It is good until that run ends. Raises what the run would end by.
+    /// first. It is good until that run ends. Raises what the run would end by; errors know the file, though the
+    /// messages of the readers do not say it.
     TSpreadSheetFile& LoadWorkBook();
+
+    /// The sheets. Loads the workbook as a look does, which keeps it for the run.
+    std::vector<TKvISourcePart> SourceParts() override;
+    void SelectPart(int Index, const TKvISourcePart& Part) override;
+    void EndLook() override;
+    /// What of the sheet lies outside of what is read; of the last look or run.
+    std::vector<TKvISourceRemark> SourceRemarks() const override { return Remarks; }
+    TVariant SourceRecord() override;               ///< An array of the values of the row.
 
 protected:
     /// `Extension` is that of the files of the subclass.
@@ -54,13 +65,21 @@ protected:
     TVariant GetFieldValue(const TVariant& Source) override;
     void GoNext() override { ++CurrentRow; }
     void AfterImport() override;
+    void BeforeLook(const TKvISourceLook& What) override;
+    std::vector<TKvISourceColumn> SourceColumns(int HeaderRow) override;
+    void AfterLook() override { Record = nullptr; }
 
 private:
+    void LoadOnce();
+    void LookAtExtent();
     TSpreadSheetCells& Cells() { return WorkBook->Sheets.Spreadsheet(SheetIndex).Cells; }
     std::vector<std::string> HeaderTexts();
 
     std::unique_ptr<TSpreadSheetFile> WorkBook;     // until AfterImport
     bool LoadedAhead = false;
+    std::string LoadedName;                         // the file that was loaded ahead ...
+    TSpreadSheetExtensions LoadedWith;              // ... and how
+    std::vector<TKvISourceRemark> Remarks;
     int CurrentRow = 0;                             // from 0
     const TSpreadSheetRow* Record = nullptr;        // the current row; none where it holds no value
     TKvSourceColumns<int> Columns;                  // from 0
