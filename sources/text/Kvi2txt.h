@@ -63,6 +63,8 @@ public:
     TKvISourcePosition SourcePosition() const override;
     TVariant SourceRecord() override;               ///< The bytes of the line without its end.
     std::vector<TKvISourceRemark> SourceRemarks() const override; ///< FieldCounts() in their words.
+    TKvISourceName ResolveName(const std::string& Wanted,
+                               const std::vector<TKvISourceColumn>& Shown) const override;
     void EndLook() override;
     /// The first of `Candidates` that delimits values in line `HeaderRow`, cut as it would be with that one.
     /// None when no one does, for fixed lines, and without a header. What is read for it is kept for looks.
