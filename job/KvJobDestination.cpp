@@ -1,0 +1,59 @@
+#include "KvJobDestination.h"
+
+#include "KvDataSet.h"
+#include "KvDisplayText.h"
+#include "KvJobFindings.h"
+#include "KvText.h"
+#include "Kvibase.h"
+
+namespace kv {
+
+TJobDestination::TJobDestination(const TJobDestinationSettings& Settings, int BatchSize,
+                                 const std::function<bool()>& Continue)
+    : Batch(BatchSize), Database(MakeDatabase(Settings.Url))
+{
+    Database->BusyTimeout = Settings.BusyTimeout;
+    Database->CacheSize = Settings.CacheSize;
+    Database->OnWait = Continue;
+    Database->Open();
+    if (Settings.Table.empty())
+        Refuse({.Kind = jfTableMissing, .Name = Settings.Url, .Names = Database->TableNames()});
+    Records = Database->OpenTable(FromDisplay(Settings.Table));
+}
+
+TJobDestination::~TJobDestination() = default;
+
+std::vector<std::string> TJobDestination::PrimaryKey()
+{
+    auto Names = SplitNames(TKvImportBaseComponent::GetKeyList(Records.get()), ';');
+    for (auto& Name : Names)
+        Name = ToDisplay(Name);
+    return Names;
+}
+
+void TJobDestination::Begin()
+{
+    Database->StartTransaction();
+    NextCommit = Batch;
+}
+
+void TJobDestination::CommitBatch()
+{
+    Database->Commit();
+    FCommitted = RecordsRead;
+    Database->StartTransaction();
+    NextCommit = RecordsRead + Batch;
+}
+
+void TJobDestination::Commit()
+{
+    Database->Commit();
+    FCommitted = RecordsRead;
+}
+
+void TJobDestination::Rollback()
+{
+    Database->Rollback();
+}
+
+} // namespace kv

@@ -1,0 +1,48 @@
+// KvJobDestination - the table that an import fills, and the transactions around it.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "KvDatabase.h"
+#include "KvJobSettings.h"
+
+namespace kv {
+
+class TDataSet;
+
+/// Everything that waits for another program gives up as soon as `Continue` says so.
+class TJobDestination
+{
+public:
+    /// Opens database and table. Raises EJobRefused when it is not said which, and what opening raises.
+    TJobDestination(const TJobDestinationSettings& Settings, int Batch, const std::function<bool()>& Continue);
+    ~TJobDestination();
+
+    TDataSet& Table() { return *Records; }
+    /// The fields of the table's primary key; none when it has none.
+    std::vector<std::string> PrimaryKey();
+
+    void Begin();
+    /// To be called after each record that was read, stored or not: ends a full batch.
+    void RecordDone()
+    {
+        if (++RecordsRead == NextCommit)
+            CommitBatch();
+    }
+    void Commit();
+    void Rollback();                                ///< What was committed in batches stays.
+    int Committed() const { return FCommitted; }    ///< Records of the source up to which the table is changed.
+
+private:
+    void CommitBatch();
+
+    const int Batch;
+    std::unique_ptr<TKvDatabase> Database;
+    std::unique_ptr<TDataSet> Records;
+    int RecordsRead = 0, NextCommit = 0, FCommitted = 0;
+};
+
+} // namespace kv

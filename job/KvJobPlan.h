@@ -1,0 +1,82 @@
+// KvJobPlan - decides which column of the source goes into which field of the destination, and knows of each of
+// them what becomes of it.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KvJobSettings.h"
+#include "KvJobSource.h"
+
+namespace kv {
+
+class TDataSet;
+
+/// What becomes of a column, or of a name that is none.
+enum TJobFate {
+    jcMapped,
+    jcConstant,                                     ///< No column but a constant: every record gets this text.
+    jcMissing,                                      ///< Mapped, but the rows that were looked at have no such column.
+    jcBlank,                                        ///< Mapped, but the column holds no values.
+    jcByOrder,                                      ///< Mapped; cells go to the mappings in their order.
+    jcNoTitle,                                      ///< Not imported: it has no name to find a field by.
+    jcNoField,                                      ///< Not imported: no field has its name.
+    jcTitleTwice,                                   ///< Not imported: a column before it has that name.
+    jcReadOnly,                                     ///< Not imported: its field is computed by the database.
+    jcUnnameable,                                   ///< Not imported: the name of its field cannot stand in a mapping.
+    jcNoMoreFields,                                 ///< Not imported: the table has no more fields.
+    jcNotMapped                                     ///< Not imported: no line names it.
+};
+
+struct TJobColumnFate
+{
+    TKvISourceColumn Column;
+    std::string Field;                              ///< The field that it goes into, UTF-8; empty for none.
+    TJobFate Fate = jcMapped;
+};
+
+/// What a field gets instead of a column.
+enum TJobFieldFate {
+    jdNothing,
+    jdRequired,                                     ///< Nothing, and new records must have a value.
+    jdDefault,                                      ///< The default of the database.
+    jdComputed                                      ///< It is computed by the database.
+};
+
+struct TJobFieldWithout
+{
+    std::string Field;                              ///< UTF-8.
+    TJobFieldFate Fate = jdNothing;
+};
+
+struct TJobPlan
+{
+    std::vector<std::string> Lines = {};            ///< For the component, in the process's code page: "ID=Field1".
+    std::vector<TJobColumnFate> Columns = {};       ///< In the order of the source, then constants.
+    std::vector<TJobFieldWithout> FieldsWithout = {}; ///< In the order of the destination.
+    std::vector<std::string> Keys = {};             ///< Fields by which records are found, UTF-8, as the table spells them.
+};
+
+/// A field and a column, as the user spells them.
+struct TJobMapPair
+{
+    std::string Field, Column;
+};
+
+/// The parts of "FIELD=column", without blanks around them. Raises EJobRefused when one is missing.
+TJobMapPair SplitMapLine(const std::string& Line);
+
+/// Joins columns and fields as `Settings` has it, and settles the keys. `Destination` is open. Raises EJobRefused
+/// where nothing maps, a line or a key names what is not there, or a record could not be looked for by all keys.
+TJobPlan MakePlan(const TJobSource& Source, const TDataSet& Destination, const TJobPlanSettings& Settings);
+/// The same without a destination: by lines only, and fields are believed.
+TJobPlan MakePlanAlone(const TJobSource& Source, const TJobPlanSettings& Settings);
+
+/// Gives the component what the plan says: mappings, keys and mode.
+void TakePlan(TKvImportBaseComponent& Component, const TJobPlan& Plan, TImportMode Mode);
+
+/// True when most of `Values` are names of fields: a row of them is a header.
+bool LooksLikeHeader(const std::vector<std::string>& Values, const TDataSet& Destination);
+
+} // namespace kv

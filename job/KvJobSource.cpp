@@ -1,0 +1,371 @@
+#include "KvJobSource.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <utility>
+
+#include "KvCodePage.h"
+#include "KvDisplayText.h"
+#include "KvFile.h"
+#include "KvJobFile.h"
+#include "KvJobFormats.h"
+#include "KvNumberText.h"
+#include "KvProperties.h"
+#include "KvText.h"
+#include "KvUtf8.h"
+#include "Kvi2txt.h"
+#include "KviSourceKinds.h"
+
+namespace kv {
+
+namespace {
+
+constexpr char StandardInput[] = "-";
+
+bool IsCsv(const std::string& FileName)
+{
+    return SameText(std::filesystem::path(FileName).extension().string(), ".CSV");
+}
+
+TJobFinding FindingOf(const TKvISourceRemark& Remark)
+{
+    const auto Kind = [&Remark] {
+        switch (Remark.Kind) {
+        case srFewerValues:           return jfFewerValues;
+        case srMoreValues:            return jfMoreValues;
+        case srRowsBeyondExtent:      return jfRowsBeyond;
+        case srColumnsBeyondExtent:   return jfColumnsBeyond;
+        case srCellsBeyondLastColumn: return jfCellsBeyond;
+        case srSeveralTables:         break;
+        }
+        return jfSeveralTables;
+    };
+    return {.Kind = Kind(),
+            .Number = Remark.First,
+            .Count = Remark.Count,
+            .Limit = Remark.Limit,
+            .Given = Remark.HasHeader};
+}
+
+} // namespace
+
+TJobSource::TJobSource(const TJobSourceSettings& Given, const std::function<bool()>& Continue) : Settings(Given)
+{
+    OpenFile(Continue);
+    FindKind();
+    CheckKind();
+    Create();
+    ListParts();
+}
+
+TJobSource::TJobSource(TJobFile& Saved, const TJobSourceSettings& Given, const std::function<bool()>& Continue)
+    : Settings(Given), FComponent(Saved.TakeComponent()), FIsSaved(true), FMapsItself(Saved.MapsItself())
+{
+    OpenFile(Continue);
+    const auto Named = ToDisplay(FComponent->SourceFileName);
+    FFindings.push_back(
+        {.Kind = jfSaved, .Name = FTitle, .Value = Saved.FileName(), .Was = Named, .Given = Named == FTitle});
+    if (FMapsItself)
+        FFindings.push_back({.Kind = jfMapsItself, .Name = FTitle});
+    FKind = FindImportKind(Saved.TableType());
+    FHeaderRow = Saved.HeaderRow();
+    Settings.Layout.Fixed = Saved.IsFixed();
+    FComponent->SourceFileName = FileName;
+}
+
+TJobSource::~TJobSource() = default;
+
+// Opening.
+
+/// What can be read only once is kept, so that it can be looked at before it is imported.
+void TJobSource::OpenFile(const std::function<bool()>& Continue)
+{
+    FTitle = ToDisplay(Settings.FileName);
+    FileName = Settings.FileName;
+    auto Path = FileName;
+    if (FileName == StandardInput) {
+        FTitle = FileName = "standard input";
+        Path = TSpooledFile::StandardInput;
+    }
+    if (IsReadOnce(Path)) {
+        Spooled.emplace(Path, Continue);
+        Path = Spooled->Name();
+    }
+    if (Path != FileName)
+        Alias.emplace(FileName, Path);
+}
+
+/// Bytes that no other kind begins with tell more than the name of the file.
+void TJobSource::FindKind()
+{
+    if (!Settings.Kind.empty()) {
+        FKind = FindImportKind(Settings.Kind);
+        if (!FKind)
+            Refuse({.Kind = jfNoSuchKind, .Name = FTitle, .Value = Settings.Kind});
+        return;
+    }
+    const auto Bytes = ReadFileBytes(FileName, KindBeginningSize);
+    if (IsSqliteDatabase(Bytes.View()))
+        Refuse({.Kind = jfIsDatabase, .Name = FTitle});
+    FKind = KindOfSource(Settings.FileName, Bytes.View());
+    if (!FKind)
+        Refuse({.Kind = jfUnknownFile, .Name = FTitle});
+}
+
+void TJobSource::CheckKind() const
+{
+    const bool HasForeignPart = !Settings.Part.empty() && Settings.PartKind != Kind().Part;
+    const bool HasForeignLayout = Settings.HasLayout && Kind().TableType != teText;
+    if (HasForeignPart || HasForeignLayout)
+        Refuse({.Kind = jfNoSuchSetting,
+                .Name = FTitle,
+                .Value = std::string(Kind().Name),
+                .Was = HasForeignPart ? "Part" : "Layout"});
+    if (Alias && !Kind().CanBePiped)
+        Refuse({.Kind = jfNoPipe, .Name = FTitle, .Value = std::string(Kind().Name)});
+    if (Settings.MsDos && !Kind().HasCodePage)
+        Refuse({.Kind = jfNoOemText, .Name = FTitle, .Value = std::string(Kind().Name)});
+}
+
+void TJobSource::Create()
+{
+    FComponent = AsFileImport(Kind().Create(nullptr));
+    FComponent->SourceFileName = FileName;
+    FComponent->CharacterSet = Settings.MsDos ? csiASCII_MSDOS : csiANSI_WINDOWS;
+    if (!Settings.Classic)
+        Kind().Extend(*FComponent);
+}
+
+void TJobSource::ListParts()
+{
+    if (Kind().Part == spSheet || Kind().Part == spTable)
+        FParts = FComponent->SourceParts();
+}
+
+// Looking.
+
+void TJobSource::Look(const TJobLook& What)
+{
+    Rows = What.Rows;
+    SetRows(What.FindTitles);
+    if (!FIsSaved) {
+        SetLayout();
+        SelectPart();
+        CheckClassic();
+    }
+    std::vector<std::string> Names, Titles;
+    for (const auto& Line : Settings.Layout.Columns) {
+        const auto Equal = Line.rfind('=');
+        Titles.push_back(FromDisplay(Line.substr(0, Equal)));
+        Names.push_back(Line.substr(Equal + 1));
+    }
+    if (auto* const Text = dynamic_cast<TKvImportFromText*>(FComponent.get()))
+        Text->HeaderLine = FHeaderRow;
+    LookAt(Names);
+    for (std::size_t I = 0; I < Titles.size(); ++I)
+        FView.Columns[I].Title = Titles[I];
+    CheckText();
+}
+
+void TJobSource::LookAt(const std::vector<std::string>& Columns)
+{
+    FView = FComponent->Look({.Rows = Rows, .HeaderRow = FHeaderRow, .Columns = Columns});
+}
+
+/// A header is the row above the first that is imported.
+void TJobSource::SetRows(bool FindTitles)
+{
+    const bool WantsHeader = FindTitles && !FIsSaved && Kind().Names == cnHeaderRow && !IsFixed();
+    const int UsualFirst = FIsSaved ? FComponent->RowFirst : WantsHeader ? 2 : 1;
+    FComponent->RowFirst = Settings.RowFirst.value_or(UsualFirst);
+    FComponent->RowLast = Settings.RowLast.value_or(FIsSaved ? FComponent->RowLast : RowLastMax);
+    if (FComponent->RowLast < FComponent->RowFirst)
+        Refuse({.Kind = jfRowsOutOfOrder, .Name = FTitle, .Number = FComponent->RowFirst, .Count = FComponent->RowLast});
+    if (WantsHeader && FComponent->RowFirst == 1)
+        Refuse({.Kind = jfNoHeaderLeft, .Name = FTitle, .Unit = Unit()});
+    if (WantsHeader)
+        FHeaderRow = FComponent->RowFirst - 1;
+    if (FHeaderRow >= FComponent->RowFirst)
+        FHeaderRow = 0;
+}
+
+/// What the component does otherwise than was asked for.
+void TJobSource::CheckClassic()
+{
+    if (!Settings.Classic)
+        return;
+    if (Kind().Part == spTableNumber)
+        FFindings.push_back({.Kind = jfClassicCells, .Name = FTitle});
+    if (Kind().ClassicRows == crNothing && (Settings.RowFirst || Settings.RowLast))
+        FFindings.push_back({.Kind = jfClassicRows, .Name = FTitle});
+    if (Kind().ClassicRows == crCount && Settings.RowFirst)
+        FFindings.push_back({.Kind = jfClassicCount, .Name = FTitle});
+}
+
+void TJobSource::SetLayout()
+{
+    auto* const Text = dynamic_cast<TKvImportFromText*>(FComponent.get());
+    if (!Text)
+        return;
+    const auto& Layout = Settings.Layout;
+    Text->Fixed = Layout.Fixed;
+    Text->SetFieldDelimiterCustom(Layout.Delimiter.value_or(Layout.Fixed ? '\0' : IsCsv(Settings.FileName) ? ',' : '\t'));
+    Text->SetTextQualifierCustom(Layout.Qualifier);
+    Text->SetRecordSeparatorCustom(Layout.RecordSeparator);
+    if (Layout.Delimiter || Layout.Fixed || FHeaderRow == 0)
+        return;
+    const char Usual = Text->GetFieldDelimiterCustom();
+    const char Candidates[] = {Usual, ';', ',', '\t'};
+    const auto Found = Text->FindDelimiter(FHeaderRow, {Candidates, std::size(Candidates)});
+    if (!Found || *Found == Usual)
+        return;
+    Text->SetFieldDelimiterCustom(*Found);
+    FFindings.push_back(
+        {.Kind = jfDelimiter, .Name = FTitle, .Unit = Unit(), .Number = FHeaderRow, .Character = *Found});
+}
+
+// Parts.
+
+void TJobSource::SelectPart()
+{
+    switch (Kind().Part) {
+    case spNone:        break;
+    case spSheet:       return SelectSheet();
+    case spTable:       return SelectTable();
+    case spTableNumber: return SelectTableNumber();
+    case spRowTag:
+        if (!Settings.Part.empty())
+            SetPropValue(*FComponent, "TableName", FromDisplay(Settings.Part));
+        break;
+    }
+}
+
+/// A number wins over a name of digits.
+void TJobSource::SelectSheet()
+{
+    const auto& Sheet = Settings.Part;
+    const auto IsNamed = [&Sheet](const TKvISourcePart& Each) { return SameText(ToDisplay(Each.Name), Sheet); };
+    std::ptrdiff_t Index = 0;
+    if (const auto Number = TryTextToInt(Sheet); Number && *Number >= 1 && *Number <= std::ssize(FParts))
+        Index = static_cast<std::ptrdiff_t>(*Number) - 1;
+    else if (!Sheet.empty())
+        Index = std::ranges::find_if(FParts, IsNamed) - FParts.begin();
+    if (Index == std::ssize(FParts) && !FParts.empty())
+        Refuse({.Kind = jfNoSuchSheet, .Name = FTitle, .Value = Sheet, .Names = TableNames()});
+    if (FParts.empty())
+        return;
+    const auto& Part = FParts[static_cast<std::size_t>(Index)];
+    FComponent->SelectPart(static_cast<int>(Index), Part);
+    FPartNumber = static_cast<int>(Index) + 1;
+    if (FParts.size() > 1)
+        FFindings.push_back({.Kind = jfSheet,
+                             .Name = FTitle,
+                             .Value = ToDisplay(Part.Name),
+                             .Number = Index + 1,
+                             .Count = std::ssize(FParts),
+                             .Given = !Sheet.empty()});
+}
+
+std::vector<std::string> TJobSource::TableNames() const
+{
+    std::vector<std::string> Names;
+    for (const auto& Part : FParts)
+        if (!Part.IsSystem)
+            Names.push_back(ToDisplay(Part.Name));
+    return Names;
+}
+
+/// Tables that the database keeps for itself are imported only by their name.
+void TJobSource::SelectTable()
+{
+    const auto Names = TableNames();
+    const bool IsOnly = Settings.Part.empty() && Names.size() == 1;
+    if (Names.empty())
+        Refuse({.Kind = jfNoTables, .Name = FTitle});
+    if (Settings.Part.empty() && !IsOnly)
+        Refuse({.Kind = jfPartMissing, .Name = FTitle, .Names = Names});
+    const auto Wanted = IsOnly ? Names.front() : Settings.Part;
+    const auto IsNamed = [&Wanted](const TKvISourcePart& Each) { return SameText(ToDisplay(Each.Name), Wanted); };
+    const auto Found = std::ranges::find_if(FParts, IsNamed);
+    if (Found == FParts.end())
+        Refuse({.Kind = jfNoSuchTable, .Name = FTitle, .Value = Wanted, .Names = Names});
+    FComponent->SelectPart(static_cast<int>(Found - FParts.begin()), *Found);
+    if (IsOnly)
+        FFindings.push_back({.Kind = jfOnlyTable, .Name = FTitle, .Value = Wanted});
+}
+
+void TJobSource::SelectTableNumber()
+{
+    if (Settings.Part.empty())
+        return;
+    FParts = FComponent->SourceParts();
+    const auto Number = TryTextToInt(Settings.Part).value_or(0);
+    if (Number < 1 || Number > std::ssize(FParts))
+        Refuse({.Kind = jfNoSuchTableNumber, .Name = FTitle, .Value = Settings.Part, .Count = std::ssize(FParts)});
+    FComponent->SelectPart(static_cast<int>(Number) - 1, FParts[static_cast<std::size_t>(Number) - 1]);
+}
+
+// What was seen.
+
+/// Text becomes UTF-8 by the code page that a table names: what is no UTF-8 then has not been converted.
+void TJobSource::CheckText()
+{
+    const bool IsTable = Kind().TableType == teDBase || Kind().TableType == teParadox;
+    if (!IsTable || FIsSaved || Settings.MsDos || !AnsiIsUtf8())
+        return;
+    for (const auto& Row : FView.Rows)
+        for (std::size_t I = 0; I < Row.Values.size(); ++I)
+            if (FView.Columns[I].DataType == ftString && !IsValidUtf8(Row.Values[I].Value.ToText())) {
+                FFindings.push_back({.Kind = jfForeignText, .Name = FTitle, .Value = LegacyCodePage(), .Was = OemCodePage()});
+                return;
+            }
+}
+
+std::vector<TJobFinding> TJobSource::Unreadable() const
+{
+    TJobFinding Found{.Kind = jfUnreadable, .Name = FTitle};
+    for (const auto& Row : FView.Rows)
+        for (const auto& Value : Row.Values)
+            if (!Value.Error.empty() && ++Found.Count == 1)
+                Found.Value = ToDisplay(Value.Error);
+    return Found.Count > 0 ? std::vector{Found} : std::vector<TJobFinding>();
+}
+
+std::vector<TJobFinding> TJobSource::Remarks() const
+{
+    std::vector<TJobFinding> Result;
+    for (const auto& Remark : FComponent->SourceRemarks()) {
+        Result.push_back(FindingOf(Remark));
+        Result.back().Name = FTitle;
+        Result.back().Unit = Unit();
+    }
+    return Result;
+}
+
+TJobColumn TJobSource::ColumnNamed(const std::string& Name) const
+{
+    const auto Resolved = FComponent->ResolveName(FromDisplay(Name), Columns());
+    if (Resolved.Kind == snNothing)
+        Refuse({.Kind = jfNoSuchColumn, .Name = FTitle, .Value = Name, .Was = std::string(Kind().Name)});
+    const auto Found = std::ranges::find(Columns(), Resolved.Name, &TKvISourceColumn::Name);
+    if (Found != Columns().end())
+        return {.Column = *Found, .Kind = Resolved.Kind};
+    return {.Column = {.Name = Resolved.Name, .Title = {}}, .Kind = Resolved.Kind};
+}
+
+std::unique_ptr<TJobSource> OpenSource(TJobFile* Saved, const TJobSettings& Settings, const std::function<bool()>& Continue)
+{
+    auto Source = Saved ? std::make_unique<TJobSource>(*Saved, Settings.Source, Continue)
+                        : std::make_unique<TJobSource>(Settings.Source, Continue);
+    SetFormats(Settings.Formats, Source->Component().DataFormats);
+    Source->Look({.FindTitles = Settings.Plan.Mapping == jmByName});
+    return Source;
+}
+
+std::string SourceText(const TVariant& Value)
+{
+    return ToDisplay(Value.ToText());
+}
+
+} // namespace kv

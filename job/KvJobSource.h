@@ -1,0 +1,129 @@
+// KvJobSource - the source of an import: its kind, its parts, its columns and its first rows, as a run will read
+// them.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "KvFileAlias.h"
+#include "KvJobFindings.h"
+#include "KvJobSettings.h"
+#include "KvSpooledFile.h"
+#include "KviFileImport.h"
+#include "KviSourceKind.h"
+
+namespace kv {
+
+class TJobFile;
+
+/// What a name on the right side of a mapping line leads to.
+struct TJobColumn
+{
+    TKvISourceColumn Column;
+    TKvISourceNameKind Kind = snColumn;
+};
+
+/// What of a source is looked at, and how its columns get their names.
+struct TJobLook
+{
+    /// Whoever judges values looks at no more.
+    static constexpr int SampleRows = 200;
+
+    bool FindTitles = true;                         ///< Columns shall have names, in a header if need be.
+    int Rows = SampleRows;
+};
+
+/// A source that is opened once to look at it. Its run opens it a second time, and no more.
+class TJobSource
+{
+public:
+    /// Opens it, says of what kind it is and lists its parts. `Continue` is asked while a pipe is read; false stops
+    /// the reading. Raises EJobRefused, and what opening the file raises.
+    TJobSource(const TJobSourceSettings& Settings, const std::function<bool()>& Continue);
+    /// The same for a saved import, whose component is taken; rows of `Settings` win over what it says.
+    TJobSource(TJobFile& Saved, const TJobSourceSettings& Settings, const std::function<bool()>& Continue);
+    TJobSource(const TJobSource&) = delete;
+    TJobSource& operator=(const TJobSource&) = delete;
+    ~TJobSource();
+
+    const TKvISourceKind& Kind() const { return *FKind; }
+    /// What messages call the source: the file as it was named. UTF-8.
+    const std::string& Title() const { return FTitle; }
+    /// What a row is called where its number follows: "line".
+    std::string Unit() const { return std::string(FComponent->PositionUnit()); }
+    /// Sheets or tables of the file; none where there is only the file.
+    const std::vector<TKvISourcePart>& Parts() const { return FParts; }
+
+    /// Settles part, rows and layout and looks at the first rows. Once. Raises EJobRefused, and what reading raises.
+    void Look(const TJobLook& What);
+
+    // After the look.
+    /// Set up as the settings have it; mappings, keys and destination are the caller's.
+    TKvImportFromFile& Component() const { return *FComponent; }
+    /// True when the component finds out by itself, in each run, which column goes into which field.
+    bool MapsItself() const { return FMapsItself; }
+    bool IsSaved() const { return FIsSaved; }       ///< Its settings are those of a saved import.
+    bool IsClassic() const { return Settings.Classic; }
+    bool IsFixed() const { return Settings.Layout.Fixed; }
+    /// True when columns have names of their own, and are not only counted.
+    bool HasTitles() const { return Kind().Names == cnSource || FHeaderRow > 0; }
+    int HeaderRow() const { return FHeaderRow; }    ///< 0: none names the columns.
+    int PartNumber() const { return FPartNumber; }  ///< Of the sheet that is imported, from 1.
+    const TKvISourceView& View() const { return FView; }
+    const std::vector<TKvISourceColumn>& Columns() const { return FView.Columns; }
+    /// Shows the same rows of these columns; what it has read is not read again.
+    void LookAt(const std::vector<std::string>& Columns);
+    /// How it was read where nobody had told it.
+    const std::vector<TJobFinding>& Findings() const { return FFindings; }
+    /// What of the rows looked at cannot be read.
+    std::vector<TJobFinding> Unreadable() const;
+    /// What is odd about what was loaded last, or about the last run.
+    std::vector<TJobFinding> Remarks() const;
+    /// What a mapping to `Name`, UTF-8 and written in any case, takes. Raises EJobRefused when no row could ever
+    /// have it.
+    TJobColumn ColumnNamed(const std::string& Name) const;
+
+private:
+    void OpenFile(const std::function<bool()>& Continue);
+    void FindKind();
+    void Create();
+    void CheckKind() const;
+    void ListParts();
+    void SetRows(bool FindTitles);
+    void SetLayout();
+    void FindDelimiter();
+    void SelectPart();
+    void SelectSheet();
+    void SelectTable();
+    void SelectTableNumber();
+    void CheckClassic();
+    void CheckText();
+    std::vector<std::string> TableNames() const;
+
+    TJobSourceSettings Settings;
+    std::string FTitle;
+    std::optional<TSpooledFile> Spooled;            // what came through a pipe ...
+    std::optional<TKvFileAlias> Alias;              // ... and the name under which it is opened
+    std::string FileName;                           // for the component
+    const TKvISourceKind* FKind = nullptr;
+    std::unique_ptr<TKvImportFromFile> FComponent;
+    bool FIsSaved = false;
+    bool FMapsItself = false;
+    int FHeaderRow = 0;
+    int FPartNumber = 1;
+    int Rows = 0;                                   // that are looked at
+    std::vector<TKvISourcePart> FParts;
+    TKvISourceView FView;
+    std::vector<TJobFinding> FFindings;
+};
+
+/// Opens the source of a job, a saved one when there is `Saved`, and looks at it.
+std::unique_ptr<TJobSource> OpenSource(TJobFile* Saved, const TJobSettings& Settings, const std::function<bool()>& Continue);
+
+/// Texts of a value as it stands in the source: UTF-8, and nothing for null.
+std::string SourceText(const TVariant& Value);
+
+} // namespace kv

@@ -1,0 +1,66 @@
+#include "KvJobChecks.h"
+
+#include "KvJobTestSource.h"
+
+namespace kv {
+
+namespace {
+
+/// ID and AMOUNT, which loses its thousand separators.
+struct TAmounts : TMemoryDataSet
+{
+    TAmounts()
+    {
+        SetFieldDefs({{.Name = "ID", .DataType = ftString, .Size = 20}, {.Name = "AMOUNT", .DataType = ftBCD}});
+        Open();
+    }
+};
+
+TEST(KvJobChecks, AcceptThousandsAndWhatHasNone)
+{
+    for (const auto* const Number :
+         {"", "5", "1234567.25", "1,234", "1,234,567.5", "-12,345.00", " +123,456 ", ".5", "abc", "1e5"})
+        EXPECT_TRUE(IsGroupedInThousands(Number, ',', '.')) << Number;
+}
+
+TEST(KvJobChecks, RefuseWhatMayBeAFraction)
+{
+    for (const auto* const Number :
+         {"1,5", "12,34", "1234,567", "1,2345", "1,23,456", "1,234,5", ",5", "1.5,000", "1,", "12,345,67.8"})
+        EXPECT_FALSE(IsGroupedInThousands(Number, ',', '.')) << Number;
+}
+
+TEST(KvJobChecks, GoByTheSeparatorsGiven)
+{
+    EXPECT_TRUE(IsGroupedInThousands("1.234,5", '.', ','));
+    EXPECT_FALSE(IsGroupedInThousands("1,234.5", '.', ','));
+}
+
+TEST(KvJobChecks, LookAtNumbersThatAreImported)
+{
+    const TAmounts Table;
+    TJobTestSource File("amounts.csv", "ID;AMOUNT;OTHER\n1,5;1,000;1,5\n2,5;1,5;2\n");
+    auto& Source = File.Look();
+    const auto Plan = MakePlan(Source, Table, {});
+    const auto Found = RefusalOf([&] { CheckThousandSeparators(Source, Plan, Table, ',', '.'); });
+    EXPECT_EQ(Found.Kind, jfNotThousands);
+    EXPECT_EQ(Found.Place, "line 3") << "texts and columns that are left out keep their commas";
+    EXPECT_EQ(Found.Value, "1,5");
+    EXPECT_EQ(Found.Character, ',');
+    EXPECT_NO_THROW(CheckThousandSeparators(Source, Plan, Table, '.', ','));
+}
+
+TEST(KvJobChecks, KnowAHeaderAmongTheRows)
+{
+    const TAmounts Table;
+    TJobTestSource File("amounts.csv", "ID,AMOUNT\n1,5\n");
+    const auto Found = CheckHeader(File.Look({.FindTitles = false}), Table);
+    ASSERT_EQ(Found.size(), 1);
+    EXPECT_EQ(Found[0].Kind, jfLooksLikeHeader);
+    EXPECT_EQ(Found[0].Number, 1);
+    EXPECT_TRUE(CheckHeader(File.Look(), Table).empty()) << "a header above the rows is no row";
+}
+
+} // namespace
+
+} // namespace kv
