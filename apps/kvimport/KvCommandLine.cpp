@@ -99,6 +99,9 @@ int RunCommandLine(int ArgumentCount, const char* const* Arguments)
     catch (const EUsageError& Error) {
         return Explain(esUsage, Error.Message);
     }
+    catch (const Exception& Error) {
+        return Explain(esFailed, Error.FullMessage());
+    }
     catch (const std::exception& Error) {
         return Explain(esFailed, Error.what());
     }

@@ -7,8 +7,8 @@
 #include <CLI/CLI.hpp>
 
 #include "KvOptionText.h"
-#include "KvSourceKinds.h"
 #include "KvTextTable.h"
+#include "KviSourceKinds.h"
 
 namespace kv {
 
@@ -18,9 +18,9 @@ void PrintKinds()
 {
     TTextTable Table;
     Table.AddHeading({"kind", "reads", "taken for files named"});
-    for (const auto& Kind : SourceKinds()) {
-        std::vector<std::string> Extensions(Kind.Extensions.begin(), Kind.Extensions.end());
-        Table.AddRow({std::string(Kind.Name), std::string(Kind.Title), JoinNames(Extensions, " ")});
+    for (const auto* const Kind : ImportKinds()) {
+        std::vector<std::string> Extensions(Kind->Extensions.begin(), Kind->Extensions.end());
+        Table.AddRow({std::string(Kind->Name), std::string(Kind->Title), JoinNames(Extensions, " ")});
     }
     Table.Print(std::cout, 0);
 }

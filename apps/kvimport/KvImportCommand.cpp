@@ -11,9 +11,12 @@
 #include "KvConsoleInterface.h"
 #include "KvDisplayText.h"
 #include "KvException.h"
+#include "KvFindingText.h"
 #include "KvImportOptions.h"
 #include "KvImportReport.h"
-#include "KvImportRun.h"
+#include "KvJobFile.h"
+#include "KvPlanText.h"
+#include "KvRefusal.h"
 #include "KvTerminalText.h"
 #include "KvUserInterface.h"
 
@@ -36,7 +39,7 @@ private:
     TConsoleInterface FConsole;
 };
 
-class TImportCommand
+class TImportCommand : private TJobObserver
 {
 public:
     explicit TImportCommand(TImportOptions& Given)
@@ -47,10 +50,10 @@ public:
     {
     }
 
-    TExitStatus Run(const std::function<void()>& Complete)
+    TExitStatus Run()
     {
         const auto Begin = std::chrono::steady_clock::now();
-        Import(Complete);
+        Import();
         Report.Seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Begin).count();
         Tell();
         return Report.Status;
@@ -59,25 +62,81 @@ public:
 private:
     bool TellsPeople() const { return !Options.Quiet && !Options.Json; }
 
-    void Import(const std::function<void()>& Complete)
+    bool KeepsRunning() override { return !TCancelSignals::Requested(); }
+
+    /// The error that ends the run is told with its outcome.
+    bool RecordFailed(const TJobError& Error) override
+    {
+        if (Options.AbortOnError)
+            return false;
+        if (Report.ErrorsMet++ < Options.MaxErrors) {
+            Report.Errors.push_back(Error);
+            Console.PrintLine(Error.Text());
+        }
+        return true;
+    }
+
+    void Import()
     {
         try {
-            Complete();
-            UseFormats(Options.Formats);
-            CheckImportOptions(Options);
-            TImportRun Run(Options, Console, Report);
-            Run.Prepare();
-            if (TellsPeople())
-                PrintPlan(std::cout, Report);
-            std::cout.flush();
-            Run.Execute();
+            Report.SourceName = Options.Source.FileName;
+            Options.Specification.empty() ? ImportGiven() : ImportSaved();
+        }
+        catch (const EJobRefused& Error) {
+            Fail(StatusOfRefusal(Error.Finding), RefusalText(Error.Finding, Options.Source));
         }
         catch (const EUsageError& Error) {
             Fail(esUsage, Error.Message);
         }
         catch (const Exception& Error) {
-            Fail(esFailed, Error.Message);
+            Fail(esFailed, Error.FullMessage());
         }
+    }
+
+    void ImportGiven()
+    {
+        CheckImportOptions(Options);
+        TJobRun Run(Options.Job, *this);
+        Execute(Run);
+    }
+
+    void ImportSaved()
+    {
+        TJobFile Saved(Options.Specification);
+        CompleteOptions(Options, Saved);
+        TJobRun Run(Saved, Options.Job, *this);
+        Execute(Run);
+    }
+
+    void Execute(TJobRun& Run)
+    {
+        Run.Prepare();
+        const auto& Source = Run.Source();
+        Report.SourceName = Source.Title();
+        Report.Findings = FindingTexts(Run.Findings());
+        Report.Plan = Run.Plan();
+        for (const auto& Fate : Report.Plan.Columns)
+            Report.Remarks.push_back(RemarkOn(Fate, Source));
+        if (TellsPeople())
+            PrintPlan(std::cout, Report);
+        std::cout.flush();
+        Console.ShowsMessages = false;              // RecordFailed tells them, with the place
+        Report.Outcome = Run.Execute();
+        Console.ShowsMessages = true;
+        if (Report.Outcome.Failure)
+            Report.Failure = Report.Outcome.Failure->Text();
+        Report.Status = StatusOf(Report.Outcome.Result);
+    }
+
+    static TExitStatus StatusOf(TJobResult Result)
+    {
+        switch (Result) {
+        case joDone:         return esDone;
+        case joRecordErrors: return esRecordErrors;
+        case joFailed:       return esFailed;
+        case joCancelled:    break;
+        }
+        return esCancelled;
     }
 
     void Fail(TExitStatus Status, const std::string& Message)
@@ -93,9 +152,9 @@ private:
         TellErrors();
         if (Options.Json)
             PrintJson(std::cout, Report);
-        else if (Report.Ran && !Options.Quiet)
+        else if (Report.Outcome.Ran && !Options.Quiet)
             PrintResult(std::cout, Report);
-        else if (Report.Status == esCancelled || (Report.Ran && Report.Status == esFailed))
+        else if (Report.Status == esCancelled || (Report.Outcome.Ran && Report.Status == esFailed))
             Console.PrintLine(OutcomeText(Report));
         std::cout.flush();
     }
@@ -105,7 +164,7 @@ private:
         if (const int Hidden = Report.ErrorsMet - static_cast<int>(Report.Errors.size()); Hidden > 0)
             Console.PrintLine("... and " + GroupDigits(Hidden) + (Hidden == 1 ? " more error" : " more errors"));
         if (!Options.Quiet)
-            for (const auto& Warning : Report.Warnings)
+            for (const auto& Warning : FindingTexts(Report.Outcome.Remarks))
                 Console.PrintLine("Warning: " + Report.SourceName + ", " + Warning);
         if (!Report.Failure.empty())
             Console.PrintLine("kvimport: " + Report.Failure);
@@ -127,13 +186,13 @@ void AddImportCommand(CLI::App& Program, TExitStatus& Status)
     const auto Options = std::make_shared<TImportOptions>();
     auto* const Command = Program.add_subcommand("import", "Import a file into a table of a database");
     AddImportOptions(*Command, *Options);
-    Command->callback([Options, &Status] { Status = RunImport(*Options, [] {}); });
+    Command->callback([Options, &Status] { Status = RunImport(*Options); });
 }
 
-TExitStatus RunImport(TImportOptions& Options, const std::function<void()>& Complete)
+TExitStatus RunImport(TImportOptions& Options)
 {
     std::signal(SIGPIPE, SIG_IGN);                  // a reader that goes away does not break the run off
-    return TImportCommand(Options).Run(Complete);
+    return TImportCommand(Options).Run();
 }
 
 } // namespace kv

@@ -1,21 +1,16 @@
 #include "KvImportOptions.h"
 
-#include <filesystem>
-#include <system_error>
-
 #include <CLI/CLI.hpp>
 
 #include "KvExitStatus.h"
+#include "KvFormatOptions.h"
+#include "KvJobFile.h"
 #include "KvOptionCheck.h"
 #include "KvOptionText.h"
 
 namespace kv {
 
 namespace {
-
-// KiB. Keyed records come in any order: with the 2 MB that a database takes by itself pages are read and
-// written over and over, and many of the writes wait for the disk.
-constexpr int KeyedCacheSize = 12288;
 
 constexpr char ExtraHelp[] =
     "Examples:\n"
@@ -51,25 +46,15 @@ constexpr char ClassicHelp[] =
 
 void AddMappingOptions(CLI::App& Command, TImportOptions& Options)
 {
-    AddModeOptions(Command, Options, [&Options](TImportMode Mode) { Options.Mode = Mode; });
-    Command.add_option("--map", Options.Map, "A field and its column, such as CITY=Field3 (may be repeated; only these are used)")
+    AddModeOptions(Command, Options, [&Options](TImportMode Mode) { Options.Job.Plan.Mode = Mode; });
+    Command.add_option("--map", Options.Job.Plan.Lines,
+                       "A field and its column, such as CITY=Field3 (may be repeated; only these are used)")
         ->type_name("FIELD=COLUMN")
         ->allow_extra_args(false);
     Command.add_flag("--by-position", Options.ByPosition, "First column to first field, and so on, instead of by name");
 }
 
-bool IsSameFile(const std::string& A, const std::string& B)
-{
-    std::error_code Error;
-    return std::filesystem::equivalent(A, B, Error) && !Error;
-}
-
 } // namespace
-
-bool NeedsKeys(TImportMode Mode)
-{
-    return Mode == imUpdate || Mode == imAppendUpdate || Mode == imDelete;
-}
 
 std::string NameOfMode(TImportMode Mode)
 {
@@ -83,16 +68,17 @@ std::string NameOfMode(TImportMode Mode)
     return {};
 }
 
-void AddDestinationOptions(CLI::App& Command, TDestinationOptions& Options)
+void AddDestinationOptions(CLI::App& Command, TJobSettings& Job)
 {
-    Command.add_option("--to", Options.FileName, "SQLite database to import into")->required()->type_name("FILE");
-    Command.add_option("--table", Options.Table, "Table to import into")->type_name("NAME");
+    auto& Destination = Job.Destination;
+    Command.add_option("--to", Destination.Url, "SQLite database to import into")->type_name("FILE");
+    Command.add_option("--table", Destination.Table, "Table to import into")->type_name("NAME");
     AddChecked(Command, "--batch", "N", "Keep every N records for good (default: one transaction for the run)",
-               [&Options](const std::string& Text) { Options.Batch = ReadCount(Text, 1); });
+               [&Job](const std::string& Text) { Job.Run.Batch = ReadCount(Text, 1); });
     AddChecked(Command, "--busy-timeout", "MS", "Milliseconds to wait for other programs' locks (default: 5000)",
-               [&Options](const std::string& Text) { Options.BusyTimeout = ReadCount(Text, 0); });
+               [&Destination](const std::string& Text) { Destination.BusyTimeout = ReadCount(Text, 0); });
     AddChecked(Command, "--cache-size", "KIB", "Page cache of the database (default: 12288 with keys, else its own)",
-               [&Options](const std::string& Text) { Options.CacheSize = ReadCount(Text, 0); });
+               [&Destination](const std::string& Text) { Destination.CacheSize = ReadCount(Text, 0); });
 }
 
 void AddModeOptions(CLI::App& Command, TImportOptions& Options, const std::function<void(TImportMode)>& SetMode)
@@ -105,7 +91,7 @@ void AddModeOptions(CLI::App& Command, TImportOptions& Options, const std::funct
                {"delete", [SetMode] { SetMode(imDelete); }},
                {"copy", [SetMode] { SetMode(imCopy); }}});
     AddChecked(Command, "--keys", "LIST", "Fields that tell records apart, such as 'ID' or 'ID;CITY' (default: the primary key)",
-               [&Options](const std::string& Text) { Options.Keys = ReadNames(Text); });
+               [&Options](const std::string& Text) { Options.Job.Plan.Keys = ReadNames(Text); });
 }
 
 void AddPlanOptions(CLI::App& Command, TImportOptions& Options)
@@ -116,9 +102,9 @@ void AddPlanOptions(CLI::App& Command, TImportOptions& Options)
     Command.add_flag("--classic", Options.Source.Classic, ClassicHelp)
         ->group("What is read");
     Command.option_defaults()->group("How values are written");
-    AddFormatOptions(Command, Options.Formats);
-    AddTruthOptions(Command, Options.Formats);
-    AddCodePageOptions(Command, Options.Formats);
+    AddFormatOptions(Command, Options.Job.Formats);
+    AddTruthOptions(Command, Options.Job.Formats);
+    AddCodePageOptions(Command, Options.Job.Formats);
 }
 
 void AddRunOptions(CLI::App& Command, TImportOptions& Options)
@@ -135,7 +121,8 @@ void AddImportOptions(CLI::App& Command, TImportOptions& Options)
     Command.footer(ExtraHelp);
     AddSourceFile(Command, Options.Source, "File to import; - is standard input");
     Command.option_defaults()->group("Destination");
-    AddDestinationOptions(Command, Options.Destination);
+    AddDestinationOptions(Command, Options.Job);
+    Command.get_option("--to")->required();
     AddPlanOptions(Command, Options);
     Command.option_defaults()->group("The run");
     AddRunOptions(Command, Options);
@@ -143,20 +130,31 @@ void AddImportOptions(CLI::App& Command, TImportOptions& Options)
 
 void CheckImportOptions(TImportOptions& Options)
 {
-    const auto& Text = Options.Source.Text;
-    if (!Options.Keys.empty() && !NeedsKeys(Options.Mode))
-        throw EUsageError("--keys has no meaning with --mode " + NameOfMode(Options.Mode) +
+    auto& Plan = Options.Job.Plan;
+    const auto& Layout = Options.Source.Layout;
+    const bool HasMap = !Plan.Lines.empty();
+    if (!Plan.Keys.empty() && !NeedsKeys(Plan.Mode))
+        throw EUsageError("--keys has no meaning with --mode " + NameOfMode(Plan.Mode) +
                           "; records are found by keys with update, append-update and delete");
-    if (!Options.Map.empty() && Options.ByPosition)
+    if (HasMap && Options.ByPosition)
         throw EUsageError("--map and --by-position exclude each other");
-    CheckTextOptions(Text, !Options.Map.empty(), Options.ByPosition);
-    if (IsSameFile(Options.Source.FileName, Options.Destination.FileName))
-        throw EUsageError("the source and --to are the same file, " + Options.Destination.FileName);
-    Options.Destination.Empties = Options.Mode == imCopy;
-    if (NeedsKeys(Options.Mode) && Options.Destination.CacheSize == 0)
-        Options.Destination.CacheSize = KeyedCacheSize;
-    Options.Source.FindNames = Options.Map.empty() && !Options.ByPosition && !Text.Fixed;
-    Options.Map.insert(Options.Map.end(), Text.FixedColumns.begin(), Text.FixedColumns.end());
+    CheckTextOptions(Options.Source, HasMap, Options.ByPosition);
+    Plan.Lines.insert(Plan.Lines.end(), Layout.Columns.begin(), Layout.Columns.end());
+    Plan.Mapping = Options.ByPosition ? jmByPosition : Plan.Lines.empty() ? jmByName : jmByLines;
+    Options.Job.Source = Options.Source;
+}
+
+void CompleteOptions(TImportOptions& Options, const TJobFile& Saved)
+{
+    auto& Job = Options.Job;
+    Job.Source = Options.Source;
+    Job.Plan.Mode = Options.Mode.value_or(Saved.Import().Mode);
+    Saved.Complete(Job);
+    if (!Job.Plan.Keys.empty() && !NeedsKeys(Job.Plan.Mode))
+        throw EUsageError("--keys has no meaning with --mode " + NameOfMode(Job.Plan.Mode) +
+                          "; records are found by keys with update, append-update and delete");
+    if (Job.Destination.Url.empty())
+        throw EUsageError("--to is required: " + Saved.FileName() + " names no destination");
 }
 
 } // namespace kv

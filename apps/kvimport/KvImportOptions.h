@@ -2,13 +2,11 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
-#include <vector>
 
-#include "KvDestination.h"
-#include "KvFormatOptions.h"
+#include "KvJobSettings.h"
 #include "KvSourceOptions.h"
-#include "KviTypes.h"
 
 namespace CLI {
 class App;
@@ -16,15 +14,15 @@ class App;
 
 namespace kv {
 
+class TJobFile;
+
 struct TImportOptions
 {
+    /// What the job is told; its source is that of Source, once options are settled.
+    TJobSettings Job;
     TSourceOptions Source;
-    TDestinationOptions Destination;
-    TFormatOptions Formats;
-
-    TImportMode Mode = imAppend;
-    std::vector<std::string> Keys;                  ///< As the user spelled them; none: the primary key.
-    std::vector<std::string> Map;                   ///< "ID=Field1"; none: columns are found by name.
+    std::string Specification;                      ///< A saved import, whose settings hold where options are silent.
+    std::optional<TImportMode> Mode;                ///< Instead of that of the saved import.
     bool ByPosition = false;
 
     bool AbortOnError = false;
@@ -33,21 +31,23 @@ struct TImportOptions
     bool Json = false;
 };
 
-bool NeedsKeys(TImportMode Mode);
 /// As --mode has it: "append-update".
 std::string NameOfMode(TImportMode Mode);
 
 void AddImportOptions(CLI::App& Command, TImportOptions& Options);
 
 // Parts of them, for commands that have them too. `Options` must outlive the parsing.
-void AddDestinationOptions(CLI::App& Command, TDestinationOptions& Options); ///< --to, --table, --batch, ...
+void AddDestinationOptions(CLI::App& Command, TJobSettings& Job); ///< --to, --table, --batch, ...
 /// --mode, whose value goes to `SetMode`, and --keys.
 void AddModeOptions(CLI::App& Command, TImportOptions& Options, const std::function<void(TImportMode)>& SetMode);
 /// Which records and columns are imported, how they are read and what becomes of them.
 void AddPlanOptions(CLI::App& Command, TImportOptions& Options);
 void AddRunOptions(CLI::App& Command, TImportOptions& Options); ///< --max-errors, --json, ...
 
-/// Settles what options say together. Raises EUsageError where they contradict each other.
+/// Settles what options say together, of an import that was not saved. Raises EUsageError where they contradict
+/// each other.
 void CheckImportOptions(TImportOptions& Options);
+/// Fills in what a saved import says where options are silent. Raises EUsageError where nothing says it.
+void CompleteOptions(TImportOptions& Options, const TJobFile& Saved);
 
 } // namespace kv

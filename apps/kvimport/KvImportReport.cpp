@@ -7,6 +7,7 @@
 
 #include "KvDisplayText.h"
 #include "KvOptionText.h"
+#include "KvPlanText.h"
 #include "KvTerminalText.h"
 
 namespace kv {
@@ -23,13 +24,13 @@ std::string Records(int Count)
 struct TFigure
 {
     const char* Title;
-    int TImportFigures::*Value;
+    int TJobFigures::*Value;
 };
 
-constexpr TFigure FigureColumns[] = {{"read", &TImportFigures::Read},       {"added", &TImportFigures::Added},
-                                     {"updated", &TImportFigures::Updated}, {"deleted", &TImportFigures::Deleted},
-                                     {"refused", &TImportFigures::Refused}, {"failed", &TImportFigures::Failed},
-                                     {"not found", &TImportFigures::NotFound}};
+constexpr TFigure FigureColumns[] = {{"read", &TJobFigures::Read},       {"added", &TJobFigures::Added},
+                                     {"updated", &TJobFigures::Updated}, {"deleted", &TJobFigures::Deleted},
+                                     {"refused", &TJobFigures::Refused}, {"failed", &TJobFigures::Failed},
+                                     {"not found", &TJobFigures::NotFound}};
 
 /// The widest of the texts in columns of the screen, at most MaxNameWidth.
 template <class TItems, class TText> int WidthOf(const TItems& Items, TText Text)
@@ -45,39 +46,42 @@ std::string Cell(const std::string& Text, int Width)
     return PadToWidth(FitToWidth(VisibleText(Text), Width), Width);
 }
 
-std::string FateText(const TColumnFate& Fate)
+std::string FateText(const TJobColumnFate& Fate, const std::string& Remark)
 {
     if (Fate.Field.empty())
-        return "   " + Fate.Remark;
-    return "-> " + VisibleText(Fate.Field) + (Fate.Remark.empty() ? "" : "  (" + Fate.Remark + ")");
+        return "   " + Remark;
+    return "-> " + VisibleText(Fate.Field) + (Remark.empty() ? "" : "  (" + Remark + ")");
 }
 
-void PrintColumns(std::ostream& Out, const TColumnMap& Map)
+void PrintColumns(std::ostream& Out, const TImportReport& Report)
 {
-    const auto SourceOf = [](const TColumnFate& Fate) { return ToDisplay(Fate.Column.Source); };
-    const auto NameOf = [&](const TColumnFate& Fate) { // not told twice
-        return Fate.Column.Name == SourceOf(Fate) ? std::string() : Fate.Column.Name;
+    const auto& Columns = Report.Plan.Columns;
+    const auto NameOf = [](const TJobColumnFate& Fate) { return ToDisplay(Fate.Column.Name); };
+    const auto TitleOf = [](const TJobColumnFate& Fate) { // not told twice
+        return Fate.Column.Title == Fate.Column.Name ? std::string() : ToDisplay(Fate.Column.Title);
     };
-    const int SourceWidth = WidthOf(Map.Columns, SourceOf), NameWidth = WidthOf(Map.Columns, NameOf);
-    for (const auto& Fate : Map.Columns) {
-        Out << "  " << Cell(SourceOf(Fate), SourceWidth) << "  ";
-        if (NameWidth > 0)
-            Out << Cell(NameOf(Fate), NameWidth) << "  ";
-        Out << FateText(Fate) << '\n';
+    const int NameWidth = WidthOf(Columns, NameOf), TitleWidth = WidthOf(Columns, TitleOf);
+    for (std::size_t I = 0; I < Columns.size(); ++I) {
+        Out << "  " << Cell(NameOf(Columns[I]), NameWidth) << "  ";
+        if (TitleWidth > 0)
+            Out << Cell(TitleOf(Columns[I]), TitleWidth) << "  ";
+        Out << FateText(Columns[I], Report.Remarks[I]) << '\n';
     }
 }
 
-void PrintFieldsWithout(std::ostream& Out, const TColumnMap& Map)
+void PrintFieldsWithout(std::ostream& Out, const TJobPlan& Plan)
 {
-    if (Map.FieldsWithout.empty())
+    if (Plan.FieldsWithout.empty())
         return;
     std::vector<std::string> Names;
-    for (const auto& Fate : Map.FieldsWithout)
-        Names.push_back(VisibleText(Fate.Field) + (Fate.Remark.empty() ? "" : " (" + Fate.Remark + ")"));
+    for (const auto& Field : Plan.FieldsWithout) {
+        const auto Remark = RemarkOn(Field);
+        Names.push_back(VisibleText(Field.Field) + (Remark.empty() ? "" : " (" + Remark + ")"));
+    }
     Out << "  Fields without a column: " << JoinNames(Names) << '\n';
 }
 
-void PrintFigures(std::ostream& Out, const TImportFigures& Figures)
+void PrintFigures(std::ostream& Out, const TJobFigures& Figures)
 {
     std::string Titles, Values;
     for (const auto& Each : FigureColumns) {
@@ -90,7 +94,7 @@ void PrintFigures(std::ostream& Out, const TImportFigures& Figures)
 }
 
 /// What the records that were kept did to the table.
-std::string Stored(const TImportFigures& Figures)
+std::string Stored(const TJobFigures& Figures)
 {
     std::vector<std::string> Parts;
     const auto Say = [&Parts](int Count, const char* What) {
@@ -105,8 +109,8 @@ std::string Stored(const TImportFigures& Figures)
 
 std::string Kept(const TImportReport& Report)
 {
-    if (Report.Transaction.KeptRecords > 0)
-        return "kept up to record " + GroupDigits(Report.Transaction.KeptRecords) + ", the rest was rolled back";
+    if (Report.Outcome.KeptRecords > 0)
+        return "kept up to record " + GroupDigits(Report.Outcome.KeptRecords) + ", the rest was rolled back";
     return "nothing was imported (rolled back)";
 }
 
@@ -114,36 +118,38 @@ std::string Kept(const TImportReport& Report)
 
 void PrintPlan(std::ostream& Out, const TImportReport& Report)
 {
-    const auto& Options = Report.Options;
-    Out << VisibleText(Report.SourceName) << " -> " << VisibleText(Options.Destination.FileName) << ", table "
-        << VisibleText(Options.Destination.Table) << ", mode " << NameOfMode(Options.Mode);
-    if (!Report.Keys.empty())
-        Out << " by " << VisibleText(JoinNames(Report.Keys));
+    const auto& Job = Report.Options.Job;
+    Out << VisibleText(Report.SourceName) << " -> " << VisibleText(Job.Destination.Url) << ", table "
+        << VisibleText(Job.Destination.Table) << ", mode " << NameOfMode(Job.Plan.Mode);
+    if (!Report.Plan.Keys.empty())
+        Out << " by " << VisibleText(JoinNames(Report.Plan.Keys));
     Out << '\n';
     for (const auto& Finding : Report.Findings)
         Out << "  (" << VisibleText(Finding) << ")\n";
-    PrintColumns(Out, Report.Columns);
-    PrintFieldsWithout(Out, Report.Columns);
+    PrintColumns(Out, Report);
+    PrintFieldsWithout(Out, Report.Plan);
 }
 
 void PrintResult(std::ostream& Out, const TImportReport& Report)
 {
-    PrintFigures(Out, Report.Figures);
+    PrintFigures(Out, Report.Outcome.Figures);
     Out << OutcomeText(Report) << '\n';
 }
 
 std::string OutcomeText(const TImportReport& Report)
 {
+    const auto& Figures = Report.Outcome.Figures;
     std::ostringstream Text;
     switch (Report.Status) {
     case esDone:
     case esRecordErrors:
-        Text << "Done: " << Stored(Report.Figures);
-        if (Report.Figures.Failed > 0)
-            Text << "; " << Records(Report.Figures.Failed) << " failed and " << (Report.Figures.Failed == 1 ? "was" : "were")
-                 << " left out";
-        if (Report.Options.Mode == imCopy)
-            Text << "; " << Records(Report.Emptied) << " removed before";
+        Text << (Report.Outcome.DryRun ? "Tried: " : "Done: ") << Stored(Figures);
+        if (Figures.Failed > 0)
+            Text << "; " << Records(Figures.Failed) << " failed and " << (Figures.Failed == 1 ? "was" : "were") << " left out";
+        if (Report.Options.Job.Plan.Mode == imCopy)
+            Text << "; " << Records(Report.Outcome.Emptied) << " removed before";
+        if (Report.Outcome.DryRun)
+            Text << "; all of it was rolled back";
         Text << " (" << std::fixed << std::setprecision(2) << Report.Seconds << " s).";
         break;
     case esCancelled: Text << "Cancelled: " << Kept(Report) << "."; break;

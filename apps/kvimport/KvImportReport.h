@@ -5,28 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "KvColumnMap.h"
-#include "KvDestination.h"
 #include "KvExitStatus.h"
 #include "KvImportOptions.h"
+#include "KvJobRun.h"
 
 namespace kv {
-
-/// What became of the records that were read: Read is the sum of the others.
-struct TImportFigures
-{
-    int Read = 0, Added = 0, Updated = 0, Deleted = 0;
-    int Refused = 0;                                ///< Skipped before they were written.
-    int Failed = 0;                                 ///< Could not be stored.
-    int NotFound = 0;                               ///< No record has their key.
-};
-
-/// An error of one record.
-struct TRecordError
-{
-    std::string Place;                              ///< "line 17"
-    std::string Message;
-};
 
 struct TImportReport
 {
@@ -34,16 +17,12 @@ struct TImportReport
 
     const TImportOptions& Options;
     std::string SourceName;
-    std::vector<std::string> Keys;
     std::vector<std::string> Findings;              ///< How the source was read, where the options left it open.
-    TColumnMap Columns;
-    TImportFigures Figures;
-    int Emptied = 0;                                ///< Records that --mode copy removed first.
+    TJobPlan Plan;
+    std::vector<std::string> Remarks;               ///< On each column of Plan.
+    TJobOutcome Outcome;
     int ErrorsMet = 0;                              ///< Of records, while the run went on.
-    std::vector<TRecordError> Errors;               ///< The first of them, at most MaxErrors.
-    std::vector<std::string> Warnings;
-    TTransactionOutcome Transaction;
-    bool Ran = false;                               ///< It came as far as importing.
+    std::vector<TJobError> Errors;                  ///< The first of them, at most MaxErrors.
     TExitStatus Status = esFailed;
     std::string Failure;                            ///< Why the run failed; empty when it did not.
     double Seconds = 0;

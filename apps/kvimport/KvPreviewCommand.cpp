@@ -7,11 +7,15 @@
 
 #include <CLI/CLI.hpp>
 
+#include "KvDisplayText.h"
+#include "KvFindingText.h"
 #include "KvFormatOptions.h"
+#include "KvJobFormats.h"
+#include "KvJobSource.h"
 #include "KvJson.h"
 #include "KvOptionCheck.h"
-#include "KvSource.h"
-#include "KvSourceKinds.h"
+#include "KvRefusal.h"
+#include "KvSourceOptions.h"
 #include "KvTerminalText.h"
 #include "KvTextTable.h"
 
@@ -24,7 +28,7 @@ constexpr int UsualRows = 20;
 struct TPreviewOptions
 {
     TSourceOptions Source;
-    TFormatOptions Formats;
+    TJobFormats Formats;
     int Rows = UsualRows;
     bool Json = false;
 };
@@ -47,77 +51,105 @@ void AddPreviewOptions(CLI::App& Command, TPreviewOptions& Options)
     AddCodePageOptions(Command, Options.Formats);
 }
 
-/// The source's own names stand above those that mappings use.
-void PrintTable(const TSourceRows& Rows, const std::string& PlaceWord, bool HasNames)
+/// Bytes that are no text only show their number.
+std::string CellText(const TKvISourceValue& Cell, TFieldType Type)
 {
-    TTextTable Table;
-    std::vector<std::string> Names{PlaceWord}, Sources{HasNames ? "" : PlaceWord};
-    for (const auto& Column : Rows.Columns) {
-        Names.push_back(Column.Name);
-        Sources.push_back(Column.Source);
+    if (!Cell.Error.empty())
+        return "(unreadable)";
+    if (Cell.Value.IsString() && IsBinaryField(Type))
+        return "(" + std::to_string(Cell.Value.Text().size()) + " bytes)";
+    return SourceText(Cell.Value);
+}
+
+std::vector<std::string> CellTexts(const TKvISourceView& View, const TKvISourceRow& Row)
+{
+    std::vector<std::string> Texts;
+    for (std::size_t I = 0; I < Row.Values.size(); ++I)
+        Texts.push_back(CellText(Row.Values[I], I < View.Columns.size() ? View.Columns[I].DataType : ftUnknown));
+    return Texts;
+}
+
+/// What stands above the name by which mappings call a column; empty where that is the same.
+std::string TitleText(const TKvISourceColumn& Column)
+{
+    return Column.Title == Column.Name ? std::string() : ToDisplay(Column.Title);
+}
+
+/// The source's own names stand above those that mappings use.
+void PrintRows(const TKvISourceView& View, const std::string& Unit)
+{
+    std::vector<std::string> Titles{Unit}, Names{""};
+    bool HasTitles = false;
+    for (const auto& Column : View.Columns) {
+        Titles.push_back(TitleText(Column));
+        Names.push_back(ToDisplay(Column.Name));
+        HasTitles = HasTitles || !Titles.back().empty();
     }
-    if (HasNames)
-        Table.AddHeading(Names);
-    Table.AddHeading(Sources);
-    for (std::size_t I = 0; I < Rows.Rows.size(); ++I) {
-        std::vector<std::string> Cells{Rows.Places[I]};
-        Cells.insert(Cells.end(), Rows.Rows[I].begin(), Rows.Rows[I].end());
+    TTextTable Table;
+    if (HasTitles)
+        Table.AddHeading(Titles);
+    else
+        Names.front() = Unit;
+    Table.AddHeading(Names);
+    for (const auto& Row : View.Rows) {
+        std::vector<std::string> Cells{std::to_string(Row.Position.Number)};
+        for (auto& Text : CellTexts(View, Row))
+            Cells.push_back(std::move(Text));
         Table.AddRow(std::move(Cells));
     }
     Table.PrintToScreen();
 }
 
-void PrintTable(TSource& Source, const TSourceRows& Rows)
+void PrintTable(const TJobSource& Source)
 {
     for (const auto& Finding : Source.Findings())
-        std::cout << "(" << VisibleText(Finding) << ")\n";
-    bool HasNames = false;
-    for (const auto& Column : Rows.Columns)
-        HasNames = HasNames || !Column.Name.empty();
-    PrintTable(Rows, std::string(Source.PlaceWord()), HasNames);
-    if (Rows.Rows.empty())
+        std::cout << "(" << VisibleText(FindingText(Finding)) << ")\n";
+    PrintRows(Source.View(), Source.Unit());
+    if (Source.View().Rows.empty())
         std::cout << "There are no rows.\n";
-    else if (Rows.HasMore)
+    else if (Source.View().HasMore)
         std::cout << "There are more rows; --rows N shows N of them.\n";
 }
 
-std::vector<std::string> AllWarnings(const TSource& Source, const TSourceRows& Rows)
+std::vector<std::string> Warnings(const TJobSource& Source)
 {
-    auto Result = Source.Warnings();
-    Result.insert(Result.end(), Rows.Warnings.begin(), Rows.Warnings.end());
+    auto Result = FindingTexts(Source.Remarks());
+    for (auto& Text : FindingTexts(Source.Unreadable()))
+        Result.push_back(std::move(Text));
     return Result;
 }
 
-void PrintJson(TSource& Source, const TSourceRows& Rows)
+void PrintJson(const TJobSource& Source)
 {
-    const std::string PlaceWord(Source.PlaceWord());
-    auto Columns = TJson::array(), Lines = TJson::array();
-    for (const auto& Column : Rows.Columns)
-        Columns.push_back({{"column", Column.Source}, {"name", Column.Name.empty() ? TJson() : TJson(Column.Name)}});
-    for (std::size_t I = 0; I < Rows.Rows.size(); ++I)
-        Lines.push_back({{PlaceWord, std::stoi(Rows.Places[I])}, {"values", Rows.Rows[I]}});
-    const TJson Object = {{"source", Source.DisplayName()},
+    const auto& View = Source.View();
+    auto Columns = TJson::array(), Rows = TJson::array();
+    for (const auto& Column : View.Columns)
+        Columns.push_back({{"column", ToDisplay(Column.Name)}, {"name", TextOrNull(TitleText(Column))}});
+    for (const auto& Row : View.Rows)
+        Rows.push_back({{Source.Unit(), Row.Position.Number}, {"values", CellTexts(View, Row)}});
+    const TJson Object = {{"source", Source.Title()},
                           {"columns", Columns},
-                          {"rows", Lines},
-                          {"hasMore", Rows.HasMore},
-                          {"findings", Source.Findings()},
-                          {"warnings", AllWarnings(Source, Rows)}};
+                          {"rows", Rows},
+                          {"hasMore", View.HasMore},
+                          {"findings", FindingTexts(Source.Findings())},
+                          {"warnings", Warnings(Source)}};
     PrintJsonLine(std::cout, Object);
 }
 
-void Preview(TPreviewOptions& Options)
+/// Names are looked for in the row above the first, unless that is asked for.
+void Preview(const TPreviewOptions& Options)
 {
     UseFormats(Options.Formats);
-    Options.Source.FindNames = !Options.Source.Text.Fixed && Options.Source.RowFirst.value_or(2) > 1;
-    const auto Source = MakeSource(Options.Source);
-    const auto Rows = Source->FirstRows(Options.Rows);
+    TJobSource Source(Options.Source, [] { return true; });
+    SetFormats(Options.Formats, Source.Component().DataFormats);
+    Source.Look({.FindTitles = Options.Source.RowFirst.value_or(2) > 1, .Rows = Options.Rows});
     if (Options.Json)
-        PrintJson(*Source, Rows);
+        PrintJson(Source);
     else
-        PrintTable(*Source, Rows);
+        PrintTable(Source);
     std::cout.flush();
-    for (const auto& Warning : AllWarnings(*Source, Rows))
-        std::cerr << "Warning: " << VisibleText(Source->DisplayName() + ", " + Warning) << '\n';
+    for (const auto& Warning : Warnings(Source))
+        std::cerr << "Warning: " << VisibleText(Source.Title() + ", " + Warning) << '\n';
 }
 
 } // namespace
@@ -128,7 +160,7 @@ void AddPreviewCommand(CLI::App& Program, TExitStatus& Status)
     auto* const Command = Program.add_subcommand("preview", "Show the first rows of a file");
     AddPreviewOptions(*Command, *Options);
     Command->callback([Options, &Status] {
-        Preview(*Options);
+        WordRefusals(Options->Source, [&Options] { Preview(*Options); });
         Status = esDone;
     });
 }

@@ -1,21 +1,14 @@
 #include "KvRunCommand.h"
 
-#include <filesystem>
 #include <memory>
-#include <optional>
 #include <regex>
 #include <string>
-#include <system_error>
 
 #include <CLI/CLI.hpp>
 
-#include "KvDisplayText.h"
+#include "KvFormatOptions.h"
 #include "KvImportCommand.h"
 #include "KvImportOptions.h"
-#include "KvOptionCheck.h"
-#include "KvSpecification.h"
-#include "KvText.h"
-#include "Kvibase.h"
 
 namespace kv {
 
@@ -33,13 +26,6 @@ constexpr char ExtraHelp[] =
     "\n"
     "Exit status: 0 done, 1 done but some records were not stored, 2 wrong usage, 3 failed, 130 cancelled.";
 
-struct TRunOptions
-{
-    std::string Specification;
-    std::optional<TImportMode> Mode;
-    TImportOptions Import;                          ///< What the specification leaves open or options change.
-};
-
 /// What options have by default elsewhere is what the file says here.
 void LeaveOutDefaults(CLI::App& Command)
 {
@@ -49,77 +35,34 @@ void LeaveOutDefaults(CLI::App& Command)
             Option->description(std::regex_replace(Option->get_description(), Default, ""));
 }
 
-void AddOptions(CLI::App& Command, TRunOptions& Options)
+void AddOptions(CLI::App& Command, TImportOptions& Import)
 {
-    auto& Import = Options.Import;
     Command.footer(ExtraHelp);
-    Command.add_option("FILE", Options.Specification, "Import specification, a .kvi file")->required()->type_name("");
+    Command.add_option("FILE", Import.Specification, "Import specification, a .kvi file")->required()->type_name("");
     Command.add_option("--source", Import.Source.FileName, "Import this file instead; - is standard input")
         ->type_name("FILE");
     Command.option_defaults()->group("Destination");
-    AddDestinationOptions(Command, Import.Destination);
+    AddDestinationOptions(Command, Import.Job);
     Command.option_defaults()->group(ChangesGroup);
-    AddModeOptions(Command, Import, [&Options](TImportMode Mode) { Options.Mode = Mode; });
+    AddModeOptions(Command, Import, [&Import](TImportMode Mode) { Import.Mode = Mode; });
     AddRowOptions(Command, Import.Source);
-    AddFormatOptions(Command, Import.Formats);
+    AddFormatOptions(Command, Import.Job.Formats);
     LeaveOutDefaults(Command);
     Command.option_defaults()->group("What the file does not say");
-    AddTruthOptions(Command, Import.Formats);
-    AddCodePageOptions(Command, Import.Formats);
+    AddTruthOptions(Command, Import.Job.Formats);
+    AddCodePageOptions(Command, Import.Job.Formats);
     Command.option_defaults()->group("The run");
     AddRunOptions(Command, Import);
-}
-
-/// The source that the specification names: in the current folder, or beside the specification.
-std::string FindSource(const TSpecification& Specification)
-{
-    const std::filesystem::path Named = Specification.Text("SourceFileName");
-    if (Named.empty())
-        throw EUsageError(Specification.FileName + " names no source; say --source FILE");
-    const auto Beside = std::filesystem::path(Specification.FileName).parent_path() / Named;
-    std::error_code Ignored;
-    for (const auto& Place : {Named, Beside})
-        if (std::filesystem::exists(Place, Ignored))
-            return Place;
-    throw Exception(Specification.FileName + " names the source " + ToDisplay(Named.string()) +
-                    ", which is not there; --source FILE names another");
-}
-
-/// Lines without a field or a column map nothing.
-void TakeMappings(const TStrings& Lines, TImportOptions& Options)
-{
-    for (int I = 0; I < Lines.Count(); ++I)
-        if (!IsBlank(Lines.NameAt(I)) && !IsBlank(Lines.ValueAt(I)))
-            Options.Map.push_back(ToDisplay(Lines[I]));
-}
-
-/// The specification's settings where no option was given.
-void TakeSpecification(TRunOptions& Options)
-{
-    auto& Import = Options.Import;
-    UseCodePages(Import.Formats);                   // the names in the file are in them
-    const TSpecification Specification(Options.Specification);
-    Import.Source.Specification = Options.Specification;
-    if (Import.Source.FileName.empty())
-        Import.Source.FileName = FindSource(Specification);
-    Import.Mode = Options.Mode.value_or(Specification.Import->Mode);
-    if (Import.Keys.empty() && NeedsKeys(Import.Mode))
-        for (const auto& Key : Specification.Keys())
-            Import.Keys.push_back(ToDisplay(Key));
-    TakeMappings(Specification.Import->Mappings(), Import);
-    TakeFormats(Specification.Import->DataFormats, Import.Formats);
 }
 
 } // namespace
 
 void AddRunCommand(CLI::App& Program, TExitStatus& Status)
 {
-    const auto Options = std::make_shared<TRunOptions>();
+    const auto Options = std::make_shared<TImportOptions>();
     auto* const Command = Program.add_subcommand("run", "Import as a specification file has it");
     AddOptions(*Command, *Options);
-    Command->callback([Options, &Status] {
-        Status = RunImport(Options->Import, [Options] { TakeSpecification(*Options); });
-    });
+    Command->callback([Options, &Status] { Status = RunImport(*Options); });
 }
 
 } // namespace kv

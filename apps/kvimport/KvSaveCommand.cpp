@@ -1,6 +1,5 @@
 #include "KvSaveCommand.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -9,20 +8,16 @@
 
 #include <CLI/CLI.hpp>
 
-#include "KvConsoleInterface.h"
 #include "KvDisplayText.h"
 #include "KvImportOptions.h"
-#include "KvImportReport.h"
-#include "KvImportRun.h"
-#include "KvIniFile.h"
-#include "KvOptionText.h"
-#include "KvSourceKinds.h"
-#include "KvSpecification.h"
+#include "KvJobFile.h"
+#include "KvJobFormats.h"
+#include "KvJobRun.h"
+#include "KvPlanText.h"
+#include "KvRefusal.h"
 #include "KvSpecificationReport.h"
 #include "KvSpooledFile.h"
 #include "KvTerminalText.h"
-#include "KvText.h"
-#include "Kvibase.h"
 
 namespace kv {
 
@@ -54,122 +49,81 @@ void AddOptions(CLI::App& Command, TSaveOptions& Options)
     Command.add_option("--name", Options.Name, "Name of the specification (default: that of its file)")
         ->type_name("TEXT");
     Command.option_defaults()->group("Destination");
-    Command.add_option("--to", Import.Destination.FileName, "SQLite database whose fields are meant; it is not changed")
+    Command.add_option("--to", Import.Job.Destination.Url, "SQLite database whose fields are meant; it is not changed")
         ->type_name("FILE");
-    Command.add_option("--table", Import.Destination.Table, "Its table")->type_name("NAME");
+    Command.add_option("--table", Import.Job.Destination.Table, "Its table")->type_name("NAME");
     AddPlanOptions(Command, Import);
 }
 
 void CheckOptions(const TSaveOptions& Options)
 {
-    const auto& Import = Options.Import;
-    if (Import.Source.FileName == "-" || IsReadOnce(Import.Source.FileName))
-        throw EUsageError("a specification names a file that can be read again, which " + Import.Source.FileName +
+    const auto& Job = Options.Import.Job;
+    if (Job.Source.FileName == "-" || IsReadOnce(Job.Source.FileName))
+        throw EUsageError("a specification names a file that can be read again, which " + Job.Source.FileName +
                           " is not");
-    if (!Import.Destination.FileName.empty())
+    if (!Job.Destination.Url.empty())
         return;
-    if (Import.Map.empty())
+    if (Job.Plan.Lines.empty())
         throw EUsageError("--to and --table are missing: they say which fields there are; without them --map must "
                           "say it");
-    if (NeedsKeys(Import.Mode) && Import.Keys.empty())
-        throw EUsageError("--keys is missing: --mode " + NameOfMode(Import.Mode) + " finds records by keys");
-}
-
-/// What is no specification is not made one: the names may have changed places.
-void CheckTarget(const std::string& FileName)
-{
-    const TIniFile File(FileName, ioOpenOrCreate);
-    if (!File.Text().empty() && !File.HasSection("Common"))
-        throw Exception(FileName + " is there and is no import specification; it is left as it is");
+    if (NeedsKeys(Job.Plan.Mode) && Job.Plan.Keys.empty())
+        throw EUsageError("--keys is missing: --mode " + NameOfMode(Job.Plan.Mode) + " finds records by keys");
 }
 
 /// What is odd about the column or its way, in a line; empty when nothing is.
-std::string RemarkOn(const TColumnFate& Fate)
+std::string RemarkLine(const TJobColumnFate& Fate, const TJobSource& Source)
 {
-    if (Fate.Remark.empty())
+    const auto Remark = RemarkOn(Fate, Source);
+    if (Remark.empty())
         return {};
-    const auto Source = ToDisplay(Fate.Column.Source);
-    const bool HasOtherName = !Fate.Column.Name.empty() && Fate.Column.Name != Source;
-    const auto Column = Source + (HasOtherName ? " " + Fate.Column.Name : "");
-    return Column + (Fate.Field.empty() ? "" : " for " + Fate.Field) + ": " + Fate.Remark;
+    const auto Name = ToDisplay(Fate.Column.Name), Title = ToDisplay(Fate.Column.Title);
+    const auto Column = Name + (Title.empty() || Title == Name ? "" : " " + Title);
+    return Column + (Fate.Field.empty() ? "" : " for " + Fate.Field) + ": " + Remark;
 }
 
-/// Sets up a component without looking at a destination. Adds remarks.
-void SetUpAlone(TSource& Source, const TImportOptions& Options, std::vector<std::string>& Remarks)
+/// Gives what is to be said of the source and of its columns.
+std::vector<std::string> SavePlan(const TSaveOptions& Options, TJobSource& Source, const TJobPlan& Plan,
+                                  const std::vector<TJobFinding>& Findings)
 {
-    auto& Component = Source.Component();
-    auto& Lines = Component.Mappings();
-    for (const auto& Line : Options.Map) {
-        const auto Pair = SplitMapPair(Line);
-        auto [Column, Remark] = Source.ColumnNamed(Pair.Column);
-        Lines.Add(FromDisplay(Pair.Field) + '=' + Column.Source);
-        Remarks.push_back(RemarkOn({.Column = Column, .Field = Pair.Field, .Remark = std::move(Remark)}));
-    }
-    for (const auto& Key : Options.Keys)
-        if (Lines.IndexOfName(FromDisplay(Key)) < 0)
-            throw Exception("--keys: the field '" + Key + "' gets no column, so no record can be found by it");
-    Component.DatasetKeys = FromDisplay(JoinNames(Options.Keys, ";"));
-    Component.Mode = Options.Mode;
-    SetFormats(Options.Formats, Component.DataFormats);
+    SaveJob(Options.FileName, Options.Name, Source, Plan, Options.Import.Job);
+    auto Remarks = FindingTexts(Findings);
+    for (const auto& Fate : Plan.Columns)
+        Remarks.push_back(RemarkLine(Fate, Source));
+    return Remarks;
 }
 
-// Both give what is to be said of the source and of its columns; some of it may be empty.
-
+/// Without a look at a destination.
 std::vector<std::string> SaveAlone(const TSaveOptions& Options)
 {
-    const auto Source = MakeSource(Options.Import.Source);
-    auto Remarks = Source->Findings();
-    SetUpAlone(*Source, Options.Import, Remarks);
-    Source->Component().SaveSpecification(FromDisplay(Options.Name), Options.FileName, false);
-    return Remarks;
+    const auto& Job = Options.Import.Job;
+    UseFormats(Job.Formats);
+    const auto Source = OpenSource(nullptr, Job, [] { return true; });
+    const auto Plan = MakePlanAlone(*Source, Job.Plan);
+    TakePlan(Source->Component(), Plan, Job.Plan.Mode);
+    return SavePlan(Options, *Source, Plan, Source->Findings());
 }
 
 /// With fields and keys as an import into the table would have them.
 std::vector<std::string> SaveForTable(const TSaveOptions& Options)
 {
-    TConsoleInterface Console(csQuiet);
-    TImportReport Report(Options.Import);
-    TImportRun Run(Options.Import, Console, Report);
+    TJobObserver Observer;
+    TJobRun Run(Options.Import.Job, Observer);
     Run.Prepare();
-    Run.Component().SaveSpecification(FromDisplay(Options.Name), Options.FileName, false);
-    auto Remarks = Report.Findings;
-    for (const auto& Fate : Report.Columns.Columns)
-        Remarks.push_back(RemarkOn(Fate));
-    return Remarks;
-}
-
-/// Options that have no place in the file.
-std::vector<std::string> NotKept(const TFormatOptions& Formats)
-{
-    std::vector<std::string> Result;
-    const auto Add = [&Result](const char* Option, const std::string& Value) {
-        if (!Value.empty())
-            Result.push_back(std::string(Option) + " '" + Value + "'");
-    };
-    Add("--boolean-true", Formats.BooleanTrue.value_or(""));
-    Add("--boolean-false", Formats.BooleanFalse.value_or(""));
-    Add("--code-page", Formats.CodePage);
-    Add("--oem-code-page", Formats.OemCodePage);
-    Add("--legacy-code-page", Formats.LegacyCodePage);
-    return Result;
+    return SavePlan(Options, Run.Source(), Run.Plan(), Run.Findings());
 }
 
 void Save(TSaveOptions& Options)
 {
-    UseFormats(Options.Import.Formats);
     CheckImportOptions(Options.Import);
-    CheckTarget(Options.FileName);
+    CheckJobFile(Options.FileName);
     CheckOptions(Options);
     if (Options.Name.empty())
         Options.Name = std::filesystem::path(Options.FileName).stem().string();
-    const auto Remarks = Options.Import.Destination.FileName.empty() ? SaveAlone(Options) : SaveForTable(Options);
-    PrintSpecification(std::cout, TSpecification(Options.FileName));
+    const auto Remarks = Options.Import.Job.Destination.Url.empty() ? SaveAlone(Options) : SaveForTable(Options);
+    PrintSpecification(std::cout, TJobFile(Options.FileName));
     for (const auto& Remark : Remarks)
         if (!Remark.empty())
             std::cout << "(" << VisibleText(Remark) << ")\n";
-    if (const auto Rest = NotKept(Options.Import.Formats); !Rest.empty())
-        std::cout << "Such files do not hold these; give them to kvimport run: " << VisibleText(JoinNames(Rest, " "))
-                  << '\n';
     std::cout.flush();
 }
 
@@ -181,7 +135,7 @@ void AddSaveCommand(CLI::App& Program, TExitStatus& Status)
     auto* const Command = Program.add_subcommand("save", "Save the options of an import as a specification file");
     AddOptions(*Command, *Options);
     Command->callback([Options, &Status] {
-        Save(*Options);
+        WordRefusals(Options->Import.Source, [&Options] { Save(*Options); });
         Status = esDone;
     });
 }

@@ -7,10 +7,13 @@
 
 #include <CLI/CLI.hpp>
 
+#include "KvDisplayText.h"
 #include "KvException.h"
 #include "KvFormatOptions.h"
+#include "KvJobFormats.h"
+#include "KvJobSource.h"
 #include "KvJson.h"
-#include "KvSourceKinds.h"
+#include "KvRefusal.h"
 #include "KvTextTable.h"
 
 namespace kv {
@@ -20,7 +23,7 @@ namespace {
 struct TSheetsOptions
 {
     TSourceOptions Source;
-    TFormatOptions Formats;
+    TJobFormats Formats;
     bool Json = false;
 };
 
@@ -35,35 +38,38 @@ void AddOptions(CLI::App& Command, TSheetsOptions& Options)
     AddCodePageOptions(Command, Options.Formats);
 }
 
-void PrintTable(const std::vector<TSourceSheet>& Sheets)
+void PrintTable(const std::vector<TKvISourcePart>& Sheets)
 {
     TTextTable Table;
     Table.AddHeading({"sheet", "name", "rows", "columns"});
     for (std::size_t I = 0; I < Sheets.size(); ++I)
-        Table.AddRow({std::to_string(I + 1), Sheets[I].Name, std::to_string(Sheets[I].Rows), std::to_string(Sheets[I].Columns)});
+        Table.AddRow({std::to_string(I + 1), ToDisplay(Sheets[I].Name), std::to_string(Sheets[I].Rows),
+                      std::to_string(Sheets[I].Columns)});
     Table.Print(std::cout, 0);
 }
 
-void PrintJson(const TSource& Source, const std::vector<TSourceSheet>& Sheets)
+void PrintJson(const TJobSource& Source)
 {
     auto List = TJson::array();
-    for (const auto& Sheet : Sheets)
-        List.push_back({{"sheet", List.size() + 1}, {"name", Sheet.Name}, {"rows", Sheet.Rows}, {"columns", Sheet.Columns}});
-    const TJson Object = {{"source", Source.DisplayName()}, {"sheets", List}};
+    for (const auto& Sheet : Source.Parts())
+        List.push_back({{"sheet", List.size() + 1},
+                        {"name", ToDisplay(Sheet.Name)},
+                        {"rows", Sheet.Rows},
+                        {"columns", Sheet.Columns}});
+    const TJson Object = {{"source", Source.Title()}, {"sheets", List}};
     PrintJsonLine(std::cout, Object);
 }
 
 void PrintSheets(const TSheetsOptions& Options)
 {
     UseFormats(Options.Formats);
-    const auto Source = MakeSource(Options.Source);
-    const auto Sheets = Source->Sheets();
-    if (Sheets.empty())
-        throw Exception(Source->DisplayName() + " is no workbook: it has no sheets");
+    const TJobSource Source(Options.Source, [] { return true; });
+    if (Source.Kind().Part != spSheet)
+        throw Exception(Source.Title() + " is no workbook: it has no sheets");
     if (Options.Json)
-        PrintJson(*Source, Sheets);
+        PrintJson(Source);
     else
-        PrintTable(Sheets);
+        PrintTable(Source.Parts());
     std::cout.flush();
 }
 
@@ -75,7 +81,7 @@ void AddSheetsCommand(CLI::App& Program, TExitStatus& Status)
     auto* const Command = Program.add_subcommand("sheets", "List the sheets of a workbook");
     AddOptions(*Command, *Options);
     Command->callback([Options, &Status] {
-        PrintSheets(*Options);
+        WordRefusals(Options->Source, [&Options] { PrintSheets(*Options); });
         Status = esDone;
     });
 }

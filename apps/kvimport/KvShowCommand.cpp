@@ -7,7 +7,9 @@
 #include <CLI/CLI.hpp>
 
 #include "KvFormatOptions.h"
-#include "KvSpecification.h"
+#include "KvJobFile.h"
+#include "KvJobFormats.h"
+#include "KvRefusal.h"
 #include "KvSpecificationReport.h"
 
 namespace kv {
@@ -18,17 +20,18 @@ struct TShowOptions
 {
     std::string FileName;
     bool Json = false;
-    TFormatOptions Formats;                         ///< Only the code pages.
+    TJobFormats Formats;                         ///< Only the code pages.
 };
 
-void Show(const TShowOptions& Options)
+void Show(TShowOptions& Options)
 {
+    const TJobFile Saved(Options.FileName);
+    Saved.TakeCodePages(Options.Formats);
     UseCodePages(Options.Formats);
-    const TSpecification Specification(Options.FileName);
     if (Options.Json)
-        PrintSpecificationJson(std::cout, Specification);
+        PrintSpecificationJson(std::cout, Saved);
     else
-        PrintSpecification(std::cout, Specification);
+        PrintSpecification(std::cout, Saved);
     std::cout.flush();
 }
 
@@ -42,7 +45,7 @@ void AddShowCommand(CLI::App& Program, TExitStatus& Status)
     Command->add_flag("--json", Options->Json, "Print it as one JSON object");
     AddCodePageOptions(*Command, Options->Formats);
     Command->callback([Options, &Status] {
-        Show(*Options);
+        WordRefusals({}, [&Options] { Show(*Options); });
         Status = esDone;
     });
 }

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "KvDisplayText.h"
-#include "KvFormatOptions.h"
 #include "KvImportOptions.h"
+#include "KvJobFormats.h"
 #include "KvJson.h"
 #include "KvSpecification.h"
 #include "KvText.h"
@@ -34,7 +34,7 @@ TJson LayoutJson(const TSpecification& Specification)
 {
     if (!Specification.HasLayout())
         return {};
-    return {{"fixed", Specification.IsFixed()},
+    return {{"fixed", Specification.Text("Fixed") == "True"},
             {"delimiter", CharacterJson(Specification.Text("FieldDelimiterCustom").front())},
             {"qualifier", CharacterJson(Specification.Text("TextQualifierCustom").front())},
             {"recordSeparator", ToDisplay(Specification.Text("RecordSeparatorCustom"))}};
@@ -58,13 +58,14 @@ TJson NumberJson(const std::string& Text)
 
 } // namespace
 
-void PrintSpecificationJson(std::ostream& Out, const TSpecification& Specification)
+void PrintSpecificationJson(std::ostream& Out, const TJobFile& Saved)
 {
-    const auto& Import = *Specification.Import;
-    const TJson Object = {{"file", Specification.FileName},
-                          {"name", TextOrNull(Specification.Name)},
-                          {"application", TextOrNull(Specification.Application)},
-                          {"kind", Specification.Kind},
+    const TSpecification Specification(Saved);
+    const auto& Import = Saved.Import();
+    const TJson Object = {{"file", Saved.FileName()},
+                          {"name", TextOrNull(Saved.Name())},
+                          {"application", TextOrNull(Saved.Application())},
+                          {"kind", Specification.Kind()},
                           {"source", TextOrNull(Specification.Text("SourceFileName"))},
                           {"sheet", NumberJson(Specification.Sheet())},
                           {"table", TextOrNull(Specification.Table())},
@@ -75,7 +76,7 @@ void PrintSpecificationJson(std::ostream& Out, const TSpecification& Specificati
                           {"formats", FormatsJson(Import.DataFormats)},
                           {"extensions", Specification.Extensions()},
                           {"mode", NameOfMode(Import.Mode)},
-                          {"keys", TextList(Specification.Keys())},
+                          {"keys", TextList(Saved.Keys())},
                           {"mappings", MappingsJson(Import.Mappings())}};
     PrintJsonLine(Out, Object);
 }

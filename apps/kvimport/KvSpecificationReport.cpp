@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "KvDisplayText.h"
-#include "KvFormatOptions.h"
 #include "KvImportOptions.h"
+#include "KvJobFormats.h"
 #include "KvOptionText.h"
 #include "KvSpecification.h"
 #include "KvTerminalText.h"
@@ -29,7 +29,7 @@ std::string CharacterText(const TSpecification& Specification, std::string_view 
 std::string LayoutText(const TSpecification& Specification)
 {
     const auto Ends = "records end in " + NameOfRecordSeparator(Specification.Text("RecordSeparatorCustom"));
-    if (Specification.IsFixed())
+    if (Specification.Text("Fixed") == "True")
         return "values at fixed positions, " + Ends;
     return "delimiter " + CharacterText(Specification, "FieldDelimiterCustom") + ", qualifier " +
            CharacterText(Specification, "TextQualifierCustom") + ", " + Ends;
@@ -41,10 +41,10 @@ std::string RowsText(const TSpecification& Specification)
     return First.empty() ? First : First + " to " + (Last == std::to_string(RowLastMax) ? "the last" : Last);
 }
 
-std::string DestinationText(const TSpecification& Specification)
+std::string DestinationText(const TJobFile& Saved)
 {
-    const auto Keys = JoinNames(Specification.Keys());
-    return "mode " + NameOfMode(Specification.Import->Mode) + (Keys.empty() ? "" : ", keys " + Keys);
+    const auto Keys = JoinNames(Saved.Keys());
+    return "mode " + NameOfMode(Saved.Import().Mode) + (Keys.empty() ? "" : ", keys " + Keys);
 }
 
 class TPrinter
@@ -82,16 +82,17 @@ void PrintMappings(std::ostream& Out, const TStrings& Lines)
 
 } // namespace
 
-void PrintSpecification(std::ostream& Out, const TSpecification& Specification)
+void PrintSpecification(std::ostream& Out, const TJobFile& Saved)
 {
-    const auto& Import = *Specification.Import;
+    const TSpecification Specification(Saved);
+    const auto& Import = Saved.Import();
     const auto& Formats = Import.DataFormats;
-    Out << VisibleText(Specification.FileName) << ": " << VisibleText(ToDisplay(Specification.Name));
-    if (!Specification.Application.empty())
-        Out << ", saved by " << VisibleText(ToDisplay(Specification.Application));
+    Out << VisibleText(Saved.FileName()) << ": " << VisibleText(ToDisplay(Saved.Name()));
+    if (!Saved.Application().empty())
+        Out << ", saved by " << VisibleText(ToDisplay(Saved.Application()));
     Out << '\n';
     TPrinter Printer(Out);
-    Printer.Line("source", Specification.Text("SourceFileName") + " (" + std::string(Specification.Kind) + ")");
+    Printer.Line("source", Specification.Text("SourceFileName") + " (" + std::string(Specification.Kind()) + ")");
     Printer.Line("sheet", Specification.Sheet());
     Printer.Line("table", Specification.Table());
     if (Specification.HasLayout())
@@ -103,7 +104,7 @@ void PrintSpecification(std::ostream& Out, const TSpecification& Specification)
     Printer.Line("numbers", "decimal separator " + NameOfCharacter(Formats.DecimalSeparator) + ", thousand separator " +
                                 NameOfCharacter(Formats.ThousandSeparator));
     Printer.Line("extensions", JoinNames(Specification.Extensions()));
-    Printer.Line("records", DestinationText(Specification));
+    Printer.Line("records", DestinationText(Saved));
     PrintMappings(Out, Import.Mappings());
 }
 

@@ -5,11 +5,11 @@
 
 namespace kv {
 
-struct TSpecification;
+class TJobFile;
 
 /// A line a setting, the mappings last.
-void PrintSpecification(std::ostream& Out, const TSpecification& Specification);
+void PrintSpecification(std::ostream& Out, const TJobFile& Saved);
 /// All of it as one JSON object, on one line.
-void PrintSpecificationJson(std::ostream& Out, const TSpecification& Specification);
+void PrintSpecificationJson(std::ostream& Out, const TJobFile& Saved);
 
 } // namespace kv

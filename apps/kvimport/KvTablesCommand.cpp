@@ -7,13 +7,14 @@
 
 #include <CLI/CLI.hpp>
 
-#include "KvAccessSession.h"
 #include "KvDisplayText.h"
 #include "KvException.h"
 #include "KvFormatOptions.h"
+#include "KvJobFormats.h"
+#include "KvJobSource.h"
 #include "KvJson.h"
 #include "KvOptionText.h"
-#include "KvSourceKinds.h"
+#include "KvRefusal.h"
 #include "KvTextTable.h"
 
 namespace kv {
@@ -22,19 +23,10 @@ namespace {
 
 struct TTablesOptions
 {
-    std::string FileName;
-    TFormatOptions Formats;
+    TSourceOptions Source;
+    TJobFormats Formats;
     bool System = false;
     bool Json = false;
-};
-
-/// A table that cannot be opened has a reason instead of records and fields. UTF-8.
-struct TListedTable
-{
-    std::string Name;
-    int Records = 0;
-    std::vector<TAccessField> Fields;
-    std::string Reason;
 };
 
 void AddOptions(CLI::App& Command, TTablesOptions& Options)
@@ -44,81 +36,58 @@ void AddOptions(CLI::App& Command, TTablesOptions& Options)
                    "  kvimport import northwind.mdb --source-table Orders --to shop.db --table orders\n"
                    "\n"
                    "Databases are read by the program kvaccess, beside this one or in the PATH; KV_ACCESS_HELPER names another.");
-    Command.add_option("FILE", Options.FileName, "Access database to look into")->required()->type_name("");
+    Command.add_option("FILE", Options.Source.FileName, "Access database to look into")->required()->type_name("");
     Command.add_flag("--system", Options.System, "List the tables that Access keeps for itself too");
     Command.add_flag("--json", Options.Json, "Print the tables as one JSON object");
     AddCodePageOptions(Command, Options.Formats);
 }
 
-TListedTable Describe(TAccessDatabase& Database, const std::string& Name)
-{
-    TListedTable Listed{.Name = ToDisplay(Name), .Records = 0, .Fields = {}, .Reason = {}};
-    try {
-        const auto Recordset = Database.OpenRecordset(Name, AccessTableRecordset, AccessNoOptions, AccessPessimistic);
-        Listed.Records = Recordset->RecordCount();
-        Listed.Fields = Recordset->Fields();
-        for (auto& Field : Listed.Fields)
-            Field.Name = ToDisplay(Field.Name);
-    }
-    catch (const EDatabaseError& Error) {
-        Listed.Reason = ToDisplay(Error.Message);
-    }
-    return Listed;
-}
+using TTables = std::vector<TKvISourcePart>;
 
-void CheckKind(const std::string& FileName)
+TTables ListTables(const TTablesOptions& Options, const TJobSource& Source)
 {
-    if (FileName == "-")
-        throw EUsageError("an Access database cannot be read from standard input");
-    if (const auto& Kind = KindOfFile(FileName); Kind.Name != "access")
-        throw Exception(FileName + " is no Access database but of kind " + std::string(Kind.Name) +
+    if (Source.Kind().Part != spTable)
+        throw Exception(Source.Title() + " is no Access database but of kind " + std::string(Source.Kind().Name) +
                         "; kvimport preview shows what it holds");
-}
-
-std::vector<TListedTable> ListTables(const TTablesOptions& Options)
-{
-    CheckKind(Options.FileName);
-    TKvAccessSession Session;
-    Session.Open("", Options.FileName);
-    std::vector<TListedTable> Listed;
-    for (const auto& Table : Session.Database().TableDefs())
+    TTables Listed;
+    for (const auto& Table : Source.Parts())
         if (Options.System || !Table.IsSystem)
-            Listed.push_back(Describe(Session.Database(), Table.Name));
+            Listed.push_back(Table);
     return Listed;
 }
 
-std::string FieldsText(const TListedTable& Listed)
+std::string FieldsText(const TKvISourcePart& Table)
 {
     std::vector<std::string> Texts;
-    for (const auto& Field : Listed.Fields)
-        Texts.push_back(Field.Name + " " + AccessTypeText(Field));
+    for (const auto& Field : Table.Fields)
+        Texts.push_back(ToDisplay(Field.Name) + " " + Field.TypeName);
     return JoinNames(Texts, ", ");
 }
 
-void PrintTable(const std::vector<TListedTable>& Tables)
+void PrintTable(const TTables& Tables)
 {
     TTextTable Text;
     Text.AddHeading({"table", "records", "fields"});
     for (const auto& Each : Tables)
-        Text.AddRow({Each.Name, Each.Reason.empty() ? std::to_string(Each.Records) : "",
-                     Each.Reason.empty() ? FieldsText(Each) : "(" + Each.Reason + ")"});
+        Text.AddRow({ToDisplay(Each.Name), Each.Error.empty() ? std::to_string(Each.Rows) : "",
+                     Each.Error.empty() ? FieldsText(Each) : "(" + ToDisplay(Each.Error) + ")"});
     Text.PrintToScreen();
     if (Tables.empty())
         std::cout << "There are no tables.\n";
 }
 
-void PrintJson(const std::string& Source, const std::vector<TListedTable>& Tables)
+void PrintJson(const std::string& Source, const TTables& Tables)
 {
     auto List = TJson::array();
     for (const auto& Each : Tables) {
         auto Fields = TJson::array();
         for (const auto& Field : Each.Fields)
-            Fields.push_back({{"name", Field.Name}, {"type", AccessTypeText(Field)}});
-        TJson Object = {{"name", Each.Name}};
-        if (Each.Reason.empty())
-            Object.update({{"records", Each.Records}, {"fields", Fields}});
+            Fields.push_back({{"name", ToDisplay(Field.Name)}, {"type", Field.TypeName}});
+        TJson Object = {{"name", ToDisplay(Each.Name)}};
+        if (Each.Error.empty())
+            Object.update({{"records", Each.Rows}, {"fields", Fields}});
         else
-            Object["error"] = Each.Reason;
+            Object["error"] = ToDisplay(Each.Error);
         List.push_back(Object);
     }
     const TJson Object = {{"source", Source}, {"tables", List}};
@@ -127,10 +96,13 @@ void PrintJson(const std::string& Source, const std::vector<TListedTable>& Table
 
 void PrintTables(const TTablesOptions& Options)
 {
+    if (Options.Source.FileName == "-")
+        throw EUsageError("an Access database cannot be read from standard input");
     UseFormats(Options.Formats);
-    const auto Tables = ListTables(Options);
+    const TJobSource Source(Options.Source, [] { return true; });
+    const auto Tables = ListTables(Options, Source);
     if (Options.Json)
-        PrintJson(Options.FileName, Tables);
+        PrintJson(Source.Title(), Tables);
     else
         PrintTable(Tables);
     std::cout.flush();
@@ -144,7 +116,7 @@ void AddTablesCommand(CLI::App& Program, TExitStatus& Status)
     auto* const Command = Program.add_subcommand("tables", "List the tables of a database");
     AddOptions(*Command, *Options);
     Command->callback([Options, &Status] {
-        PrintTables(*Options);
+        WordRefusals(Options->Source, [&Options] { PrintTables(*Options); });
         Status = esDone;
     });
 }

@@ -4,5 +4,6 @@
 int main(int ArgumentCount, char** Arguments)
 {
     kv::StopSqliteMemoryCount();
+    kv::RegisterSqliteDatabases();
     return kv::RunCommandLine(ArgumentCount, Arguments);
 }

@@ -103,7 +103,7 @@ TEST_F(KvPreview, TellsOfAnUnclosedValue)
 {
     const auto Result = Preview("A\n\"x\n");
     EXPECT_EQ(Result.Status, 3);
-    EXPECT_THAT(Result.Err, HasSubstr("orders.csv, line 2 begins a value that no text qualifier closes"));
+    EXPECT_THAT(Result.Err, HasSubstr("orders.csv begins a value that no text qualifier closes"));
 }
 
 TEST_F(KvPreview, FormatsListsWhatCanBeRead)

@@ -96,7 +96,10 @@ TEST_F(KvSpecification, TheFileHoldsWhatTheOptionsSay)
               "RowFirst=2\r\nRowLast=3\r\n"
               "[DataFormat]\r\nDateOrder=1\r\nDateSeparator=2E\r\nTimeSeparator=3A\r\n"
               "ThousandSeparator=2E\r\nDecimalSeparator=2C\r\nFourDigitYear=1\r\nLeadingZerosInDate=1\r\n"
-              "[Extensions]\r\nDoubledQualifiers=1\r\nLongLines=1\r\nByteOrderMark=1\r\nFixedPadding=1\r\n");
+              "[Extensions]\r\nDoubledQualifiers=1\r\nLongLines=1\r\nByteOrderMark=1\r\nFixedPadding=1\r\n"
+              "RestoresControls=1\r\nTimedProgress=1\r\nNoNumberBoxes=1\r\n"
+              "[Job]\r\nHeaderRow=1\r\nTitle0=ID\r\nTitle1=CITY\r\nTitle2=ORDERED\r\nTitle3=AMOUNT\r\n"
+              "Title4=PAID\r\nDestination=" + Shop.Database() + "\r\nTable=orders\r\n");
 }
 
 TEST_F(KvSpecification, ClassicReadingHasNoExtensions)
@@ -121,12 +124,12 @@ TEST_F(KvSpecification, NeedsNoTableWhenMappingsAreGiven)
     EXPECT_EQ(RunWithJson()["updated"], 3);
 }
 
-TEST_F(KvSpecification, LinesAreComparedWithTheFirstOneWhereNoHeaderIsKnown)
+TEST_F(KvSpecification, LinesAreComparedWithTheHeaderThatNamedTheColumns)
 {
     const auto Orders = Shop.Folder.Write("may.csv", "Orders of May\n\nID,CITY\n1,Rom\n2,Bern,x\n");
     Run({"save", File, Orders, "--first-row", "4", "--to", Shop.Database(), "--table", "orders"});
-    EXPECT_THAT(RunFile().Err, HasSubstr("may.csv, line 5 has more values than line 4: "
-                                         "the extra ones were imported only where a mapping names them\n"));
+    EXPECT_THAT(RunFile().Err, HasSubstr("may.csv, line 5 has more values than line 3: "
+                                         "the extra ones were not imported\n"));
 }
 
 TEST_F(KvSpecification, SaysWhatBecomesOfColumnsThatAreNoneOrFindNoField)
@@ -139,14 +142,23 @@ TEST_F(KvSpecification, SaysWhatBecomesOfColumnsThatAreNoneOrFindNoField)
         EndsWith("\n(Town for CITY: no column but a constant: every record gets this text)\n"));
 }
 
-TEST_F(KvSpecification, SaysWhatTheFileDoesNotHold)
+TEST_F(KvSpecification, TheFileHoldsWordsForTruthAndCodePagesToo)
 {
     TArguments Options = GermanOptions;
-    Options.insert(Options.end(), {"--boolean-true", "ja", "--code-page", "windows-1252"});
-    EXPECT_THAT(Save(Options).Out,
-                HasSubstr("Such files do not hold these; "
-                          "give them to kvimport run: --boolean-true 'ja' --code-page 'windows-1252'\n"));
-    EXPECT_THAT(Save(GermanOptions).Out, Not(HasSubstr("Such files")));
+    Options.insert(Options.end(), Words.begin(), Words.end());
+    Options.insert(Options.end(), {"--code-page", "windows-1252"});
+    ASSERT_EQ(Save(Options).Status, 0);
+    EXPECT_THAT(Shop.Folder.Read("orders.kvi"),
+                HasSubstr("BooleanTrue=ja\r\nBooleanFalse=nein\r\nCodePage=windows-1252\r\n"));
+    EXPECT_EQ(RunWithJson()["added"], 3);
+    EXPECT_EQ(Shop.Ask("SELECT PAID FROM orders WHERE ID = 1"), "1");
+}
+
+TEST_F(KvSpecification, ADestinationThatTheFileNamesNeedsNoOption)
+{
+    ASSERT_EQ(Save(GermanOptions).Status, 0);
+    EXPECT_EQ(Run({"run", File}, Words).Status, 0);
+    EXPECT_EQ(Shop.Count(), 3);
 }
 
 TEST_F(KvSpecification, AFileThatIsThereIsBroughtUpToDate)

@@ -1,0 +1,234 @@
+#include "KvFindingText.h"
+
+#include <algorithm>
+
+#include "KvColumnLetters.h"
+#include "KvImportOptions.h"
+#include "KvKindText.h"
+#include "KvOptionText.h"
+#include "KvTerminalText.h"
+
+namespace kv {
+
+namespace {
+
+std::string Row(const TJobFinding& Found)
+{
+    return Found.Unit + " " + std::to_string(Found.Number);
+}
+
+std::string SheetText(const TJobFinding& Found)
+{
+    return "sheet " + std::to_string(Found.Number) + " of " + std::to_string(Found.Count) + ", '" + Found.Value + "'" +
+           (Found.Given ? "" : "; --sheet takes another");
+}
+
+std::string HeaderText(const TJobFinding& Found)
+{
+    return Row(Found) + " looks like a header; --first-row " + std::to_string(Found.Number + 1) + " skips it";
+}
+
+std::string SavedText(const TJobFinding& Found)
+{
+    const auto Named = Found.Was.empty() ? "not" : Found.Was;
+    return "as " + Found.Value + " has it" + (Found.Given ? "" : ", which names the source " + Named);
+}
+
+std::string Plural(std::int64_t Count, const std::string& One, const std::string& Many)
+{
+    return GroupDigits(Count) + (Count == 1 ? One : Many);
+}
+
+std::string RowsFrom(const TJobFinding& Found)
+{
+    return Found.Count == 1 ? Row(Found) + " has"
+                            : GroupDigits(Found.Count) + " " + Found.Unit + "s, the first of them " + Row(Found) + ", have";
+}
+
+std::string OtherWidth(const TJobFinding& Found)
+{
+    const auto Than = " values than " + Found.Unit + " " + std::to_string(Found.Limit) + ": ";
+    if (Found.Kind == jfFewerValues)
+        return RowsFrom(Found) + " fewer" + Than + "the missing ones count as empty";
+    return RowsFrom(Found) + " more" + Than +
+           (Found.Given ? "the extra ones were not imported" : "the extra ones were imported only where a mapping names them");
+}
+
+std::string BeyondExtent(const TJobFinding& Found)
+{
+    if (Found.Kind == jfRowsBeyond)
+        return "the sheet declares " + GroupDigits(Found.Limit) + " rows and holds values down to row " + GroupDigits(Found.Count) +
+               ": the rest is not read with --classic";
+    return "the sheet declares " + GroupDigits(Found.Limit) + " columns and holds values up to column " +
+           SpreadSheetLetters(static_cast<int>(Found.Count)) + ": with --classic only --map finds the rest";
+}
+
+// Refusals.
+
+/// What is no header may be of any size.
+std::string FirstNames(const std::vector<std::string>& Names)
+{
+    constexpr std::size_t MaxNames = 30;
+    constexpr int MaxWidth = 40;
+    std::vector<std::string> First;
+    for (std::size_t I = 0; I < std::min(Names.size(), MaxNames); ++I)
+        First.push_back(FitToWidth(VisibleText(Names[I]), MaxWidth));
+    const auto More = Names.size() - First.size();
+    return JoinNames(First) + (More > 0 ? " and " + std::to_string(More) + " more" : "");
+}
+
+std::string NumberedNames(const std::vector<std::string>& Names)
+{
+    std::vector<std::string> Texts;
+    for (const auto& Name : Names)
+        Texts.push_back(std::to_string(Texts.size() + 1) + " '" + Name + "'");
+    return JoinNames(Texts);
+}
+
+std::string NoSuchTableNumber(const TJobFinding& Found)
+{
+    return "--table-number " + Found.Value + ": " + Found.Name + " has " +
+           (Found.Count == 0 ? "no table" : "tables 1 to " + std::to_string(Found.Count));
+}
+
+std::string NoSuchField(const TJobFinding& Found)
+{
+    const auto Where = Found.Name.empty() ? "--keys" : "'" + Found.Name + "'";
+    return Where + ": there is no field '" + Found.Value + "'; the fields are " + JoinNames(Found.Fields);
+}
+
+std::string NotThousands(const TJobFinding& Found)
+{
+    const auto Name = NameOfCharacter(Found.Character);
+    return Found.Name + ", " + Found.Place + ": '" + Found.Value + "' has a " + Name + " where no thousands end; say --decimal-separator " +
+           Name + " if a fraction follows it, or --thousand-separator " + Name + " to remove it all the same";
+}
+
+std::string ColumnGone(const TJobFinding& Found)
+{
+    const auto Where = Found.Number > 0 ? Found.Name + ", " + Row(Found) : Found.Name;
+    return Where + " has no column '" + Found.Value + "', which was saved for field " + Found.Was;
+}
+
+std::string OptionOfCodePage(const std::string& Setting)
+{
+    return Setting == "CodePage" ? "--code-page" : Setting == "OemCodePage" ? "--oem-code-page" : "--legacy-code-page";
+}
+
+std::string SourceRefusal(const TJobFinding& Found)
+{
+    switch (Found.Kind) {
+    case jfNoSuchKind:        return "--from: '" + Found.Value + "' is none of " + JoinNames(KindNames());
+    case jfNoSuchSetting:     return "a source of kind " + Found.Value + " has no such setting";
+    case jfUnknownFile:       return Found.Name + " is no text and of no other kind that is known; kvimport formats lists the kinds, --from "
+                                     "takes the file for one";
+    case jfIsDatabase:        return Found.Name + " is an SQLite database, into which kvimport imports; it reads none";
+    case jfRowsOutOfOrder:    return "--last-row " + std::to_string(Found.Count) + " lies before --first-row " + std::to_string(Found.Number);
+    case jfNoHeaderLeft:      return "--first-row 1 leaves no header " + Found.Unit + " to find the columns by name; use --by-position or --map";
+    case jfNoPipe:            return SuchSource(Found.Value) + " cannot be read from " + Found.Name;
+    case jfNoOemText:         return "--charset msdos has no meaning for a source of kind " + Found.Value + ", whose text has no code page";
+    case jfPartMissing:       return "--source-table is missing; the tables of " + Found.Name + " are " + JoinNames(Found.Names);
+    case jfNoSuchTable:       return "--source-table: " + Found.Name + " has no table '" + Found.Value + "'; its tables are " +
+                                     JoinNames(Found.Names);
+    case jfNoSuchSheet:       return "--sheet: " + Found.Name + " has no sheet '" + Found.Value + "'; its sheets are " +
+                                     NumberedNames(Found.Names);
+    case jfNoSuchTableNumber: return NoSuchTableNumber(Found);
+    case jfNoTables:          return Found.Name + " has no tables";
+    case jfNoTitles:          return "sheet " + std::to_string(Found.Count) + " of " + Found.Name + " has no names of columns in row " +
+                                     std::to_string(Found.Number) + "; --first-row is the row after the one that has them";
+    case jfNoHeader:          return Found.Name + " has no header " + Found.Unit + " to find the columns by name";
+    case jfClassicByOrder:    return "with --classic the first mapping takes the first cell of a row and so on, whatever columns are "
+                                     "called; use --by-position or --map";
+    case jfNoSource:          return Found.Name + " names no source; say --source FILE";
+    case jfSourceGone:        return Found.Name + " names the source " + Found.Value + ", which is not there; --source FILE names another";
+    default:                  return {};
+    }
+}
+
+std::string PlanRefusal(const TJobFinding& Found)
+{
+    switch (Found.Kind) {
+    case jfNoColumnMatches:   return "no column has the name of a field; the columns are " + FirstNames(Found.Names) + "; the fields are " +
+                                     JoinNames(Found.Fields) + "; --map or --by-position joins them otherwise";
+    case jfNoColumns:         return "there is no column to import";
+    case jfBadMapLine:        return "--map: '" + Found.Value + "' is no pair such as ID=Field1: a field and a column";
+    case jfNoSuchField:       return NoSuchField(Found);
+    case jfFieldTwice:        return "'" + Found.Name + "': the field has a column already";
+    case jfFieldReadOnly:     return "'" + Found.Name + "': its field is computed by the database: not imported";
+    case jfFieldUnnameable:   return "'" + Found.Name + "': the name of its field cannot stand in a mapping: not imported";
+    case jfNoSuchColumn:      return "'" + Found.Value + "' is no column: columns are called " + ColumnsAreCalled(Found.Was);
+    case jfKeysMissing:       return "--keys is missing: --mode " + NameOfMode(static_cast<TImportMode>(Found.Number)) + " finds records by keys, and the table has no primary key";
+    case jfKeyNotMapped:      return "--keys: the field '" + Found.Value + "' gets no column, so no record can be found by it";
+    case jfSameSeparators:    return "--decimal-separator and --thousand-separator are the same; one of them must be another";
+    case jfDateOrder:         return "dates in the order " + Found.Value + " cannot be read; say --date-order ymd, mdy or dmy";
+    case jfTableMissing:      return "--table is missing; the tables of " + Found.Name + " are " + JoinNames(Found.Names);
+    case jfSameFile:          return "the source and --to are the same file, " + Found.Name;
+    case jfNotThousands:      return NotThousands(Found);
+    case jfColumnGone:        return ColumnGone(Found);
+    case jfCodePage:          return OptionOfCodePage(Found.Name) + ": Unknown code page '" + Found.Value + "'";
+    default:                  return {};
+    }
+}
+
+} // namespace
+
+std::string FindingText(const TJobFinding& Found)
+{
+    switch (Found.Kind) {
+    case jfDelimiter:       return "delimiter " + NameOfCharacter(Found.Character) + ", as " + Row(Found) + " has it";
+    case jfSheet:           return SheetText(Found);
+    case jfOnlyTable:       return "table " + Found.Value + ", the only one";
+    case jfForeignText:     return "the table does not name the code page of its text, which is taken for " + Found.Value +
+                                   "; --charset msdos takes it for " + Found.Was;
+    case jfClassicRows:     return "--classic: all records are imported, whatever --first-row and --last-row say";
+    case jfClassicCount:    return "--classic: records are taken from the first one on; --first-row and --last-row only say how many";
+    case jfClassicCells:    return "--classic: the first mapping takes the first cell of a row and so on";
+    case jfLooksLikeHeader: return HeaderText(Found);
+    case jfSaved:           return SavedText(Found);
+    case jfMapsItself:      return "it has no mappings: columns and fields are joined by the rules of the component";
+    case jfColumnMoved:     return "column '" + Found.Value + "' is " + Found.Name + " now, it was saved as " + Found.Was;
+    case jfUnreadable:      return Plural(Found.Count, " value", " values") + " cannot be read: " + Found.Value;
+    case jfFewerValues:
+    case jfMoreValues:      return OtherWidth(Found);
+    case jfRowsBeyond:
+    case jfColumnsBeyond:   return BeyondExtent(Found);
+    case jfCellsBeyond:     return Plural(Found.Count, " value stands", " values stand") + " beyond column IV, the last that can be read";
+    case jfSeveralTables:   return "rows of " + GroupDigits(Found.Count) + " tables were read one after the other; --table-number takes one";
+    default:                return RefusalText(Found);
+    }
+}
+
+std::vector<std::string> FindingTexts(const std::vector<TJobFinding>& Findings)
+{
+    std::vector<std::string> Texts;
+    for (const auto& Finding : Findings)
+        Texts.push_back(FindingText(Finding));
+    return Texts;
+}
+
+std::string RefusalText(const TJobFinding& Found)
+{
+    const auto Text = SourceRefusal(Found);
+    return Text.empty() ? PlanRefusal(Found) : Text;
+}
+
+TExitStatus StatusOfRefusal(const TJobFinding& Found)
+{
+    switch (Found.Kind) {
+    case jfNoSuchKind:
+    case jfNoSuchSetting:
+    case jfRowsOutOfOrder:
+    case jfNoHeaderLeft:
+    case jfNoPipe:
+    case jfNoOemText:
+    case jfClassicByOrder:
+    case jfNoSource:
+    case jfSameSeparators:
+    case jfDateOrder:
+    case jfSameFile:
+    case jfCodePage: return esUsage;
+    default:         return esFailed;
+    }
+}
+
+} // namespace kv
