@@ -62,12 +62,12 @@ std::string_view TKvCompanionFile::Bytes()
         try {
             File = ReadFileBytes(CompanionFileName(TableName, OwnExtension));
         }
-        catch (const EFileError& Error) {
-            Fault = Error.Message;
+        catch (const EFileError&) {
+            Fault = std::current_exception();
         }
     }
-    if (!Fault.empty())
-        throw EFileError(Fault);
+    if (Fault)
+        std::rethrow_exception(Fault);
     return File.View();
 }
 

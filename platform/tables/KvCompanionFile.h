@@ -2,6 +2,7 @@
 // extension. Programs that took names for equal whatever their case wrote them in any.
 #pragma once
 
+#include <exception>
 #include <string>
 #include <string_view>
 
@@ -31,7 +32,7 @@ private:
     const std::string TableName, OwnExtension;
     TKvFileBytes File;
     bool IsRead = false;
-    std::string Fault;                              // why it could not be read
+    std::exception_ptr Fault;                       // why it could not be read
 };
 
 } // namespace kv

@@ -33,7 +33,8 @@ std::uint64_t MemoBlock(std::string_view Stored)
     std::uint64_t Block = 0;
     const auto* const Last = Digits.data() + Digits.size();
     if (std::from_chars(Digits.data(), Last, Block).ptr != Last)
-        throw EFormatError(FormatText("'%s' is no number of a memo block", {Digits}));
+        throw EFormatError(FormatText("'%s' is no number of a memo block", {Digits}),
+                           {.Value = std::string(Digits)});
     return Block;
 }
 
@@ -50,11 +51,15 @@ TKvDbaseFile::TKvDbaseFile(const std::string& TableFile, bool Transliterate)
         AddField(Field.Name, Field.Type, Field.Size);
 }
 
+std::uint64_t TKvDbaseFile::OffsetOf(std::size_t Index) const
+{
+    return Header.HeaderSize + std::uint64_t{Index} * Header.RecordSize;
+}
+
 /// None where the file has become shorter.
 const char* TKvDbaseFile::RecordAt(TKvFileWindow& Source, std::size_t Index) const
 {
-    const auto Bytes = Source.At(Header.HeaderSize + std::uint64_t{Index} * Header.RecordSize,
-                                 Header.RecordSize);
+    const auto Bytes = Source.At(OffsetOf(Index), Header.RecordSize);
     return Bytes.size() == Header.RecordSize ? Bytes.data() : nullptr;
 }
 
@@ -96,7 +101,11 @@ void TKvDbaseFile::SkipDeleted()
     if (Record == nullptr && RecordIndex < Header.RecordCount)
         throw EFormatError(FormatText("File \"%s\" ends after record %d of %d",
                                       {FileName, std::to_string(RecordIndex),
-                                       std::to_string(Header.RecordCount)}));
+                                       std::to_string(Header.RecordCount)}),
+                           {.FileName = FileName,
+                            .Place = "record " + std::to_string(RecordIndex + 1),
+                            .Rule = erFormat,
+                            .Offset = static_cast<std::int64_t>(OffsetOf(RecordIndex))});
 }
 
 bool TKvDbaseFile::HasBit(int Bit) const

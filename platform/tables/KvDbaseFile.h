@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,6 +36,7 @@ protected:
     TVariant Decode(std::size_t Field) override;
 
 private:
+    std::uint64_t OffsetOf(std::size_t Index) const; // of a record in the file
     const char* RecordAt(TKvFileWindow& Source, std::size_t Index) const;
     void SkipDeleted();
     bool HasBit(int Bit) const;

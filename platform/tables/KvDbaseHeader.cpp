@@ -119,11 +119,12 @@ TKvDbaseHeader ReadDbaseHeader(std::string_view Bytes, const std::string& FileNa
         if (Version->Dialect == ddDbase2)
             return ReadDbase2Header(File);
         if (File.At<std::uint8_t>(0x0F) != 0)
-            throw EDatabaseError(FormatText("File \"%s\" is encrypted", {FileName}));
+            throw EDatabaseError(FormatText("File \"%s\" is encrypted", {FileName}), {.FileName = FileName});
         return ReadHeader(File, *Version);
     }
     catch (const EFormatError& Error) {
-        throw EFormatError(FormatText("File \"%s\" is no dBase table: %s", {FileName, Error.Message}));
+        throw EFormatError(FormatText("File \"%s\" is no dBase table: %s", {FileName, Error.Message}),
+                           {.FileName = FileName, .Rule = erFormat, .Offset = Error.Facts.Offset});
     }
 }
 

@@ -73,7 +73,8 @@ std::string_view DbaseMemo(std::string_view File, TKvDbaseMemoKind Kind, std::ui
         return TakeMemo(TKvByteCursor(File), Kind, Block);
     }
     catch (const EFormatError& Error) {
-        throw EFormatError(FormatText("memo block %d: %s", {std::to_string(Block), Error.Message}));
+        throw EFormatError(FormatText("memo block %d: %s", {std::to_string(Block), Error.Message}),
+                           Error.Facts);
     }
 }
 

@@ -23,7 +23,7 @@ constexpr bool IsDigit(char Char) { return Char >= '0' && Char <= '9'; }
 
 [[noreturn]] void RefuseText(std::string_view Text, std::string_view Kind)
 {
-    throw EFormatError(FormatText("'%s' is no %s", {Text, Kind}));
+    throw EFormatError(FormatText("'%s' is no %s", {Text, Kind}), {.Value = std::string(Text)});
 }
 
 /// Without what fills a value up at both ends: blanks, and zeros behind.

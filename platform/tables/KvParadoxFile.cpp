@@ -92,7 +92,10 @@ void TKvParadoxFile::EnterBlock()
 void TKvParadoxFile::RaiseDamage(std::string_view Fault) const
 {
     throw EFormatError(FormatText("File \"%s\" is damaged after record %d: %s",
-                                  {FileName, std::to_string(RecordNumber), Fault}));
+                                  {FileName, std::to_string(RecordNumber), Fault}),
+                       {.FileName = FileName,
+                        .Place = "record " + std::to_string(RecordNumber + 1),
+                        .Rule = erFormat});
 }
 
 TVariant TKvParadoxFile::Decode(std::size_t Index)

@@ -168,14 +168,16 @@ TKvParadoxHeader ReadParadoxHeader(std::string_view Bytes, const std::string& Fi
     const TKvByteCursor File(Bytes);
     if (IsParadox(Bytes) && !IsTable(File))
         throw EFormatError(FormatText("File \"%s\" is an index of a Paradox table, not the table itself",
-                                      {FileName}));
+                                      {FileName}),
+                           {.FileName = FileName, .Rule = erFormat});
     if (IsParadox(Bytes) && IsEncrypted(File))
-        throw EFormatError(FormatText("File \"%s\" is encrypted", {FileName}));
+        throw EFormatError(FormatText("File \"%s\" is encrypted", {FileName}), {.FileName = FileName});
     try {
         return ReadHeader(File);
     }
     catch (const EFormatError& Error) {
-        throw EFormatError(FormatText("File \"%s\" is no Paradox table: %s", {FileName, Error.Message}));
+        throw EFormatError(FormatText("File \"%s\" is no Paradox table: %s", {FileName, Error.Message}),
+                           {.FileName = FileName, .Rule = erFormat, .Offset = Error.Facts.Offset});
     }
 }
 

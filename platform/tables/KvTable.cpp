@@ -51,7 +51,8 @@ const TFormat& FormatOf(const std::string& FileName, TTableType Type)
     if (const auto* const Stated = FormatOfType(Type))
         return *Stated;
     if (Type != ttDefault)
-        throw EDatabaseError(FormatText("File \"%s\" cannot be opened as a table of text", {FileName}));
+        throw EDatabaseError(FormatText("File \"%s\" cannot be opened as a table of text", {FileName}),
+                             {.FileName = FileName});
     const auto Extension = std::filesystem::path(FileName).extension().string();
     for (const auto& Format : Formats)
         if (SameText(Extension, Format.Extension))
@@ -60,7 +61,8 @@ const TFormat& FormatOf(const std::string& FileName, TTableType Type)
     for (const auto& Format : Formats)
         if (Format.Begins(Bytes.View()))
             return Format;
-    throw EDatabaseError(FormatText("File \"%s\" is neither a Paradox nor a dBase table", {FileName}));
+    throw EDatabaseError(FormatText("File \"%s\" is neither a Paradox nor a dBase table", {FileName}),
+                         {.FileName = FileName, .Rule = erFormat});
 }
 
 int ClampToInt(std::size_t Count)

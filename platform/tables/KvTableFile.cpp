@@ -37,8 +37,9 @@ void TKvTableFile::AddField(std::string_view StoredName, TFieldType Type, std::s
                         .Size = HasSize(Type) ? static_cast<int>(Size) : 0});
     }
     catch (const EConvertError& Error) {
-        throw EFormatError(FormatText("File \"%s\", name of field %d: %s",
-                                      {FileName, std::to_string(Defs.size() + 1), Error.Message}));
+        const auto Number = std::to_string(Defs.size() + 1);
+        throw EFormatError(FormatText("File \"%s\", name of field %d: %s", {FileName, Number, Error.Message}),
+                           {.FileName = FileName, .Place = "field " + Number, .Rule = erFormat});
     }
 }
 
@@ -48,8 +49,16 @@ TVariant TKvTableFile::Value(std::size_t Field)
         return Decode(Field);
     }
     catch (const Exception& Error) {
+        const auto Record = std::to_string(Number());
+        auto Facts = Error.Facts;
+        Facts.FileName = FileName;
+        Facts.Place = "record " + Record;
+        Facts.Field = Defs[Field].Name;
+        if (Facts.Rule == erNone)
+            Facts.Rule = erFormat;
         throw EFormatError(FormatText("File \"%s\", record %d, field '%s': %s",
-                                      {FileName, std::to_string(Number()), Defs[Field].Name, Error.Message}));
+                                      {FileName, Record, Facts.Field, Error.Message}),
+                           Facts);
     }
 }
 

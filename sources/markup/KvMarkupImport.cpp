@@ -13,6 +13,12 @@ namespace {
 
 constexpr std::int64_t PollRows = 16384;            // between two looks at the Cancel button
 
+/// Of the byte `Index` of the text; -1 where that was converted.
+std::int64_t OffsetInFile(const TKvTextFile& File, std::size_t Index)
+{
+    return File.Offset() < 0 ? -1 : File.Offset() + static_cast<std::int64_t>(Index);
+}
+
 } // namespace
 
 /// The file in memory.
@@ -34,10 +40,14 @@ TKvImportFromMarkup::~TKvImportFromMarkup() = default;
 
 TKvISourcePosition TKvImportFromMarkup::SourcePosition() const
 {
-    const auto Begin = RowIsThere ? TextOffset() : -1;
     return {.Unit = PositionUnit(),
             .Number = std::max(RowFirst, 1) + CurrentRow,
-            .Offset = Begin < 0 ? -1 : Begin + (RowBegin() - Text().data())};
+            .Offset = RowIsThere ? OffsetOf(RowBegin()) : -1};
+}
+
+std::int64_t TKvImportFromMarkup::OffsetOf(const char* Place) const
+{
+    return OffsetInFile(*Loaded->File, static_cast<std::size_t>(Place - Loaded->Text.data()));
 }
 
 // Loading.
@@ -108,7 +118,10 @@ std::string_view MarkupText(const TKvTextFile& File, const std::string& FileName
     const auto Zero = Text.find('\0');
     if (Zero != Text.npos && TellsEncoding)
         throw EConvertError(FormatText("File \"%s\" has a zero byte at offset %d, as no text of its kind has",
-                                       {FileName, std::to_string(Zero)}));
+                                       {FileName, std::to_string(Zero)}),
+                            {.FileName = FileName,
+                             .Rule = erFormat,
+                             .Offset = OffsetInFile(File, Zero)});
     return Text.substr(0, Zero);
 }
 

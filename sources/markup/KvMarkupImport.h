@@ -57,6 +57,7 @@ protected:
     std::string_view Text() const;                  ///< Of the file that is loaded.
     std::int64_t TextOffset() const;                ///< Where it begins there; -1 when it was converted.
     bool HasRow() const { return RowIsThere; }      ///< There is a current row.
+    std::int64_t OffsetOf(const char* Place) const; ///< In the file, of a place in the text; or -1.
     /// Loads the file unless the last look has kept it. False when that was cancelled: then it has no text.
     bool LoadForLook();
     /// The file that is named was looked at and is still kept.

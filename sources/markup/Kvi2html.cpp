@@ -106,7 +106,20 @@ void TKvImportFromHTML::StartRows(std::string_view Text)
 
 bool TKvImportFromHTML::NextRow()
 {
-    return Rows->Next();
+    return MoveOn(*Rows);
+}
+
+bool TKvImportFromHTML::MoveOn(TKvHtmlRows& Page) const
+{
+    try {
+        return Page.Next();
+    }
+    catch (Exception& Error) {                      // rows know nothing of their file
+        Error.Facts.FileName = SourceFileName;
+        Error.Facts.Rule = erFormat;
+        Error.Facts.Offset = OffsetOf(Page.Begin());
+        throw;
+    }
 }
 
 const char* TKvImportFromHTML::RowBegin() const
@@ -139,7 +152,7 @@ void TKvImportFromHTML::CheckTableNumber() const
     if (TableNumber < 1)
         return;
     TKvHtmlRows Page(Text(), Extensions, TableNumber);
-    Page.Next();
+    MoveOn(Page);
     if (Page.Tables() >= TableNumber)
         return;
     const auto Number = std::to_string(TableNumber), Last = std::to_string(Page.Tables());
@@ -155,7 +168,7 @@ void TKvImportFromHTML::CheckTableNumber() const
 bool TKvImportFromHTML::PassRows(TKvHtmlRows& Page, int Count) const
 {
     for (int Row = 1; Row <= Count; ++Row)
-        if (!Page.Next() || !GoesOnAfter(Row))
+        if (!MoveOn(Page) || !GoesOnAfter(Row))
             return false;
     return true;
 }

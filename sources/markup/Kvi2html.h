@@ -73,6 +73,7 @@ private:
     std::vector<std::string>::const_iterator FindHeader(std::string_view Source) const;
     std::size_t ResolveColumn(std::string_view Source) const;
     void CheckTableNumber() const;
+    bool MoveOn(TKvHtmlRows& Page) const;
     bool PassRows(TKvHtmlRows& Page, int Count) const;
 
     std::unique_ptr<TKvHtmlRows> Rows;              // from BeforeImport to AfterImport, and in a look

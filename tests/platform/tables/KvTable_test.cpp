@@ -31,6 +31,17 @@ std::string MessageOf(const std::function<void()>& Act)
     return "nothing was raised";
 }
 
+TKvErrorFacts FactsOf(const std::function<void()>& Act)
+{
+    try {
+        Act();
+    }
+    catch (const Exception& Error) {
+        return Error.Facts;
+    }
+    return {.Place = "nothing was raised"};
+}
+
 struct KvTable : testing::Test
 {
     KvTable()
@@ -269,6 +280,45 @@ TEST_F(KvTable, TheDefaultSessionHasAName)
 {
     EXPECT_EQ(Session().SessionName, "Default");
     EXPECT_EQ(&Session(), &Session());
+}
+
+// --- Errors as facts ---------------------------------------------------------------------------------
+
+TEST_F(KvTable, AValueThatCannotBeReadIsKnownByRecordAndField)
+{
+    const auto Bytes = TDbaseBuilder().Field("QTY", 'N', 3).Record({"1"}).Record({"***"}).Build();
+    Table.TableName = Folder.Write("bad.dbf", Bytes);
+    Table.Open();
+    Table.Next();
+    const auto Facts = FactsOf([this] { Table.Fields(0).Value(); });
+    EXPECT_EQ(Facts.FileName, Table.TableName);
+    EXPECT_EQ(Facts.Place, "record 2");
+    EXPECT_EQ(Facts.Field, "QTY");
+    EXPECT_EQ(Facts.Value, "***");
+    EXPECT_EQ(Facts.Rule, erFormat);
+}
+
+TEST_F(KvTable, AFileThatEndsEarlyIsKnownByTheRecordThatIsMissing)
+{
+    const auto Whole = TDbaseBuilder().Field("QTY", 'N', 3).Record({"1"}).Record({"2"}).Build();
+    Table.TableName = Folder.Write("cut.dbf", Whole.substr(0, Whole.size() - 4));
+    Table.Open();
+    const auto Facts = FactsOf([this] { Table.Next(); });
+    EXPECT_EQ(Facts.FileName, Table.TableName);
+    EXPECT_EQ(Facts.Place, "record 2");
+    EXPECT_EQ(Facts.Rule, erFormat);
+    EXPECT_GT(Facts.Offset, 0);
+    EXPECT_LE(Facts.Offset, static_cast<std::int64_t>(Whole.size()));
+}
+
+TEST_F(KvTable, AFileThatIsNoTableIsKnownByItsName)
+{
+    for (const auto* const Name : {"none.dbf", "none.db", "none"}) {
+        Table.TableName = Folder.Write(Name, "no table");
+        const auto Facts = FactsOf([this] { Table.Open(); });
+        EXPECT_EQ(Facts.FileName, Table.TableName);
+        EXPECT_EQ(Facts.Rule, erFormat);
+    }
 }
 
 } // namespace kv

@@ -287,6 +287,26 @@ TEST(Kvi2htmlLook, SaysWhatANameInAMappingMeans)
     EXPECT_EQ(Resolved("Ada"), std::pair(snByOrder, std::string("Ada")));
 }
 
+TEST(Kvi2htmlLook, WhatCannotBeReadSaysWhereAsFacts)
+{
+    std::string Cells;
+    for (int I = 0; I < 1024; ++I)
+        Cells += "<td>";
+    THtmlRun Import("<table><tr>" + Cells + "<td rowspan=2></table>", AllOfHtml);
+    const auto Error = Raised([&] { Import.Look({}); });
+    EXPECT_EQ(Error.Message, "A cell in column 1025 covers several rows; column 1024 is the last that may");
+    EXPECT_EQ(Error.Facts.FileName, Import.SourceFileName);
+    EXPECT_EQ(Error.Facts.Rule, erFormat);
+    EXPECT_EQ(Error.Facts.Offset, 7);
+
+    Import.Folder.Write("file", std::string("\xEF\xBB\xBF<table>\0", 11));
+    Import.EndLook();
+    const auto Zero = Raised([&] { Import.Look({}); }).Facts;
+    EXPECT_EQ(Zero.FileName, Import.SourceFileName);
+    EXPECT_EQ(Zero.Rule, erFormat);
+    EXPECT_EQ(Zero.Offset, 10);
+}
+
 // Packets.
 
 TEST(Kvi2xmlLook, ShowsTheColumnsThatTheFieldsSectionDeclares)
