@@ -11,6 +11,7 @@ namespace kv {
 // There are no objects of these.
 class TSQLiteConnection {};
 class TSQLiteCursor {};
+class TSQLiteBulkCache {};
 class TSQLiteChangeQueue {};
 class TSQLiteInsertQueue {};
 class TSQLiteLookup {};
@@ -81,6 +82,8 @@ void TSQLiteTable::TransactionRolledBack() {}
 std::string TSQLiteTable::PrimaryKeyFields() const { return {}; }
 std::vector<TFieldDef> TSQLiteTable::DescribeFields() { RaiseAbsent(FileName()); }
 std::string TSQLiteTable::KeyFields() { RaiseAbsent(FileName()); }
+void TSQLiteTable::BeginBulk(const TKvBulkRun&) {}
+void TSQLiteTable::EndBulk() {}
 void TSQLiteTable::StartTransaction() { RaiseAbsent(FileName()); }
 void TSQLiteTable::Commit() { RaiseAbsent(FileName()); }
 void TSQLiteTable::Rollback() { RaiseAbsent(FileName()); }

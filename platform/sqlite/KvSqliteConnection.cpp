@@ -186,6 +186,13 @@ void TSQLiteConnection::Execute(const std::string& Sql)
         Raise(TakeError());
 }
 
+void TSQLiteConnection::ExecuteUnsettled(const std::string& Sql)
+{
+    if (Queue)
+        Queue->Pause();
+    sqlite3_exec(Handle(), Sql.c_str(), nullptr, nullptr, nullptr);
+}
+
 void TSQLiteConnection::BeforeForeignSql()
 {
     Settle();

@@ -41,6 +41,8 @@ public:
     /// Raises EDatabaseError "<file>: <Text>". The facts get the file.
     [[noreturn]] void Fail(std::string_view Text, TKvErrorFacts Facts = {}) const;
     void Execute(const std::string& Sql);
+    /// For what does not depend on the changes that wait: neither settles them nor raises.
+    void ExecuteUnsettled(const std::string& Sql);
 
     // The transaction. A batch is one that a dataset with CommitEvery began.
     void StartTransaction();

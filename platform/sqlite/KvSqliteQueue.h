@@ -21,6 +21,9 @@ public:
     virtual void Finish() = 0;
     /// Drops what was taken and not stored: the transaction is about to be rolled back.
     virtual void Forget() = 0;
+    /// Leaves the connection to the caller until more is taken. Does not raise: what went wrong is kept for
+    /// the next call that does.
+    virtual void Pause() {}
 };
 
 /// True when the database may have a ground to refuse records of `Table` or may add to what is written:

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <limits>
 
+#include "KvBulkRun.h"
 #include "KvException.h"
+#include "KvSqliteBulkCache.h"
 #include "KvSqliteChangeQueue.h"
 #include "KvSqliteConnection.h"
 #include "KvSqliteCursor.h"
@@ -94,6 +96,7 @@ void TSQLiteTable::InternalClose()
         Waiting->Finish();
     if (IsConnected())
         Connection().CommitBatch();                 // may raise, and then everything stays for another try
+    EndBulk();
     Lookup.reset();
     Waiting.reset();
     Queue.reset();
@@ -101,6 +104,21 @@ void TSQLiteTable::InternalClose()
     TSQLiteDataSet::InternalClose();
     Schema.reset();
     KnownCount = 0;
+}
+
+// --- Runs -------------------------------------------------------------------------------------------
+
+void TSQLiteTable::BeginBulk(const TKvBulkRun& Run)
+{
+    EndBulk();
+    CheckActive();
+    if (!Run.Keys.empty() && UsedDatabase().CacheSize == 0)
+        BulkCache = std::make_unique<TSQLiteBulkCache>(Connection(), Schema->Schema);
+}
+
+void TSQLiteTable::EndBulk()
+{
+    BulkCache.reset();
 }
 
 // --- Transactions -----------------------------------------------------------------------------------

@@ -13,6 +13,7 @@
 
 namespace kv {
 
+class TSQLiteBulkCache;
 class TSQLiteChangeQueue;
 class TSQLiteInsertQueue;
 class TSQLiteLookup;
@@ -53,6 +54,11 @@ public:
     /// While another program keeps a batch from being committed it grows on; Close and Commit raise then
     /// and can be called again.
     int CommitEvery = 1;
+
+    /// A run that looks records up by keys gets a page cache of 12 MB, unless the database is set to another
+    /// CacheSize.
+    void BeginBulk(const TKvBulkRun& Run) override;
+    void EndBulk() override;
 
     // The transaction of the connection, which datasets on the same database share. See TSQLiteDatabase.
     void StartTransaction();
@@ -103,6 +109,7 @@ private:
     std::unique_ptr<TSQLiteInsertQueue> Queue;
     std::unique_ptr<TSQLiteChangeQueue> Waiting;
     std::unique_ptr<TSQLiteLookup> Lookup;
+    std::unique_ptr<TSQLiteBulkCache> BulkCache;    // during a run that needs it
     std::vector<TKnownValue> Known;                 // what Locate has found, until anything else happens
     std::size_t KnownCount = 0;                     // of Known; its entries are used again
     decltype(TRecordBuffer::Assigned) Changed;      // columns that an update writes
