@@ -149,7 +149,7 @@ std::vector<TIncludeLine> FindIncludeLines(std::string_view File, std::string_vi
     std::string Line;
     for (std::size_t Number = 1; std::getline(Lines, Line); ++Number) {
         std::smatch Match;
-        if (std::regex_search(Line, Match, Pattern))
+        if (Line.find('#') != Line.npos && std::regex_search(Line, Match, Pattern))
             Found.push_back({std::string(File), Number, Match[1]});
     }
     return Found;
