@@ -2,6 +2,7 @@
 // stands in it.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -66,6 +67,7 @@ struct TKvISourceRow
 struct TKvISourceView
 {
     std::vector<TKvISourceColumn> Columns;
+    std::size_t Offered = 0;                        ///< Columns that the source offers; those after them were met in wider rows.
     std::vector<TKvISourceRow> Rows;
     bool HasMore = false;                           ///< There are rows after these, up to RowLast.
 };

@@ -51,6 +51,7 @@ TKvISourceView TKvImportBaseComponent::LookAtSource(const TKvISourceLook& What)
         View.Columns = SourceColumns(What.HeaderRow);
     for (const auto& Column : What.Columns)
         View.Columns.push_back({.Name = Column});
+    View.Offered = View.Columns.size();
     DestFields.clear();
     for (const auto& Column : View.Columns)
         PretendMapping(Column);

@@ -164,13 +164,14 @@ void TJobSource::Look(const TJobLook& What)
         Text->HeaderLine = FHeaderRow;
     LookAt(Names);
     for (std::size_t I = 0; I < Titles.size(); ++I)
-        FView.Columns[I].Title = Titles[I];
+        FView.Columns[I].Title = FColumns[I].Title = Titles[I];
     CheckText();
 }
 
 void TJobSource::LookAt(const std::vector<std::string>& Columns)
 {
     FView = FComponent->Look({.Rows = Rows, .HeaderRow = FHeaderRow, .Columns = Columns});
+    FColumns.assign(FView.Columns.begin(), FView.Columns.begin() + static_cast<std::ptrdiff_t>(FView.Offered));
 }
 
 /// A header is the row above the first that is imported.

@@ -73,7 +73,8 @@ public:
     int HeaderRow() const { return FHeaderRow; }    ///< 0: none names the columns.
     int PartNumber() const { return FPartNumber; }  ///< Of the sheet that is imported, from 1.
     const TKvISourceView& View() const { return FView; }
-    const std::vector<TKvISourceColumn>& Columns() const { return FView.Columns; }
+    /// Those that the source offers: rows may be wider.
+    const std::vector<TKvISourceColumn>& Columns() const { return FColumns; }
     /// Shows the same rows of these columns; what it has read is not read again.
     void LookAt(const std::vector<std::string>& Columns);
     /// How it was read where nobody had told it.
@@ -117,6 +118,7 @@ private:
     int Rows = 0;                                   // that are looked at
     std::vector<TKvISourcePart> FParts;
     TKvISourceView FView;
+    std::vector<TKvISourceColumn> FColumns;         // the first of those in FView
     std::vector<TJobFinding> FFindings;
 };
 

@@ -9,18 +9,11 @@
 
 #include <CLI/CLI.hpp>
 
+#include "KvCommands.h"
 #include "KvDisplayText.h"
 #include "KvExitStatus.h"
-#include "KvFormatsCommand.h"
 #include "KvHelpFormatter.h"
-#include "KvImportCommand.h"
 #include "KvOptionText.h"
-#include "KvPreviewCommand.h"
-#include "KvRunCommand.h"
-#include "KvSaveCommand.h"
-#include "KvSheetsCommand.h"
-#include "KvShowCommand.h"
-#include "KvTablesCommand.h"
 #include "KvTerminalText.h"
 
 #ifndef KV_VERSION

@@ -1,4 +1,4 @@
-#include "KvFormatsCommand.h"
+#include "KvCommands.h"
 
 #include <iostream>
 #include <string>

@@ -1,4 +1,4 @@
-#include "KvImportCommand.h"
+#include "KvCommands.h"
 
 #include <chrono>
 #include <csignal>
@@ -123,7 +123,10 @@ private:
         Console.ShowsMessages = false;              // RecordFailed tells them, with the place
         Report.Outcome = Run.Execute();
         Console.ShowsMessages = true;
-        if (Report.Outcome.Failure)
+        if (Report.Outcome.Stopped)
+            Report.Failure = GroupDigits(Report.Outcome.Figures.Failed) +
+                             " records could not be stored, more than are allowed";
+        else if (Report.Outcome.Failure)
             Report.Failure = Report.Outcome.Failure->Text();
         Report.Status = StatusOf(Report.Outcome.Result);
     }

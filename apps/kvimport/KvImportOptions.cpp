@@ -109,7 +109,10 @@ void AddPlanOptions(CLI::App& Command, TImportOptions& Options)
 
 void AddRunOptions(CLI::App& Command, TImportOptions& Options)
 {
+    Command.add_flag("--dry-run", Options.Job.Run.DryRun, "Do all of it, say what came of it, and roll it back");
     Command.add_flag("--abort-on-error", Options.AbortOnError, "Fail at the first record that cannot be stored");
+    AddChecked(Command, "--stop-after", "N", "Fail, and roll back, once more than N records could not be stored",
+               [&Options](const std::string& Text) { Options.Job.Run.StopAfter = ReadCount(Text, 0); });
     AddChecked(Command, "--max-errors", "N", "Errors of records to show (default: 20); all are counted",
                [&Options](const std::string& Text) { Options.MaxErrors = ReadCount(Text, 0); });
     Command.add_flag("-q,--quiet", Options.Quiet, "Print nothing but errors");

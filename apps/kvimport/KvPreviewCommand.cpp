@@ -1,4 +1,4 @@
-#include "KvPreviewCommand.h"
+#include "KvCommands.h"
 
 #include <iostream>
 #include <memory>

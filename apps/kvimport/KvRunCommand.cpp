@@ -1,4 +1,4 @@
-#include "KvRunCommand.h"
+#include "KvCommands.h"
 
 #include <memory>
 #include <regex>
@@ -7,7 +7,6 @@
 #include <CLI/CLI.hpp>
 
 #include "KvFormatOptions.h"
-#include "KvImportCommand.h"
 #include "KvImportOptions.h"
 
 namespace kv {
@@ -22,7 +21,8 @@ constexpr char ExtraHelp[] =
     "      The same layout and mappings, another file and mode.\n"
     "\n"
     "Options win over what the file says. A source that is not found as the file names it is looked for beside\n"
-    "the file. Words for truth and code pages are no part of such files: say them where they are not the usual.\n"
+    "the file. Columns that were found by name when the import was saved are found by name again, wherever they\n"
+    "stand now; a source that lacks one of them is refused before its first record.\n"
     "\n"
     "Exit status: 0 done, 1 done but some records were not stored, 2 wrong usage, 3 failed, 130 cancelled.";
 
@@ -48,7 +48,7 @@ void AddOptions(CLI::App& Command, TImportOptions& Import)
     AddRowOptions(Command, Import.Source);
     AddFormatOptions(Command, Import.Job.Formats);
     LeaveOutDefaults(Command);
-    Command.option_defaults()->group("What the file does not say");
+    Command.option_defaults()->group("What files of other programs do not say");
     AddTruthOptions(Command, Import.Job.Formats);
     AddCodePageOptions(Command, Import.Job.Formats);
     Command.option_defaults()->group("The run");

@@ -1,4 +1,4 @@
-#include "KvSaveCommand.h"
+#include "KvCommands.h"
 
 #include <filesystem>
 #include <iostream>

@@ -1,4 +1,4 @@
-#include "KvSheetsCommand.h"
+#include "KvCommands.h"
 
 #include <iostream>
 #include <memory>

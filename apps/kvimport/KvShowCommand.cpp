@@ -1,4 +1,4 @@
-#include "KvShowCommand.h"
+#include "KvCommands.h"
 
 #include <iostream>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "KvTablesCommand.h"
+#include "KvCommands.h"
 
 #include <iostream>
 #include <memory>

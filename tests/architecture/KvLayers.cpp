@@ -40,11 +40,11 @@ const std::vector<TLayer>& Layers()
           "engine"}},
         {"sources/factory", {"platform/runtime", "engine", "sources/*"}},
         {"sources/*", Engine},
-        {"wizard", {"platform/*", "engine", "sources/*"}},
-        {"design", {"platform/*", "engine", "sources/*", "wizard"}},
-        {"apps/*", {"platform/*", "engine", "sources/*", "wizard", "design"}},
-        {"examples", {"platform/*", "engine", "sources/*"}},
-        {"examples", {"platform/*", "engine", "sources/*"}},
+        {"job", {"platform/runtime", "platform/dataset", "platform/ui", "engine", "sources/*"}},
+        {"wizard", {"platform/*", "engine", "sources/*", "job"}},
+        {"design", {"platform/*", "engine", "sources/*", "job", "wizard"}},
+        {"apps/*", {"platform/*", "engine", "sources/*", "job", "wizard", "design"}},
+        {"examples", {"platform/*", "engine", "sources/*", "job"}},
     };
     return Table;
 }

@@ -19,7 +19,7 @@ TKvLayers SmallTree()
     return TKvLayers({"platform/runtime/Runtime.h", "platform/dataset/DataSet.h", "platform/ui/Ui.h",
                       "platform/storage/Storage.h", "platform/sqlite/Sqlite.h", "platform/qt/QtUi.h",
                       "engine/Engine.h", "sources/text/Text.h", "sources/spreadsheet/Spreadsheet.h",
-                      "sources/factory/Factory.h", "wizard/Wizard.h", "design/Design.h",
+                      "sources/factory/Factory.h", "job/Job.h", "wizard/Wizard.h", "design/Design.h",
                       "apps/kvimport/Program.h", "apps/kvwizard/Window.h"});
 }
 
@@ -74,6 +74,10 @@ INSTANTIATE_TEST_SUITE_P(WhatLiesBelow, KvLayersAllow, testing::Values(
     TIncludeRow{"sources/text/A.cpp", "DataSet.h"},
     TIncludeRow{"sources/spreadsheet/A.cpp", "Storage.h"},
     TIncludeRow{"sources/factory/A.cpp", "Spreadsheet.h"},
+    TIncludeRow{"job/A.cpp", "Text.h"},
+    TIncludeRow{"job/A.h", "DataSet.h"},
+    TIncludeRow{"wizard/A.cpp", "Job.h"},
+    TIncludeRow{"apps/kvimport/A.cpp", "Job.h"},
     TIncludeRow{"wizard/A.cpp", "Text.h"},
     TIncludeRow{"wizard/A.cpp", "Factory.h"},
     TIncludeRow{"design/A.cpp", "Wizard.h"},
@@ -88,6 +92,10 @@ INSTANTIATE_TEST_SUITE_P(UpwardArrows, KvLayersRefuseOwn, testing::Values(
     TIncludeRow{"engine/A.cpp", "Text.h"},
     TIncludeRow{"engine/A.cpp", "Program.h"},
     TIncludeRow{"sources/text/A.cpp", "Wizard.h"},
+    TIncludeRow{"sources/text/A.cpp", "Job.h"},
+    TIncludeRow{"job/A.cpp", "Sqlite.h"},
+    TIncludeRow{"job/A.cpp", "Wizard.h"},
+    TIncludeRow{"job/A.cpp", "Program.h"},
     TIncludeRow{"wizard/A.cpp", "Design.h"},
     TIncludeRow{"design/A.cpp", "Window.h"}));
 

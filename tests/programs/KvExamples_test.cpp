@@ -156,6 +156,22 @@ TEST(KvExamples, EveryKindOfSourceHasASpecificationThatFillsTheTable)
     }
 }
 
+TEST(KvExamples, FortyLinesImportAnyFileIntoAnyTable)
+{
+    const TShop Shop(Schema());
+    const auto Run = [&Shop](const std::string& File) {
+        return TRunningProgram(Shop.Folder, KV_IMPORT_EXAMPLE,
+                               {Examples + "/" + File, "sqlite:" + Shop.Database(), "orders"}).Wait();
+    };
+    const auto Csv = Run("orders.csv");
+    EXPECT_EQ(Csv.Status, 0) << Csv.Err;
+    EXPECT_NE(Csv.Out.find("Field3 -> CITY\n"), std::string::npos) << Csv.Out;
+    EXPECT_NE(Csv.Out.find("16 added, 0 failed\n"), std::string::npos) << Csv.Out;
+    EXPECT_NE(Run("orders.dbf").Out.find("3 added, 0 failed\n"), std::string::npos);
+    EXPECT_NE(Run("orders.dbf").Out.find("0 added, 3 failed\n"), std::string::npos) << "they are there already";
+    EXPECT_EQ(Shop.Count(), 19);
+}
+
 TEST(KvExamples, TheLibraryDoesTheSame)
 {
     const TShop Shop(Schema());
