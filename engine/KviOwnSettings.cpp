@@ -11,6 +11,7 @@
 #include "KvIniFile.h"
 #include "KvProperties.h"
 #include "KvText.h"
+#include "KviExtensions.h"
 
 namespace kv {
 
@@ -19,8 +20,6 @@ namespace {
 constexpr std::string_view Section = "Extensions";
 constexpr std::string_view SourceSet = "Extensions";
 constexpr std::string_view Sets[] = {SourceSet, "RunExtensions"};
-constexpr std::string_view Places[] = {"SheetIndex", "TableName", "TableNumber", "TableType"}; // which records
-constexpr std::size_t PrefixSize = 2;               // of the name of an element
 
 /// Calls `Take` with each of the sets that there are.
 template <class TTake> void ForEachSet(const TPublishedProperties& Properties, TTake Take)
@@ -28,11 +27,6 @@ template <class TTake> void ForEachSet(const TPublishedProperties& Properties, T
     for (const auto Name : Sets)
         if (const auto* const Property = FindProperty(Properties, Name); Property && Property->Kind == pkSet)
             Take(*Property);
-}
-
-std::string_view KeyOf(std::string_view Element)
-{
-    return Element.substr(PrefixSize);
 }
 
 constexpr std::int64_t BitOf(std::size_t Element)
@@ -45,8 +39,8 @@ void WriteSet(TIniFile& File, const TPublishedProperty& Set, const TPersistent& 
     const auto Bits = Set.Get(Component).Integer();
     for (std::size_t I = 0; I < Set.Names.size(); ++I) {
         const bool Contained = (Bits & BitOf(I)) != 0;
-        if (Contained || File.HasKey(Section, KeyOf(Set.Names[I])))
-            File.WriteBool(Section, KeyOf(Set.Names[I]), Contained);
+        if (Contained || File.HasKey(Section, ElementKey(Set.Names[I])))
+            File.WriteBool(Section, ElementKey(Set.Names[I]), Contained);
     }
 }
 
@@ -54,7 +48,7 @@ void ReadSet(const TIniFile& File, const TPublishedProperty& Set, TPersistent& C
 {
     std::int64_t Bits = 0;
     for (std::size_t I = 0; I < Set.Names.size(); ++I)
-        if (File.ReadBool(Section, KeyOf(Set.Names[I]), false))
+        if (File.ReadBool(Section, ElementKey(Set.Names[I]), false))
             Bits |= BitOf(I);
     Set.Set(Component, Bits);
 }
@@ -81,19 +75,11 @@ void ReadPlace(const TIniFile& File, const TPublishedProperty& Place, TPersisten
     }
 }
 
-/// Calls `Take` with each of the properties in `Places` that there are.
-template <class TTake> void ForEachPlace(const TPublishedProperties& Properties, TTake Take)
-{
-    for (const auto Name : Places)
-        if (const auto* const Property = FindProperty(Properties, Name))
-            Take(*Property);
-}
-
 bool IsKnown(std::string_view Key, const TPublishedProperties& Properties)
 {
-    const auto IsKey = [Key](std::string_view Element) { return SameText(KeyOf(Element), Key); };
-    const auto IsPlace = [Key](std::string_view Name) { return SameText(Name, Key); };
-    bool Known = std::ranges::any_of(Places, IsPlace) && FindProperty(Properties, Key);
+    const auto IsKey = [Key](std::string_view Element) { return SameText(ElementKey(Element), Key); };
+    const auto IsPlace = [Key](const TPublishedProperty& Each) { return Each.Place && SameText(Each.Name, Key); };
+    bool Known = std::ranges::any_of(Properties, IsPlace);
     ForEachSet(Properties,
                [&](const TPublishedProperty& Set) { Known = Known || std::ranges::any_of(Set.Names, IsKey); });
     return Known;
@@ -114,7 +100,9 @@ void WriteOwnSettings(TIniFile& File, const TPersistent& Component)
 {
     const auto Properties = Component.PublishedProperties();
     ForEachSet(Properties, [&](const TPublishedProperty& Set) { WriteSet(File, Set, Component); });
-    ForEachPlace(Properties, [&](const TPublishedProperty& Place) { WritePlace(File, Place, Component); });
+    for (const auto& Property : Properties)
+        if (Property.Place)
+            WritePlace(File, Property, Component);
 }
 
 void ReadOwnSettings(const TIniFile& File, TPersistent& Component)
@@ -125,7 +113,14 @@ void ReadOwnSettings(const TIniFile& File, TPersistent& Component)
     if (FindProperty(Properties, SourceSet))
         RefuseUnknown(File, Properties, Component);
     ForEachSet(Properties, [&](const TPublishedProperty& Set) { ReadSet(File, Set, Component); });
-    ForEachPlace(Properties, [&](const TPublishedProperty& Place) { ReadPlace(File, Place, Component); });
+    for (const auto& Property : Properties)
+        if (Property.Place)
+            ReadPlace(File, Property, Component);
+}
+
+void EraseOwnSettings(TIniFile& File)
+{
+    File.EraseSection(Section);
 }
 
 } // namespace kv

@@ -4,7 +4,7 @@
 //   [Extensions]
 //   DoubledQualifiers=1                              an element of the set property "Extensions"
 //   TimedProgress=1                                  an element of "RunExtensions"
-//   SheetIndex=1                                     another setting, when it is not 0 or empty
+//   SheetIndex=1                                     a place, when it is not 0 or empty
 #pragma once
 
 namespace kv {
@@ -20,5 +20,8 @@ void WriteOwnSettings(TIniFile& File, const TPersistent& Component);
 /// A component without a property "Extensions" takes what it knows; any other raises EConvertError for a
 /// setting that it does not have, since its records would not be what was saved.
 void ReadOwnSettings(const TIniFile& File, TPersistent& Component);
+
+/// Makes the file one without such settings: those of another kind of source cannot be read.
+void EraseOwnSettings(TIniFile& File);
 
 } // namespace kv

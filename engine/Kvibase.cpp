@@ -45,7 +45,7 @@ TPublishedProperties TKvImportBaseComponent::PublishedProperties() const
             Publish("AnimatedStatus", &T::AnimatedStatus),
             Publish("CharacterSet", &T::CharacterSet, CharacterSetNames),
             PublishObject<T>("DataFormats", [](const T& Self) { return &Self.DataFormats; }),
-            PublishObject<T>("DataSet", [](const T& Self) { return Self.FDataSet; }),
+            PublishReference("DataSet", &T::GetDataSet, &T::SetDataSet),
             Publish("DatasetKeys", &T::DatasetKeys),
             PublishStrings("Mappings", &T::FMappings),
             Publish("Mode", &T::Mode, ModeNames),

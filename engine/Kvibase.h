@@ -76,6 +76,10 @@ public:
     /// Raises EConvertError for what is not hexadecimal.
     static std::string Translate(std::string_view S, bool ToHex);
 
+    /// Makes the settings that this component and `Source` both publish equal to those of `Source`, by name: an
+    /// element of a set too, whatever its prefix. The destination is taken over; handlers and Statistic are not.
+    void TakeSettings(const TKvImportBaseComponent& Source);
+
     TKvIAbout About;
     bool AnimatedStatus = true;                     ///< Show the progress dialog during Execute.
     TKvICharacterSet CharacterSet = csiANSI_WINDOWS;

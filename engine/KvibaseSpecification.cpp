@@ -63,6 +63,12 @@ TEnum ReadOrdinal(const TIniFile& File, const char* Section, const char* Key, TE
     return static_cast<TEnum>(Ordinal);
 }
 
+/// Nothing where the file names no kind that there is.
+std::optional<TTableTypeImport> ReadTableType(const TIniFile& File)
+{
+    return TableTypeOfName(File.ReadString(Common, "TableType", {}));
+}
+
 void WriteMappings(TIniFile& File, const TStrings& Lines)
 {
     if (Lines.Count() > MaxMappings)
@@ -157,6 +163,8 @@ void TKvImportBaseComponent::SaveSpecification(std::string SpecName, std::string
 
 void TKvImportBaseComponent::WriteSpecification(TIniFile& File, const std::string& SpecName) const
 {
+    if (ReadTableType(File).value_or(TableType) != TableType)
+        EraseOwnSettings(File);
     WriteCommon(File, SpecName);
     WriteMappings(File, FMappings);
     WriteLayout(File);
@@ -202,7 +210,7 @@ void TKvImportBaseComponent::ReadCommon(const TIniFile& File)
 {
     DatasetKeys = File.ReadString(Common, "DatasetKeys", DatasetKeys);
     Mode = ReadOrdinal(File, Common, "Mode", Mode, imCopy);
-    TableType = TableTypeOfName(File.ReadString(Common, "TableType", {})).value_or(TableType);
+    TableType = ReadTableType(File).value_or(TableType);
     SourceFileName = File.ReadString(Common, "SourceFileName", SourceFileName);
     CharacterSet = ReadOrdinal(File, Common, "CharacterSet", CharacterSet, csiASCII_MSDOS);
 }

@@ -239,6 +239,17 @@ void TIniFile::WriteBool(std::string_view Section, std::string_view Key, bool Va
     WriteString(Section, Key, Value ? "1" : "0");
 }
 
+/// Others of the same name go too: the next of them would count from now on.
+void TIniFile::EraseSection(std::string_view Name)
+{
+    if (SectionsByName.erase(UpperCase(Name)) == 0)
+        return;
+    for (auto& Section : Sections)
+        if (SameText(Section.Name, Name))
+            Section = {};
+    Changed = true;
+}
+
 TIniFile::TSection& TIniFile::SectionToWrite(std::string_view Name)
 {
     if (const auto Found = SectionsByName.find(UpperCase(Name)); Found != SectionsByName.end())

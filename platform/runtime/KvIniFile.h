@@ -55,6 +55,9 @@ public:
     void WriteInteger(std::string_view Section, std::string_view Key, int Value);
     void WriteBool(std::string_view Section, std::string_view Key, bool Value); ///< "1" or "0"
 
+    /// Removes the section with all that stands in it; does nothing without one.
+    void EraseSection(std::string_view Section);
+
     /// The file as it stands here.
     std::string Text() const;
     /// Saves what was changed, all of it or nothing: see ReplaceFileBytes. Raises EFileError.

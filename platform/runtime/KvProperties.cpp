@@ -103,6 +103,26 @@ const TPublishedProperty* FindProperty(const TPublishedProperties& Properties, s
     return Found == Properties.end() ? nullptr : &*Found;
 }
 
+TPublishedProperties WithDefaults(const TPersistent& Fresh)
+{
+    auto Properties = Fresh.PublishedProperties();
+    for (auto& Property : Properties)
+        if (Property.Get)
+            Property.Default = Property.Get(Fresh);
+    return Properties;
+}
+
+bool IsChanged(const TPublishedProperty& Property, const TPersistent& Object)
+{
+    return !Property.Default.IsEmpty() && Property.Get(Object) != Property.Default;
+}
+
+void ResetToDefault(const TPublishedProperty& Property, TPersistent& Object)
+{
+    if (!Property.Default.IsEmpty() && Property.Set)
+        Property.Set(Object, Property.Default);
+}
+
 TVariant GetPropValue(const TPersistent& Object, std::string_view Name)
 {
     const auto Property = RequireProperty(Object, Name);

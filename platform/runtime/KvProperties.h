@@ -33,18 +33,29 @@ struct TPublishedProperty
 {
     std::string_view Name;                          ///< As declared; compared without regard to case.
     TPropertyKind Kind = pkString;
-    std::function<TVariant(const TPersistent&)> Get; ///< Empty for pkObject and pkEvent.
+    std::function<TVariant(const TPersistent&)> Get = {}; ///< Empty for pkObject and pkEvent.
     /// Empty when the property is read-only. Takes a value of just this kind: SetPropValue makes it one.
-    std::function<void(TPersistent&, const TVariant&)> Set;
-    std::function<TPersistent*(const TPersistent&)> GetObject; ///< The object of pkObject, may give none.
+    std::function<void(TPersistent&, const TVariant&)> Set = {};
+    std::function<TPersistent*(const TPersistent&)> GetObject = {}; ///< The object of pkObject, may give none.
+    /// Refers to another object, or to none. Empty where the object is a part of its owner.
+    std::function<void(TPersistent&, TPersistent*)> SetObject = {};
     std::span<const std::string_view> Names = {};   ///< Element names of pkEnumeration and pkSet, in order.
     bool Stored = true;                             ///< False for values that are not saved with the object.
+    bool Place = false;                             ///< It says which part of a file is meant: a sheet, a table.
+    TVariant Default = {};                          ///< What a new object has, see WithDefaults; else empty.
 };
 
 using TPublishedProperties = std::vector<TPublishedProperty>;
 
 /// The property `Name` of `Object`, or none.
 const TPublishedProperty* FindProperty(const TPublishedProperties& Properties, std::string_view Name);
+
+/// The properties of `Fresh`, an object as it was made, with their values as defaults.
+TPublishedProperties WithDefaults(const TPersistent& Fresh);
+/// True when `Object` has another value than the default. False where there is no default.
+bool IsChanged(const TPublishedProperty& Property, const TPersistent& Object);
+/// Gives `Object` the default, where there is one and the property can be set.
+void ResetToDefault(const TPublishedProperty& Property, TPersistent& Object);
 
 /// The value of the property `Name`. Raises EPropertyError when `Object` has none of that name.
 TVariant GetPropValue(const TPersistent& Object, std::string_view Name);

@@ -81,7 +81,6 @@ TPublishedProperty Publish(std::string_view Name, T TClass::*Member,
             .Set = [Member](TPersistent& Object, const TVariant& Value) {
                 dynamic_cast<TClass&>(Object).*Member = TType::FromVariant(Value);
             },
-            .GetObject = {},
             .Names = Names};
 }
 
@@ -99,7 +98,6 @@ TPublishedProperty Publish(std::string_view Name, TGetter Getter, TSetter Setter
             .Set = [Setter](TPersistent& Object, const TVariant& Value) {
                 std::invoke(Setter, dynamic_cast<TClass&>(Object), TType::FromVariant(Value));
             },
-            .GetObject = {},
             .Names = Names};
 }
 
@@ -112,6 +110,18 @@ TPublishedProperty PublishObject(std::string_view Name, TGetter Getter)
     Property.Kind = pkObject;
     Property.GetObject = [Getter](const TPersistent& Object) -> TPersistent* {
         return std::invoke(Getter, dynamic_cast<const TClass&>(Object));
+    };
+    return Property;
+}
+
+/// A property that refers to an object of others, by a getter and a setter.
+template <std::derived_from<TPersistent> TClass, std::derived_from<TPersistent> TObject>
+TPublishedProperty PublishReference(std::string_view Name, TObject* (TClass::*Getter)() const,
+                                    void (TClass::*Setter)(TObject*))
+{
+    auto Property = PublishObject<TClass>(Name, Getter);
+    Property.SetObject = [Setter](TPersistent& Object, TPersistent* Value) {
+        (dynamic_cast<TClass&>(Object).*Setter)(dynamic_cast<TObject*>(Value));
     };
     return Property;
 }
@@ -152,6 +162,13 @@ inline TPublishedProperties PublishAfter(TPublishedProperties Inherited,
 inline TPublishedProperty NotStored(TPublishedProperty Property)
 {
     Property.Stored = false;
+    return Property;
+}
+
+/// The same property, as one that says which part of a file is meant.
+inline TPublishedProperty AsPlace(TPublishedProperty Property)
+{
+    Property.Place = true;
     return Property;
 }
 

@@ -69,7 +69,7 @@ TPublishedProperties TKvImportFromBDE::PublishedProperties() const
 {
     using T = TKvImportFromBDE;
     return PublishAfter(TKvImportFromFile::PublishedProperties(),
-                        {Publish("TableType", &T::TableType, TableTypeNames),
+                        {AsPlace(Publish("TableType", &T::TableType, TableTypeNames)),
                          Publish("Extensions", &T::Extensions, ExtensionNames)});
 }
 

@@ -20,7 +20,7 @@ TPublishedProperties TKvImportFromDataSet::PublishedProperties() const
 {
     using T = TKvImportFromDataSet;
     auto Properties = TKvImportBaseComponent::PublishedProperties();
-    Properties.push_back(PublishObject<T>("SourceDataset", &T::GetSourceDataset));
+    Properties.push_back(PublishReference("SourceDataset", &T::GetSourceDataset, &T::SetSourceDataset));
     return Properties;
 }
 

@@ -90,7 +90,7 @@ TPublishedProperties TKvImportFromAccess::PublishedProperties() const
 {
     using T = TKvImportFromAccess;
     return PublishAfter(TKvImportFromFile::PublishedProperties(),
-                        {Publish("TableName", &T::TableName),
+                        {AsPlace(Publish("TableName", &T::TableName)),
                          Publish("Extensions", &T::Extensions, ExtensionNames)});
 }
 

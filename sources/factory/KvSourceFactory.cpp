@@ -1,9 +1,14 @@
 #include "KvSourceFactory.h"
 
+#include <algorithm>
+#include <array>
+#include <iterator>
+
 #include "KvException.h"
 #include "KvIniFile.h"
 #include "KvText.h"
 #include "Kvi2bde.h"
+#include "Kvi2ds.h"
 #include "Kvi2html.h"
 #include "Kvi2ole.h"
 #include "Kvi2txt.h"
@@ -11,24 +16,61 @@
 #include "Kvi2wq.h"
 #include "Kvi2xls.h"
 #include "Kvi2xml.h"
+#include "KviSourceKinds.h"
 #include "KviTableType.h"
 
 namespace kv {
 
+namespace {
+
+struct TImportClass
+{
+    std::string_view Name;
+    std::unique_ptr<TKvImportBaseComponent> (*Create)(TComponent* Owner);
+};
+
+constexpr TImportClass Classes[] = {
+    {"TKvImportFromText", &NewImport<TKvImportFromText>},
+    {"TKvImportFromHTML", &NewImport<TKvImportFromHTML>},
+    {"TKvImportFromXML", &NewImport<TKvImportFromXML>},
+    {"TKvImportFromXLS", &NewImport<TKvImportFromXLS>},
+    {"TKvImportFromWKS", &NewImport<TKvImportFromWKS>},
+    {"TKvImportFromQuattro", &NewImport<TKvImportFromQuattro>},
+    {"TKvImportFromAccess", &NewImport<TKvImportFromAccess>},
+    {"TKvImportFromBDE", &NewImport<TKvImportFromBDE>},
+    {"TKvImportFromDataSet", &NewImport<TKvImportFromDataSet>},
+};
+
+} // namespace
+
 std::unique_ptr<TKvImportBaseComponent> CreateImport(TTableTypeImport TableType, TComponent* Owner)
 {
-    switch (TableType) {
-    case teParadox:
-    case teDBase:   return std::make_unique<TKvImportFromBDE>(Owner, TableType);
-    case teText:    return std::make_unique<TKvImportFromText>(Owner);
-    case teHTML:    return std::make_unique<TKvImportFromHTML>(Owner);
-    case teXLS:     return std::make_unique<TKvImportFromXLS>(Owner);
-    case teWKS:     return std::make_unique<TKvImportFromWKS>(Owner);
-    case teQuattro: return std::make_unique<TKvImportFromQuattro>(Owner);
-    case teXML:     return std::make_unique<TKvImportFromXML>(Owner);
-    case teAccess:  return std::make_unique<TKvImportFromAccess>(Owner);
-    }
+    if (const auto* const Kind = FindImportKind(TableType))
+        return Kind->Create(Owner);
     throw Exception(FormatText("There is no import of the kind %d", {std::to_string(TableType)}));
+}
+
+std::span<const std::string_view> ImportClassNames()
+{
+    static const auto Names = [] {
+        std::array<std::string_view, std::size(Classes)> Result;
+        std::ranges::transform(Classes, Result.begin(), &TImportClass::Name);
+        return Result;
+    }();
+    return Names;
+}
+
+std::unique_ptr<TKvImportBaseComponent> CreateImport(std::string_view ClassName, TComponent* Owner)
+{
+    for (const auto& Class : Classes)
+        if (SameText(Class.Name, ClassName))
+            return Class.Create(Owner);
+    throw Exception(FormatText("There is no import of the class '%s'", {ClassName}));
+}
+
+TPublishedProperties ImportProperties(std::string_view ClassName)
+{
+    return WithDefaults(*CreateImport(ClassName));
 }
 
 std::unique_ptr<TKvImportBaseComponent> LoadImport(const std::string& FileName)

@@ -68,7 +68,7 @@ TPublishedProperties TKvImportFromHTML::PublishedProperties() const
 {
     using T = TKvImportFromHTML;
     return PublishAfter(TKvImportFromMarkup::PublishedProperties(),
-                        {Publish("TableNumber", &T::TableNumber),
+                        {AsPlace(Publish("TableNumber", &T::TableNumber)),
                          Publish("Extensions", &T::Extensions, ExtensionNames)});
 }
 

@@ -27,7 +27,7 @@ TPublishedProperties TKvImportFromXML::PublishedProperties() const
 {
     using T = TKvImportFromXML;
     return PublishAfter(TKvImportFromMarkup::PublishedProperties(),
-                        {Publish("TableName", &T::TableName),
+                        {AsPlace(Publish("TableName", &T::TableName)),
                          Publish("Extensions", &T::Extensions, ExtensionNames)});
 }
 

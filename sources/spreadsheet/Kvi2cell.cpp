@@ -40,7 +40,7 @@ TPublishedProperties TKvImportFromCell::PublishedProperties() const
 {
     using T = TKvImportFromCell;
     return PublishAfter(TKvImportFromFile::PublishedProperties(),
-                        {Publish("SheetIndex", &T::SheetIndex),
+                        {AsPlace(Publish("SheetIndex", &T::SheetIndex)),
                          Publish("Extensions", &T::Extensions, ExtensionNames)});
 }
 

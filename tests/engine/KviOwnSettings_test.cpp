@@ -21,12 +21,13 @@ public:
     TPublishedProperties PublishedProperties() const override
     {
         using T = TSheetSource;
-        return {Publish("Extensions", &T::Extensions, RuleNames), Publish("SheetIndex", &T::SheetIndex),
-                Publish("TableName", &T::TableName)};
+        return {Publish("Extensions", &T::Extensions, RuleNames), AsPlace(Publish("SheetIndex", &T::SheetIndex)),
+                AsPlace(Publish("TableName", &T::TableName)), Publish("HeaderLine", &T::HeaderLine)};
     }
 
     TRules Extensions;
     int SheetIndex = 0;
+    int HeaderLine = 3;                             // no place
     std::string TableName;
 };
 
@@ -49,7 +50,10 @@ public:
 class TTableSource : public TPersistent
 {
 public:
-    TPublishedProperties PublishedProperties() const override { return {Publish("TableName", &TTableSource::TableName)}; }
+    TPublishedProperties PublishedProperties() const override
+    {
+        return {AsPlace(Publish("TableName", &TTableSource::TableName))};
+    }
 
     std::string TableName;
 };
@@ -163,6 +167,7 @@ TEST_F(KviOwnSettings, ASettingThatTheComponentLacksIsRefused)
     EXPECT_EQ(Refused("[Extensions]\nFirst=1\nFourth=1\n"), Place + "Fourth: TSheetSource has no such setting");
     EXPECT_EQ(Refused("[Extensions]\nFirst=yes\n"), Place + "First: 'yes' is not a valid integer value");
     EXPECT_EQ(Refused("[Extensions]\nSheetIndex=two\n"), Place + "SheetIndex: 'two' is not a valid integer value");
+    EXPECT_EQ(Refused("[Extensions]\nHeaderLine=2\n"), Place + "HeaderLine: TSheetSource has no such setting");
     EXPECT_EQ(Refused("[Extensions]\nFourth=0\nFifth=\n"), "");
 }
 

@@ -249,6 +249,26 @@ TEST_F(KvIniFile, NewSectionsGoToTheEndOfTheFile)
     EXPECT_EQ(After("\xEF\xBB\xBF", Add), "\xEF\xBB\xBF[T]\r\nA=1\r\n");
 }
 
+TEST_F(KvIniFile, ASectionIsErasedWithAllThatStandsInIt)
+{
+    const auto Erase = [](TIniFile& File) { File.EraseSection("s"); };
+    EXPECT_EQ(After("A=0\n\n[S]\nA=1\n; mine\n\n[T]\nB=2\n[S]\nA=3", Erase), "A=0\n\n[T]\nB=2\n");
+    EXPECT_EQ(After("[T]\nS=1\n", Erase), "[T]\nS=1\n");
+    EXPECT_EQ(After("", Erase), "");
+}
+
+TEST_F(KvIniFile, AnErasedSectionIsGoneAndCanBeWrittenAgain)
+{
+    const auto Saved = After("[S]\nA=1\n[T]\nB=2\n[S]\nA=3\n", [](TIniFile& File) {
+        File.EraseSection("S");
+        EXPECT_FALSE(File.HasSection("S"));
+        EXPECT_FALSE(File.HasKey("S", "A"));
+        File.WriteString("S", "C", "4");
+        EXPECT_EQ(File.KeysOf("S"), std::vector<std::string>{"C"});
+    });
+    EXPECT_EQ(Saved, "[T]\nB=2\n[S]\nC=4\n");
+}
+
 TEST_F(KvIniFile, ALastLineWithoutItsEndGetsOne)
 {
     EXPECT_EQ(After("[S]\r\nA=1", [](TIniFile& File) { File.WriteString("S", "B", "2"); }),

@@ -27,12 +27,8 @@ public:
                 Property("Color", pkEnumeration, ColorNames),
                 Property("Colors", pkSet, ColorNames),
                 Property("Lines", pkStrings),
-                {.Name = "Fixed",
-                 .Kind = pkInteger,
-                 .Get = [](const TPersistent&) { return TVariant(42); },
-                 .Set = {},
-                 .GetObject = {}},
-                {.Name = "OnChange", .Kind = pkEvent, .Get = {}, .Set = {}, .GetObject = {}}};
+                {.Name = "Fixed", .Kind = pkInteger, .Get = [](const TPersistent&) { return TVariant(42); }},
+                {.Name = "OnChange", .Kind = pkEvent}};
     }
 
     TVariant Value;
@@ -46,7 +42,6 @@ private:
                 .Get = [](const TPersistent& Object) { return dynamic_cast<const TSample&>(Object).Value; },
                 .Set = [](TPersistent& Object,
                           const TVariant& New) { dynamic_cast<TSample&>(Object).Value = New; },
-                .GetObject = {},
                 .Names = Names};
     }
 };

@@ -23,9 +23,12 @@ public:
     TColor Color = clGreen;
     TSet<TColor> Colors{clRed};
     TStrings Lines{"a"};
+    TSample* Next = nullptr;
 
     int GetDouble() const { return 2 * Number; }
     void SetDouble(int Value) { Number = Value / 2; }
+    TSample* GetNext() const { return Next; }
+    void SetNext(TSample* Value) { Next = Value; }
 
     TPublishedProperties PublishedProperties() const override
     {
@@ -39,6 +42,7 @@ public:
                 NotStored(Publish<TSample>("Double", &TSample::GetDouble, &TSample::SetDouble)),
                 PublishObject<TSample>("Self",
                                        [](const TSample& Self) { return const_cast<TSample*>(&Self); }),
+                PublishReference("Next", &TSample::GetNext, &TSample::SetNext),
                 PublishEvent("OnChange")};
     }
 };
@@ -68,6 +72,58 @@ TEST(KvPublish, ReadsAndWritesMembers)
         SetPropValue(Sample, Row.Name, Row.After);
         EXPECT_EQ(GetPropValue(Sample, Row.Name), Row.After) << Row.Name;
     }
+}
+
+TEST(KvPublish, ReferencesAreSetAndPartsAreNot)
+{
+    TSample Sample, Other;
+    const auto Properties = Sample.PublishedProperties();
+    const auto& Next = *FindProperty(Properties, "Next");
+    Next.SetObject(Sample, &Other);
+    EXPECT_EQ(Sample.Next, &Other);
+    EXPECT_EQ(Next.GetObject(Sample), &Other);
+    Next.SetObject(Sample, nullptr);
+    EXPECT_EQ(Sample.Next, nullptr);
+    EXPECT_FALSE(FindProperty(Properties, "Self")->SetObject);
+}
+
+TEST(KvPublish, APlaceSaysSo)
+{
+    EXPECT_TRUE(AsPlace(Publish("Number", &TSample::Number)).Place);
+    EXPECT_FALSE(Publish("Number", &TSample::Number).Place);
+}
+
+TEST(KvPublish, DefaultsAreThoseOfANewObject)
+{
+    TSample Sample;
+    const auto Properties = WithDefaults(TSample());
+    for (const auto& Property : Properties)
+        EXPECT_FALSE(IsChanged(Property, Sample)) << Property.Name;
+    Sample.Caption = "other";
+    Sample.Color = clRed;
+    Sample.Lines.Clear();
+    std::string Changed;
+    for (const auto& Property : Properties)
+        if (IsChanged(Property, Sample))
+            Changed += std::string(Property.Name) + " ";
+    EXPECT_EQ(Changed, "Caption Color Lines ");
+    for (const auto& Property : Properties)
+        ResetToDefault(Property, Sample);
+    EXPECT_EQ(Sample.Caption, "caption");
+    EXPECT_EQ(Sample.Color, clGreen);
+    EXPECT_EQ(Sample.Lines, TStrings{"a"});
+}
+
+TEST(KvPublish, WithoutADefaultNothingIsChangedOrReset)
+{
+    TSample Sample;
+    Sample.Number = 7;
+    const auto Properties = Sample.PublishedProperties();
+    for (const auto& Property : Properties) {
+        EXPECT_FALSE(IsChanged(Property, Sample)) << Property.Name;
+        ResetToDefault(Property, Sample);
+    }
+    EXPECT_EQ(Sample.Number, 7);
 }
 
 TEST(KvPublish, MembersAreSetFromTexts)

@@ -3,10 +3,12 @@
 #include <set>
 
 #include "KvException.h"
+#include "KvMemoryDataSet.h"
 #include "KvProperties.h"
 #include "KvTempFolder.h"
 #include "KvText.h"
 #include "Kvi2ds.h"
+#include "KviSourceKinds.h"
 #include "KviTableType.h"
 
 namespace kv {
@@ -138,6 +140,130 @@ TEST(KvSourceFactory, ANumberThatIsNoKindHasNoComponent)
         Message = Error.Message;
     }
     EXPECT_EQ(Message, "There is no import of the kind 9");
+}
+
+TEST(KvSourceFactory, MakesComponentsByTheNameOfTheirClass)
+{
+    EXPECT_EQ(ImportClassNames().size(), 9u);
+    TComponent Owner;
+    for (const auto Name : ImportClassNames()) {
+        const auto Import = CreateImport(Name, &Owner);
+        EXPECT_EQ(Import->ClassName(), Name);
+        EXPECT_EQ(Import->Owner(), &Owner);
+    }
+    EXPECT_EQ(CreateImport("tkvimportfromdataset")->ClassName(), "TKvImportFromDataSet");
+}
+
+TEST(KvSourceFactory, EveryKindIsOfOneOfTheClasses)
+{
+    for (const auto* const Kind : ImportKinds())
+        EXPECT_EQ(std::ranges::count(ImportClassNames(), Kind->Create(nullptr)->ClassName()), 1) << Kind->Name;
+}
+
+TEST(KvSourceFactory, ANameThatIsNoClassHasNoComponent)
+{
+    std::string Message;
+    try {
+        CreateImport("TKvImportBaseComponent");
+    }
+    catch (const Exception& Error) {
+        Message = Error.Message;
+    }
+    EXPECT_EQ(Message, "There is no import of the class 'TKvImportBaseComponent'");
+}
+
+/// A new component of each class, and of each kind, with the properties of its class.
+std::vector<std::pair<std::unique_ptr<TKvImportBaseComponent>, TPublishedProperties>> FreshImports()
+{
+    std::vector<std::pair<std::unique_ptr<TKvImportBaseComponent>, TPublishedProperties>> Result;
+    for (const auto Name : ImportClassNames())
+        Result.emplace_back(CreateImport(Name), ImportProperties(Name));
+    for (const auto* const Kind : ImportKinds()) {
+        auto Import = Kind->Create(nullptr);
+        auto Properties = ImportProperties(Import->ClassName());
+        Result.emplace_back(std::move(Import), std::move(Properties));
+    }
+    return Result;
+}
+
+TEST(KvSourceFactory, TellsTheDefaultsThatComponentsHave)
+{
+    for (const auto& [Import, Properties] : FreshImports()) {
+        ASSERT_EQ(Properties.size(), Import->PublishedProperties().size());
+        for (const auto& Property : Properties) {
+            EXPECT_EQ(Property.Default.IsEmpty(), !Property.Get) << Property.Name;
+            EXPECT_FALSE(IsChanged(Property, *Import)) << Import->ClassName() << "." << Property.Name;
+        }
+    }
+}
+
+TEST(KvSourceFactory, ComponentsGoBackToTheirDefaults)
+{
+    for (const auto& [Import, Properties] : FreshImports()) {
+        ChangeAll(*Import);
+        for (const auto& Property : Properties) {
+            const bool MayBe = !Property.Set || Property.Name.ends_with("Custom"); // what the choice before it says
+            EXPECT_TRUE(MayBe || IsChanged(Property, *Import)) << Import->ClassName() << "." << Property.Name;
+        }
+        for (const auto& Property : Properties)
+            ResetToDefault(Property, *Import);
+        for (const auto& Property : Properties)
+            EXPECT_FALSE(IsChanged(Property, *Import)) << Import->ClassName() << "." << Property.Name;
+    }
+}
+
+TEST(KvSourceFactory, ComponentsTakeTheSettingsOfTheirLikes)
+{
+    for (const auto& [Import, Properties] : FreshImports()) {
+        ChangeAll(*Import);
+        const auto Taker = CreateImport(Import->ClassName());
+        Taker->TakeSettings(*Import);
+        for (const auto& Property : Properties) {
+            const auto Value = [&](const TPersistent& Of) { return Property.Get ? Property.Get(Of) : TVariant(); };
+            EXPECT_EQ(Value(*Taker), Value(*Import)) << Import->ClassName() << "." << Property.Name;
+        }
+        EXPECT_EQ(Taker->DataFormats.BooleanTrue, Import->DataFormats.BooleanTrue);
+    }
+}
+
+TEST(KvSourceFactory, ACopyOfADatasetTakesItsSource)
+{
+    TMemoryDataSet Source;
+    TKvImportFromDataSet Import, Taker;
+    Import.SetSourceDataset(&Source);
+    Taker.TakeSettings(Import);
+    EXPECT_EQ(Taker.GetSourceDataset(), &Source);
+}
+
+TEST(KvSourceFactory, ComponentsOfAllClassesTakeWhatIsCommon)
+{
+    for (const auto& [Import, Properties] : FreshImports())
+        for (const auto Name : ImportClassNames()) {
+            ChangeAll(*Import);
+            const auto Taker = CreateImport(Name);
+            Taker->TakeSettings(*Import);
+            EXPECT_EQ(Taker->Mappings(), Import->Mappings());
+            EXPECT_EQ(Taker->RunExtensions, Import->RunExtensions);
+            EXPECT_EQ(Taker->TitleStatus, Import->TitleStatus);
+        }
+}
+
+TEST(KvSourceFactory, SavingOverTheFileOfAnotherKindLeavesNothingForeign)
+{
+    const TTempFolder Folder;
+    for (const auto* const First : ImportKinds())
+        for (const auto* const Second : ImportKinds()) {
+            const auto Saved = Folder / "orders.kvi";
+            const auto Before = First->Create(nullptr), After = Second->Create(nullptr);
+            ChangeAll(*Before);
+            Before->SaveSpecification("Orders", Saved, false);
+            After->SaveSpecification("Orders", Saved, false);
+            const auto Loaded = LoadImport(Saved);
+            EXPECT_EQ(Loaded->ClassName(), After->ClassName());
+            EXPECT_EQ(Folder.Read("orders.kvi").find("[Extensions]") == std::string::npos, First != Second)
+                << First->Name << " " << Second->Name;
+            std::filesystem::remove(Saved);
+        }
 }
 
 TEST(KvSourceFactory, ASpecificationMustNameItsKind)
