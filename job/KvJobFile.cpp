@@ -26,6 +26,18 @@ std::string TitleKey(std::size_t Line)
     return "Title" + std::to_string(Line);
 }
 
+std::string LineKey(std::size_t Line)
+{
+    return "Line" + std::to_string(Line);
+}
+
+/// The title of mapping `Line`; none where the mappings were changed since.
+std::string ReadTitle(const TIniFile& File, std::size_t Line, const std::string& Mapping)
+{
+    const bool IsSame = File.ReadString(Section, LineKey(Line), {}) == Mapping;
+    return IsSame ? File.ReadString(Section, TitleKey(Line), {}) : std::string();
+}
+
 void CheckMappings(const TIniFile& File, int Count)
 {
     for (int I = 0; I < Count; ++I)
@@ -53,10 +65,10 @@ void Take(std::string& Target, const std::string& Value)
         Target = Value;
 }
 
-/// Writes what is not empty, and over what the file has.
+/// Writes what is not empty.
 void WriteText(TIniFile& File, const std::string& Key, const std::string& Value)
 {
-    if (!Value.empty() || File.HasKey(Section, Key))
+    if (!Value.empty())
         File.WriteString(Section, Key, FromDisplay(Value));
 }
 
@@ -110,7 +122,7 @@ TJobFile::TJobFile(const std::string& GivenName) : FFileName(GivenName)
     for (int I = 0; I < Mapped.Count(); ++I)
         if (!IsBlank(Mapped.NameAt(I)) && !IsBlank(Mapped.ValueAt(I))) {
             Lines.push_back(Mapped[I]);
-            Titles.push_back(File.ReadString(Section, TitleKey(static_cast<std::size_t>(I)), {}));
+            Titles.push_back(ReadTitle(File, static_cast<std::size_t>(I), Mapped[I]));
         }
     ReadJob(File);
 }
@@ -241,11 +253,13 @@ void SaveJob(const std::string& FileName, const std::string& Name, TJobSource& S
     TIniFile File(FileName, ioOpenOrCreate);
     CheckTarget(File);
     Source.Component().WriteSpecification(File, FromDisplay(Name));
+    File.EraseSection(Section);
     WriteText(File, "HeaderRow", NumberText(Source.HeaderRow()));
     for (std::size_t I = 0; I < Plan.Lines.size(); ++I)
-        WriteText(File, TitleKey(I), ToDisplay(TitleOf(Source, Plan, Plan.Lines[I])));
-    for (auto I = Plan.Lines.size(); File.HasKey(Section, TitleKey(I)); ++I)
-        File.WriteString(Section, TitleKey(I), {});
+        if (const auto Title = TitleOf(Source, Plan, Plan.Lines[I]); !Title.empty()) {
+            File.WriteString(Section, LineKey(I), Plan.Lines[I]);
+            File.WriteString(Section, TitleKey(I), Title);
+        }
     const auto& Formats = Settings.Formats;
     WriteText(File, "BooleanTrue", Formats.BooleanTrue);
     WriteText(File, "BooleanFalse", Formats.BooleanFalse);

@@ -153,6 +153,17 @@ TEST_F(KvJobFile, AColumnThatIsGoneIsRefusedBeforeTheFirstRecord)
     EXPECT_EQ(Refused.Number, 1);
 }
 
+TEST_F(KvJobFile, ATitleOfAMappingThatWasChangedSinceIsForgotten)
+{
+    Write("ID,CITY,AMOUNT\n1,Rom,1\n");
+    Save();
+    auto Text = Folder.Read("orders.kvi");
+    Text.replace(Text.find("Map2=AMOUNT=Field3"), 18, "Map2=AMOUNT=Field1");
+    Folder.Write("orders.kvi", Text);
+    EXPECT_EQ(RunSaved("ID,CITY\n7,Oslo\n").Result, joDone);
+    EXPECT_EQ(Rows(), "7|Oslo|7");
+}
+
 TEST_F(KvJobFile, ColumnsThatWereNamedByPositionStayThere)
 {
     Write("1,Rom\n");

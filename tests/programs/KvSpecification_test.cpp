@@ -98,8 +98,9 @@ TEST_F(KvSpecification, TheFileHoldsWhatTheOptionsSay)
               "ThousandSeparator=2E\r\nDecimalSeparator=2C\r\nFourDigitYear=1\r\nLeadingZerosInDate=1\r\n"
               "[Extensions]\r\nDoubledQualifiers=1\r\nLongLines=1\r\nByteOrderMark=1\r\nFixedPadding=1\r\n"
               "RestoresControls=1\r\nTimedProgress=1\r\nNoNumberBoxes=1\r\n"
-              "[Job]\r\nHeaderRow=1\r\nTitle0=ID\r\nTitle1=CITY\r\nTitle2=ORDERED\r\nTitle3=AMOUNT\r\n"
-              "Title4=PAID\r\nDestination=" + Shop.Database() + "\r\nTable=orders\r\n");
+              "[Job]\r\nHeaderRow=1\r\nLine0=ID=Field1\r\nTitle0=ID\r\nLine1=CITY=Field2\r\nTitle1=CITY\r\n"
+              "Line2=ORDERED=Field3\r\nTitle2=ORDERED\r\nLine3=AMOUNT=Field4\r\nTitle3=AMOUNT\r\n"
+              "Line4=PAID=Field5\r\nTitle4=PAID\r\nDestination=" + Shop.Database() + "\r\nTable=orders\r\n");
 }
 
 TEST_F(KvSpecification, ClassicReadingHasNoExtensions)
