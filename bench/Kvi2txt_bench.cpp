@@ -28,8 +28,9 @@ void SplitLinesAndValues(benchmark::State& State)
     std::int64_t Bytes = 0, Values = 0;
     for (auto _ : State) {
         const auto File = ReadFileBytes(Orders().FileName());
-        TKvTextLines Lines(File.View(),
-                           {.Separator = "\r\n", .Qualifier = "\"", .DoubledQualifiers = Doubled, .Delimiter = ','});
+        TKvTextLines Lines(
+            File.View(),
+            {.Separator = "\r\n", .Qualifier = "\"", .DoubledQualifiers = Doubled, .Delimiter = ','});
         TKvTextFields Fields(',', '"', Doubled);
         while (Lines.Next()) {
             Fields.Split(Lines.Line());

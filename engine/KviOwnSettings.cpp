@@ -78,10 +78,13 @@ void ReadPlace(const TIniFile& File, const TPublishedProperty& Place, TPersisten
 bool IsKnown(std::string_view Key, const TPublishedProperties& Properties)
 {
     const auto IsKey = [Key](std::string_view Element) { return SameText(ElementKey(Element), Key); };
-    const auto IsPlace = [Key](const TPublishedProperty& Each) { return Each.Place && SameText(Each.Name, Key); };
+    const auto IsPlace = [Key](const TPublishedProperty& Each) {
+        return Each.Place && SameText(Each.Name, Key);
+    };
     bool Known = std::ranges::any_of(Properties, IsPlace);
-    ForEachSet(Properties,
-               [&](const TPublishedProperty& Set) { Known = Known || std::ranges::any_of(Set.Names, IsKey); });
+    ForEachSet(Properties, [&](const TPublishedProperty& Set) {
+        Known = Known || std::ranges::any_of(Set.Names, IsKey);
+    });
     return Known;
 }
 

@@ -16,9 +16,10 @@ namespace kv {
 /// Where a record stands in its source.
 struct TKvISourcePosition
 {
-    std::string_view Unit = "record";               ///< What the number counts: "line", "row", "record". Static text.
+    std::string_view Unit = "record"; ///< What the number counts: "line", "row", "record". Static text.
     std::int64_t Number = 0;                        ///< From 1; 0: there is no current record.
-    std::int64_t Offset = -1;                       ///< Of its first byte in the file; -1 where there is none.
+    /// Of its first byte in the file; -1 where there is none.
+    std::int64_t Offset = -1;
 
     /// For messages: "line 18".
     std::string Text() const { return std::string(Unit) + " " + std::to_string(Number); }
@@ -28,8 +29,10 @@ struct TKvISourcePosition
 struct TKvISourceColumn
 {
     std::string Name = {};                          ///< As mapping lines name it: "Field3".
-    std::string Title = {};                         ///< As the source itself calls it; empty when it does not.
-    TFieldType DataType = ftUnknown;                ///< The field that would hold its values, where the source knows.
+    /// As the source itself calls it; empty when it does not.
+    std::string Title = {};
+    /// The field that would hold its values, where the source knows.
+    TFieldType DataType = ftUnknown;
     int Size = 0;                                   ///< Characters or bytes of that field; 0: no limit.
     std::string TypeName = {};                      ///< As the source calls its type: "Decimal (18, 2)".
 };
@@ -37,7 +40,8 @@ struct TKvISourceColumn
 /// What a name on the right side of a mapping line means to a source.
 enum TKvISourceNameKind {
     snColumn,                                       ///< One of its columns.
-    snMissing,                                      ///< A column that it lacks: the field stays empty where it is missing.
+    /// A column that it lacks: the field stays empty where it is missing.
+    snMissing,
     snBlank,                                        ///< A column without values: the field stays empty.
     snByOrder,                                      ///< Nothing: columns go to the mappings in their order.
     snConstant,                                     ///< No column: every record gets the name itself.
@@ -60,14 +64,16 @@ struct TKvISourceValue
 struct TKvISourceRow
 {
     TKvISourcePosition Position;
-    std::vector<TKvISourceValue> Values;            ///< By column; a row may hold more or fewer than there are columns.
+    /// By column; a row may hold more or fewer than there are columns.
+    std::vector<TKvISourceValue> Values;
 };
 
 /// The beginning of a source.
 struct TKvISourceView
 {
     std::vector<TKvISourceColumn> Columns;
-    std::size_t Offered = 0;                        ///< Columns that the source offers; those after them were met in wider rows.
+    /// Columns that the source offers; those after them were met in wider rows.
+    std::size_t Offered = 0;
     std::vector<TKvISourceRow> Rows;
     bool HasMore = false;                           ///< There are rows after these, up to RowLast.
 };
@@ -75,11 +81,13 @@ struct TKvISourceView
 /// A sheet of a workbook, a table of a database, a table of a page.
 struct TKvISourcePart
 {
-    std::string Name = {};                          ///< In the process's code page; empty: it has only its number.
+    /// In the process's code page; empty: it has only its number.
+    std::string Name = {};
     int Rows = 0, Columns = 0;                      ///< As far as a run would read; -1: not counted.
     std::vector<TKvISourceColumn> Fields = {};      ///< Where the source declares them.
     bool IsSystem = false;                          ///< The source keeps it for itself.
-    std::string Error = {};                         ///< Why it cannot be opened; the figures then mean nothing.
+    /// Why it cannot be opened; the figures then mean nothing.
+    std::string Error = {};
 };
 
 /// What a source has met that its user should know.
@@ -87,10 +95,14 @@ enum TKvISourceRemarkKind {
     /// Rows hold fewer values than the header, or the first row, has: Count of them, the first being First.
     srFewerValues,
     srMoreValues,                                   ///< The same for more values.
-    srRowsBeyondExtent,                             ///< Limit rows are declared and read; values go down to row Count.
-    srColumnsBeyondExtent,                          ///< Limit columns are declared and read; values go up to column Count.
-    srCellsBeyondLastColumn,                        ///< Count values stand right of the last column that can be read.
-    srSeveralTables                                 ///< The rows of Count tables were read one after the other.
+    /// Limit rows are declared and read; values go down to row Count.
+    srRowsBeyondExtent,
+    /// Limit columns are declared and read; values go up to column Count.
+    srColumnsBeyondExtent,
+    /// Count values stand right of the last column that can be read.
+    srCellsBeyondLastColumn,
+    /// The rows of Count tables were read one after the other.
+    srSeveralTables
 };
 
 struct TKvISourceRemark
@@ -98,7 +110,8 @@ struct TKvISourceRemark
     TKvISourceRemarkKind Kind;
     std::int64_t Count = 0;
     std::int64_t First = 0;                         ///< The row to which Count begins, from 1.
-    std::int64_t Limit = 0;                         ///< With srFewerValues and srMoreValues the row that is compared with.
+    /// With srFewerValues and srMoreValues the row that is compared with.
+    std::int64_t Limit = 0;
     bool HasHeader = false;                         ///< That row is a header.
 };
 
@@ -106,8 +119,10 @@ struct TKvISourceRemark
 struct TKvISourceLook
 {
     int Rows = 20;                                  ///< From RowFirst on, and none after RowLast.
-    int HeaderRow = 0;                              ///< The row above RowFirst that names the columns; 0: none does.
-    std::vector<std::string> Columns = {};          ///< Names as in mappings; none: all that the source offers.
+    /// The row above RowFirst that names the columns; 0: none does.
+    int HeaderRow = 0;
+    /// Names as in mappings; none: all that the source offers.
+    std::vector<std::string> Columns = {};
 };
 
 } // namespace kv

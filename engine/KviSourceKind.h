@@ -42,10 +42,12 @@ struct TKvISourceKind
     TTableTypeImport TableType;
     std::string_view Name;                          ///< For command lines: "xls".
     std::string_view Title;                         ///< "Excel workbooks, Excel 2 to 2003"
-    std::vector<std::string_view> Extensions;       ///< Of such files, in lower case, with the dot; the usual one first.
+    /// Of such files, in lower case, with the dot; the usual one first.
+    std::vector<std::string_view> Extensions;
     TKvISourcePartKind Part = spNone;
     TKvIColumnNames Names = cnSource;
-    bool CanBePiped = true;                         ///< False: the reader wants a file with companions or a name.
+    /// False: the reader wants a file with companions or a name.
+    bool CanBePiped = true;
     bool HasCodePage = true;                        ///< False: its text says by itself what it is.
     TKvIClassicRows ClassicRows = crAsAsked;
     /// True when a file that begins with these bytes is of the kind, whatever its name; none for a kind that

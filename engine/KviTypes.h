@@ -17,9 +17,11 @@ enum TKvICharacterSet { csiANSI_WINDOWS, csiASCII_MSDOS };
 /// What a record does to the destination.
 enum TImportMode {
     imAppend,                                       ///< Adds every record.
-    imUpdate,                                       ///< Changes the record with the same key, if there is one.
+    /// Changes the record with the same key, if there is one.
+    imUpdate,
     imAppendUpdate,                                 ///< Changes the record with the same key, else adds one.
-    imDelete,                                       ///< Deletes the record with the same key, if there is one.
+    /// Deletes the record with the same key, if there is one.
+    imDelete,
     imCopy                                          ///< Empties the destination, then adds every record.
 };
 
@@ -46,13 +48,14 @@ using TKvIOptions = TSet<TKvIOption>;
 
 /// Rules of a run that take the place of older ones.
 enum TKvIRunExtension {
-    /// A run that fails enables the controls of the destination and lets go of the source, as one does that is
-    /// executed. Without it the controls stay disabled, and what the source has loaded stays.
+    /// A run that fails enables the controls of the destination and lets go of the source, as one does that
+    /// is executed. Without it the controls stay disabled, and what the source has loaded stays.
     rxRestoresControls,
     /// The progress dialog is refreshed before the first record, then about every 50 ms, and after the last
     /// one. Without it every UpdateStep records.
     rxTimedProgress,
-    /// What is wrong with a number is told by the error of its record. Without it a message box tells it before.
+    /// What is wrong with a number is told by the error of its record. Without it a message box tells it
+    /// before.
     rxNoNumberBoxes
 };
 using TKvIRunExtensions = TSet<TKvIRunExtension>;

@@ -31,12 +31,13 @@ using TNotifyEvent = std::function<void(TKvImportBaseComponent& Sender)>;
 /// Before a record is written. `Fields` is always empty. `Values` is the array of mapped fields, each
 /// an array of destination name, source column, value and field index; changed values are written.
 /// Accept = false skips the record.
-using TBeforeRecordEvent =
-    std::function<void(TKvImportBaseComponent& Sender, const std::string& Fields, TVariant& Values, bool& Accept)>;
+using TBeforeRecordEvent = std::function<void(TKvImportBaseComponent& Sender, const std::string& Fields,
+                                              TVariant& Values, bool& Accept)>;
 /// After a record was handled; Abort = true ends the run as cancelled.
 using TAfterRecordEvent = std::function<void(TKvImportBaseComponent& Sender, bool& Abort)>;
 /// Lets the user change one value before it is written. `Field` is none for a mapping without a field.
-using TGetCellParamsEvent = std::function<void(TKvImportBaseComponent& Sender, TField* Field, TVariant& Value)>;
+using TGetCellParamsEvent =
+    std::function<void(TKvImportBaseComponent& Sender, TField* Field, TVariant& Value)>;
 /// A record could not be written; Abort = true ends the run as failed.
 using TErrorEvent = std::function<void(TKvImportBaseComponent& Sender, const Exception& Error, bool& Abort)>;
 
@@ -56,9 +57,10 @@ public:
     TPublishedProperties PublishedProperties() const override;
 
     /// Runs the import. Raises Exception "Property %s wasn't specified." before anything has happened
-    /// when a required property is missing, and "%s: %s cannot be called before %s has ended" when it is called
-    /// from inside a run or a look of this component; whatever goes wrong later is counted and reported through
-    /// the events, Statistic and ErrorMessage. OnAfterExecute, in which it may be called again, then always comes.
+    /// when a required property is missing, and "%s: %s cannot be called before %s has ended" when it is
+    /// called from inside a run or a look of this component; whatever goes wrong later is counted and
+    /// reported through the events, Statistic and ErrorMessage. OnAfterExecute, in which it may be called
+    /// again, then always comes.
     void Execute();
 
     /// Writes the settings to the file `FileName` under the name `SpecName`; other sections and keys of
@@ -76,15 +78,17 @@ public:
     /// Raises EConvertError for what is not hexadecimal.
     static std::string Translate(std::string_view S, bool ToHex);
 
-    /// Makes the settings that this component and `Source` both publish equal to those of `Source`, by name: an
-    /// element of a set too, whatever its prefix. The destination is taken over; handlers and Statistic are not.
+    /// Makes the settings that this component and `Source` both publish equal to those of `Source`, by name:
+    /// an element of a set too, whatever its prefix. The destination is taken over; handlers and Statistic
+    /// are not.
     void TakeSettings(const TKvImportBaseComponent& Source);
 
     TKvIAbout About;
     bool AnimatedStatus = true;                     ///< Show the progress dialog during Execute.
     TKvICharacterSet CharacterSet = csiANSI_WINDOWS;
     TKvIDataFormats& DataFormats;                   ///< Lives as long as the process.
-    std::string DatasetKeys;                        ///< Key fields, separated by ";" without blanks; each is mapped.
+    /// Key fields, separated by ";" without blanks; each is mapped.
+    std::string DatasetKeys;
     TImportMode Mode = imAppend;
     TKvIOptions Options{soShowMessage, soExtendedStatistic};
     std::string TitleStatus = "Importing...";       ///< Caption of the progress dialog.
@@ -97,7 +101,8 @@ public:
     TNotifyEvent OnAfterExecute;
     TBeforeRecordEvent OnBeforeRecordEvent;
     TAfterRecordEvent OnAfterRecordEvent;
-    TNotifyEvent OnBeforeUpdate;                    ///< After the search by key, before the record is written.
+    /// After the search by key, before the record is written.
+    TNotifyEvent OnBeforeUpdate;
     TNotifyEvent OnBeforeLoadSpecification;
     TNotifyEvent OnAfterLoadSpecification;
     TNotifyEvent OnBeforeSaveSpecification;
@@ -132,11 +137,12 @@ public:
 
     /// Columns and first rows as a run would read them. Raises what such a run would end by, but for values
     /// that cannot be read; an Exception with the rule erCancelled when the user or the observer cancels; and
-    /// as Execute does inside a run or another look. What was loaded for it is kept for the next look, and for
-    /// the run where that loads the same.
+    /// as Execute does inside a run or another look. What was loaded for it is kept for the next look, and
+    /// for the run where that loads the same.
     TKvISourceView Look(const TKvISourceLook& What);
     /// What a mapping to `Wanted` means, written in any case, where `Columns` were shown.
-    virtual TKvISourceName ResolveName(const std::string& Wanted, const std::vector<TKvISourceColumn>& Columns) const;
+    virtual TKvISourceName ResolveName(const std::string& Wanted,
+                                       const std::vector<TKvISourceColumn>& Columns) const;
     /// Lets go of what a look has kept.
     virtual void EndLook() {}
     /// The parts of the file, of which a run imports one; none where the file is the table. Raises what
@@ -163,14 +169,17 @@ protected:
     // GetTotalCount; for each record NeedMore, LoadRecord and GoNext; at last AfterImport.
     virtual void Prepare();                         ///< The whole loop.
     virtual void BeforeImport() {}                  ///< Opens and loads the source.
-    virtual void AfterImport() {}                   ///< Frees what BeforeImport loaded; skipped by an exception.
+    /// Frees what BeforeImport loaded; skipped by an exception.
+    virtual void AfterImport() {}
     virtual void BuildArrayIntersection();
     virtual void BuildFieldMapping();
-    virtual bool LoadRecord();                      ///< Fetches and converts the mapped values; false skips the record.
+    /// Fetches and converts the mapped values; false skips the record.
+    virtual bool LoadRecord();
     virtual void GoFirst() {}
     virtual void GoNext() {}
     virtual bool NeedMore() { return false; }       ///< True while there is a current record.
-    virtual int GetTotalCount() { return 0; }       ///< Records available; the run clips it by RowFirst and RowLast.
+    /// Records available; the run clips it by RowFirst and RowLast.
+    virtual int GetTotalCount() { return 0; }
     virtual TVariant GetValues(std::string_view) { return Null; }
     /// The value that `Source`, the right side of a mapping line, names in the current record. Text may
     /// be a loan that holds until GoNext.
@@ -182,8 +191,8 @@ protected:
     virtual bool NotDefined(std::string& PropName);
     virtual void DetectAutoMapping();               ///< Fills Mappings.
 
-    // A look, in the order in which it calls them; GoFirst, NeedMore, LoadRecord, GetFieldValue and GoNext of the
-    // run come between, AfterLook last, also after an exception.
+    // A look, in the order in which it calls them; GoFirst, NeedMore, LoadRecord, GetFieldValue and GoNext of
+    // the run come between, AfterLook last, also after an exception.
     virtual void BeforeLook(const TKvISourceLook& What); ///< Opens the source, as far as `What` needs it.
     /// The columns that the source offers, named by row `HeaderRow` where it takes its names from one.
     virtual std::vector<TKvISourceColumn> SourceColumns(int HeaderRow);
@@ -193,8 +202,8 @@ protected:
     bool IsLooking() const { return Activity == acLooking; } ///< No run, but a look at the source.
 
     // What sources and the run use.
-    /// What a header says as the title of a column: without blanks at its ends, of the OEM page where the source
-    /// is.
+    /// What a header says as the title of a column: without blanks at its ends, of the OEM page where the
+    /// source is.
     std::string TitleText(std::string_view Header) const;
     /// The first characters of a column's name, as many as sources with short names keep of one.
     static std::string_view ShortName(std::string_view Column);
@@ -206,15 +215,16 @@ protected:
     /// False once the user or the observer has cancelled. Lets a click on Cancel be seen, for what takes long
     /// before the first record; that costs too much to be asked for every row.
     bool KeepsRunning() const;
-    /// Adds a line to Mappings for each field of the destination for which `SourceOf` gives the name of a source
-    /// column; an empty name is none.
+    /// Adds a line to Mappings for each field of the destination for which `SourceOf` gives the name of a
+    /// source column; an empty name is none.
     void MapFields(const std::function<std::string(const TField& Field)>& SourceOf);
     void FillKey4Locate();
     void FillKey4Values();
     /// Position of the first mapped field whose source column is `Source`, or -1.
     int GetFieldItem(std::string_view Source) const;
     /// Counts an error of the current record and offers it to the observer and to OnErrorEvent. Called while
-    /// `Error` is handled, which it raises again when one of them ends the run, and in any case during a look.
+    /// `Error` is handled, which it raises again when one of them ends the run, and in any case during a
+    /// look.
     void RecordFailed(const Exception& Error);
     /// With `Convert`, `Text` from the OEM code page to the ANSI code page.
     static std::string UECode(bool Convert, std::string_view Text);

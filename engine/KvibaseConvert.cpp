@@ -76,7 +76,8 @@ void ParseFloat(TVariant& Value, const TReading& Reading)
     if (const auto Number = TryTextToFloat(Text))
         Value = *Number;
     else if (!Reading.Extensions.Contains(rxNoNumberBoxes))
-        UserInterface().ShowMessage(mkError, "'" + std::string(Text) + "' is not a valid floating point value");
+        UserInterface().ShowMessage(mkError,
+                                    "'" + std::string(Text) + "' is not a valid floating point value");
 }
 
 void ParseDateTime(TVariant& Value, const TReading& Reading)
@@ -125,7 +126,8 @@ TVariant TKvImportBaseComponent::GetParsedValue(const TVariant& Source, int Fiel
     TVariant Value = GetFieldValue(Source);
     if (Value.IsBlank())
         Value = Null;
-    else if (const auto Parse = FieldIndex >= 0 ? ParserFor(FDataSet->Fields(FieldIndex).DataType()) : nullptr)
+    else if (const auto Parse =
+                 FieldIndex >= 0 ? ParserFor(FDataSet->Fields(FieldIndex).DataType()) : nullptr)
         Parse(Value, {.Formats = DataFormats, .Extensions = RunExtensions});
     return Value;
 }

@@ -97,8 +97,8 @@ void TKvImportBaseComponent::BuildArrayIntersection()
 
 int TKvImportBaseComponent::GetFieldItem(std::string_view Source) const
 {
-    const auto Found =
-        std::ranges::find_if(DestFields, [Source](const auto& Field) { return Field.Source.Text() == Source; });
+    const auto Found = std::ranges::find_if(
+        DestFields, [Source](const auto& Field) { return Field.Source.Text() == Source; });
     return Found != DestFields.end() ? static_cast<int>(Found - DestFields.begin()) : -1;
 }
 

@@ -114,7 +114,8 @@ void TKvImportBaseComponent::Prepare()
         ChangeProgressDlg(0, Statistic.TotalCount, 0);
     KeyFound = false;
     Aborted = false;
-    TKvBulkRun Run{.Kind = BulkKind(Mode), .ExpectedRecords = Statistic.TotalCount > 0 ? Statistic.TotalCount : -1};
+    TKvBulkRun Run{.Kind = BulkKind(Mode),
+                   .ExpectedRecords = Statistic.TotalCount > 0 ? Statistic.TotalCount : -1};
     for (const auto& Key : KeyFields)
         Run.Keys.push_back(Key.Name);
     {
@@ -171,7 +172,8 @@ void TKvImportBaseComponent::ImportRecords()
 void TKvImportBaseComponent::ShowProgress() const
 {
     const auto& S = Statistic;
-    UpdateProgressDlg(MsgImporting, S.TotalImported, S.TotalErrors, S.TotalAdded, S.TotalDeleted, S.TotalUpdated);
+    UpdateProgressDlg(MsgImporting, S.TotalImported, S.TotalErrors, S.TotalAdded, S.TotalDeleted,
+                      S.TotalUpdated);
 }
 
 void TKvImportBaseComponent::StoreRecord()

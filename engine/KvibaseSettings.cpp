@@ -26,7 +26,8 @@ void TakeSet(const TTaken& To, const TGiven& From)
     const auto Given = From.Property.Get(From.Object).Integer();
     auto Bits = To.Property.Get(To.Object).Integer();
     for (std::size_t I = 0; I < To.Property.Names.size(); ++I) {
-        const auto Same = std::ranges::find(From.Property.Names, ElementKey(To.Property.Names[I]), ElementKey);
+        const auto Same =
+            std::ranges::find(From.Property.Names, ElementKey(To.Property.Names[I]), ElementKey);
         if (Same == From.Property.Names.end())
             continue;
         const auto Bit = std::int64_t{1} << I;

@@ -72,8 +72,9 @@ std::optional<TTableTypeImport> ReadTableType(const TIniFile& File)
 void WriteMappings(TIniFile& File, const TStrings& Lines)
 {
     if (Lines.Count() > MaxMappings)
-        throw EFileError(FormatText("Cannot write file \"%s\": of %d mappings a specification holds %d",
-                                    {File.FileName(), std::to_string(Lines.Count()), std::to_string(MaxMappings)}));
+        throw EFileError(
+            FormatText("Cannot write file \"%s\": of %d mappings a specification holds %d",
+                       {File.FileName(), std::to_string(Lines.Count()), std::to_string(MaxMappings)}));
     File.WriteInteger(Mapped, CountKey, Lines.Count());
     for (int I = 0; I < Lines.Count(); ++I)
         File.WriteString(Mapped, MapKey(I), Lines[I]);
@@ -129,7 +130,8 @@ void AskForNames(std::string& SpecName, std::string& FileName, const std::string
                                       .NameLabel = SpecificationTitle,
                                       .FileLabel = "Import from File:",
                                       .SpecName = SpecName.empty() ? SpecificationTitle : SpecName,
-                                      .FileName = FileName.empty() ? ProposedFileName(SourceFileName) : FileName,
+                                      .FileName =
+                                          FileName.empty() ? ProposedFileName(SourceFileName) : FileName,
                                       .Filter = SpecificationFilter,
                                       .Ok = "&OK",
                                       .Cancel = "&Cancel"};

@@ -22,10 +22,10 @@ void ShowFailure() noexcept
 
 } // namespace
 
-bool CreateProgressDlg(const std::string& Caption, const std::string& Status, const std::string& CancelCaption,
-                       const std::string& ProcessedCaption, const std::string& ErrorsCaption,
-                       const std::string& AddedCaption, const std::string& UpdatedCaption,
-                       const std::string& DeletedCaption, bool Extended)
+bool CreateProgressDlg(const std::string& Caption, const std::string& Status,
+                       const std::string& CancelCaption, const std::string& ProcessedCaption,
+                       const std::string& ErrorsCaption, const std::string& AddedCaption,
+                       const std::string& UpdatedCaption, const std::string& DeletedCaption, bool Extended)
 {
     try {
         DestroyProgressDlg();
@@ -54,7 +54,8 @@ void ChangeProgressDlg(int Min, int Max, int Position)
         frmKvIProcess->SetRange(Min, Max, Position);
 }
 
-bool UpdateProgressDlg(const std::string& Status, int Progress, int Errors, int Added, int Deleted, int Updated)
+bool UpdateProgressDlg(const std::string& Status, int Progress, int Errors, int Added, int Deleted,
+                       int Updated)
 {
     if (!frmKvIProcess)
         return false;

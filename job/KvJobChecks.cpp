@@ -25,11 +25,13 @@ bool IsRealNumber(TFieldType Type)
 }
 
 /// Positions, in the view, of columns that go into such fields.
-std::vector<std::size_t> NumberColumns(const TJobSource& Source, const TJobPlan& Plan, const TDataSet& Destination)
+std::vector<std::size_t> NumberColumns(const TJobSource& Source, const TJobPlan& Plan,
+                                       const TDataSet& Destination)
 {
     std::vector<std::size_t> Result;
     for (const auto& Fate : Plan.Columns) {
-        const auto* const Field = Fate.Field.empty() ? nullptr : Destination.FindField(FromDisplay(Fate.Field));
+        const auto* const Field =
+            Fate.Field.empty() ? nullptr : Destination.FindField(FromDisplay(Fate.Field));
         const auto Column = std::ranges::find(Source.Columns(), Fate.Column.Name, &TKvISourceColumn::Name);
         if (Field && IsRealNumber(Field->DataType()) && Column != Source.Columns().end())
             Result.push_back(static_cast<std::size_t>(Column - Source.Columns().begin()));
@@ -49,7 +51,10 @@ std::vector<TJobFinding> CheckHeader(const TJobSource& Source, const TDataSet& D
         Values.push_back(Value.Value.ToText());
     if (!LooksLikeHeader(Values, Destination))
         return {};
-    return {{.Kind = jfLooksLikeHeader, .Name = Source.Title(), .Unit = Source.Unit(), .Number = First.Position.Number}};
+    return {{.Kind = jfLooksLikeHeader,
+             .Name = Source.Title(),
+             .Unit = Source.Unit(),
+             .Number = First.Position.Number}};
 }
 
 bool IsGroupedInThousands(std::string_view Number, char Separator, char DecimalSeparator)
@@ -77,8 +82,8 @@ bool IsGroupedInThousands(std::string_view Number, char Separator, char DecimalS
     return !Grouped || Digits == 3;
 }
 
-void CheckThousandSeparators(const TJobSource& Source, const TJobPlan& Plan, const TDataSet& Destination, char Separator,
-                             char DecimalSeparator)
+void CheckThousandSeparators(const TJobSource& Source, const TJobPlan& Plan, const TDataSet& Destination,
+                             char Separator, char DecimalSeparator)
 {
     const auto Columns = NumberColumns(Source, Plan, Destination);
     for (const auto& Row : Source.View().Rows)

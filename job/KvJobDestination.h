@@ -18,7 +18,8 @@ class TJobDestination
 {
 public:
     /// Opens database and table. Raises EJobRefused when it is not said which, and what opening raises.
-    TJobDestination(const TJobDestinationSettings& Settings, int Batch, const std::function<bool()>& Continue);
+    TJobDestination(const TJobDestinationSettings& Settings, int Batch,
+                    const std::function<bool()>& Continue);
     ~TJobDestination();
 
     TDataSet& Table() { return *Records; }
@@ -34,7 +35,8 @@ public:
     }
     void Commit();
     void Rollback();                                ///< What was committed in batches stays.
-    int Committed() const { return FCommitted; }    ///< Records of the source up to which the table is changed.
+    /// Records of the source up to which the table is changed.
+    int Committed() const { return FCommitted; }
 
 private:
     void CommitBatch();

@@ -134,8 +134,8 @@ std::unique_ptr<TKvImportFromFile> TJobFile::TakeComponent()
     return std::move(FImport);
 }
 
-/// An older file does not say where its header is. A title may stand above, but hardly one line of it; columns
-/// that find their fields by themselves have their names in row 1.
+/// An older file does not say where its header is. A title may stand above, but hardly one line of it;
+/// columns that find their fields by themselves have their names in row 1.
 void TJobFile::ReadJob(const TIniFile& File)
 {
     const int RowFirst = FImport->RowFirst;
@@ -211,7 +211,8 @@ std::string TJobFile::FindSource() const
     Refuse({.Kind = jfSourceGone, .Name = FFileName, .Value = ToDisplay(Named.string())});
 }
 
-std::vector<TJobFinding> TJobFile::FollowTitles(const TJobSource& Source, std::vector<std::string>& MapLines) const
+std::vector<TJobFinding> TJobFile::FollowTitles(const TJobSource& Source,
+                                                std::vector<std::string>& MapLines) const
 {
     std::vector<TJobFinding> Result;
     if (!Source.HasTitles())

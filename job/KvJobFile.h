@@ -4,9 +4,10 @@
 //
 //   [Job]
 //   HeaderRow=1                  the row whose titles follow; 0 or none: the source names its columns itself
-//   Line0=NAME=Field2            mapping 0, where its column was found by name: a title counts as long as it is so
+// Line0=NAME=Field2            mapping 0, where its column was found by name: a title counts as long as it is
+// so
 //   Title0=Customer              that name
-//   BooleanTrue, BooleanFalse, CodePage, OemCodePage, LegacyCodePage, AnyThousands, Destination, Table, Batch,
+// BooleanTrue, BooleanFalse, CodePage, OemCodePage, LegacyCodePage, AnyThousands, Destination, Table, Batch,
 //   StopAfter, StopShare
 #pragma once
 
@@ -28,9 +29,9 @@ class TIniFile;
 class TJobFile
 {
 public:
-    /// Reads the file once. Raises EFileError and EConvertError as loading a specification does, and Exception
-    /// when the file says that it has more mappings than it has: a file that was cut would import less than was
-    /// saved.
+    /// Reads the file once. Raises EFileError and EConvertError as loading a specification does, and
+    /// Exception when the file says that it has more mappings than it has: a file that was cut would import
+    /// less than was saved.
     explicit TJobFile(const std::string& FileName);
     TJobFile(const TJobFile&) = delete;
     TJobFile& operator=(const TJobFile&) = delete;
@@ -54,12 +55,13 @@ public:
 
     /// The code pages that it names, where `Formats` leaves them open: names in the file are in them.
     void TakeCodePages(TJobFormats& Formats) const;
-    /// The file's settings where `Settings` leaves them open. What a caller wants to overrule afterwards is its own.
+    /// The file's settings where `Settings` leaves them open. What a caller wants to overrule afterwards is
+    /// its own.
     /// Raises EJobRefused when there is no source.
     void Complete(TJobSettings& Settings) const;
 
-    /// Takes columns by the titles that they had when the import was saved: lines of `Plan` whose column stands
-    /// elsewhere now follow it. Gives what has moved; raises EJobRefused for a column that is gone.
+    /// Takes columns by the titles that they had when the import was saved: lines of `Plan` whose column
+    /// stands elsewhere now follow it. Gives what has moved; raises EJobRefused for a column that is gone.
     std::vector<TJobFinding> FollowTitles(const TJobSource& Source, std::vector<std::string>& MapLines) const;
 
 private:
@@ -77,11 +79,12 @@ private:
     TJobSettings Job;                               // what the section says
 };
 
-/// Raises Exception when a file of that name is there and is no saved import: the names may have changed places.
+/// Raises Exception when a file of that name is there and is no saved import: the names may have changed
+/// places.
 void CheckJobFile(const std::string& FileName);
 
-/// Saves what `Source` and `Plan` came to, under `Name`, into a file that is there or not; other sections of it
-/// stay. Raises EFileError, and Exception when the file is there and no saved import.
+/// Saves what `Source` and `Plan` came to, under `Name`, into a file that is there or not; other sections of
+/// it stay. Raises EFileError, and Exception when the file is there and no saved import.
 void SaveJob(const std::string& FileName, const std::string& Name, TJobSource& Source, const TJobPlan& Plan,
              const TJobSettings& Settings);
 

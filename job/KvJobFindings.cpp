@@ -5,7 +5,8 @@
 namespace kv {
 
 EJobRefused::EJobRefused(TJobFinding Found)
-    : Exception("The import was refused by check " + std::to_string(Found.Kind) + " (" + Found.Name + Found.Value + ")"),
+    : Exception("The import was refused by check " + std::to_string(Found.Kind) + " (" + Found.Name +
+                Found.Value + ")"),
       Finding(std::move(Found))
 {
 }

@@ -18,8 +18,8 @@ void TakeFormats(const TKvIDataFormats& From, TJobFormats& Formats);
 void SetFormats(const TJobFormats& Formats, TKvIDataFormats& Target);
 /// Puts the process-wide code pages in force. Raises EJobRefused for an unknown one.
 void UseCodePages(const TJobFormats& Formats);
-/// The same with the formats. Raises EJobRefused too for a date order in which dates cannot be read, and when the
-/// decimal and the thousand separator are the same.
+/// The same with the formats. Raises EJobRefused too for a date order in which dates cannot be read, and when
+/// the decimal and the thousand separator are the same.
 void UseFormats(const TJobFormats& Formats);
 
 } // namespace kv

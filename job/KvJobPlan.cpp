@@ -98,7 +98,8 @@ public:
     {
         for (int I = 0; I < DataSet.FieldCount(); ++I)
             if (const auto& Field = DataSet.Fields(I); !IsTaken(Field))
-                Plan.FieldsWithout.push_back({.Field = ToDisplay(Field.FieldName()), .Fate = FateWithoutColumn(Field)});
+                Plan.FieldsWithout.push_back(
+                    {.Field = ToDisplay(Field.FieldName()), .Fate = FateWithoutColumn(Field)});
         return std::move(Plan);
     }
 
@@ -116,7 +117,10 @@ void CheckTitles(const TJobSource& Source)
     if (Source.Kind().Part == spTableNumber && Source.IsClassic())
         Refuse({.Kind = jfClassicByOrder, .Name = Source.Title()});
     if (Source.Kind().Part == spSheet && std::ranges::all_of(Columns, HasNoTitle))
-        Refuse({.Kind = jfNoTitles, .Name = Source.Title(), .Number = Source.HeaderRow(), .Count = Source.PartNumber()});
+        Refuse({.Kind = jfNoTitles,
+                .Name = Source.Title(),
+                .Number = Source.HeaderRow(),
+                .Count = Source.PartNumber()});
     if (Columns.empty())
         Refuse({.Kind = jfNoHeader, .Name = Source.Title(), .Unit = Source.Unit()});
 }
@@ -167,20 +171,24 @@ const TField& FieldNamed(const std::string& Name, const std::string& Line, const
     Refuse({.Kind = jfNoSuchField, .Name = Line, .Value = Name, .Fields = FieldNames(DataSet)});
 }
 
-void JoinLine(TPlanBuilder& Builder, const std::string& Line, const TJobSource& Source, const TDataSet& Destination)
+void JoinLine(TPlanBuilder& Builder, const std::string& Line, const TJobSource& Source,
+              const TDataSet& Destination)
 {
     const auto Pair = SplitMapLine(Line);
     const auto& Field = FieldNamed(Pair.Field, Line, Destination);
     if (Builder.IsTaken(Field))
         Refuse({.Kind = jfFieldTwice, .Name = Line, .Value = Pair.Field});
     if (const auto Reason = Obstacle(Field); Reason != jcMapped)
-        Refuse({.Kind = Reason == jcReadOnly ? jfFieldReadOnly : jfFieldUnnameable, .Name = Line, .Value = Pair.Field});
+        Refuse({.Kind = Reason == jcReadOnly ? jfFieldReadOnly : jfFieldUnnameable,
+                .Name = Line,
+                .Value = Pair.Field});
     const auto [Column, Kind] = Source.ColumnNamed(Pair.Column);
     Builder.Join(Column, Field, FateOf(Kind));
 }
 
 /// Exactly as the lines have it.
-TJobPlan PlanByLines(const TJobSource& Source, const TDataSet& Destination, const std::vector<std::string>& Lines)
+TJobPlan PlanByLines(const TJobSource& Source, const TDataSet& Destination,
+                     const std::vector<std::string>& Lines)
 {
     TPlanBuilder Builder(Destination);
     for (const auto& Line : Lines)
@@ -189,16 +197,19 @@ TJobPlan PlanByLines(const TJobSource& Source, const TDataSet& Destination, cons
     const auto Used = std::move(Plan.Columns);
     Plan.Columns = Used;
     for (const auto& Column : Source.Columns()) {
-        const auto IsColumn = [&Column](const TJobColumnFate& Fate) { return Fate.Column.Name == Column.Name; };
+        const auto IsColumn = [&Column](const TJobColumnFate& Fate) {
+            return Fate.Column.Name == Column.Name;
+        };
         if (std::ranges::none_of(Used, IsColumn))
             Plan.Columns.push_back({.Column = Column, .Field = {}, .Fate = jcNotMapped});
     }
     return Plan;
 }
 
-/// As the destination spells them. The engine wants each mapped: a record is never looked for by fewer keys than
-/// were asked for.
-std::vector<std::string> KeyFields(const std::vector<std::string>& Keys, const TJobPlan& Plan, const TDataSet& Destination)
+/// As the destination spells them. The engine wants each mapped: a record is never looked for by fewer keys
+/// than were asked for.
+std::vector<std::string> KeyFields(const std::vector<std::string>& Keys, const TJobPlan& Plan,
+                                   const TDataSet& Destination)
 {
     std::vector<std::string> Names;
     for (const auto& Key : Keys) {
@@ -273,8 +284,9 @@ void TakePlan(TKvImportBaseComponent& Component, const TJobPlan& Plan, TImportMo
 
 bool LooksLikeHeader(const std::vector<std::string>& Values, const TDataSet& Destination)
 {
-    const auto Names = std::ranges::count_if(
-        Values, [&Destination](const std::string& Value) { return Destination.FindField(Trim(Value)) != nullptr; });
+    const auto Names = std::ranges::count_if(Values, [&Destination](const std::string& Value) {
+        return Destination.FindField(Trim(Value)) != nullptr;
+    });
     return 2 * Names > std::ssize(Values);
 }
 

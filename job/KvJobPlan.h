@@ -1,5 +1,5 @@
-// KvJobPlan - decides which column of the source goes into which field of the destination, and knows of each of
-// them what becomes of it.
+// KvJobPlan - decides which column of the source goes into which field of the destination, and knows of each
+// of them what becomes of it.
 #pragma once
 
 #include <string>
@@ -16,15 +16,18 @@ class TDataSet;
 /// What becomes of a column, or of a name that is none.
 enum TJobFate {
     jcMapped,
-    jcConstant,                                     ///< No column but a constant: every record gets this text.
-    jcMissing,                                      ///< Mapped, but the rows that were looked at have no such column.
+    /// No column but a constant: every record gets this text.
+    jcConstant,
+    /// Mapped, but the rows that were looked at have no such column.
+    jcMissing,
     jcBlank,                                        ///< Mapped, but the column holds no values.
     jcByOrder,                                      ///< Mapped; cells go to the mappings in their order.
     jcNoTitle,                                      ///< Not imported: it has no name to find a field by.
     jcNoField,                                      ///< Not imported: no field has its name.
     jcTitleTwice,                                   ///< Not imported: a column before it has that name.
     jcReadOnly,                                     ///< Not imported: its field is computed by the database.
-    jcUnnameable,                                   ///< Not imported: the name of its field cannot stand in a mapping.
+    /// Not imported: the name of its field cannot stand in a mapping.
+    jcUnnameable,
     jcNoMoreFields,                                 ///< Not imported: the table has no more fields.
     jcNotMapped                                     ///< Not imported: no line names it.
 };
@@ -52,10 +55,12 @@ struct TJobFieldWithout
 
 struct TJobPlan
 {
-    std::vector<std::string> Lines = {};            ///< For the component, in the process's code page: "ID=Field1".
+    /// For the component, in the process's code page: "ID=Field1".
+    std::vector<std::string> Lines = {};
     std::vector<TJobColumnFate> Columns = {};       ///< In the order of the source, then constants.
     std::vector<TJobFieldWithout> FieldsWithout = {}; ///< In the order of the destination.
-    std::vector<std::string> Keys = {};             ///< Fields by which records are found, UTF-8, as the table spells them.
+    /// Fields by which records are found, UTF-8, as the table spells them.
+    std::vector<std::string> Keys = {};
 };
 
 /// A field and a column, as the user spells them.
@@ -67,8 +72,9 @@ struct TJobMapPair
 /// The parts of "FIELD=column", without blanks around them. Raises EJobRefused when one is missing.
 TJobMapPair SplitMapLine(const std::string& Line);
 
-/// Joins columns and fields as `Settings` has it, and settles the keys. `Destination` is open. Raises EJobRefused
-/// where nothing maps, a line or a key names what is not there, or a record could not be looked for by all keys.
+/// Joins columns and fields as `Settings` has it, and settles the keys. `Destination` is open. Raises
+/// EJobRefused where nothing maps, a line or a key names what is not there, or a record could not be looked
+/// for by all keys.
 TJobPlan MakePlan(const TJobSource& Source, const TDataSet& Destination, const TJobPlanSettings& Settings);
 /// The same without a destination: by lines only, and fields are believed.
 TJobPlan MakePlanAlone(const TJobSource& Source, const TJobPlanSettings& Settings);

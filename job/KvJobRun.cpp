@@ -18,7 +18,8 @@ namespace kv {
 
 namespace {
 
-constexpr int RefreshEvery = 64;                    // records; a refresh that draws nothing costs next to nothing
+// records; a refresh that draws nothing costs next to nothing
+constexpr int RefreshEvery = 64;
 constexpr int ProgressEvery = 1024;
 
 } // namespace
@@ -45,8 +46,9 @@ void TJobRun::Prepare()
     UseFormats(Settings.Formats);
     FSource = OpenSource(Saved, Settings, [this] { return Observer.KeepsRunning(); });
     FFindings = FSource->Findings();
-    Destination = std::make_unique<TJobDestination>(Settings.Destination, Settings.Run.DryRun ? 0 : Settings.Run.Batch,
-                                                    [this] { return Observer.KeepsRunning(); });
+    Destination =
+        std::make_unique<TJobDestination>(Settings.Destination, Settings.Run.DryRun ? 0 : Settings.Run.Batch,
+                                          [this] { return Observer.KeepsRunning(); });
     auto Plan = Settings.Plan;
     if (Saved)
         Add(Saved->FollowTitles(*FSource, Plan.Lines));
@@ -80,7 +82,8 @@ void TJobRun::Check()
     Add(CheckHeader(*FSource, Table()));
     const auto& Formats = FSource->Component().DataFormats;
     if (Settings.Formats.CheckThousands)
-        CheckThousandSeparators(*FSource, FPlan, Table(), Formats.ThousandSeparator, Formats.DecimalSeparator);
+        CheckThousandSeparators(*FSource, FPlan, Table(), Formats.ThousandSeparator,
+                                Formats.DecimalSeparator);
 }
 
 void TJobRun::Add(std::vector<TJobFinding> More)
@@ -170,20 +173,23 @@ bool TJobRun::IsPastLimit(std::int64_t Records) const
 {
     const auto& Run = Settings.Run;
     const auto Failed = Outcome.Figures.Failed;
-    return (Run.StopAfter && Failed > *Run.StopAfter) || (Run.StopShare && Failed > *Run.StopShare * static_cast<double>(Records));
+    return (Run.StopAfter && Failed > *Run.StopAfter) ||
+           (Run.StopShare && Failed > *Run.StopShare * static_cast<double>(Records));
 }
 
 /// As many as may come: those before the first that is imported may be among them.
 std::int64_t TJobRun::ExpectedRecords() const
 {
     const auto& Component = FSource->Component();
-    return std::max<std::int64_t>(Outcome.Figures.Read, std::int64_t{Component.Statistic.TotalCount} + Component.RowFirst - 1);
+    return std::max<std::int64_t>(Outcome.Figures.Read,
+                                  std::int64_t{Component.Statistic.TotalCount} + Component.RowFirst - 1);
 }
 
 TJobError TJobRun::ErrorOf(const Exception& Error, bool InRecord) const
 {
     const auto& Component = FSource->Component();
-    TJobError Result{.Source = FSource->Title(), .Message = ToDisplay(Error.FullMessage()), .Facts = Error.Facts};
+    TJobError Result{
+        .Source = FSource->Title(), .Message = ToDisplay(Error.FullMessage()), .Facts = Error.Facts};
     if (InRecord)
         Result.Position = Component.SourcePosition();
     Result.TellsPlace = !InRecord || !Error.Facts.Place.empty(); // as the errors of table files do

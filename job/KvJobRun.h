@@ -33,7 +33,8 @@ struct TJobError
 {
     std::string Source;                             ///< As the source is called, UTF-8.
     TKvISourcePosition Position = {};               ///< Number 0: it concerns no record.
-    std::string Message;                            ///< UTF-8, without source and place where TellsPlace is false.
+    /// UTF-8, without source and place where TellsPlace is false.
+    std::string Message;
     bool TellsPlace = false;                        ///< The message itself names source and place.
     TKvErrorFacts Facts;
 
@@ -57,7 +58,8 @@ struct TJobOutcome
     TJobFigures Figures;
     int Emptied = 0;                                ///< Records that mode copy removed first.
     bool Complete = false;                          ///< All of it stands in the database.
-    int KeptRecords = 0;                            ///< Records of the source up to which the table is changed.
+    /// Records of the source up to which the table is changed.
+    int KeptRecords = 0;
     std::optional<TJobError> Failure;               ///< Why it failed; none when it did not.
     std::vector<TJobFinding> Remarks;               ///< What the run met that the user should know.
 };

@@ -1,5 +1,5 @@
-// KvJobSettings - everything that an import can be told. Whoever fills it in, a command line, a form or a saved
-// import, gets the same import. Texts are UTF-8.
+// KvJobSettings - everything that an import can be told. Whoever fills it in, a command line, a form or a
+// saved import, gets the same import. Texts are UTF-8.
 #pragma once
 
 #include <optional>
@@ -24,20 +24,22 @@ struct TJobLayout
 struct TJobSourceSettings
 {
     std::string FileName = {};                      ///< "-": standard input.
-    std::string Kind = {};                          ///< As TKvISourceKind has it; empty: told by content and name.
+    /// As TKvISourceKind has it; empty: told by content and name.
+    std::string Kind = {};
     /// Which sheet, table or tag of the file, by number or name; empty: the first or only one.
     std::string Part = {};
     TKvISourcePartKind PartKind = spNone;           ///< What Part names; another kind of source refuses it.
     bool Classic = false;                           ///< Without the extensions of the components.
     bool MsDos = false;                             ///< Text is in the OEM code page.
-    std::optional<int> RowFirst = {};               ///< From 1. Not given: after the header, when there is one.
+    /// From 1. Not given: after the header, when there is one.
+    std::optional<int> RowFirst = {};
     std::optional<int> RowLast = {};
     TJobLayout Layout = {};
     bool HasLayout = false;                         ///< Layout was said: other kinds than text refuse it.
 };
 
-/// How dates, numbers, truth and text are written in the source. What is not given has a default that does not
-/// depend on the locale: the same job imports the same everywhere.
+/// How dates, numbers, truth and text are written in the source. What is not given has a default that does
+/// not depend on the locale: the same job imports the same everywhere.
 struct TJobFormats
 {
     std::optional<TKvIDateOrder> DateOrder = {};    ///< Not given: doYMD.

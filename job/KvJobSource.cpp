@@ -50,7 +50,8 @@ TJobFinding FindingOf(const TKvISourceRemark& Remark)
 
 } // namespace
 
-TJobSource::TJobSource(const TJobSourceSettings& Given, const std::function<bool()>& Continue) : Settings(Given)
+TJobSource::TJobSource(const TJobSourceSettings& Given, const std::function<bool()>& Continue)
+    : Settings(Given)
 {
     OpenFile(Continue);
     FindKind();
@@ -59,7 +60,8 @@ TJobSource::TJobSource(const TJobSourceSettings& Given, const std::function<bool
     ListParts();
 }
 
-TJobSource::TJobSource(TJobFile& Saved, const TJobSourceSettings& Given, const std::function<bool()>& Continue)
+TJobSource::TJobSource(TJobFile& Saved, const TJobSourceSettings& Given,
+                       const std::function<bool()>& Continue)
     : Settings(Given), FComponent(Saved.TakeComponent()), FIsSaved(true), FMapsItself(Saved.MapsItself())
 {
     OpenFile(Continue);
@@ -171,7 +173,8 @@ void TJobSource::Look(const TJobLook& What)
 void TJobSource::LookAt(const std::vector<std::string>& Columns)
 {
     FView = FComponent->Look({.Rows = Rows, .HeaderRow = FHeaderRow, .Columns = Columns});
-    FColumns.assign(FView.Columns.begin(), FView.Columns.begin() + static_cast<std::ptrdiff_t>(FView.Offered));
+    FColumns.assign(FView.Columns.begin(),
+                    FView.Columns.begin() + static_cast<std::ptrdiff_t>(FView.Offered));
 }
 
 /// A header is the row above the first that is imported.
@@ -182,7 +185,10 @@ void TJobSource::SetRows(bool FindTitles)
     FComponent->RowFirst = Settings.RowFirst.value_or(UsualFirst);
     FComponent->RowLast = Settings.RowLast.value_or(FIsSaved ? FComponent->RowLast : RowLastMax);
     if (FComponent->RowLast < FComponent->RowFirst)
-        Refuse({.Kind = jfRowsOutOfOrder, .Name = FTitle, .Number = FComponent->RowFirst, .Count = FComponent->RowLast});
+        Refuse({.Kind = jfRowsOutOfOrder,
+                .Name = FTitle,
+                .Number = FComponent->RowFirst,
+                .Count = FComponent->RowLast});
     if (WantsHeader && FComponent->RowFirst == 1)
         Refuse({.Kind = jfNoHeaderLeft, .Name = FTitle, .Unit = Unit()});
     if (WantsHeader)
@@ -211,7 +217,9 @@ void TJobSource::SetLayout()
         return;
     const auto& Layout = Settings.Layout;
     Text->Fixed = Layout.Fixed;
-    Text->SetFieldDelimiterCustom(Layout.Delimiter.value_or(Layout.Fixed ? '\0' : IsCsv(Settings.FileName) ? ',' : '\t'));
+    Text->SetFieldDelimiterCustom(Layout.Delimiter.value_or(Layout.Fixed               ? '\0'
+                                                            : IsCsv(Settings.FileName) ? ','
+                                                                                       : '\t'));
     Text->SetTextQualifierCustom(Layout.Qualifier);
     Text->SetRecordSeparatorCustom(Layout.RecordSeparator);
     if (Layout.Delimiter || Layout.Fixed || FHeaderRow == 0)
@@ -246,7 +254,9 @@ void TJobSource::SelectPart()
 void TJobSource::SelectSheet()
 {
     const auto& Sheet = Settings.Part;
-    const auto IsNamed = [&Sheet](const TKvISourcePart& Each) { return SameText(ToDisplay(Each.Name), Sheet); };
+    const auto IsNamed = [&Sheet](const TKvISourcePart& Each) {
+        return SameText(ToDisplay(Each.Name), Sheet);
+    };
     std::ptrdiff_t Index = 0;
     if (const auto Number = TryTextToInt(Sheet); Number && *Number >= 1 && *Number <= std::ssize(FParts))
         Index = static_cast<std::ptrdiff_t>(*Number) - 1;
@@ -287,7 +297,9 @@ void TJobSource::SelectTable()
     if (Settings.Part.empty() && !IsOnly)
         Refuse({.Kind = jfPartMissing, .Name = FTitle, .Names = Names});
     const auto Wanted = IsOnly ? Names.front() : Settings.Part;
-    const auto IsNamed = [&Wanted](const TKvISourcePart& Each) { return SameText(ToDisplay(Each.Name), Wanted); };
+    const auto IsNamed = [&Wanted](const TKvISourcePart& Each) {
+        return SameText(ToDisplay(Each.Name), Wanted);
+    };
     const auto Found = std::ranges::find_if(FParts, IsNamed);
     if (Found == FParts.end())
         Refuse({.Kind = jfNoSuchTable, .Name = FTitle, .Value = Wanted, .Names = Names});
@@ -303,7 +315,10 @@ void TJobSource::SelectTableNumber()
     FParts = FComponent->SourceParts();
     const auto Number = TryTextToInt(Settings.Part).value_or(0);
     if (Number < 1 || Number > std::ssize(FParts))
-        Refuse({.Kind = jfNoSuchTableNumber, .Name = FTitle, .Value = Settings.Part, .Count = std::ssize(FParts)});
+        Refuse({.Kind = jfNoSuchTableNumber,
+                .Name = FTitle,
+                .Value = Settings.Part,
+                .Count = std::ssize(FParts)});
     FComponent->SelectPart(static_cast<int>(Number) - 1, FParts[static_cast<std::size_t>(Number) - 1]);
 }
 
@@ -318,7 +333,8 @@ void TJobSource::CheckText()
     for (const auto& Row : FView.Rows)
         for (std::size_t I = 0; I < Row.Values.size(); ++I)
             if (FView.Columns[I].DataType == ftString && !IsValidUtf8(Row.Values[I].Value.ToText())) {
-                FFindings.push_back({.Kind = jfForeignText, .Name = FTitle, .Value = LegacyCodePage(), .Was = OemCodePage()});
+                FFindings.push_back(
+                    {.Kind = jfForeignText, .Name = FTitle, .Value = LegacyCodePage(), .Was = OemCodePage()});
                 return;
             }
 }
@@ -355,7 +371,8 @@ TJobColumn TJobSource::ColumnNamed(const std::string& Name) const
     return {.Column = {.Name = Resolved.Name, .Title = {}}, .Kind = Resolved.Kind};
 }
 
-std::unique_ptr<TJobSource> OpenSource(TJobFile* Saved, const TJobSettings& Settings, const std::function<bool()>& Continue)
+std::unique_ptr<TJobSource> OpenSource(TJobFile* Saved, const TJobSettings& Settings,
+                                       const std::function<bool()>& Continue)
 {
     auto Source = Saved ? std::make_unique<TJobSource>(*Saved, Settings.Source, Continue)
                         : std::make_unique<TJobSource>(Settings.Source, Continue);

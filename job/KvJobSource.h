@@ -1,5 +1,5 @@
-// KvJobSource - the source of an import: its kind, its parts, its columns and its first rows, as a run will read
-// them.
+// KvJobSource - the source of an import: its kind, its parts, its columns and its first rows, as a run will
+// read them.
 #pragma once
 
 #include <functional>
@@ -40,8 +40,8 @@ struct TJobLook
 class TJobSource
 {
 public:
-    /// Opens it, says of what kind it is and lists its parts. `Continue` is asked while a pipe is read; false stops
-    /// the reading. Raises EJobRefused, and what opening the file raises.
+    /// Opens it, says of what kind it is and lists its parts. `Continue` is asked while a pipe is read; false
+    /// stops the reading. Raises EJobRefused, and what opening the file raises.
     TJobSource(const TJobSourceSettings& Settings, const std::function<bool()>& Continue);
     /// The same for a saved import, whose component is taken; rows of `Settings` win over what it says.
     TJobSource(TJobFile& Saved, const TJobSourceSettings& Settings, const std::function<bool()>& Continue);
@@ -57,7 +57,8 @@ public:
     /// Sheets or tables of the file; none where there is only the file.
     const std::vector<TKvISourcePart>& Parts() const { return FParts; }
 
-    /// Settles part, rows and layout and looks at the first rows. Once. Raises EJobRefused, and what reading raises.
+    /// Settles part, rows and layout and looks at the first rows. Once. Raises EJobRefused, and what reading
+    /// raises.
     void Look(const TJobLook& What);
 
     // After the look.
@@ -83,8 +84,8 @@ public:
     std::vector<TJobFinding> Unreadable() const;
     /// What is odd about what was loaded last, or about the last run.
     std::vector<TJobFinding> Remarks() const;
-    /// What a mapping to `Name`, UTF-8 and written in any case, takes. Raises EJobRefused when no row could ever
-    /// have it.
+    /// What a mapping to `Name`, UTF-8 and written in any case, takes. Raises EJobRefused when no row could
+    /// ever have it.
     TJobColumn ColumnNamed(const std::string& Name) const;
 
 private:
@@ -123,7 +124,8 @@ private:
 };
 
 /// Opens the source of a job, a saved one when there is `Saved`, and looks at it.
-std::unique_ptr<TJobSource> OpenSource(TJobFile* Saved, const TJobSettings& Settings, const std::function<bool()>& Continue);
+std::unique_ptr<TJobSource> OpenSource(TJobFile* Saved, const TJobSettings& Settings,
+                                       const std::function<bool()>& Continue);
 
 /// Texts of a value as it stands in the source: UTF-8, and nothing for null.
 std::string SourceText(const TVariant& Value);

@@ -1,5 +1,5 @@
-// KvCommands - the sub-commands of kvimport. Each function adds one; `Status` gets its exit status when it was
-// called for.
+// KvCommands - the sub-commands of kvimport. Each function adds one; `Status` gets its exit status when it
+// was called for.
 #pragma once
 
 #include "KvExitStatus.h"
@@ -21,8 +21,8 @@ void AddSheetsCommand(CLI::App& Program, TExitStatus& Status);  ///< The sheets 
 void AddShowCommand(CLI::App& Program, TExitStatus& Status);    ///< What a saved import says.
 void AddTablesCommand(CLI::App& Program, TExitStatus& Status);  ///< The tables of a database.
 
-/// Imports as the options have it, a saved import where they name one, and tells what was done. Exceptions become
-/// part of that.
+/// Imports as the options have it, a saved import where they name one, and tells what was done. Exceptions
+/// become part of that.
 TExitStatus RunImport(TImportOptions& Options);
 
 } // namespace kv

@@ -8,7 +8,8 @@ namespace kv {
 enum TExitStatus {
     esDone = 0,
     esRecordErrors = 1,                             ///< Done, but some records were not stored.
-    esUsage = 2,                                    ///< The command line is wrong by itself; nothing was touched.
+    /// The command line is wrong by itself; nothing was touched.
+    esUsage = 2,
     esFailed = 3,                                   ///< A file, the database or the run as a whole failed.
     esCancelled = 130                               ///< By Ctrl+C or SIGTERM.
 };

@@ -19,8 +19,8 @@ std::string Row(const TJobFinding& Found)
 
 std::string SheetText(const TJobFinding& Found)
 {
-    return "sheet " + std::to_string(Found.Number) + " of " + std::to_string(Found.Count) + ", '" + Found.Value + "'" +
-           (Found.Given ? "" : "; --sheet takes another");
+    return "sheet " + std::to_string(Found.Number) + " of " + std::to_string(Found.Count) + ", '" +
+           Found.Value + "'" + (Found.Given ? "" : "; --sheet takes another");
 }
 
 std::string HeaderText(const TJobFinding& Found)
@@ -41,8 +41,9 @@ std::string Plural(std::int64_t Count, const std::string& One, const std::string
 
 std::string RowsFrom(const TJobFinding& Found)
 {
-    return Found.Count == 1 ? Row(Found) + " has"
-                            : GroupDigits(Found.Count) + " " + Found.Unit + "s, the first of them " + Row(Found) + ", have";
+    return Found.Count == 1
+             ? Row(Found) + " has"
+             : GroupDigits(Found.Count) + " " + Found.Unit + "s, the first of them " + Row(Found) + ", have";
 }
 
 std::string OtherWidth(const TJobFinding& Found)
@@ -51,14 +52,15 @@ std::string OtherWidth(const TJobFinding& Found)
     if (Found.Kind == jfFewerValues)
         return RowsFrom(Found) + " fewer" + Than + "the missing ones count as empty";
     return RowsFrom(Found) + " more" + Than +
-           (Found.Given ? "the extra ones were not imported" : "the extra ones were imported only where a mapping names them");
+           (Found.Given ? "the extra ones were not imported"
+                        : "the extra ones were imported only where a mapping names them");
 }
 
 std::string BeyondExtent(const TJobFinding& Found)
 {
     if (Found.Kind == jfRowsBeyond)
-        return "the sheet declares " + GroupDigits(Found.Limit) + " rows and holds values down to row " + GroupDigits(Found.Count) +
-               ": the rest is not read with --classic";
+        return "the sheet declares " + GroupDigits(Found.Limit) + " rows and holds values down to row " +
+               GroupDigits(Found.Count) + ": the rest is not read with --classic";
     return "the sheet declares " + GroupDigits(Found.Limit) + " columns and holds values up to column " +
            SpreadSheetLetters(static_cast<int>(Found.Count)) + ": with --classic only --map finds the rest";
 }
@@ -100,8 +102,9 @@ std::string NoSuchField(const TJobFinding& Found)
 std::string NotThousands(const TJobFinding& Found)
 {
     const auto Name = NameOfCharacter(Found.Character);
-    return Found.Name + ", " + Found.Place + ": '" + Found.Value + "' has a " + Name + " where no thousands end; say --decimal-separator " +
-           Name + " if a fraction follows it, or --thousand-separator " + Name + " to remove it all the same";
+    return Found.Name + ", " + Found.Place + ": '" + Found.Value + "' has a " + Name +
+           " where no thousands end; say --decimal-separator " + Name +
+           " if a fraction follows it, or --thousand-separator " + Name + " to remove it all the same";
 }
 
 std::string ColumnGone(const TJobFinding& Found)
@@ -112,7 +115,9 @@ std::string ColumnGone(const TJobFinding& Found)
 
 std::string OptionOfCodePage(const std::string& Setting)
 {
-    return Setting == "CodePage" ? "--code-page" : Setting == "OemCodePage" ? "--oem-code-page" : "--legacy-code-page";
+    return Setting == "CodePage"    ? "--code-page"
+         : Setting == "OemCodePage" ? "--oem-code-page"
+                                    : "--legacy-code-page";
 }
 
 std::string SourceRefusal(const TJobFinding& Found)
@@ -120,27 +125,45 @@ std::string SourceRefusal(const TJobFinding& Found)
     switch (Found.Kind) {
     case jfNoSuchKind:        return "--from: '" + Found.Value + "' is none of " + JoinNames(KindNames());
     case jfNoSuchSetting:     return "a source of kind " + Found.Value + " has no such setting";
-    case jfUnknownFile:       return Found.Name + " is no text and of no other kind that is known; kvimport formats lists the kinds, --from "
-                                     "takes the file for one";
-    case jfIsDatabase:        return Found.Name + " is an SQLite database, into which kvimport imports; it reads none";
-    case jfRowsOutOfOrder:    return "--last-row " + std::to_string(Found.Count) + " lies before --first-row " + std::to_string(Found.Number);
-    case jfNoHeaderLeft:      return "--first-row 1 leaves no header " + Found.Unit + " to find the columns by name; use --by-position or --map";
+    case jfUnknownFile:
+        return Found.Name +
+               " is no text and of no other kind that is known; kvimport formats lists the kinds, --from "
+               "takes the file for one";
+    case jfIsDatabase:
+        return Found.Name + " is an SQLite database, into which kvimport imports; it reads none";
+    case jfRowsOutOfOrder:
+        return "--last-row " + std::to_string(Found.Count) + " lies before --first-row " +
+               std::to_string(Found.Number);
+    case jfNoHeaderLeft:
+        return "--first-row 1 leaves no header " + Found.Unit +
+               " to find the columns by name; use --by-position or --map";
     case jfNoPipe:            return SuchSource(Found.Value) + " cannot be read from " + Found.Name;
-    case jfNoOemText:         return "--charset msdos has no meaning for a source of kind " + Found.Value + ", whose text has no code page";
-    case jfPartMissing:       return "--source-table is missing; the tables of " + Found.Name + " are " + JoinNames(Found.Names);
-    case jfNoSuchTable:       return "--source-table: " + Found.Name + " has no table '" + Found.Value + "'; its tables are " +
-                                     JoinNames(Found.Names);
-    case jfNoSuchSheet:       return "--sheet: " + Found.Name + " has no sheet '" + Found.Value + "'; its sheets are " +
-                                     NumberedNames(Found.Names);
+    case jfNoOemText:
+        return "--charset msdos has no meaning for a source of kind " + Found.Value +
+               ", whose text has no code page";
+    case jfPartMissing:
+        return "--source-table is missing; the tables of " + Found.Name + " are " + JoinNames(Found.Names);
+    case jfNoSuchTable:
+        return "--source-table: " + Found.Name + " has no table '" + Found.Value + "'; its tables are " +
+               JoinNames(Found.Names);
+    case jfNoSuchSheet:
+        return "--sheet: " + Found.Name + " has no sheet '" + Found.Value + "'; its sheets are " +
+               NumberedNames(Found.Names);
     case jfNoSuchTableNumber: return NoSuchTableNumber(Found);
     case jfNoTables:          return Found.Name + " has no tables";
-    case jfNoTitles:          return "sheet " + std::to_string(Found.Count) + " of " + Found.Name + " has no names of columns in row " +
-                                     std::to_string(Found.Number) + "; --first-row is the row after the one that has them";
-    case jfNoHeader:          return Found.Name + " has no header " + Found.Unit + " to find the columns by name";
-    case jfClassicByOrder:    return "with --classic the first mapping takes the first cell of a row and so on, whatever columns are "
-                                     "called; use --by-position or --map";
+    case jfNoTitles:
+        return "sheet " + std::to_string(Found.Count) + " of " + Found.Name +
+               " has no names of columns in row " + std::to_string(Found.Number) +
+               "; --first-row is the row after the one that has them";
+    case jfNoHeader: return Found.Name + " has no header " + Found.Unit + " to find the columns by name";
+    case jfClassicByOrder:
+        return "with --classic the first mapping takes the first cell of a row and so on, whatever columns "
+               "are "
+               "called; use --by-position or --map";
     case jfNoSource:          return Found.Name + " names no source; say --source FILE";
-    case jfSourceGone:        return Found.Name + " names the source " + Found.Value + ", which is not there; --source FILE names another";
+    case jfSourceGone:
+        return Found.Name + " names the source " + Found.Value +
+               ", which is not there; --source FILE names another";
     default:                  return {};
     }
 }
@@ -148,24 +171,35 @@ std::string SourceRefusal(const TJobFinding& Found)
 std::string PlanRefusal(const TJobFinding& Found)
 {
     switch (Found.Kind) {
-    case jfNoColumnMatches:   return "no column has the name of a field; the columns are " + FirstNames(Found.Names) + "; the fields are " +
-                                     JoinNames(Found.Fields) + "; --map or --by-position joins them otherwise";
+    case jfNoColumnMatches:
+        return "no column has the name of a field; the columns are " + FirstNames(Found.Names) +
+               "; the fields are " + JoinNames(Found.Fields) +
+               "; --map or --by-position joins them otherwise";
     case jfNoColumns:         return "there is no column to import";
-    case jfBadMapLine:        return "--map: '" + Found.Value + "' is no pair such as ID=Field1: a field and a column";
+    case jfBadMapLine:
+        return "--map: '" + Found.Value + "' is no pair such as ID=Field1: a field and a column";
     case jfNoSuchField:       return NoSuchField(Found);
     case jfFieldTwice:        return "'" + Found.Name + "': the field has a column already";
-    case jfFieldReadOnly:     return "'" + Found.Name + "': its field is computed by the database: not imported";
-    case jfFieldUnnameable:   return "'" + Found.Name + "': the name of its field cannot stand in a mapping: not imported";
-    case jfNoSuchColumn:      return "'" + Found.Value + "' is no column: columns are called " + ColumnsAreCalled(Found.Was);
-    case jfKeysMissing:       return "--keys is missing: --mode " + NameOfMode(static_cast<TImportMode>(Found.Number)) + " finds records by keys, and the table has no primary key";
-    case jfKeyNotMapped:      return "--keys: the field '" + Found.Value + "' gets no column, so no record can be found by it";
-    case jfSameSeparators:    return "--decimal-separator and --thousand-separator are the same; one of them must be another";
-    case jfDateOrder:         return "dates in the order " + Found.Value + " cannot be read; say --date-order ymd, mdy or dmy";
-    case jfTableMissing:      return "--table is missing; the tables of " + Found.Name + " are " + JoinNames(Found.Names);
+    case jfFieldReadOnly: return "'" + Found.Name + "': its field is computed by the database: not imported";
+    case jfFieldUnnameable:
+        return "'" + Found.Name + "': the name of its field cannot stand in a mapping: not imported";
+    case jfNoSuchColumn:
+        return "'" + Found.Value + "' is no column: columns are called " + ColumnsAreCalled(Found.Was);
+    case jfKeysMissing:
+        return "--keys is missing: --mode " + NameOfMode(static_cast<TImportMode>(Found.Number)) +
+               " finds records by keys, and the table has no primary key";
+    case jfKeyNotMapped:
+        return "--keys: the field '" + Found.Value + "' gets no column, so no record can be found by it";
+    case jfSameSeparators:
+        return "--decimal-separator and --thousand-separator are the same; one of them must be another";
+    case jfDateOrder:
+        return "dates in the order " + Found.Value + " cannot be read; say --date-order ymd, mdy or dmy";
+    case jfTableMissing:
+        return "--table is missing; the tables of " + Found.Name + " are " + JoinNames(Found.Names);
     case jfSameFile:          return "the source and --to are the same file, " + Found.Name;
     case jfNotThousands:      return NotThousands(Found);
     case jfColumnGone:        return ColumnGone(Found);
-    case jfCodePage:          return OptionOfCodePage(Found.Name) + ": Unknown code page '" + Found.Value + "'";
+    case jfCodePage: return OptionOfCodePage(Found.Name) + ": Unknown code page '" + Found.Value + "'";
     default:                  return {};
     }
 }
@@ -175,25 +209,35 @@ std::string PlanRefusal(const TJobFinding& Found)
 std::string FindingText(const TJobFinding& Found)
 {
     switch (Found.Kind) {
-    case jfDelimiter:       return "delimiter " + NameOfCharacter(Found.Character) + ", as " + Row(Found) + " has it";
+    case jfDelimiter:
+        return "delimiter " + NameOfCharacter(Found.Character) + ", as " + Row(Found) + " has it";
     case jfSheet:           return SheetText(Found);
     case jfOnlyTable:       return "table " + Found.Value + ", the only one";
-    case jfForeignText:     return "the table does not name the code page of its text, which is taken for " + Found.Value +
-                                   "; --charset msdos takes it for " + Found.Was;
-    case jfClassicRows:     return "--classic: all records are imported, whatever --first-row and --last-row say";
-    case jfClassicCount:    return "--classic: records are taken from the first one on; --first-row and --last-row only say how many";
+    case jfForeignText:
+        return "the table does not name the code page of its text, which is taken for " + Found.Value +
+               "; --charset msdos takes it for " + Found.Was;
+    case jfClassicRows: return "--classic: all records are imported, whatever --first-row and --last-row say";
+    case jfClassicCount:
+        return "--classic: records are taken from the first one on; --first-row and --last-row only say how "
+               "many";
     case jfClassicCells:    return "--classic: the first mapping takes the first cell of a row and so on";
     case jfLooksLikeHeader: return HeaderText(Found);
     case jfSaved:           return SavedText(Found);
-    case jfMapsItself:      return "it has no mappings: columns and fields are joined by the rules of the component";
-    case jfColumnMoved:     return "column '" + Found.Value + "' is " + Found.Name + " now, it was saved as " + Found.Was;
-    case jfUnreadable:      return Plural(Found.Count, " value", " values") + " cannot be read: " + Found.Value;
+    case jfMapsItself:
+        return "it has no mappings: columns and fields are joined by the rules of the component";
+    case jfColumnMoved:
+        return "column '" + Found.Value + "' is " + Found.Name + " now, it was saved as " + Found.Was;
+    case jfUnreadable: return Plural(Found.Count, " value", " values") + " cannot be read: " + Found.Value;
     case jfFewerValues:
     case jfMoreValues:      return OtherWidth(Found);
     case jfRowsBeyond:
     case jfColumnsBeyond:   return BeyondExtent(Found);
-    case jfCellsBeyond:     return Plural(Found.Count, " value stands", " values stand") + " beyond column IV, the last that can be read";
-    case jfSeveralTables:   return "rows of " + GroupDigits(Found.Count) + " tables were read one after the other; --table-number takes one";
+    case jfCellsBeyond:
+        return Plural(Found.Count, " value stands", " values stand") +
+               " beyond column IV, the last that can be read";
+    case jfSeveralTables:
+        return "rows of " + GroupDigits(Found.Count) +
+               " tables were read one after the other; --table-number takes one";
     default:                return RefusalText(Found);
     }
 }

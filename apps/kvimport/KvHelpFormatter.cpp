@@ -24,7 +24,8 @@ std::string THelpFormatter::make_option_desc(const CLI::Option* Option) const
     return WrapWords(CLI::Formatter::make_option_desc(Option), TextWidth);
 }
 
-std::string THelpFormatter::make_help(const CLI::App* Program, std::string Name, CLI::AppFormatMode Mode) const
+std::string THelpFormatter::make_help(const CLI::App* Program, std::string Name,
+                                      CLI::AppFormatMode Mode) const
 {
     return ReplaceAll(CLI::Formatter::make_help(Program, std::move(Name), Mode), "\n\n\n", "\n\n");
 }

@@ -165,7 +165,8 @@ private:
     void TellErrors()
     {
         if (const int Hidden = Report.ErrorsMet - static_cast<int>(Report.Errors.size()); Hidden > 0)
-            Console.PrintLine("... and " + GroupDigits(Hidden) + (Hidden == 1 ? " more error" : " more errors"));
+            Console.PrintLine("... and " + GroupDigits(Hidden) +
+                              (Hidden == 1 ? " more error" : " more errors"));
         if (!Options.Quiet)
             for (const auto& Warning : FindingTexts(Report.Outcome.Remarks))
                 Console.PrintLine("Warning: " + Report.SourceName + ", " + Warning);

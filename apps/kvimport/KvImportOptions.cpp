@@ -24,12 +24,14 @@ constexpr char ExtraHelp[] =
     "      A table of an Access database; kvimport tables lists them.\n"
     "  kvimport import orders.dbf --to shop.db --table orders --charset msdos --oem-code-page 850\n"
     "      A table that does not name the code page of its text; those that do need no options.\n"
-    "  kvimport import old.txt --to shop.db --table orders --fixed --columns ID=1-9,CITY=10-29 --charset msdos\n"
+    "  kvimport import old.txt --to shop.db --table orders --fixed --columns ID=1-9,CITY=10-29 --charset "
+    "msdos\n"
     "      A file of fixed width from an MS-DOS program.\n"
     "  zcat orders.csv.gz | kvimport import - --to shop.db --table orders --delimiter comma --json\n"
     "      Standard input; what was done goes to standard output as one JSON object.\n"
     "\n"
-    "The run is one transaction: when it fails or is cancelled nothing of it stays. Records that cannot be stored\n"
+    "The run is one transaction: when it fails or is cancelled nothing of it stays. Records that cannot be "
+    "stored\n"
     "are reported and left out, the others are kept. With --batch every N records are kept for good.\n"
     "\n"
     "Exit status: 0 done, 1 done but some records were not stored, 2 wrong usage, 3 failed, 130 cancelled.";
@@ -51,7 +53,8 @@ void AddMappingOptions(CLI::App& Command, TImportOptions& Options)
                        "A field and its column, such as CITY=Field3 (may be repeated; only these are used)")
         ->type_name("FIELD=COLUMN")
         ->allow_extra_args(false);
-    Command.add_flag("--by-position", Options.ByPosition, "First column to first field, and so on, instead of by name");
+    Command.add_flag("--by-position", Options.ByPosition,
+                     "First column to first field, and so on, instead of by name");
 }
 
 } // namespace
@@ -73,24 +76,30 @@ void AddDestinationOptions(CLI::App& Command, TJobSettings& Job)
     auto& Destination = Job.Destination;
     Command.add_option("--to", Destination.Url, "SQLite database to import into")->type_name("FILE");
     Command.add_option("--table", Destination.Table, "Table to import into")->type_name("NAME");
-    AddChecked(Command, "--batch", "N", "Keep every N records for good (default: one transaction for the run)",
+    AddChecked(Command, "--batch", "N",
+               "Keep every N records for good (default: one transaction for the run)",
                [&Job](const std::string& Text) { Job.Run.Batch = ReadCount(Text, 1); });
-    AddChecked(Command, "--busy-timeout", "MS", "Milliseconds to wait for other programs' locks (default: 5000)",
+    AddChecked(Command, "--busy-timeout", "MS",
+               "Milliseconds to wait for other programs' locks (default: 5000)",
                [&Destination](const std::string& Text) { Destination.BusyTimeout = ReadCount(Text, 0); });
-    AddChecked(Command, "--cache-size", "KIB", "Page cache of the database (default: 12288 with keys, else its own)",
+    AddChecked(Command, "--cache-size", "KIB",
+               "Page cache of the database (default: 12288 with keys, else its own)",
                [&Destination](const std::string& Text) { Destination.CacheSize = ReadCount(Text, 0); });
 }
 
-void AddModeOptions(CLI::App& Command, TImportOptions& Options, const std::function<void(TImportMode)>& SetMode)
+void AddModeOptions(CLI::App& Command, TImportOptions& Options,
+                    const std::function<void(TImportMode)>& SetMode)
 {
-    AddChoice(Command, "--mode", "What a record does to the table: append (default), update, append-update, delete, or copy, "
+    AddChoice(Command, "--mode",
+              "What a record does to the table: append (default), update, append-update, delete, or copy, "
               "which empties the table first",
               {{"append", [SetMode] { SetMode(imAppend); }},
                {"update", [SetMode] { SetMode(imUpdate); }},
                {"append-update", [SetMode] { SetMode(imAppendUpdate); }},
                {"delete", [SetMode] { SetMode(imDelete); }},
                {"copy", [SetMode] { SetMode(imCopy); }}});
-    AddChecked(Command, "--keys", "LIST", "Fields that tell records apart, such as 'ID' or 'ID;CITY' (default: the primary key)",
+    AddChecked(Command, "--keys", "LIST",
+               "Fields that tell records apart, such as 'ID' or 'ID;CITY' (default: the primary key)",
                [&Options](const std::string& Text) { Options.Job.Plan.Keys = ReadNames(Text); });
 }
 
@@ -109,9 +118,12 @@ void AddPlanOptions(CLI::App& Command, TImportOptions& Options)
 
 void AddRunOptions(CLI::App& Command, TImportOptions& Options)
 {
-    Command.add_flag("--dry-run", Options.Job.Run.DryRun, "Do all of it, say what came of it, and roll it back");
-    Command.add_flag("--abort-on-error", Options.AbortOnError, "Fail at the first record that cannot be stored");
-    AddChecked(Command, "--stop-after", "N", "Fail, and roll back, once more than N records could not be stored",
+    Command.add_flag("--dry-run", Options.Job.Run.DryRun,
+                     "Do all of it, say what came of it, and roll it back");
+    Command.add_flag("--abort-on-error", Options.AbortOnError,
+                     "Fail at the first record that cannot be stored");
+    AddChecked(Command, "--stop-after", "N",
+               "Fail, and roll back, once more than N records could not be stored",
                [&Options](const std::string& Text) { Options.Job.Run.StopAfter = ReadCount(Text, 0); });
     AddChecked(Command, "--max-errors", "N", "Errors of records to show (default: 20); all are counted",
                [&Options](const std::string& Text) { Options.MaxErrors = ReadCount(Text, 0); });

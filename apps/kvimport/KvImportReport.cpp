@@ -145,7 +145,8 @@ std::string OutcomeText(const TImportReport& Report)
     case esRecordErrors:
         Text << (Report.Outcome.DryRun ? "Tried: " : "Done: ") << Stored(Figures);
         if (Figures.Failed > 0)
-            Text << "; " << Records(Figures.Failed) << " failed and " << (Figures.Failed == 1 ? "was" : "were") << " left out";
+            Text << "; " << Records(Figures.Failed) << " failed and "
+                 << (Figures.Failed == 1 ? "was" : "were") << " left out";
         if (Report.Options.Job.Plan.Mode == imCopy)
             Text << "; " << Records(Report.Outcome.Emptied) << " removed before";
         if (Report.Outcome.DryRun)

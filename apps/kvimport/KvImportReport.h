@@ -17,7 +17,8 @@ struct TImportReport
 
     const TImportOptions& Options;
     std::string SourceName;
-    std::vector<std::string> Findings;              ///< How the source was read, where the options left it open.
+    /// How the source was read, where the options left it open.
+    std::vector<std::string> Findings;
     TJobPlan Plan;
     std::vector<std::string> Remarks;               ///< On each column of Plan.
     TJobOutcome Outcome;

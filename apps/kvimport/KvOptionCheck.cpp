@@ -13,8 +13,8 @@
 
 namespace kv {
 
-CLI::Option* AddChecked(CLI::App& Command, const std::string& Name, const std::string& ValueName, const std::string& Help,
-                        std::function<void(const std::string&)> Read)
+CLI::Option* AddChecked(CLI::App& Command, const std::string& Name, const std::string& ValueName,
+                        const std::string& Help, std::function<void(const std::string&)> Read)
 {
     const auto Named = [Name, Read = std::move(Read)](const std::string& Text) {
         try {
@@ -45,7 +45,8 @@ int ReadCount(std::string_view Text, int Least)
 {
     const auto Number = TryTextToInt(Text);
     if (!Number || *Number < Least || *Number > std::numeric_limits<int>::max())
-        throw EUsageError("'" + std::string(Text) + "' is no whole number from " + std::to_string(Least) + " on");
+        throw EUsageError("'" + std::string(Text) + "' is no whole number from " + std::to_string(Least) +
+                          " on");
     return static_cast<int>(*Number);
 }
 

@@ -15,8 +15,8 @@ class Option;
 namespace kv {
 
 /// `Read` gets the option's text and raises EUsageError when it has no meaning.
-CLI::Option* AddChecked(CLI::App& Command, const std::string& Name, const std::string& ValueName, const std::string& Help,
-                        std::function<void(const std::string&)> Read);
+CLI::Option* AddChecked(CLI::App& Command, const std::string& Name, const std::string& ValueName,
+                        const std::string& Help, std::function<void(const std::string&)> Read);
 
 /// A word and what it sets.
 struct TChoice

@@ -18,8 +18,9 @@ struct TNamedCharacter
     char Value;
 };
 
-constexpr TNamedCharacter NamedCharacters[] = {{"none", '\0'}, {"tab", '\t'},  {"comma", ','}, {"semicolon", ';'},
-                                               {"space", ' '}, {"quot", '"'}, {"apos", '\''}};
+constexpr TNamedCharacter NamedCharacters[] = {{"none", '\0'},     {"tab", '\t'},  {"comma", ','},
+                                               {"semicolon", ';'}, {"space", ' '}, {"quot", '"'},
+                                               {"apos", '\''}};
 
 struct TNamedText
 {
@@ -46,7 +47,8 @@ char ReadEscape(std::string_view Text, std::size_t& Pos)
         break;
     default:   break;
     }
-    throw EUsageError("'" + std::string(Text) + "': after a backslash stands t, r, n, 0, x and two hexadecimal digits, "
+    throw EUsageError("'" + std::string(Text) +
+                      "': after a backslash stands t, r, n, 0, x and two hexadecimal digits, "
                       "or another backslash");
 }
 
@@ -71,7 +73,8 @@ template <class TTake> void ForEachPiece(std::string_view Text, TTake Take)
 std::string ReadFixedColumn(std::string_view Piece)
 {
     const auto Refuse = [Piece]() -> EUsageError {
-        return EUsageError("'" + std::string(Piece) + "' is no column such as CITY=10-29: a field, its first and its last byte");
+        return EUsageError("'" + std::string(Piece) +
+                           "' is no column such as CITY=10-29: a field, its first and its last byte");
     };
     const auto Equal = Piece.rfind('=');
     if (Equal == Piece.npos)
@@ -108,7 +111,8 @@ char ReadCharacter(std::string_view Text)
         return Named->Value;
     const auto Plain = Unescape(Text);
     if (Plain.size() != 1)
-        throw EUsageError("'" + std::string(Text) + "' is not a single character, nor one of the words tab, comma, "
+        throw EUsageError("'" + std::string(Text) +
+                          "' is not a single character, nor one of the words tab, comma, "
                           "semicolon, space, quot, apos, none");
     return Plain.front();
 }

@@ -37,7 +37,8 @@ std::string RemarkOn(const TJobColumnFate& Fate, const TJobSource& Source)
     case jcUnnameable:   return "the name of its field cannot stand in a mapping: not imported";
     case jcNoMoreFields: return "the table has no more fields: not imported";
     case jcNotMapped:
-        return Source.IsSaved() ? "the saved import does not name it: not imported" : "no --map names it: not imported";
+        return Source.IsSaved() ? "the saved import does not name it: not imported"
+                                : "no --map names it: not imported";
     }
     return {};
 }

@@ -45,7 +45,8 @@ void AddPreviewOptions(CLI::App& Command, TPreviewOptions& Options)
     AddChecked(Command, "--rows", "N", "Rows to show (default: 20)",
                [&Options](const std::string& Text) { Options.Rows = ReadCount(Text, 1); });
     Command.add_flag("--json", Options.Json, "Print the rows as one JSON object");
-    Command.add_flag("--classic", Options.Source.Classic, "Read as the components do by themselves; see kvimport import --help");
+    Command.add_flag("--classic", Options.Source.Classic,
+                     "Read as the components do by themselves; see kvimport import --help");
     AddSourceOptions(Command, Options.Source);
     Command.option_defaults()->group("How values are written");
     AddCodePageOptions(Command, Options.Formats);
@@ -65,7 +66,8 @@ std::vector<std::string> CellTexts(const TKvISourceView& View, const TKvISourceR
 {
     std::vector<std::string> Texts;
     for (std::size_t I = 0; I < Row.Values.size(); ++I)
-        Texts.push_back(CellText(Row.Values[I], I < View.Columns.size() ? View.Columns[I].DataType : ftUnknown));
+        Texts.push_back(
+            CellText(Row.Values[I], I < View.Columns.size() ? View.Columns[I].DataType : ftUnknown));
     return Texts;
 }
 

@@ -20,8 +20,10 @@ constexpr char ExtraHelp[] =
     "  kvimport run orders.kvi --to shop.db --table orders --source march.csv --mode append-update\n"
     "      The same layout and mappings, another file and mode.\n"
     "\n"
-    "Options win over what the file says. A source that is not found as the file names it is looked for beside\n"
-    "the file. Columns that were found by name when the import was saved are found by name again, wherever they\n"
+    "Options win over what the file says. A source that is not found as the file names it is looked for "
+    "beside\n"
+    "the file. Columns that were found by name when the import was saved are found by name again, wherever "
+    "they\n"
     "stand now; a source that lacks one of them is refused before its first record.\n"
     "\n"
     "Exit status: 0 done, 1 done but some records were not stored, 2 wrong usage, 3 failed, 130 cancelled.";
@@ -38,7 +40,9 @@ void LeaveOutDefaults(CLI::App& Command)
 void AddOptions(CLI::App& Command, TImportOptions& Import)
 {
     Command.footer(ExtraHelp);
-    Command.add_option("FILE", Import.Specification, "Import specification, a .kvi file")->required()->type_name("");
+    Command.add_option("FILE", Import.Specification, "Import specification, a .kvi file")
+        ->required()
+        ->type_name("");
     Command.add_option("--source", Import.Source.FileName, "Import this file instead; - is standard input")
         ->type_name("FILE");
     Command.option_defaults()->group("Destination");

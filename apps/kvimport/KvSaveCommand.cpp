@@ -49,7 +49,9 @@ void AddOptions(CLI::App& Command, TSaveOptions& Options)
     Command.add_option("--name", Options.Name, "Name of the specification (default: that of its file)")
         ->type_name("TEXT");
     Command.option_defaults()->group("Destination");
-    Command.add_option("--to", Import.Job.Destination.Url, "SQLite database whose fields are meant; it is not changed")
+    Command
+        .add_option("--to", Import.Job.Destination.Url,
+                    "SQLite database whose fields are meant; it is not changed")
         ->type_name("FILE");
     Command.add_option("--table", Import.Job.Destination.Table, "Its table")->type_name("NAME");
     AddPlanOptions(Command, Import);
@@ -59,15 +61,17 @@ void CheckOptions(const TSaveOptions& Options)
 {
     const auto& Job = Options.Import.Job;
     if (Job.Source.FileName == "-" || IsReadOnce(Job.Source.FileName))
-        throw EUsageError("a specification names a file that can be read again, which " + Job.Source.FileName +
-                          " is not");
+        throw EUsageError("a specification names a file that can be read again, which " +
+                          Job.Source.FileName + " is not");
     if (!Job.Destination.Url.empty())
         return;
     if (Job.Plan.Lines.empty())
-        throw EUsageError("--to and --table are missing: they say which fields there are; without them --map must "
-                          "say it");
+        throw EUsageError(
+            "--to and --table are missing: they say which fields there are; without them --map must "
+            "say it");
     if (NeedsKeys(Job.Plan.Mode) && Job.Plan.Keys.empty())
-        throw EUsageError("--keys is missing: --mode " + NameOfMode(Job.Plan.Mode) + " finds records by keys");
+        throw EUsageError("--keys is missing: --mode " + NameOfMode(Job.Plan.Mode) +
+                          " finds records by keys");
 }
 
 /// What is odd about the column or its way, in a line; empty when nothing is.
@@ -119,7 +123,8 @@ void Save(TSaveOptions& Options)
     CheckOptions(Options);
     if (Options.Name.empty())
         Options.Name = std::filesystem::path(Options.FileName).stem().string();
-    const auto Remarks = Options.Import.Job.Destination.Url.empty() ? SaveAlone(Options) : SaveForTable(Options);
+    const auto Remarks =
+        Options.Import.Job.Destination.Url.empty() ? SaveAlone(Options) : SaveForTable(Options);
     PrintSpecification(std::cout, TJobFile(Options.FileName));
     for (const auto& Remark : Remarks)
         if (!Remark.empty())
@@ -132,7 +137,8 @@ void Save(TSaveOptions& Options)
 void AddSaveCommand(CLI::App& Program, TExitStatus& Status)
 {
     const auto Options = std::make_shared<TSaveOptions>();
-    auto* const Command = Program.add_subcommand("save", "Save the options of an import as a specification file");
+    auto* const Command =
+        Program.add_subcommand("save", "Save the options of an import as a specification file");
     AddOptions(*Command, *Options);
     Command->callback([Options, &Status] {
         WordRefusals(Options->Import.Source, [&Options] { Save(*Options); });

@@ -34,7 +34,8 @@ void AddOptions(CLI::App& Command, TSheetsOptions& Options)
                    "  kvimport import book.xls --sheet Orders --to shop.db --table orders");
     AddSourceFile(Command, Options.Source, "Workbook to look into; - is standard input");
     Command.add_flag("--json", Options.Json, "Print the sheets as one JSON object");
-    Command.add_flag("--classic", Options.Source.Classic, "Rows and columns as the sheets declare them; see kvimport import --help");
+    Command.add_flag("--classic", Options.Source.Classic,
+                     "Rows and columns as the sheets declare them; see kvimport import --help");
     AddCodePageOptions(Command, Options.Formats);
 }
 

@@ -41,7 +41,9 @@ void AddShowCommand(CLI::App& Program, TExitStatus& Status)
 {
     const auto Options = std::make_shared<TShowOptions>();
     auto* const Command = Program.add_subcommand("show", "Show what a specification file says");
-    Command->add_option("FILE", Options->FileName, "Import specification, a .kvi file")->required()->type_name("");
+    Command->add_option("FILE", Options->FileName, "Import specification, a .kvi file")
+        ->required()
+        ->type_name("");
     Command->add_flag("--json", Options->Json, "Print it as one JSON object");
     AddCodePageOptions(*Command, Options->Formats);
     Command->callback([Options, &Status] {

@@ -16,28 +16,33 @@ void AddSharedOptions(CLI::App& Command, TSourceOptions& Options)
 {
     Command.option_defaults()->group("What is read");
     AddRowOptions(Command, Options);
-    AddChoice(Command, "--charset",
-              "ansi or msdos: text is in the ANSI code page (default) or in the OEM code page, whatever a table file "
-              "says of itself",
-              {{"ansi", [&Options] { Options.MsDos = false; }}, {"msdos", [&Options] { Options.MsDos = true; }}});
+    AddChoice(
+        Command, "--charset",
+        "ansi or msdos: text is in the ANSI code page (default) or in the OEM code page, whatever a table "
+        "file "
+        "says of itself",
+        {{"ansi", [&Options] { Options.MsDos = false; }}, {"msdos", [&Options] { Options.MsDos = true; }}});
 }
 
 void AddTextOptions(CLI::App& Command, TSourceOptions& Options)
 {
     auto& Layout = Options.Layout;
-    AddChecked(Command, "--delimiter", "CHAR",
-               "What separates the values: tab, comma, semicolon, space, none or any character (default: comma for "
-               ".csv, else tab, or what the header line has instead)",
-               [&Layout](const std::string& Text) { Layout.Delimiter = ReadCharacter(Text); });
+    AddChecked(
+        Command, "--delimiter", "CHAR",
+        "What separates the values: tab, comma, semicolon, space, none or any character (default: comma for "
+        ".csv, else tab, or what the header line has instead)",
+        [&Layout](const std::string& Text) { Layout.Delimiter = ReadCharacter(Text); });
     AddChecked(Command, "--qualifier", "CHAR",
                "What encloses a value that holds delimiters: quot (default), apos, none or any character",
                [&Layout](const std::string& Text) { Layout.Qualifier = ReadCharacter(Text); });
     AddChecked(Command, "--record-separator", "TEXT",
-               "What ends a record: crlf (default, also takes CR or LF alone), cr, lf or any characters, such as '\\x1E'",
+               "What ends a record: crlf (default, also takes CR or LF alone), cr, lf or any characters, "
+               "such as '\\x1E'",
                [&Layout](const std::string& Text) { Layout.RecordSeparator = ReadRecordSeparator(Text); });
-    Command.add_flag("--fixed", Layout.Fixed,
-                     "Values stand at fixed positions, told by --columns or --map; blanks at their ends are no part of "
-                     "them");
+    Command.add_flag(
+        "--fixed", Layout.Fixed,
+        "Values stand at fixed positions, told by --columns or --map; blanks at their ends are no part of "
+        "them");
     AddChecked(Command, "--columns", "LIST",
                "Fields and their bytes in a line, from 1: ID=1-9,CITY=10-29 (with --fixed)",
                [&Layout](const std::string& Text) { Layout.Columns = ReadFixedColumns(Text); });
@@ -54,7 +59,8 @@ void SetPart(TSourceOptions& Options, TKvISourcePartKind Kind, const std::string
 void AddPart(CLI::App& Command, TSourceOptions& Options, TKvISourcePartKind Kind, const std::string& Name,
              const std::string& ValueName, const std::string& Help)
 {
-    AddChecked(Command, Name, ValueName, Help, [&Options, Kind](const std::string& Text) { SetPart(Options, Kind, Text); });
+    AddChecked(Command, Name, ValueName, Help,
+               [&Options, Kind](const std::string& Text) { SetPart(Options, Kind, Text); });
 }
 
 /// Adds the options of a kind as a group of their own; those that the user gives are noted.
@@ -75,18 +81,21 @@ template <class TAdd> void AddGroup(CLI::App& Command, const char* Group, TSourc
 void AddSourceFile(CLI::App& Command, TSourceOptions& Options, const std::string& FileHelp)
 {
     Command.add_option("FILE", Options.FileName, FileHelp)->required()->type_name("");
-    Command.add_option("--from", Options.Kind,
-                       "Kind of the source, as kvimport formats lists them (default: told by what the file holds and "
-                       "its name)")
+    Command
+        .add_option(
+            "--from", Options.Kind,
+            "Kind of the source, as kvimport formats lists them (default: told by what the file holds and "
+            "its name)")
         ->type_name("KIND");
 }
 
 void AddRowOptions(CLI::App& Command, TSourceOptions& Options)
 {
-    AddChecked(Command, "--first-row", "N",
-               "First line, row or record to import, from 1 (default: 2 when columns are found by name in a header, "
-               "else 1)",
-               [&Options](const std::string& Text) { Options.RowFirst = ReadCount(Text, 1); });
+    AddChecked(
+        Command, "--first-row", "N",
+        "First line, row or record to import, from 1 (default: 2 when columns are found by name in a header, "
+        "else 1)",
+        [&Options](const std::string& Text) { Options.RowFirst = ReadCount(Text, 1); });
     AddChecked(Command, "--last-row", "N", "Last line, row or record to import (default: the last)",
                [&Options](const std::string& Text) { Options.RowLast = ReadCount(Text, 1); });
 }
@@ -96,14 +105,16 @@ void AddSourceOptions(CLI::App& Command, TSourceOptions& Options)
     AddSharedOptions(Command, Options);
     AddGroup(Command, TextOptionGroup, Options, [&] { AddTextOptions(Command, Options); });
     AddGroup(Command, HtmlOptionGroup, Options, [&] {
-        AddChecked(Command, "--table-number", "N",
-                   "Number of the table, from 1, those inside others counted (default: all, one after the other)",
-                   [&Options](const std::string& Text) {
-                       SetPart(Options, spTableNumber, std::to_string(ReadCount(Text, 1)));
-                   });
+        AddChecked(
+            Command, "--table-number", "N",
+            "Number of the table, from 1, those inside others counted (default: all, one after the other)",
+            [&Options](const std::string& Text) {
+                SetPart(Options, spTableNumber, std::to_string(ReadCount(Text, 1)));
+            });
     });
     AddGroup(Command, XmlOptionGroup, Options, [&] {
-        AddPart(Command, Options, spRowTag, "--row-tag", "NAME", "Tag that the records stand in (default: ROWDATA)");
+        AddPart(Command, Options, spRowTag, "--row-tag", "NAME",
+                "Tag that the records stand in (default: ROWDATA)");
     });
     AddGroup(Command, SheetOptionGroup, Options, [&] {
         AddPart(Command, Options, spSheet, "--sheet", "SHEET",

@@ -15,8 +15,8 @@ public:
     /// Keeps a reference.
     explicit TSpecification(const TJobFile& Saved) : File(Saved) {}
 
-    /// A published property of the component, the name of the value for an enumeration; empty when it has none of
-    /// that name.
+    /// A published property of the component, the name of the value for an enumeration; empty when it has
+    /// none of that name.
     std::string Text(std::string_view Property) const;
     /// The elements of its set "Extensions", without their prefix.
     std::vector<std::string> Extensions() const;

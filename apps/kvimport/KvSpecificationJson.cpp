@@ -26,7 +26,8 @@ TJson MappingsJson(const TStrings& Lines)
 {
     auto List = TJson::array();
     for (int I = 0; I < Lines.Count(); ++I)
-        List.push_back({{"field", ToDisplay(Trim(Lines.NameAt(I)))}, {"column", ToDisplay(Trim(Lines.ValueAt(I)))}});
+        List.push_back(
+            {{"field", ToDisplay(Trim(Lines.NameAt(I)))}, {"column", ToDisplay(Trim(Lines.ValueAt(I)))}});
     return List;
 }
 

@@ -92,17 +92,19 @@ void PrintSpecification(std::ostream& Out, const TJobFile& Saved)
         Out << ", saved by " << VisibleText(ToDisplay(Saved.Application()));
     Out << '\n';
     TPrinter Printer(Out);
-    Printer.Line("source", Specification.Text("SourceFileName") + " (" + std::string(Specification.Kind()) + ")");
+    Printer.Line("source",
+                 Specification.Text("SourceFileName") + " (" + std::string(Specification.Kind()) + ")");
     Printer.Line("sheet", Specification.Sheet());
     Printer.Line("table", Specification.Table());
     if (Specification.HasLayout())
         Printer.Line("layout", LayoutText(Specification));
     Printer.Line("rows", RowsText(Specification));
     Printer.Line("text", Import.CharacterSet == csiASCII_MSDOS ? "OEM code page" : "ANSI code page");
-    Printer.Line("dates", NameOfDateOrder(Formats.DateOrder) + ", separator " + NameOfCharacter(Formats.DateSeparator));
+    Printer.Line("dates", NameOfDateOrder(Formats.DateOrder) + ", separator " +
+                              NameOfCharacter(Formats.DateSeparator));
     Printer.Line("times", "separator " + NameOfCharacter(Formats.TimeSeparator));
-    Printer.Line("numbers", "decimal separator " + NameOfCharacter(Formats.DecimalSeparator) + ", thousand separator " +
-                                NameOfCharacter(Formats.ThousandSeparator));
+    Printer.Line("numbers", "decimal separator " + NameOfCharacter(Formats.DecimalSeparator) +
+                                ", thousand separator " + NameOfCharacter(Formats.ThousandSeparator));
     Printer.Line("extensions", JoinNames(Specification.Extensions()));
     Printer.Line("records", DestinationText(Saved));
     PrintMappings(Out, Import.Mappings());

@@ -35,8 +35,11 @@ void AddOptions(CLI::App& Command, TTablesOptions& Options)
                    "  kvimport tables northwind.mdb\n"
                    "  kvimport import northwind.mdb --source-table Orders --to shop.db --table orders\n"
                    "\n"
-                   "Databases are read by the program kvaccess, beside this one or in the PATH; KV_ACCESS_HELPER names another.");
-    Command.add_option("FILE", Options.Source.FileName, "Access database to look into")->required()->type_name("");
+                   "Databases are read by the program kvaccess, beside this one or in the PATH; "
+                   "KV_ACCESS_HELPER names another.");
+    Command.add_option("FILE", Options.Source.FileName, "Access database to look into")
+        ->required()
+        ->type_name("");
     Command.add_flag("--system", Options.System, "List the tables that Access keeps for itself too");
     Command.add_flag("--json", Options.Json, "Print the tables as one JSON object");
     AddCodePageOptions(Command, Options.Formats);
@@ -47,8 +50,8 @@ using TTables = std::vector<TKvISourcePart>;
 TTables ListTables(const TTablesOptions& Options, const TJobSource& Source)
 {
     if (Source.Kind().Part != spTable)
-        throw Exception(Source.Title() + " is no Access database but of kind " + std::string(Source.Kind().Name) +
-                        "; kvimport preview shows what it holds");
+        throw Exception(Source.Title() + " is no Access database but of kind " +
+                        std::string(Source.Kind().Name) + "; kvimport preview shows what it holds");
     TTables Listed;
     for (const auto& Table : Source.Parts())
         if (Options.System || !Table.IsSystem)

@@ -18,7 +18,8 @@ constexpr int Gap = 2, MinWidth = 6, MaxWidth = 200;
 /// Digits with whatever stands between them: dates and amounts line up as well.
 bool LooksLikeNumber(std::string_view Text)
 {
-    return Text.find_first_of("0123456789") != Text.npos && Text.find_first_not_of("0123456789.,+-/: ") == Text.npos;
+    return Text.find_first_of("0123456789") != Text.npos &&
+           Text.find_first_not_of("0123456789.,+-/: ") == Text.npos;
 }
 
 } // namespace
@@ -62,8 +63,8 @@ void TTextTable::Shrink(std::vector<TColumn>& Columns, int Width)
     }
 }
 
-void TTextTable::PrintLine(std::ostream& Out, const std::vector<std::string>& Cells, const std::vector<TColumn>& Columns,
-                           int Width)
+void TTextTable::PrintLine(std::ostream& Out, const std::vector<std::string>& Cells,
+                           const std::vector<TColumn>& Columns, int Width)
 {
     std::string Line;
     for (std::size_t I = 0; I < Columns.size(); ++I) {

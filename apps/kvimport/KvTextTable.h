@@ -30,8 +30,8 @@ private:
 
     std::vector<TColumn> Measure() const;
     static void Shrink(std::vector<TColumn>& Columns, int Width);
-    static void PrintLine(std::ostream& Out, const std::vector<std::string>& Cells, const std::vector<TColumn>& Columns,
-                          int Width);
+    static void PrintLine(std::ostream& Out, const std::vector<std::string>& Cells,
+                          const std::vector<TColumn>& Columns, int Width);
 
     std::vector<std::vector<std::string>> Headings, Rows;
 };

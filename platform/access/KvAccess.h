@@ -48,8 +48,8 @@ public:
     /// All tables, those of Access itself too, in the order of the database.
     virtual const std::vector<TAccessTable>& TableDefs() = 0;
     /// Positioned on the first record. `Type` is AccessTableRecordset. Names match without regard to case.
-    virtual std::unique_ptr<TAccessRecordset> OpenRecordset(const std::string& TableName, int Type, int Options,
-                                                            int Locking) = 0;
+    virtual std::unique_ptr<TAccessRecordset> OpenRecordset(const std::string& TableName, int Type,
+                                                            int Options, int Locking) = 0;
     /// Its recordsets are not closed with it.
     virtual void Close() = 0;
 };

@@ -20,9 +20,9 @@ namespace {
 class TAccessStream
 {
 public:
-    TAccessStream(const TAccessHelperOptions& Options, std::string DatabaseName, std::vector<std::string> Arguments)
-        : FileName(std::move(DatabaseName)),
-          Helper(Options, Arguments),
+    TAccessStream(const TAccessHelperOptions& Options, std::string DatabaseName,
+                  std::vector<std::string> Arguments)
+        : FileName(std::move(DatabaseName)), Helper(Options, Arguments),
           Reader([this](char* Bytes, std::size_t Size) { return Helper.Receive(Bytes, Size); })
     {
     }

@@ -68,8 +68,9 @@ TAccessMessage TAccessReader::Next()
         if (!Start.starts_with(AccessMagic))
             RaiseNotUnderstood("not its own");
         if (const auto Version = static_cast<std::uint8_t>(Start.back()); Version != AccessVersion)
-            throw EFormatError("the reader of Access databases is of another version (" + std::to_string(Version) +
-                               " instead of " + std::to_string(AccessVersion) + ")");
+            throw EFormatError("the reader of Access databases is of another version (" +
+                               std::to_string(Version) + " instead of " + std::to_string(AccessVersion) +
+                               ")");
         Started = true;
     }
     TKvByteCursor Header(Take(sizeof(std::uint32_t) + 1));

@@ -69,8 +69,8 @@ void TDataSet::Shut()
 
 TField* TDataSet::FindField(std::string_view FieldName) const
 {
-    const auto Found =
-        std::ranges::find_if(FFields, [FieldName](const auto& Field) { return SameText(Field->FieldName(), FieldName); });
+    const auto Found = std::ranges::find_if(
+        FFields, [FieldName](const auto& Field) { return SameText(Field->FieldName(), FieldName); });
     return Found != FFields.end() ? Found->get() : nullptr;
 }
 
@@ -78,7 +78,8 @@ TField& TDataSet::FieldByName(std::string_view FieldName) const
 {
     if (auto* const Field = FindField(FieldName))
         return *Field;
-    Fail("field '" + std::string(FieldName) + "' not found", {.Field = std::string(FieldName), .Rule = erMissing});
+    Fail("field '" + std::string(FieldName) + "' not found",
+         {.Field = std::string(FieldName), .Rule = erMissing});
 }
 
 // --- Asking before opening --------------------------------------------------------------------------
@@ -148,10 +149,12 @@ bool TDataSet::Locate(std::string_view KeyFields, const TVariant& KeyValues, TLo
     const auto& Keys = ResolveFields(KeyFields);
     const int ValueCount = KeyValues.IsArray() ? KeyValues.HighBound() - KeyValues.LowBound() + 1 : 1;
     if (ValueCount != static_cast<int>(Keys.size()))
-        Fail("Locate needs " + std::to_string(Keys.size()) + " key values, not " + std::to_string(ValueCount));
+        Fail("Locate needs " + std::to_string(Keys.size()) + " key values, not " +
+             std::to_string(ValueCount));
     LocateValues.resize(Keys.size());
     for (std::size_t I = 0; I < Keys.size(); ++I) {
-        const TVariant& Value = KeyValues.IsArray() ? KeyValues[KeyValues.LowBound() + static_cast<int>(I)] : KeyValues;
+        const TVariant& Value =
+            KeyValues.IsArray() ? KeyValues[KeyValues.LowBound() + static_cast<int>(I)] : KeyValues;
         if (!Keys[I]->TryConvert(Value, LocateValues[I]))
             return false;
     }

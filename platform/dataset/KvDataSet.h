@@ -75,7 +75,8 @@ public:
 
     // The cursor. Moving posts a record that is being written and was assigned to, as Post does.
     void First();
-    void Next();                                    ///< Past the last record Eof turns true and it stays there.
+    /// Past the last record Eof turns true and it stays there.
+    void Next();
     bool Eof();                                     ///< True when no record is current.
     int RecordCount();                              ///< All records, up to 2,147,483,647.
 
@@ -91,8 +92,10 @@ public:
     /// Stores the record being written and makes it current: dsBrowse. When a required field has no
     /// value or the dataset refuses, it raises and the state stays as it was.
     void Post();
-    void Cancel();                                  ///< Drops the record being written; does nothing without one.
-    void Delete();                                  ///< Deletes the current record; the one after it becomes current.
+    /// Drops the record being written; does nothing without one.
+    void Cancel();
+    /// Deletes the current record; the one after it becomes current.
+    void Delete();
 
     // Many records in a row. Whoever writes them says so first, and at the end whatever has happened; changes
     // may then be kept back for as long as nobody can see it, and errors come late.

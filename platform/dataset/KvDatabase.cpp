@@ -24,15 +24,17 @@ std::vector<TKvDatabaseDriver>& Registered()
 
 TKvDatabaseDriver* FindDriver(std::string_view Scheme)
 {
-    const auto Found =
-        std::ranges::find_if(Registered(), [Scheme](const auto& Driver) { return SameText(Driver.Scheme, Scheme); });
+    const auto Found = std::ranges::find_if(
+        Registered(), [Scheme](const auto& Driver) { return SameText(Driver.Scheme, Scheme); });
     return Found != Registered().end() ? &*Found : nullptr;
 }
 
 bool ReadsAsScheme(std::string_view Word)
 {
     const auto IsLetter = [](char C) { return (C >= 'a' && C <= 'z') || (C >= 'A' && C <= 'Z'); };
-    const auto MayFollow = [&](char C) { return IsLetter(C) || (C >= '0' && C <= '9') || C == '+' || C == '-'; };
+    const auto MayFollow = [&](char C) {
+        return IsLetter(C) || (C >= '0' && C <= '9') || C == '+' || C == '-';
+    };
     return Word.size() >= ShortestScheme && IsLetter(Word.front()) && std::ranges::all_of(Word, MayFollow);
 }
 
@@ -56,9 +58,10 @@ bool IsFile(std::string_view Name)
 
 TPublishedProperties TKvDatabase::PublishedProperties() const
 {
-    return PublishAfter(TComponent::PublishedProperties(), {Publish("DatabaseName", &TKvDatabase::DatabaseName),
-                                                            Publish("CacheSize", &TKvDatabase::CacheSize),
-                                                            Publish("BusyTimeout", &TKvDatabase::BusyTimeout)});
+    return PublishAfter(TComponent::PublishedProperties(),
+                        {Publish("DatabaseName", &TKvDatabase::DatabaseName),
+                         Publish("CacheSize", &TKvDatabase::CacheSize),
+                         Publish("BusyTimeout", &TKvDatabase::BusyTimeout)});
 }
 
 std::vector<std::string> TKvDatabase::TableNames()
@@ -90,7 +93,8 @@ std::unique_ptr<TKvDatabase> MakeDatabase(std::string_view Url)
         if (const auto* const Driver = FindDriver(Scheme))
             return Driver->Create(Url.substr(Colon + 1));
         if (ReadsAsScheme(Scheme) && !IsFile(Url))
-            RaiseUnknown(Url, "there is no such file, and \"" + std::string(Scheme) + "\" is no kind of database");
+            RaiseUnknown(Url,
+                         "there is no such file, and \"" + std::string(Scheme) + "\" is no kind of database");
     }
     const auto OfPaths = std::ranges::find(Registered(), true, &TKvDatabaseDriver::TakesPaths);
     if (OfPaths == Registered().end())

@@ -42,8 +42,10 @@ public:
     TPublishedProperties PublishedProperties() const override;
 
     // Settings. A driver that has nothing like one ignores it. The first two count from the next Open.
-    std::string DatabaseName;                       ///< In the words of the driver: a file, a connection string.
-    int CacheSize = 0;                              ///< KiB of memory for pages; 0: the driver decides, also by run.
+    /// In the words of the driver: a file, a connection string.
+    std::string DatabaseName;
+    /// KiB of memory for pages; 0: the driver decides, also by run.
+    int CacheSize = 0;
     int BusyTimeout = 5000;                         ///< Milliseconds to wait for the locks of others.
     /// Asked, in the thread that called, while the database waits for others, works long on a statement or
     /// stores what it has taken, and before a commit; false gives up at once with an error. What it raises
@@ -84,7 +86,8 @@ struct TKvDatabaseDriver
     std::string Title;                              ///< For people, "SQLite".
     /// A closed database, of what follows the scheme and its colon.
     std::function<std::unique_ptr<TKvDatabase>(std::string_view Name)> Create;
-    bool TakesPaths = false;                        ///< A text without a scheme is the name of one of its files.
+    /// A text without a scheme is the name of one of its files.
+    bool TakesPaths = false;
 };
 
 /// For the start of a program; adapters have a function that does it. Takes the place of a driver of the

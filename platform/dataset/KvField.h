@@ -24,7 +24,8 @@ enum TFieldType {
     ftBoolean,                                      ///< vkBoolean
     ftFloat,                                        ///< vkDouble
     ftCurrency,                                     ///< vkCurrency or vkDouble: an amount of money
-    ftBCD,                                          ///< exact decimal: vkInteger, vkCurrency, vkDouble or digits as vkString
+    /// exact decimal: vkInteger, vkCurrency, vkDouble or digits as vkString
+    ftBCD,
     ftDate,                                         ///< vkDateTime without a fraction
     ftTime,                                         ///< vkDateTime, only a fraction
     ftDateTime,                                     ///< vkDateTime
@@ -49,11 +50,13 @@ struct TFieldDef
 {
     std::string Name;
     TFieldType DataType = ftString;
-    int Size = 0;                                   ///< Characters of text, bytes of binary data; 0: no limit.
+    /// Characters of text, bytes of binary data; 0: no limit.
+    int Size = 0;
     bool Required = false;                          ///< A record without a value is refused.
     bool ReadOnly = false;                          ///< Computed or maintained by the database.
     bool HasDefault = false;                        ///< The database supplies a value that is not assigned.
-    std::string Label = {};                         ///< What people call the field; empty where nobody has said.
+    /// What people call the field; empty where nobody has said.
+    std::string Label = {};
 };
 
 /// A field of an open dataset; the dataset owns it, and closing the dataset ends it.

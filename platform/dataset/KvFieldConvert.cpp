@@ -24,10 +24,12 @@ struct TIntegerRange
 TIntegerRange RangeOf(TFieldType Type)
 {
     switch (Type) {
-    case ftSmallint: return {std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max()};
+    case ftSmallint:
+        return {std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max()};
     case ftWord:     return {0, std::numeric_limits<std::uint16_t>::max()};
-    case ftLargeint: return {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()};
-    default:         return {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()};
+    case ftLargeint:
+        return {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()};
+    default: return {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()};
     }
 }
 
@@ -205,7 +207,8 @@ std::string Quoted(const TVariant& Value)
 }
 
 /// `Why` follows the value in the message.
-[[noreturn]] void Refuse(const TField& Field, const TVariant& Value, TKvErrorRule Rule, const std::string& Why)
+[[noreturn]] void Refuse(const TField& Field, const TVariant& Value, TKvErrorRule Rule,
+                         const std::string& Why)
 {
     throw EConvertError(Quoted(Value) + Why, {.Field = Field.FieldName(),
                                               .Value = Value.IsArray() ? "" : Value.ToText(),
@@ -217,7 +220,8 @@ std::string Quoted(const TVariant& Value)
 
 bool IsIntegerField(TFieldType Type)
 {
-    return Type == ftSmallint || Type == ftInteger || Type == ftWord || Type == ftAutoInc || Type == ftLargeint;
+    return Type == ftSmallint || Type == ftInteger || Type == ftWord || Type == ftAutoInc ||
+           Type == ftLargeint;
 }
 
 bool ConvertFieldValue(TFieldType Type, const TVariant& Value, TVariant& Result)
@@ -275,7 +279,8 @@ void RaiseConversion(const TField& Field, const TVariant& Value)
                    " for field '" + Field.FieldName() + "'");
     }
     Refuse(Field, Value, erConversion,
-           " is not a valid " + std::string(TypeInWords(Type)) + " value for field '" + Field.FieldName() + "'");
+           " is not a valid " + std::string(TypeInWords(Type)) + " value for field '" + Field.FieldName() +
+               "'");
 }
 
 } // namespace kv

@@ -59,8 +59,10 @@ private:
     std::uint64_t HashOfRow(const TIndex& Index, TRowNumber Row) const;
     bool RowMatches(TRowNumber Row, std::span<TField* const> Keys, std::span<const TVariant> Values,
                     TLocateOptions Options) const;
-    bool LocateByIndex(std::span<TField* const> Keys, std::span<const TVariant> Values, TLocateOptions Options);
-    bool LocateByScan(std::span<TField* const> Keys, std::span<const TVariant> Values, TLocateOptions Options);
+    bool LocateByIndex(std::span<TField* const> Keys, std::span<const TVariant> Values,
+                       TLocateOptions Options);
+    bool LocateByScan(std::span<TField* const> Keys, std::span<const TVariant> Values,
+                      TLocateOptions Options);
     TRowNumber NextRow(TRowNumber From) const;      // the first that is not deleted, or Rows.size()
 
     std::vector<TFieldDef> Defs;

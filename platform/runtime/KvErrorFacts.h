@@ -17,11 +17,13 @@ enum TKvErrorRule {
     erRequired,                                     ///< The field must have a value.
     erReadOnly,                                     ///< The field or the dataset cannot be changed.
     erUnique,                                       ///< Another record has the value already.
-    erForeignKey,                                   ///< A record that is referred to, or refers to this one, forbids it.
+    /// A record that is referred to, or refers to this one, forbids it.
+    erForeignKey,
     erCheck,                                        ///< A condition that the database declares does not hold.
     erMissing,                                      ///< A file, table, field or record is not there.
     erBusy,                                         ///< Somebody else holds what is needed.
-    erStorage,                                      ///< The disk is full, or a file cannot be read, written or trusted.
+    /// The disk is full, or a file cannot be read, written or trusted.
+    erStorage,
     erCancelled                                     ///< The user has asked to stop.
 };
 
@@ -32,9 +34,11 @@ struct TKvErrorFacts
     /// The message does not name the file, as its text is fixed: whoever shows it puts the name before.
     bool LacksFileName = false;
     std::string Place = {};                         ///< Where in it: "record 17", "line 18", "cell B3".
-    /// The field of the destination, or the column of the source; of several together the names are joined by ";".
+    /// The field of the destination, or the column of the source; of several together the names are joined by
+    /// ";".
     std::string Field = {};
-    std::string Value = {};                         ///< Its value as text, whole; of several fields joined alike.
+    /// Its value as text, whole; of several fields joined alike.
+    std::string Value = {};
     TKvErrorRule Rule = erNone;
     std::int64_t Offset = -1;                       ///< Of the byte in the file, from 0.
     /// The record at fault, by the tag of whoever wrote it, usually its number from 1. Of an error that comes

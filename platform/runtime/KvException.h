@@ -20,7 +20,10 @@ public:
     const char* what() const noexcept override { return Message.c_str(); }
 
     /// Message, behind the name of the file where it lacks that.
-    std::string FullMessage() const { return Facts.LacksFileName ? Facts.FileName + ": " + Message : Message; }
+    std::string FullMessage() const
+    {
+        return Facts.LacksFileName ? Facts.FileName + ": " + Message : Message;
+    }
 
     std::string Message;                            ///< Complete text for users, UTF-8.
     TKvErrorFacts Facts;                            ///< What Message says, in parts; those that are known.

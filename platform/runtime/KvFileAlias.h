@@ -1,5 +1,5 @@
-// KvFileAlias - lets a file be opened under a name that is not its own, so that whatever reads it calls it as its
-// user does: "standard input".
+// KvFileAlias - lets a file be opened under a name that is not its own, so that whatever reads it calls it as
+// its user does: "standard input".
 #pragma once
 
 #include <string>

@@ -36,12 +36,14 @@ struct TPublishedProperty
     std::function<TVariant(const TPersistent&)> Get = {}; ///< Empty for pkObject and pkEvent.
     /// Empty when the property is read-only. Takes a value of just this kind: SetPropValue makes it one.
     std::function<void(TPersistent&, const TVariant&)> Set = {};
-    std::function<TPersistent*(const TPersistent&)> GetObject = {}; ///< The object of pkObject, may give none.
+    /// The object of pkObject, may give none.
+    std::function<TPersistent*(const TPersistent&)> GetObject = {};
     /// Refers to another object, or to none. Empty where the object is a part of its owner.
     std::function<void(TPersistent&, TPersistent*)> SetObject = {};
     std::span<const std::string_view> Names = {};   ///< Element names of pkEnumeration and pkSet, in order.
     bool Stored = true;                             ///< False for values that are not saved with the object.
-    bool Place = false;                             ///< It says which part of a file is meant: a sheet, a table.
+    /// It says which part of a file is meant: a sheet, a table.
+    bool Place = false;
     TVariant Default = {};                          ///< What a new object has, see WithDefaults; else empty.
 };
 

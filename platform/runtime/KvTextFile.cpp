@@ -85,7 +85,8 @@ TKvTextFile::TKvTextFile(const std::string& FileName, TKvFindEncoding Declared,
     }
 }
 
-void TKvTextFile::Read(const std::string& FileName, std::size_t MaxSize, const std::function<bool()>& Continue)
+void TKvTextFile::Read(const std::string& FileName, std::size_t MaxSize,
+                       const std::function<bool()>& Continue)
 {
     Bytes = ReadFileBytes(FileName, MaxSize, Continue);
     FText = Bytes.View();

@@ -38,7 +38,8 @@ public:
                 const std::function<bool()>& Continue = {});
     /// Reads all of a file whose text tells its encoding, in which it becomes process text: a byte order
     /// mark comes first, then what `Declared` finds. Same errors.
-    TKvTextFile(const std::string& FileName, TKvFindEncoding Declared, const std::function<bool()>& Continue = {});
+    TKvTextFile(const std::string& FileName, TKvFindEncoding Declared,
+                const std::function<bool()>& Continue = {});
     TKvTextFile(const TKvTextFile&) = delete;
     TKvTextFile& operator=(const TKvTextFile&) = delete;
 

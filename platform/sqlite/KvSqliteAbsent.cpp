@@ -60,7 +60,10 @@ void TSQLiteDataSet::InternalFirst() {}
 void TSQLiteDataSet::InternalNext() {}
 bool TSQLiteDataSet::InternalEof() { return true; }
 TVariant TSQLiteDataSet::InternalGetValue(const TField&) { return {}; }
-bool TSQLiteDataSet::InternalLocate(std::span<TField* const>, std::span<const TVariant>, TLocateOptions) { return false; }
+bool TSQLiteDataSet::InternalLocate(std::span<TField* const>, std::span<const TVariant>, TLocateOptions)
+{
+    return false;
+}
 void TSQLiteDataSet::ReleaseCursor() {}
 
 // --- TSQLiteTable -----------------------------------------------------------------------------------
@@ -76,7 +79,10 @@ int TSQLiteTable::InternalRecordCount() { return 0; }
 void TSQLiteTable::InternalInsert(const TRecordBuffer&) {}
 void TSQLiteTable::InternalUpdate(const TRecordBuffer&) {}
 void TSQLiteTable::InternalDelete() {}
-bool TSQLiteTable::InternalLocate(std::span<TField* const>, std::span<const TVariant>, TLocateOptions) { return false; }
+bool TSQLiteTable::InternalLocate(std::span<TField* const>, std::span<const TVariant>, TLocateOptions)
+{
+    return false;
+}
 void TSQLiteTable::ReleaseCursor() {}
 void TSQLiteTable::TransactionRolledBack() {}
 std::string TSQLiteTable::PrimaryKeyFields() const { return {}; }

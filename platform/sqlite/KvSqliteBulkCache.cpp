@@ -25,7 +25,8 @@ TSQLiteBulkCache::TSQLiteBulkCache(TSQLiteConnection& Owner, const std::string& 
 {
     constexpr std::int64_t BytesInKiB = 1024;
     const auto Size = ReadSetting(Owner, Setting);
-    const auto Present = Size < 0 ? -Size : Size * ReadSetting(Owner, QuoteName(Schema) + ".page_size") / BytesInKiB;
+    const auto Present =
+        Size < 0 ? -Size : Size * ReadSetting(Owner, QuoteName(Schema) + ".page_size") / BytesInKiB;
     if (Present >= BulkCacheSize)
         return;
     Owner.Execute("PRAGMA " + Setting + " = -" + std::to_string(BulkCacheSize));

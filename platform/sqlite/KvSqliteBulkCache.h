@@ -22,7 +22,8 @@ public:
 private:
     TSQLiteConnection& Connection;
     const std::string Setting;                      // as statements spell it
-    int Before = 0;                                 // as SQLite counts: pages, or KiB below zero; 0: nothing was changed
+    // as SQLite counts: pages, or KiB below zero; 0: nothing was changed
+    int Before = 0;
 };
 
 } // namespace kv

@@ -65,7 +65,8 @@ int TSQLiteChangeQueue::ChangesSoFar() const
 bool TSQLiteChangeQueue::MayTake(std::int64_t Rowid, bool Exists)
 {
     const auto Known = std::exchange(Answer, {});
-    return Known && Known->Rowid == Rowid && Known->Exists == Exists && Known->Changes == ChangesSoFar() && IsReady();
+    return Known && Known->Rowid == Rowid && Known->Exists == Exists && Known->Changes == ChangesSoFar() &&
+           IsReady();
 }
 
 /// True when changes may be taken: from a number of them on that came one after the other.
@@ -83,7 +84,8 @@ bool TSQLiteChangeQueue::IsReady()
     Inserts.Set.clear();
     Updates.Set.clear();
     if (!Delete)
-        Delete = TSQLiteStatement(Connection, "DELETE FROM " + Table.QualifiedName() + " WHERE " + Table.KeyCondition(1),
+        Delete = TSQLiteStatement(Connection,
+                                  "DELETE FROM " + Table.QualifiedName() + " WHERE " + Table.KeyCondition(1),
                                   Table.Title);
     Active = true;
     return true;
@@ -110,7 +112,8 @@ bool TSQLiteChangeQueue::TryDelete(std::int64_t Rowid, std::int64_t Tag)
 }
 
 bool TSQLiteChangeQueue::TryWrite(TWrites& Writes, TKind Kind, const TRecordBuffer& Record,
-                                  const decltype(TRecordBuffer::Assigned)& Set, std::int64_t Rowid, std::int64_t Tag)
+                                  const decltype(TRecordBuffer::Assigned)& Set, std::int64_t Rowid,
+                                  std::int64_t Tag)
 {
     if (!MayTake(Rowid, Kind == ckUpdate))
         return false;
@@ -145,9 +148,10 @@ void TSQLiteChangeQueue::Prepare(TWrites& Writes, TKind Kind, const decltype(TRe
     }
     AddToList(Names, Key.Sql);
     AddToList(Params, "?");
-    const auto Sql = Kind == ckInsert
-                         ? "INSERT INTO " + Table.QualifiedName() + " (" + Names + ") VALUES (" + Params + ")"
-                         : "UPDATE " + Table.QualifiedName() + " SET " + Assignments + " WHERE " + Key.Sql + " = ?";
+    const auto Sql =
+        Kind == ckInsert
+            ? "INSERT INTO " + Table.QualifiedName() + " (" + Names + ") VALUES (" + Params + ")"
+            : "UPDATE " + Table.QualifiedName() + " SET " + Assignments + " WHERE " + Key.Sql + " = ?";
     Writes.Statement = TSQLiteStatement(Connection, Sql, Table.Title);
     Writes.Set = Set;
 }
@@ -185,7 +189,8 @@ void TSQLiteChangeQueue::StoreAll()
         return;
     Connection.SetQueue(nullptr);                   // the statements are its own
     std::ranges::sort(Changes, {}, &TChange::Rowid);
-    const auto Failed = std::ranges::find_if_not(Changes, [this](const TChange& Change) { return Store(Change); });
+    const auto Failed =
+        std::ranges::find_if_not(Changes, [this](const TChange& Change) { return Store(Change); });
     const bool Stored = Failed == Changes.end();
     const auto Tag = Stored ? -1 : TagOf(*Failed);
     Clear();
@@ -212,7 +217,8 @@ bool TSQLiteChangeQueue::Store(const TChange& Change)
     auto& Writes = Change.Kind == ckInsert ? Inserts : Updates;
     const auto Width = Writes.Columns.size();
     for (std::size_t I = 0; I < Width; ++I)
-        BindValue(Writes.Statement.Get(), static_cast<int>(I) + 1, Writes.Block.Value(Change.Row * Width + I));
+        BindValue(Writes.Statement.Get(), static_cast<int>(I) + 1,
+                  Writes.Block.Value(Change.Row * Width + I));
     return Run(Writes.Statement, static_cast<int>(Width) + 1, Change.Rowid);
 }
 

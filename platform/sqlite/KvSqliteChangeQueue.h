@@ -61,8 +61,8 @@ public:
     // ones are always left. Raise EDatabaseError when changes taken before could not be stored; it names the
     // one by its `Tag`.
     bool TryInsert(const TRecordBuffer& Record, std::int64_t Rowid, std::int64_t Tag);
-    bool TryUpdate(const TRecordBuffer& Record, const decltype(TRecordBuffer::Assigned)& Set, std::int64_t Rowid,
-                   std::int64_t Tag);
+    bool TryUpdate(const TRecordBuffer& Record, const decltype(TRecordBuffer::Assigned)& Set,
+                   std::int64_t Rowid, std::int64_t Tag);
     bool TryDelete(std::int64_t Rowid, std::int64_t Tag);
 
     void Finish() override;

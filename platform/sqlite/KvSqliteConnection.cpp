@@ -42,17 +42,18 @@ TSQLiteConnection::TSQLiteConnection(const TSQLiteDatabase& Wanted)
     const int Access = Settings.ReadOnly ? SQLITE_OPEN_READONLY
                        : SQLITE_OPEN_READWRITE | (Settings.CreateIfMissing ? SQLITE_OPEN_CREATE : 0);
     sqlite3* Opened = nullptr;
-    const int Code = sqlite3_open_v2(FFileName.c_str(), &Opened, Access | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE,
-                                     nullptr);
+    const int Code = sqlite3_open_v2(FFileName.c_str(), &Opened,
+                                     Access | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
     FHandle.reset(Opened);
     if (Code != SQLITE_OK) {
         const int SystemError = sqlite3_system_errno(Opened);
         auto Error = TakeError();
         if (SystemError == ENOENT)
             Error.Facts.Rule = erMissing;
-        throw EDatabaseError("Cannot open database \"" + FFileName + "\": " +
-                                 (SystemError != 0 ? std::generic_category().message(SystemError) : Error.Text),
-                             Error.Facts);
+        throw EDatabaseError(
+            "Cannot open database \"" + FFileName +
+                "\": " + (SystemError != 0 ? std::generic_category().message(SystemError) : Error.Text),
+            Error.Facts);
     }
     Configure();
 }
@@ -133,7 +134,8 @@ TSQLiteError TSQLiteConnection::TakeError()
     const bool Busy = (Code & PrimaryCode) == SQLITE_BUSY;
     TSQLiteError Error;
     Error.Text = Busy ? "the database is locked by another connection" : sqlite3_errmsg(Handle());
-    Error.Facts = {.FileName = FFileName, .Rule = Busy && GaveUp ? erCancelled : RuleOfCode(Code, Error.Text)};
+    Error.Facts = {.FileName = FFileName,
+                   .Rule = Busy && GaveUp ? erCancelled : RuleOfCode(Code, Error.Text)};
     Error.Text += LossAfterFailure();
     Error.Raised = std::exchange(Raised, nullptr);
     return Error;
@@ -248,7 +250,9 @@ void TSQLiteConnection::StartTransaction()
 void TSQLiteConnection::Commit()
 {
     if (InTransaction() && !GoesOn())
-        Raise({.Text = "interrupted", .Facts = {.Rule = erCancelled}, .Raised = std::exchange(Raised, nullptr)});
+        Raise({.Text = "interrupted",
+               .Facts = {.Rule = erCancelled},
+               .Raised = std::exchange(Raised, nullptr)});
     CommitNow();
 }
 
@@ -287,7 +291,8 @@ void TSQLiteConnection::CommitBatch()
 void TSQLiteConnection::CheckNotLost()
 {
     if (Lost)
-        Fail("the transaction was rolled back; it must be ended before anything else is written", {.Rule = erStorage});
+        Fail("the transaction was rolled back; it must be ended before anything else is written",
+             {.Rule = erStorage});
 }
 
 void TSQLiteConnection::BeginChange(int CommitEvery)
@@ -295,7 +300,8 @@ void TSQLiteConnection::BeginChange(int CommitEvery)
     if (InTransaction())
         return;
     CheckNotLost();
-    Owner = toNobody;                               // whatever it was ended by a statement of the program's own
+    // whatever it was ended by a statement of the program's own
+    Owner = toNobody;
     if (CommitEvery > 1)
         Begin(toBatch);
 }

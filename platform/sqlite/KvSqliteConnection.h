@@ -34,7 +34,8 @@ public:
     /// A number that no earlier call gave, for names of temporary tables.
     int NextSerial() { return ++Serial; }
 
-    /// The reason for which the last call failed, also that SQLite has rolled back the transaction, if it has.
+    /// The reason for which the last call failed, also that SQLite has rolled back the transaction, if it
+    /// has.
     TSQLiteError TakeError();
     /// Raises what the program raised, or EDatabaseError "<file>: <Subject>: <reason>".
     [[noreturn]] void Raise(const TSQLiteError& Error, std::string_view Subject = {}) const;

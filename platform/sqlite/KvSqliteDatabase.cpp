@@ -44,7 +44,8 @@ TSQLiteDatabase::~TSQLiteDatabase()
     try {
         Close();
     }
-    catch (...) {                                   // a last batch that cannot be committed, and nobody left to tell
+    // a last batch that cannot be committed, and nobody left to tell
+    catch (...) {
         FConnection->Rollback();
         Close();
     }
@@ -115,11 +116,13 @@ void TSQLiteDatabase::Flush()
 
 std::vector<TKvTableInfo> TSQLiteDatabase::Tables()
 {
-    TSQLiteStatement Select(Connection(), "SELECT name, type = 'view' FROM main.sqlite_schema WHERE type IN ('table', 'view') "
-                                          "AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\' ORDER BY name COLLATE NOCASE");
+    TSQLiteStatement Select(
+        Connection(), "SELECT name, type = 'view' FROM main.sqlite_schema WHERE type IN ('table', 'view') "
+                      "AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\' ORDER BY name COLLATE NOCASE");
     std::vector<TKvTableInfo> Found;
     while (Select.Step())
-        Found.push_back({.Name = Utf8ToAnsi(Select.Column(0).Bytes), .IsView = Select.Column(1).Integer != 0});
+        Found.push_back(
+            {.Name = Utf8ToAnsi(Select.Column(0).Bytes), .IsView = Select.Column(1).Integer != 0});
     return Found;
 }
 

@@ -47,8 +47,10 @@ public:
     bool CheckFile = false;
 
     // OnWait in two halves. Both may be asked, and OnWait too.
-    std::function<bool()> OnBusy;                   ///< Asked between two tries while another program holds a lock.
-    std::function<bool()> OnWork;                   ///< Asked every millisecond or so while a statement works.
+    /// Asked between two tries while another program holds a lock.
+    std::function<bool()> OnBusy;
+    /// Asked every millisecond or so while a statement works.
+    std::function<bool()> OnWork;
 
     void Open() override;
     void Close() override;

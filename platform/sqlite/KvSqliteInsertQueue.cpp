@@ -82,7 +82,8 @@ bool TSQLiteInsertQueue::MayStart(const TRecordBuffer& Record)
 void TSQLiteInsertQueue::Start(const TRecordBuffer& Record)
 {
     KeyColumn = Table.Key.front().Column;
-    TSQLiteStatement Max(Connection, "SELECT ifnull(max(" + Table.Key.front().Sql + "), 0) FROM " + Table.QualifiedName());
+    TSQLiteStatement Max(Connection, "SELECT ifnull(max(" + Table.Key.front().Sql + "), 0) FROM " +
+                                         Table.QualifiedName());
     Max.Step();
     LastRowid = Max.Column(0).Integer;
     Max.Reset();
@@ -97,8 +98,9 @@ void TSQLiteInsertQueue::Start(const TRecordBuffer& Record)
         Names += ", " + QuoteName(Table.Columns[I].Name);
         Params += ", ?";
     }
-    Insert = TSQLiteStatement(Connection, "INSERT INTO " + Table.QualifiedName() + " (" + Names + ") VALUES (" + Params + ")",
-                              Table.Title);
+    Insert = TSQLiteStatement(
+        Connection, "INSERT INTO " + Table.QualifiedName() + " (" + Names + ") VALUES (" + Params + ")",
+        Table.Title);
     Filling.Clear();
     if (!Thread.joinable())
         Thread = StartThread([this] { RunBlocks(); });

@@ -38,7 +38,8 @@ public:
     /// Stores all that was taken, and takes nothing before the next number of records. Raises as TryAdd.
     void Finish() override;
     void Forget() override;
-    /// Waits until the thread has nothing to do, and ends its work when the program is asked and wants to stop.
+    /// Waits until the thread has nothing to do, and ends its work when the program is asked and wants to
+    /// stop.
     void Pause() override;
     /// True while records are being taken: the connection is shared with the thread.
     bool IsActive() const { return Active; }

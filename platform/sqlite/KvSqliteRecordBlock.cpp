@@ -34,8 +34,8 @@ void TSQLiteRecordBlock::Add(const TSQLiteValue& Value)
     case ssReal:    Cells.push_back({std::bit_cast<std::int64_t>(Value.Real), 0, ssReal}); break;
     case ssText:
     case ssBlob:
-        Cells.push_back({static_cast<std::int64_t>(Texts.size()), static_cast<std::uint32_t>(Value.Bytes.size()),
-                         Value.Storage});
+        Cells.push_back({static_cast<std::int64_t>(Texts.size()),
+                         static_cast<std::uint32_t>(Value.Bytes.size()), Value.Storage});
         Texts.append(Value.Bytes);
         break;
     }

@@ -76,7 +76,8 @@ bool TSchemaReader::FindTable(const TSQLiteName& Wanted)
 void TSchemaReader::ReadColumns()
 {
     enum THidden { hdNone, hdOfVirtualTable, hdVirtual, hdStored };
-    auto Select = Query("SELECT cid, name, type, \"notnull\", dflt_value, pk, hidden FROM pragma_table_xinfo(?1, ?2)");
+    auto Select =
+        Query("SELECT cid, name, type, \"notnull\", dflt_value, pk, hidden FROM pragma_table_xinfo(?1, ?2)");
     std::vector<std::pair<std::int64_t, int>> KeyPlaces;
     while (Select.Step()) {
         const auto Hidden = Select.Column(6).Integer;
@@ -150,7 +151,8 @@ std::string TSchemaReader::FreeRowidName() const
 {
     constexpr std::array<std::string_view, 3> Names = {"rowid", "_rowid_", "oid"};
     const auto IsFree = [this](std::string_view Name) {
-        return std::ranges::none_of(Table.Columns, [Name](const auto& Column) { return SameText(Column.Name, Name); });
+        return std::ranges::none_of(Table.Columns,
+                                    [Name](const auto& Column) { return SameText(Column.Name, Name); });
     };
     const auto* const Free = std::ranges::find_if(Names, IsFree);
     return Free != Names.end() ? std::string(*Free) : std::string();
@@ -160,12 +162,14 @@ std::string TSchemaReader::FreeRowidName() const
 
 std::vector<TSQLiteIndex::TPart> TSchemaReader::ReadParts(std::string_view Index) const
 {
-    TSQLiteStatement Select(Connection, "SELECT cid, coll FROM pragma_index_xinfo(?1, ?2) WHERE key ORDER BY seqno");
+    TSQLiteStatement Select(Connection,
+                            "SELECT cid, coll FROM pragma_index_xinfo(?1, ?2) WHERE key ORDER BY seqno");
     Select.Bind(1, TSQLiteValue::OfText(Index));
     Select.Bind(2, TSQLiteValue::OfText(Table.Schema));
     std::vector<TSQLiteIndex::TPart> Parts;
     while (Select.Step())
-        Parts.push_back({ColumnOf(static_cast<int>(Select.Column(0).Integer)), QuoteName(Select.Column(1).Bytes)});
+        Parts.push_back(
+            {ColumnOf(static_cast<int>(Select.Column(0).Integer)), QuoteName(Select.Column(1).Bytes)});
     return Parts;
 }
 
@@ -177,7 +181,8 @@ void TSchemaReader::ReadIndexes()
     while (Select.Step()) {
         const auto Name = Select.Column(0).Bytes;
         const bool IsTable = Table.WithoutRowid && Select.Column(2).Bytes == "pk";
-        Table.Indexes.push_back({IsTable ? "" : QuoteName(Name), Select.Column(1).Integer != 0, ReadParts(Name)});
+        Table.Indexes.push_back(
+            {IsTable ? "" : QuoteName(Name), Select.Column(1).Integer != 0, ReadParts(Name)});
     }
 }
 
@@ -211,9 +216,10 @@ void TSchemaReader::BuildSelect()
 
 std::string ListTables(TSQLiteConnection& Connection)
 {
-    TSQLiteStatement Select(Connection, "SELECT iif(schema = 'main', '', schema || '.') || name FROM pragma_table_list "
-                                        "WHERE type <> 'shadow' AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\' "
-                                        "ORDER BY schema <> 'main', 1 COLLATE NOCASE");
+    TSQLiteStatement Select(Connection,
+                            "SELECT iif(schema = 'main', '', schema || '.') || name FROM pragma_table_list "
+                            "WHERE type <> 'shadow' AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\' "
+                            "ORDER BY schema <> 'main', 1 COLLATE NOCASE");
     std::string Names;
     for (int Count = 0; Select.Step(); ++Count) {
         if (Count == TablesInMessage)

@@ -8,7 +8,8 @@ namespace {
 
 std::string_view BytesOf(const void* Data, int Size)
 {
-    return Data ? std::string_view(static_cast<const char*>(Data), static_cast<std::size_t>(Size)) : std::string_view();
+    return Data ? std::string_view(static_cast<const char*>(Data), static_cast<std::size_t>(Size))
+                : std::string_view();
 }
 
 } // namespace
@@ -47,7 +48,8 @@ TSQLiteValue TSQLiteStatement::Column(int Index) const
     case SQLITE_INTEGER: return TSQLiteValue::OfInteger(sqlite3_column_int64(Statement, Index));
     case SQLITE_FLOAT:   return TSQLiteValue::OfReal(sqlite3_column_double(Statement, Index));
     case SQLITE_TEXT: {
-        const auto* const Text = sqlite3_column_text(Statement, Index); // before its size, which follows the form
+        // before its size, which follows the form
+        const auto* const Text = sqlite3_column_text(Statement, Index);
         return TSQLiteValue::OfText(BytesOf(Text, sqlite3_column_bytes(Statement, Index)));
     }
     case SQLITE_BLOB: {

@@ -209,7 +209,8 @@ bool TSQLiteTable::Find(std::span<TField* const> Keys, std::span<const TVariant>
 std::optional<std::int64_t> TSQLiteTable::RowidAmong(std::span<TField* const> Keys,
                                                      std::span<const TVariant> Values) const
 {
-    if (Keys.size() == 1 && Keys.front()->Index() == Schema->RowidColumn() && Values.front().Kind() == vkInteger)
+    if (Keys.size() == 1 && Keys.front()->Index() == Schema->RowidColumn() &&
+        Values.front().Kind() == vkInteger)
         return Values.front().Integer();
     return {};
 }
@@ -234,7 +235,8 @@ void TSQLiteTable::InternalInsert(const TRecordBuffer& Written)
 {
     if (QueueInsert(Written))
         return;
-    const bool Queued = Queue->IsActive();          // then the transaction has begun and nothing is being read
+    // then the transaction has begun and nothing is being read
+    const bool Queued = Queue->IsActive();
     if (!Queued)
         BeginChange();
     if (!Queue->TryAdd(Written, RecordTag, WrittenKey)) {

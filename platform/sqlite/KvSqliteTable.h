@@ -96,7 +96,8 @@ private:
     };
 
     static bool IsUnchanged(const TKnownValue& Known, const TRecordBuffer& Written);
-    std::optional<std::int64_t> RowidAmong(std::span<TField* const> Keys, std::span<const TVariant> Values) const;
+    std::optional<std::int64_t> RowidAmong(std::span<TField* const> Keys,
+                                           std::span<const TVariant> Values) const;
     std::optional<std::int64_t> CurrentRowid();
     bool Find(std::span<TField* const> Keys, std::span<const TVariant> Values);
     bool QueueInsert(const TRecordBuffer& Written);

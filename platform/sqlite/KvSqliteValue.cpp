@@ -14,7 +14,8 @@ namespace {
 
 constexpr double CurrencyMax = 9e14;                // within 2^63 ten-thousandths
 
-[[noreturn]] void Refuse(const TSQLiteColumn& Column, const TVariant& Value, TKvErrorRule Rule, std::string_view Reason)
+[[noreturn]] void Refuse(const TSQLiteColumn& Column, const TVariant& Value, TKvErrorRule Rule,
+                         std::string_view Reason)
 {
     const auto Text = Value.ToText();
     throw EConvertError(FormatText("'%s' cannot be kept in field '%s': %s", {Text, Column.Def.Name, Reason}),
@@ -69,7 +70,8 @@ bool HasLostDigits(std::string_view Digits)
 {
     constexpr int KeptDigits = 15;
     const auto First = std::min(Digits.find_first_of("123456789"), Digits.size());
-    return std::ranges::count_if(Digits.substr(First), [](char C) { return C >= '0' && C <= '9'; }) > KeptDigits;
+    return std::ranges::count_if(Digits.substr(First), [](char C) { return C >= '0' && C <= '9'; }) >
+           KeptDigits;
 }
 
 TSQLiteValue EncodeText(const TSQLiteColumn& Column, const TVariant& Value, TSQLiteScratch& Scratch)

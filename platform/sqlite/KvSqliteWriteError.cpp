@@ -13,7 +13,8 @@ namespace {
 
 bool IsWordCharacter(char C)
 {
-    return C == '_' || (C >= '0' && C <= '9') || (C >= 'A' && C <= 'Z') || (C >= 'a' && C <= 'z') || (C & 0x80) != 0;
+    return C == '_' || (C >= '0' && C <= '9') || (C >= 'A' && C <= 'Z') || (C >= 'a' && C <= 'z') ||
+           (C & 0x80) != 0;
 }
 
 /// True when `Word` stands in `Text` and is not a part of a longer word.
@@ -56,8 +57,8 @@ std::string ReferringColumns(TSQLiteConnection& Connection, const TSQLiteTableSc
 
 } // namespace
 
-TSQLiteError DescribeRefusal(TSQLiteConnection& Connection, const TSQLiteTableSchema& Table, TSQLiteError Error,
-                             const TRecordBuffer& Record, std::span<const int> Columns)
+TSQLiteError DescribeRefusal(TSQLiteConnection& Connection, const TSQLiteTableSchema& Table,
+                             TSQLiteError Error, const TRecordBuffer& Record, std::span<const int> Columns)
 {
     const auto Named = Error.Facts.Rule == erForeignKey ? ReferringColumns(Connection, Table) : Error.Text;
     std::string Values;

@@ -17,13 +17,17 @@ constexpr std::size_t MaxPrepared = 16;             // statements kept of each s
 class TSavepoint
 {
 public:
-    explicit TSavepoint(TSQLiteConnection& Owner) : Connection(Owner) { Connection.Execute("SAVEPOINT kv_change"); }
+    explicit TSavepoint(TSQLiteConnection& Owner) : Connection(Owner)
+    {
+        Connection.Execute("SAVEPOINT kv_change");
+    }
     TSavepoint(const TSavepoint&) = delete;
     TSavepoint& operator=(const TSavepoint&) = delete;
     ~TSavepoint()
     {
         if (!Kept)
-            sqlite3_exec(Connection.Handle(), "ROLLBACK TO kv_change; RELEASE kv_change", nullptr, nullptr, nullptr);
+            sqlite3_exec(Connection.Handle(), "ROLLBACK TO kv_change; RELEASE kv_change", nullptr, nullptr,
+                         nullptr);
     }
     void Keep()
     {
@@ -75,7 +79,8 @@ void TSQLiteWriter::Delete(const TSQLiteKey& Key)
         Fail("its records have no key and cannot be deleted", erReadOnly);
     if (!DeleteOne)
         DeleteOne = TSQLiteStatement(
-            Connection, "DELETE FROM " + Table.QualifiedName() + " WHERE " + Table.KeyCondition(1), Table.Title);
+            Connection, "DELETE FROM " + Table.QualifiedName() + " WHERE " + Table.KeyCondition(1),
+            Table.Title);
     BindKey(DeleteOne, 1, Key);
     Run(DeleteOne, {}, {});
     CheckChanged("the record has been deleted already, or a trigger keeps it", erMissing);
@@ -163,8 +168,8 @@ void TSQLiteWriter::BindKey(TSQLiteStatement& Statement, int FirstParam, const T
         Statement.Bind(FirstParam++, Value.Get());
 }
 
-void TSQLiteWriter::Run(TSQLiteStatement& Statement, const TRecordBuffer& Record, std::span<const int> Columns,
-                        TSQLiteKey* Returned)
+void TSQLiteWriter::Run(TSQLiteStatement& Statement, const TRecordBuffer& Record,
+                        std::span<const int> Columns, TSQLiteKey* Returned)
 {
     std::optional<TSavepoint> Savepoint;
     if (Table.TriggersLeaveTraces)
@@ -177,7 +182,8 @@ void TSQLiteWriter::Run(TSQLiteStatement& Statement, const TRecordBuffer& Record
     }
     Statement.Reset();                              // keeps the error
     if (Code != SQLITE_DONE)
-        Connection.Raise(DescribeRefusal(Connection, Table, Connection.TakeError(), Record, Columns), Table.Title);
+        Connection.Raise(DescribeRefusal(Connection, Table, Connection.TakeError(), Record, Columns),
+                         Table.Title);
     if (Savepoint)
         Savepoint->Keep();
 }

@@ -198,7 +198,8 @@ TKvStorageStream TKvStorage::OpenStream(std::string_view Name) const
         return Element.Kind == skStream && SameText(Element.Name, Name);
     });
     if (Found == FElements.end())
-        throw EFormatError(FormatText("File \"%s\" has no stream \"%s\"", {FileName, Name}), {.FileName = FileName});
+        throw EFormatError(FormatText("File \"%s\" has no stream \"%s\"", {FileName, Name}),
+                           {.FileName = FileName});
     const auto& Home = Found->Size < MiniLimit ? MiniSectors : Sectors;
     return {TKvChainBytes(Home, Found->FirstSector, Found->Size), Found->Size,
             FormatText("stream \"%s\" of file \"%s\"", {Found->Name, FileName})};
@@ -206,7 +207,8 @@ TKvStorageStream TKvStorage::OpenStream(std::string_view Name) const
 
 void TKvStorage::Refuse(std::string_view Reason) const
 {
-    throw EFormatError(FormatText("File \"%s\" is no compound document: %s", {FileName, Reason}), {.FileName = FileName});
+    throw EFormatError(FormatText("File \"%s\" is no compound document: %s", {FileName, Reason}),
+                       {.FileName = FileName});
 }
 
 } // namespace kv

@@ -44,7 +44,8 @@ public:
     std::string_view ClassName() const override { return "TTable"; }
     TPublishedProperties PublishedProperties() const override;
 
-    /// The file. A name without an extension that does not exist gets that of TableType, as KvCompanionFile has it.
+    /// The file. A name without an extension that does not exist gets that of TableType, as KvCompanionFile
+    /// has it.
     /// Opening raises EFileError, EFormatError "File "%s" is no dBase table: %s" (or Paradox), and
     /// EDatabaseError for a file of neither kind.
     std::string TableName;

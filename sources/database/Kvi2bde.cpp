@@ -111,11 +111,12 @@ void TKvImportFromBDE::BeforeImport()
     PrepareTable(GetDataSet());
     if (!Mappings().IsEmpty())
         return;
-    throw Exception(FormatText(Extensions.Contains(xbOpensForMapping)
-                                   ? "%s: no field has the name of a field of the destination; mappings are needed"
-                                   : "%s: a table tells its fields only once it is open; mappings are needed",
-                               {SourceFileName}),
-                    {.FileName = SourceFileName});
+    throw Exception(
+        FormatText(Extensions.Contains(xbOpensForMapping)
+                       ? "%s: no field has the name of a field of the destination; mappings are needed"
+                       : "%s: a table tells its fields only once it is open; mappings are needed",
+                   {SourceFileName}),
+        {.FileName = SourceFileName});
 }
 
 void TKvImportFromBDE::AfterImport()
@@ -175,7 +176,8 @@ bool TKvImportFromBDE::LoadRecord()
 
 TVariant TKvImportFromBDE::GetFieldValue(const TVariant& Source)
 {
-    const auto* const Field = Columns.Find(Source, [this](const std::string& Each) { return FindColumn(Each); });
+    const auto* const Field =
+        Columns.Find(Source, [this](const std::string& Each) { return FindColumn(Each); });
     if (!Field)
         return TKvImportFromFile::GetFieldValue(Source);
     auto Value = Field->PeekValue();

@@ -95,8 +95,8 @@ private:
 void GetAccessTables(TStrings& Items, const std::string& DatabaseName, const std::string& TableName);
 
 /// Shows the first 20 records of a table: `Callback` gets the values of each record as an array from 0.
-/// `FieldNames` becomes the list of all fields, separated by ";"; to `Columns`, when given, each is added as a
-/// line. Without a `TableName` there is nothing to show. Raises what opening and reading the table raises.
+/// `FieldNames` becomes the list of all fields, separated by ";"; to `Columns`, when given, each is added as
+/// a line. Without a `TableName` there is nothing to show. Raises what opening and reading the table raises.
 void LoadAccessPreview(TPersistent* Sender, const std::string& TableName, const std::string& FileName,
                        std::string& FieldNames, bool Flag, TStrings* Columns,
                        const TPreviewCallback& Callback, TKvIAccessExtensions Extensions = {});

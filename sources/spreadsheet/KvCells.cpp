@@ -21,7 +21,8 @@ constexpr char MsgNotExists[] = "File is not exists.";
 bool Exists(const std::string& FileName)
 {
     std::error_code Error;
-    return std::filesystem::status(PathOfFile(FileName), Error).type() != std::filesystem::file_type::not_found;
+    return std::filesystem::status(PathOfFile(FileName), Error).type() !=
+           std::filesystem::file_type::not_found;
 }
 
 } // namespace

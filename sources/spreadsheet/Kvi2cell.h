@@ -34,8 +34,8 @@ public:
                                const std::vector<TKvISourceColumn>& Columns) const override;
 
     /// Loads the workbook ahead of a run, which then does not load it again: for programs that look at it
-    /// first. It is good until that run ends. Raises what the run would end by; errors know the file, though the
-    /// messages of the readers do not say it.
+    /// first. It is good until that run ends. Raises what the run would end by; errors know the file, though
+    /// the messages of the readers do not say it.
     TSpreadSheetFile& LoadWorkBook();
 
     /// The sheets. Loads the workbook as a look does, which keeps it for the run.

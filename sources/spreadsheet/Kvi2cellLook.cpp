@@ -107,7 +107,8 @@ void TKvImportFromCell::EndLook()
 std::vector<TKvISourceColumn> TKvImportFromCell::SourceColumns(int HeaderRow)
 {
     const auto& Sheet = Cells();
-    std::vector<TColumnContent> Contents(static_cast<std::size_t>(std::max(ColumnExtent(Sheet, Extensions), 0)));
+    std::vector<TColumnContent> Contents(
+        static_cast<std::size_t>(std::max(ColumnExtent(Sheet, Extensions), 0)));
     for (std::size_t I = 0; I < Sheet.Count(); ++I)
         if (Sheet[I].Row >= RowFirst - 1 && Sheet[I].Row < RowLast)
             for (std::size_t Col = 0; Col < Contents.size(); ++Col)
@@ -146,9 +147,11 @@ void TKvImportFromCell::LookAtExtent()
     if (Sheet.CellRows() > RowCount)
         Remarks.push_back({.Kind = srRowsBeyondExtent, .Count = Sheet.CellRows(), .Limit = RowCount});
     if (Sheet.CellColumns() > ColumnCount)
-        Remarks.push_back({.Kind = srColumnsBeyondExtent, .Count = Sheet.CellColumns(), .Limit = ColumnCount});
+        Remarks.push_back(
+            {.Kind = srColumnsBeyondExtent, .Count = Sheet.CellColumns(), .Limit = ColumnCount});
     if (Sheet.CellsBeyond() > 0)
-        Remarks.push_back({.Kind = srCellsBeyondLastColumn, .Count = static_cast<std::int64_t>(Sheet.CellsBeyond())});
+        Remarks.push_back(
+            {.Kind = srCellsBeyondLastColumn, .Count = static_cast<std::int64_t>(Sheet.CellsBeyond())});
 }
 
 } // namespace kv

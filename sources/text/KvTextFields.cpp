@@ -32,7 +32,8 @@ void TKvTextFields::SplitByParity()
         const char* Stop = FindChar(First, Last, Delimiter);
         while (Open <= Stop && Open != Last) {
             const char* const Close = FindQualifier(Open + 1);
-            if (Close > Stop)                       // the delimiter is hidden; a closing qualifier may be the next
+            // the delimiter is hidden; a closing qualifier may be the next
+            if (Close > Stop)
                 Stop = FindChar(Close, Last, Delimiter);
             Open = Close == Last ? Last : FindQualifier(Close + 1);
         }
@@ -41,7 +42,8 @@ void TKvTextFields::SplitByParity()
         AddTrimmed(First, Stop);
         First = Stop + 1;
     }
-    AddTrimmed(First, Last);                        // with the delimiter that ends the line, hidden or not ...
+    // with the delimiter that ends the line, hidden or not ...
+    AddTrimmed(First, Last);
     if (Last[-1] == Delimiter) {
         Add(Last, Last, false);                     // ... and the empty value after it
         ++Fields[FCount - 1].Stop;
@@ -101,7 +103,8 @@ void TKvTextFields::Add(const char* First, const char* Last, bool Rewritten)
 {
     if (FCount == Fields.size())
         Fields.resize(2 * FCount + 8);
-    Fields[FCount++] = {static_cast<std::size_t>(First - Begin()), static_cast<std::size_t>(Last - Begin()), Rewritten};
+    Fields[FCount++] = {static_cast<std::size_t>(First - Begin()), static_cast<std::size_t>(Last - Begin()),
+                        Rewritten};
 }
 
 /// A qualified value that holds doubled qualifiers, or text after the closing one.

@@ -43,7 +43,8 @@ public:
         const auto& Field = Fields[Index];
         if (Field.Rewritten)
             return WithoutQualifiers(Index);
-        return Field.Start < Field.Stop ? Line.substr(Field.Start, Field.Stop - Field.Start) : std::string_view();
+        return Field.Start < Field.Stop ? Line.substr(Field.Start, Field.Stop - Field.Start)
+                                        : std::string_view();
     }
 
 private:

@@ -26,7 +26,8 @@ void FillDelimited(char Delimiter, char TextQualifier, std::string_view Line, st
     TKvTextFields Fields(Delimiter, TextQualifier);
     Fields.Split(Line);
     for (std::size_t I = 0; I < Fields.Count(); ++I)
-        Positions.push_back(static_cast<int>(Fields[I].Start + 1) * PositionScale + static_cast<int>(Fields[I].Stop));
+        Positions.push_back(static_cast<int>(Fields[I].Start + 1) * PositionScale +
+                            static_cast<int>(Fields[I].Stop));
 }
 
 /// A column holds the byte after its field's width too, unless that is a delimiter or qualifier.
@@ -34,7 +35,9 @@ void FillBreaks(const TDataSet& DataSet, char Delimiter, char TextQualifier, std
                 std::vector<int>& Positions)
 {
     const auto Size = static_cast<std::int64_t>(Line.size());
-    const auto CharAt = [Line](std::int64_t Position) { return Line[static_cast<std::size_t>(Position - 1)]; };
+    const auto CharAt = [Line](std::int64_t Position) {
+        return Line[static_cast<std::size_t>(Position - 1)];
+    };
     std::int64_t Start = 1;                         // all positions count from 1
     for (int I = 0; I < DataSet.FieldCount(); ++I) {
         std::int64_t End = Start + DataSet.Fields(I).DisplayWidth();

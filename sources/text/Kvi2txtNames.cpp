@@ -5,8 +5,8 @@
 
 namespace kv {
 
-/// Columns are counted by what stands behind any five characters of a name, or any four before a range; other names
-/// that begin with "Field" are columns of no line, and the rest constants.
+/// Columns are counted by what stands behind any five characters of a name, or any four before a range; other
+/// names that begin with "Field" are columns of no line, and the rest constants.
 TKvISourceName TKvImportFromText::ResolveName(const std::string& Wanted,
                                               const std::vector<TKvISourceColumn>& Shown) const
 {

@@ -21,8 +21,9 @@ public:
     TPublishedProperties PublishedProperties() const override
     {
         using T = TSheetSource;
-        return {Publish("Extensions", &T::Extensions, RuleNames), AsPlace(Publish("SheetIndex", &T::SheetIndex)),
-                AsPlace(Publish("TableName", &T::TableName)), Publish("HeaderLine", &T::HeaderLine)};
+        return {Publish("Extensions", &T::Extensions, RuleNames),
+                AsPlace(Publish("SheetIndex", &T::SheetIndex)), AsPlace(Publish("TableName", &T::TableName)),
+                Publish("HeaderLine", &T::HeaderLine)};
     }
 
     TRules Extensions;
@@ -40,7 +41,8 @@ public:
     {
         static constexpr std::string_view RunNames[] = {"rxCommon", "rxGeneral"};
         using T = TRuledSource;
-        return {Publish("Extensions", &T::Extensions, RuleNames), Publish("RunExtensions", &T::RunExtensions, RunNames)};
+        return {Publish("Extensions", &T::Extensions, RuleNames),
+                Publish("RunExtensions", &T::RunExtensions, RunNames)};
     }
 
     TRules Extensions, RunExtensions;
@@ -164,10 +166,13 @@ TEST_F(KviOwnSettings, TheSheetAndTheTableAreReadBack)
 TEST_F(KviOwnSettings, ASettingThatTheComponentLacksIsRefused)
 {
     const auto Place = "Cannot read file \"" + Folder / "test.kvi" + "\": [Extensions] ";
-    EXPECT_EQ(Refused("[Extensions]\nFirst=1\nFourth=1\n"), Place + "Fourth: TSheetSource has no such setting");
+    EXPECT_EQ(Refused("[Extensions]\nFirst=1\nFourth=1\n"),
+              Place + "Fourth: TSheetSource has no such setting");
     EXPECT_EQ(Refused("[Extensions]\nFirst=yes\n"), Place + "First: 'yes' is not a valid integer value");
-    EXPECT_EQ(Refused("[Extensions]\nSheetIndex=two\n"), Place + "SheetIndex: 'two' is not a valid integer value");
-    EXPECT_EQ(Refused("[Extensions]\nHeaderLine=2\n"), Place + "HeaderLine: TSheetSource has no such setting");
+    EXPECT_EQ(Refused("[Extensions]\nSheetIndex=two\n"),
+              Place + "SheetIndex: 'two' is not a valid integer value");
+    EXPECT_EQ(Refused("[Extensions]\nHeaderLine=2\n"),
+              Place + "HeaderLine: TSheetSource has no such setting");
     EXPECT_EQ(Refused("[Extensions]\nFourth=0\nFifth=\n"), "");
 }
 

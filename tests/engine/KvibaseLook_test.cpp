@@ -197,7 +197,8 @@ TEST_F(KvibaseLook, AValueThatCannotBeReadShowsItsReason)
 {
     Log.Refuse("GetFieldValue Field2");
     const auto View = Look({.Rows = 2});
-    EXPECT_THAT(TextsOf(View), ElementsAre("1|!GetFieldValue Field2 refused", "2|!GetFieldValue Field2 refused"));
+    EXPECT_THAT(TextsOf(View),
+                ElementsAre("1|!GetFieldValue Field2 refused", "2|!GetFieldValue Field2 refused"));
     EXPECT_TRUE(View.Rows[0].Values[1].Value.IsNull());
 }
 

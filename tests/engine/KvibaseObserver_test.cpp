@@ -92,16 +92,17 @@ TEST_F(KvibaseObserver, IsToldOnceOfEachRecordAfterItIsStoredAndBeforeTheHandler
     Import.Rows.resize(2);
     NoteEvents();
     Execute();
-    EXPECT_THAT(Log.Entries, ElementsAre(
-        "OnBeforeExecute", "NotDefined", "busy", "BeforeImport", "BuildFieldMapping", "BuildArrayIntersection",
-        "told opened", "GoFirst", "GetTotalCount",
-        "NeedMore", "LoadRecord", "GetFieldValue Field1", "GetFieldValue Field2", "OnGetCellParams ID 1",
-        "OnGetCellParams NAME Ada", "OnBeforeRecordEvent", "OnBeforeUpdate", "insert 1;Ada", "told record 1 added",
-        "OnAfterRecordEvent", "GoNext",
-        "NeedMore", "LoadRecord", "GetFieldValue Field1", "GetFieldValue Field2", "OnGetCellParams ID 2",
-        "OnGetCellParams NAME Bob", "OnBeforeRecordEvent", "OnBeforeUpdate", "insert 2;Bob", "told record 2 added",
-        "OnAfterRecordEvent", "GoNext",
-        "NeedMore", "first", "AfterImport", "idle", "OnAfterExecute"));
+    EXPECT_THAT(Log.Entries,
+                ElementsAre("OnBeforeExecute", "NotDefined", "busy", "BeforeImport", "BuildFieldMapping",
+                            "BuildArrayIntersection", "told opened", "GoFirst", "GetTotalCount", "NeedMore",
+                            "LoadRecord", "GetFieldValue Field1", "GetFieldValue Field2",
+                            "OnGetCellParams ID 1", "OnGetCellParams NAME Ada", "OnBeforeRecordEvent",
+                            "OnBeforeUpdate", "insert 1;Ada", "told record 1 added", "OnAfterRecordEvent",
+                            "GoNext", "NeedMore", "LoadRecord", "GetFieldValue Field1",
+                            "GetFieldValue Field2", "OnGetCellParams ID 2", "OnGetCellParams NAME Bob",
+                            "OnBeforeRecordEvent", "OnBeforeUpdate", "insert 2;Bob", "told record 2 added",
+                            "OnAfterRecordEvent", "GoNext", "NeedMore", "first", "AfterImport", "idle",
+                            "OnAfterExecute"));
 }
 
 struct TModeRow
@@ -123,12 +124,19 @@ TEST_P(KvibaseObserverMode, IsToldWhatARecordHasDone)
     EXPECT_EQ(Told(), GetParam().Told);
 }
 
-INSTANTIATE_TEST_SUITE_P(, KvibaseObserverMode, testing::Values(
-    TModeRow{"Append", imAppend, {"opened", "record 1 added", "record 2 added", "record 3 added"}},
-    TModeRow{"Update", imUpdate, {"opened", "record 1 not found", "record 2 updated", "record 3 not found"}},
-    TModeRow{"AppendUpdate", imAppendUpdate, {"opened", "record 1 added", "record 2 updated", "record 3 added"}},
-    TModeRow{"Delete", imDelete, {"opened", "record 1 not found", "record 2 deleted", "record 3 not found"}},
-    TModeRow{"Copy", imCopy, {"opened", "emptied 2", "record 1 added", "record 2 added", "record 3 added"}}),
+INSTANTIATE_TEST_SUITE_P(
+    , KvibaseObserverMode,
+    testing::Values(
+        TModeRow{"Append", imAppend, {"opened", "record 1 added", "record 2 added", "record 3 added"}},
+        TModeRow{
+            "Update", imUpdate, {"opened", "record 1 not found", "record 2 updated", "record 3 not found"}},
+        TModeRow{"AppendUpdate",
+                 imAppendUpdate,
+                 {"opened", "record 1 added", "record 2 updated", "record 3 added"}},
+        TModeRow{
+            "Delete", imDelete, {"opened", "record 1 not found", "record 2 deleted", "record 3 not found"}},
+        TModeRow{
+            "Copy", imCopy, {"opened", "emptied 2", "record 1 added", "record 2 added", "record 3 added"}}),
     [](const auto& Info) { return std::string(Info.param.Name); });
 
 TEST_F(KvibaseObserver, IsToldOfRefusedRecords)
@@ -189,16 +197,20 @@ TEST_P(KvibaseObserverBroken, IsToldOfTheRecordThatEndsTheRun)
     Import.DatasetKeys = "ID";
     NoteEvents();
     Log.Refuse(GetParam().Call);
-    EXPECT_THAT(Told(), ElementsAre("opened", "record 1 failed: " + std::string(GetParam().Call) + " refused"));
+    EXPECT_THAT(Told(),
+                ElementsAre("opened", "record 1 failed: " + std::string(GetParam().Call) + " refused"));
     EXPECT_EQ(Import.Statistic.Result, irFailed);
 }
 
-INSTANTIATE_TEST_SUITE_P(, KvibaseObserverBroken, testing::Values(
-    TBrokenRow{"LoadRecord", "LoadRecord"}, TBrokenRow{"GetFieldValue", "GetFieldValue Field2"},
-    TBrokenRow{"OnGetCellParams", "OnGetCellParams ID 1"}, TBrokenRow{"OnBeforeRecordEvent", "OnBeforeRecordEvent"},
-    TBrokenRow{"Locate", "locate 1"}, TBrokenRow{"OnBeforeUpdate", "OnBeforeUpdate"},
-    TBrokenRow{"Delete", "delete 1;Old"}),
-    [](const auto& Info) { return std::string(Info.param.Name); });
+INSTANTIATE_TEST_SUITE_P(, KvibaseObserverBroken,
+                         testing::Values(TBrokenRow{"LoadRecord", "LoadRecord"},
+                                         TBrokenRow{"GetFieldValue", "GetFieldValue Field2"},
+                                         TBrokenRow{"OnGetCellParams", "OnGetCellParams ID 1"},
+                                         TBrokenRow{"OnBeforeRecordEvent", "OnBeforeRecordEvent"},
+                                         TBrokenRow{"Locate", "locate 1"},
+                                         TBrokenRow{"OnBeforeUpdate", "OnBeforeUpdate"},
+                                         TBrokenRow{"Delete", "delete 1;Old"}),
+                         [](const auto& Info) { return std::string(Info.param.Name); });
 
 TEST_F(KvibaseObserver, IsToldOfTheRecordForWhichNoneCouldBeBegun)
 {
@@ -214,7 +226,9 @@ TEST_F(KvibaseObserver, IsNotToldTwiceOfARecordWhoseHandlersRaise)
     EXPECT_THAT(Told(), ElementsAre("opened", "record 1 added"));
     Import.OnAfterRecordEvent = nullptr;
     Log.Refuse("insert 1;Ada");
-    Import.OnErrorEvent = [](TKvImportBaseComponent&, const Exception&, bool&) { throw EConvertError("enough"); };
+    Import.OnErrorEvent = [](TKvImportBaseComponent&, const Exception&, bool&) {
+        throw EConvertError("enough");
+    };
     EXPECT_THAT(Told(), ElementsAre("opened", "record 1 failed: insert 1;Ada refused"));
     Import.OnErrorEvent = [](TKvImportBaseComponent&, const Exception&, bool& Abort) { Abort = true; };
     EXPECT_THAT(Told(), ElementsAre("opened", "record 1 failed: insert 1;Ada refused"));
@@ -314,7 +328,8 @@ TEST_F(KvibaseObserver, SourceIsOpenBeforeAnythingOfTheDestinationChanges)
     const auto Opened = std::ranges::find(Log.Entries, "told opened");
     EXPECT_LT(std::ranges::find(Log.Entries, "BuildArrayIntersection"), Opened);
     EXPECT_LT(Opened, std::ranges::find(Log.Entries, "first"));
-    EXPECT_LT(std::ranges::find(Log.Entries, "delete 7;Old"), std::ranges::find(Log.Entries, "told emptied 1"));
+    EXPECT_LT(std::ranges::find(Log.Entries, "delete 7;Old"),
+              std::ranges::find(Log.Entries, "told emptied 1"));
 }
 
 struct KvibaseObserverCopy : KvibaseObserver

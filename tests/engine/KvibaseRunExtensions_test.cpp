@@ -25,7 +25,8 @@ TEST_F(KvibaseRunExtensions, AreNoneByDefault)
 TEST_F(KvibaseRunExtensions, AreAllTurnedOnTogetherByTheirPublishedNames)
 {
     TurnOnExtensions(Import);
-    EXPECT_EQ(Import.RunExtensions, (TKvIRunExtensions{rxRestoresControls, rxTimedProgress, rxNoNumberBoxes}));
+    EXPECT_EQ(Import.RunExtensions,
+              (TKvIRunExtensions{rxRestoresControls, rxTimedProgress, rxNoNumberBoxes}));
     EXPECT_EQ(Import.Options, TKvIOptions());       // another set
     const auto Properties = Import.PublishedProperties();
     EXPECT_THAT(FindProperty(Properties, "RunExtensions")->Names,
@@ -43,9 +44,10 @@ struct TBrokenCall
 TEST_F(KvibaseRunExtensions, AFailedRunGivesControlsBackAndLetsGoOfTheSource)
 {
     for (const auto& [Call, AfterImports] :
-         {TBrokenCall{"DetectAutoMapping", 0}, TBrokenCall{"BeforeImport", 1}, TBrokenCall{"BuildFieldMapping", 1},
-          TBrokenCall{"GoFirst", 1}, TBrokenCall{"LoadRecord", 1}, TBrokenCall{"GoNext", 1}, TBrokenCall{"first", 1},
-          TBrokenCall{"AfterImport", 1}}) {
+         {TBrokenCall{"DetectAutoMapping", 0}, TBrokenCall{"BeforeImport", 1},
+          TBrokenCall{"BuildFieldMapping", 1}, TBrokenCall{"GoFirst", 1}, TBrokenCall{"LoadRecord", 1},
+          TBrokenCall{"GoNext", 1}, TBrokenCall{"first", 1}, TBrokenCall{"AfterImport", 1}})
+    {
         SCOPED_TRACE(Call);
         TTestRun Run;
         Run.Import.RunExtensions = {rxRestoresControls};
@@ -142,7 +144,8 @@ TEST_F(KvibaseTimedProgress, IsNotShownWithoutADialog)
 TEST_F(KvibaseRunExtensions, AMalformedNumberIsToldByItsRecordAlone)
 {
     Table.Close();
-    Table.SetFieldDefs({{.Name = "ID", .DataType = ftFloat}, {.Name = "NAME", .DataType = ftString, .Size = 10}});
+    Table.SetFieldDefs(
+        {{.Name = "ID", .DataType = ftFloat}, {.Name = "NAME", .DataType = ftString, .Size = 10}});
     Table.Open();
     Import.Rows = {{"1,5x", "Ada"}, {"2", "Bob"}};
     NoteEvents();

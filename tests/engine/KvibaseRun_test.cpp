@@ -48,17 +48,19 @@ TEST_F(KvibaseRun, CallsAndEventsComeInTheirOrder)
     Import.TitleStatus = "Orders";
     NoteEvents();
     Execute();
-    EXPECT_THAT(Log.Entries, ElementsAre(
-        "OnBeforeExecute", "NotDefined", "busy", "open Orders",
-        "BeforeImport", "BuildFieldMapping", "BuildArrayIntersection", "GoFirst", "GetTotalCount", "range 0..2 at 0",
-        "NeedMore", "LoadRecord", "GetFieldValue Field1", "GetFieldValue Field2", "OnGetCellParams ID 1",
-        "OnGetCellParams NAME Bob", "OnBeforeRecordEvent", "locate 1", "OnBeforeUpdate", "update ID=1;NAME=Bob",
-        "OnAfterRecordEvent", "GoNext",
-        "NeedMore", "show Importing... 1/0/0/0/1", "LoadRecord", "GetFieldValue Field1", "GetFieldValue Field2",
-        "OnGetCellParams ID 2", "OnGetCellParams NAME Cyd", "OnBeforeRecordEvent", "locate 2", "OnBeforeUpdate",
-        "insert 2;Cyd", "OnAfterRecordEvent", "GoNext",
-        "NeedMore", "first", "AfterImport",
-        "show The data importing successfuly is finished. 100/0/1/0/1", "close", "idle", "OnAfterExecute"));
+    EXPECT_THAT(Log.Entries,
+                ElementsAre("OnBeforeExecute", "NotDefined", "busy", "open Orders", "BeforeImport",
+                            "BuildFieldMapping", "BuildArrayIntersection", "GoFirst", "GetTotalCount",
+                            "range 0..2 at 0", "NeedMore", "LoadRecord", "GetFieldValue Field1",
+                            "GetFieldValue Field2", "OnGetCellParams ID 1", "OnGetCellParams NAME Bob",
+                            "OnBeforeRecordEvent", "locate 1", "OnBeforeUpdate", "update ID=1;NAME=Bob",
+                            "OnAfterRecordEvent", "GoNext", "NeedMore", "show Importing... 1/0/0/0/1",
+                            "LoadRecord", "GetFieldValue Field1", "GetFieldValue Field2",
+                            "OnGetCellParams ID 2", "OnGetCellParams NAME Cyd", "OnBeforeRecordEvent",
+                            "locate 2", "OnBeforeUpdate", "insert 2;Cyd", "OnAfterRecordEvent", "GoNext",
+                            "NeedMore", "first", "AfterImport",
+                            "show The data importing successfuly is finished. 100/0/1/0/1", "close", "idle",
+                            "OnAfterExecute"));
 }
 
 TEST_F(KvibaseRun, CopyEmptiesTheDestinationBeforeTheSourceIsPositioned)
@@ -77,7 +79,9 @@ TEST_F(KvibaseRun, CopyEmptiesTheDestinationBeforeTheSourceIsPositioned)
 TEST_F(KvibaseRun, ControlsAreDisabledBeforeTheFirstRecordAndEnabledAfterTheLast)
 {
     TTexts Seen;
-    const auto Look = [&](TKvImportBaseComponent&) { Seen.push_back(Table.ControlsDisabled() ? "disabled" : "enabled"); };
+    const auto Look = [&](TKvImportBaseComponent&) {
+        Seen.push_back(Table.ControlsDisabled() ? "disabled" : "enabled");
+    };
     Import.Rows = {{1, "Ada"}};
     Import.OnBeforeExecute = Import.OnBeforeUpdate = Import.OnAfterExecute = Look;
     Execute();
@@ -320,7 +324,9 @@ TEST_F(KvibaseRun, LargeIntegersPassAsText)
 {
     Table.SetFieldDefs({{.Name = "ID", .DataType = ftLargeint}, {.Name = "NAME"}});
     Table.Open();
-    Import.Rows = {{"9007199254740993", "2^53 + 1"}, {std::int64_t{-9007199254740993}, "integer"}, {3.0, "double"},
+    Import.Rows = {{"9007199254740993", "2^53 + 1"},
+                   {std::int64_t{-9007199254740993}, "integer"},
+                   {3.0, "double"},
                    {TCurrency{70000}, "currency"}};
     Execute();
     EXPECT_THAT(Records(), ElementsAre("9007199254740993;2^53 + 1", "-9007199254740993;integer", "3;double",
@@ -335,7 +341,8 @@ TEST_F(KvibaseRun, LargeIntegersTakeNoValueWhoseTextIsNoInteger)
     Import.Rows = {{5, true}, {true, 5}};
     NoteEvents();
     Execute();
-    EXPECT_THAT(Log.Of("OnErrorEvent"), ElementsAre("OnErrorEvent 'True' is not a valid integer value for field 'ID'"));
+    EXPECT_THAT(Log.Of("OnErrorEvent"),
+                ElementsAre("OnErrorEvent 'True' is not a valid integer value for field 'ID'"));
     EXPECT_THAT(Records(), ElementsAre("5;1"));
 }
 
@@ -364,7 +371,8 @@ TEST_F(KvibaseRun, FailedAssignmentIsAnErrorOfTheRecordToo)
     Import.Rows[1] = {"two", "Bob"};
     NoteEvents();
     Execute();
-    EXPECT_THAT(Log.Of("OnErrorEvent"), ElementsAre("OnErrorEvent 'two' is not a valid integer value for field 'ID'"));
+    EXPECT_THAT(Log.Of("OnErrorEvent"),
+                ElementsAre("OnErrorEvent 'two' is not a valid integer value for field 'ID'"));
     EXPECT_EQ(Counters(), "3/2/0/0/1");
     EXPECT_THAT(Records(), ElementsAre("1;Ada", "3;Cyd"));
 }
@@ -579,7 +587,9 @@ TEST_F(KvibaseRun, FailedEditEndsTheRunUncounted)
 TEST_F(KvibaseRun, ErrorRaisedByOnErrorEventEndsTheRun)
 {
     Log.Refuse("insert 2;Bob");
-    Import.OnErrorEvent = [](TKvImportBaseComponent&, const Exception&, bool&) { throw EConvertError("enough"); };
+    Import.OnErrorEvent = [](TKvImportBaseComponent&, const Exception&, bool&) {
+        throw EConvertError("enough");
+    };
     Execute();
     EXPECT_EQ(Import.Statistic.Result, irFailed);
     EXPECT_EQ(Import.ErrorMessage(), "enough");
@@ -666,7 +676,10 @@ TEST_F(KvibaseRun, ResultIsUnknownWhileItRuns)
     std::vector<TKvIResult> Seen;
     const auto Look = [&](TKvImportBaseComponent&) { Seen.push_back(Import.Statistic.Result); };
     Import.OnBeforeExecute = Import.OnAfterExecute = Look;
-    Import.OnAfterRecordEvent = [&](TKvImportBaseComponent& Sender, bool& Abort) { Look(Sender); Abort = true; };
+    Import.OnAfterRecordEvent = [&](TKvImportBaseComponent& Sender, bool& Abort) {
+        Look(Sender);
+        Abort = true;
+    };
     Execute();
     EXPECT_THAT(Seen, ElementsAre(irUnknown, irUnknown, irCanceled));
 }
@@ -758,8 +771,8 @@ TEST_F(KvibaseRun, DialogOpensWithTheTextsOfTheRun)
     Execute();
     const auto& C = Ui.Captions;
     EXPECT_THAT((TTexts{C.Title, C.Status, C.Cancel, C.Processed, C.Errors, C.Added, C.Updated, C.Deleted}),
-                ElementsAre("Orders", "Importing...", "&Cancel", "Processed:", "Errors:", "Added:", "Updated:",
-                            "Deleted:"));
+                ElementsAre("Orders", "Importing...", "&Cancel",
+                            "Processed:", "Errors:", "Added:", "Updated:", "Deleted:"));
     EXPECT_FALSE(C.Extended);
     Import.Options = {soExtendedStatistic};
     Execute();

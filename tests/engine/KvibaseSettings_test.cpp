@@ -22,13 +22,13 @@ public:
         static constexpr std::string_view DelimiterNames[] = {"fdNone",      "fdCustom", "fdTab",
                                                               "fdSemicolon", "fdComma",  "fdSpace"};
         using T = TRuledImport;
-        return PublishAfter(TKvImportBaseComponent::PublishedProperties(),
-                            {Publish("SourceFileName", &T::SourceFileName),
-                             Publish<T>("FieldDelimiter", &T::GetFieldDelimiter, &T::SetFieldDelimiter, DelimiterNames),
-                             Publish<T>("FieldDelimiterCustom", &T::GetFieldDelimiterCustom, &T::SetFieldDelimiterCustom),
-                             Publish("Way", &T::Way, WayNames),
-                             Publish("Number", &T::Number),
-                             Publish("Extensions", &T::Extensions, RuleNames)});
+        return PublishAfter(
+            TKvImportBaseComponent::PublishedProperties(),
+            {Publish("SourceFileName", &T::SourceFileName),
+             Publish<T>("FieldDelimiter", &T::GetFieldDelimiter, &T::SetFieldDelimiter, DelimiterNames),
+             Publish<T>("FieldDelimiterCustom", &T::GetFieldDelimiterCustom, &T::SetFieldDelimiterCustom),
+             Publish("Way", &T::Way, WayNames), Publish("Number", &T::Number),
+             Publish("Extensions", &T::Extensions, RuleNames)});
     }
 
     using TKvImportBaseComponent::GetFieldDelimiter;
@@ -52,7 +52,8 @@ public:
         using T = TOtherImport;
         return PublishAfter(TKvImportBaseComponent::PublishedProperties(),
                             {Publish("SourceFileName", &T::SourceFileName), Publish("Way", &T::Way, WayNames),
-                             Publish("Number", &T::Number), Publish("Extensions", &T::Extensions, RuleNames)});
+                             Publish("Number", &T::Number),
+                             Publish("Extensions", &T::Extensions, RuleNames)});
     }
 
     using TKvImportBaseComponent::SourceFileName;
@@ -86,7 +87,9 @@ TEST_F(KvibaseSettings, AreTakenByNameAllThatAreCommon)
     Taker.Extensions = {ruSecond};
     Taker.TakeSettings(Import);
     for (const auto& Property : Taker.PublishedProperties()) {
-        const auto Value = [&](const TPersistent& Of) { return Property.Get ? Property.Get(Of) : TVariant(); };
+        const auto Value = [&](const TPersistent& Of) {
+            return Property.Get ? Property.Get(Of) : TVariant();
+        };
         EXPECT_EQ(Value(Taker), Value(Import)) << Property.Name;
     }
     EXPECT_EQ(Taker.DataFormats.BooleanTrue, "yes");

@@ -82,11 +82,13 @@ TEST_F(Kvibase, DataFormatsOutliveTheirComponent)
 
 TEST_F(Kvibase, PublishesItsPropertiesInDeclarationOrder)
 {
-    EXPECT_THAT(NamesOf(Import.PublishedProperties()), ElementsAre(
-        "About", "AnimatedStatus", "CharacterSet", "DataFormats", "DataSet", "DatasetKeys", "Mappings", "Mode",
-        "Options", "TitleStatus", "Statistic", "OnErrorEvent", "OnGetCellParams", "OnBeforeExecute", "OnAfterExecute",
-        "OnBeforeRecordEvent", "OnAfterRecordEvent", "OnBeforeUpdate", "OnBeforeLoadSpecification",
-        "OnAfterLoadSpecification", "OnBeforeSaveSpecification", "OnAfterSaveSpecification", "RunExtensions"));
+    EXPECT_THAT(NamesOf(Import.PublishedProperties()),
+                ElementsAre("About", "AnimatedStatus", "CharacterSet", "DataFormats", "DataSet",
+                            "DatasetKeys", "Mappings", "Mode", "Options", "TitleStatus", "Statistic",
+                            "OnErrorEvent", "OnGetCellParams", "OnBeforeExecute", "OnAfterExecute",
+                            "OnBeforeRecordEvent", "OnAfterRecordEvent", "OnBeforeUpdate",
+                            "OnBeforeLoadSpecification", "OnAfterLoadSpecification",
+                            "OnBeforeSaveSpecification", "OnAfterSaveSpecification", "RunExtensions"));
 }
 
 TEST_F(Kvibase, PropertiesAreSetByTheirNames)
@@ -146,7 +148,8 @@ TPublishedProperty Named(std::string_view Name, TPropertyKind Kind, std::string 
 
 TPublishedProperties TIndexedDataSet::PublishedProperties() const
 {
-    TPublishedProperties Result{Named("IndexFieldName", pkString, IndexFieldName), Named("SQL", pkStrings, Sql.Text())};
+    TPublishedProperties Result{Named("IndexFieldName", pkString, IndexFieldName),
+                                Named("SQL", pkStrings, Sql.Text())};
     if (HasTableName)
         Result.push_back(Named("TableName", pkString, TableName));
     return Result;

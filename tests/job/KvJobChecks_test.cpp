@@ -11,7 +11,8 @@ struct TAmounts : TMemoryDataSet
 {
     TAmounts()
     {
-        SetFieldDefs({{.Name = "ID", .DataType = ftString, .Size = 20}, {.Name = "AMOUNT", .DataType = ftBCD}});
+        SetFieldDefs(
+            {{.Name = "ID", .DataType = ftString, .Size = 20}, {.Name = "AMOUNT", .DataType = ftBCD}});
         Open();
     }
 };

@@ -68,7 +68,8 @@ TEST_F(KvJobFile, TheComponentAloneImportsTheSame)
     Save();
     const auto Import = LoadImport(File);
     TMemoryDataSet Table;
-    Table.SetFieldDefs({{.Name = "ID", .DataType = ftInteger}, {.Name = "CITY", .DataType = ftString, .Size = 9}});
+    Table.SetFieldDefs(
+        {{.Name = "ID", .DataType = ftInteger}, {.Name = "CITY", .DataType = ftString, .Size = 9}});
     Table.Open();
     Import->SetDataSet(&Table);
     Import->AnimatedStatus = false;

@@ -77,7 +77,9 @@ TEST_F(KvJobPlan, JoinsByPosition)
 TEST_F(KvJobPlan, IsRefusedWhenThereIsNoColumnToImport)
 {
     TJobTestSource File("orders.csv", "");
-    EXPECT_EQ(RefusalOf([&] { MakePlan(File.Look({.FindTitles = false}), Table, {.Mapping = jmByPosition}); }).Kind, jfNoColumns);
+    EXPECT_EQ(
+        RefusalOf([&] { MakePlan(File.Look({.FindTitles = false}), Table, {.Mapping = jmByPosition}); }).Kind,
+        jfNoColumns);
 }
 
 TEST_F(KvJobPlan, TakesLinesAsTheyAreGiven)
@@ -99,14 +101,16 @@ TEST_F(KvJobPlan, AColumnThatTheFirstRowLacksMayComeLater)
 TEST_F(KvJobPlan, AColumnMayBeWrittenInAnyCase)
 {
     TJobTestSource File("orders.csv", "1,2\n");
-    const auto Plan = MakePlan(File.Look({.FindTitles = false}), Table, ByLines({"CITY=FIELD1", "ID=field2"}));
+    const auto Plan =
+        MakePlan(File.Look({.FindTitles = false}), Table, ByLines({"CITY=FIELD1", "ID=field2"}));
     EXPECT_THAT(Plan.Lines, ElementsAre("CITY=Field1", "ID=Field2"));
     EXPECT_EQ(Plan.Columns.size(), 2);
 }
 
 TEST_F(KvJobPlan, ColumnsThatDifferInCaseOnlyAreToldApart)
 {
-    TJobTestSource File("orders.xml", "<DATAPACKET><ROWDATA><ROW town=\"1\" Town=\"2\"/></ROWDATA></DATAPACKET>");
+    TJobTestSource File("orders.xml",
+                        "<DATAPACKET><ROWDATA><ROW town=\"1\" Town=\"2\"/></ROWDATA></DATAPACKET>");
     const auto Plan = MakePlan(File.Look(), Table, ByLines({"CITY=Town", "NOTE=town"}));
     EXPECT_THAT(Plan.Lines, ElementsAre("CITY=Town", "NOTE=town"));
 }
@@ -114,7 +118,8 @@ TEST_F(KvJobPlan, ColumnsThatDifferInCaseOnlyAreToldApart)
 TEST_F(KvJobPlan, ANameThatCanBeNoColumnIsRefused)
 {
     TJobTestSource File("page.html", "<html><table><tr><td>1</td></tr></table></html>");
-    const auto Found = RefusalOf([&] { MakePlan(File.Look({.FindTitles = false}), Table, ByLines({"CITY=Town"})); });
+    const auto Found =
+        RefusalOf([&] { MakePlan(File.Look({.FindTitles = false}), Table, ByLines({"CITY=Town"})); });
     EXPECT_EQ(Found.Kind, jfNoSuchColumn);
     EXPECT_EQ(Found.Value, "Town");
     EXPECT_EQ(Found.Was, "html");
@@ -133,7 +138,8 @@ TEST_F(KvJobPlan, LinesNameFieldsOfTheTableAndEachOnce)
 {
     TJobTestSource File("orders.csv", "1,2\n");
     const auto Refused = [&](std::vector<std::string> Lines) {
-        return RefusalOf([&] { MakePlan(File.Look({.FindTitles = false}), Table, ByLines(std::move(Lines))); });
+        return RefusalOf(
+            [&] { MakePlan(File.Look({.FindTitles = false}), Table, ByLines(std::move(Lines))); });
     };
     EXPECT_EQ(Refused({"TOTAL=Field1"}).Kind, jfFieldReadOnly);
     EXPECT_EQ(Refused({"TOTAL=Field1"}).Name, "TOTAL=Field1");

@@ -14,7 +14,10 @@ using testing::SizeIs;
 
 struct KvJobRun : testing::Test, TJobTestShop
 {
-    int SumOf(const TJobFigures& F) { return F.Added + F.Updated + F.Deleted + F.Refused + F.Failed + F.NotFound; }
+    int SumOf(const TJobFigures& F)
+    {
+        return F.Added + F.Updated + F.Deleted + F.Refused + F.Failed + F.NotFound;
+    }
 };
 
 // Fates.
@@ -63,7 +66,8 @@ TEST_F(KvJobRun, AFailedRecordIsToldWithItsFactsAndLeftOut)
     EXPECT_EQ(First.Facts.Field, "ID");
     EXPECT_EQ(First.Facts.Value, "x");
     EXPECT_EQ(First.Facts.Rule, erConversion);
-    EXPECT_EQ(First.Text(), Job.Source.FileName + ", line 3: 'x' is not a valid integer value for field 'ID'");
+    EXPECT_EQ(First.Text(),
+              Job.Source.FileName + ", line 3: 'x' is not a valid integer value for field 'ID'");
     EXPECT_EQ(Observer.Errors[1].Facts.Rule, erLength);
     EXPECT_EQ(Observer.Errors[2].Facts.Rule, erUnique);
 }
@@ -87,7 +91,8 @@ TEST_F(KvJobRun, MoreErrorsThanTheLimitEndTheRunAndUndoIt)
 TEST_F(KvJobRun, AShareOfErrorsIsJudgedByTheRecordsThatAreExpected)
 {
     Job.Run.StopShare = 0.25;
-    EXPECT_EQ(Import("ID,CITY\nx,Rom\n2,Oslo\n3,Bern\n4,Wien\n").Result, joRecordErrors) << "a quarter is no more";
+    EXPECT_EQ(Import("ID,CITY\nx,Rom\n2,Oslo\n3,Bern\n4,Wien\n").Result, joRecordErrors)
+        << "a quarter is no more";
     const auto Outcome = Import("ID,CITY\nx,Rom\ny,Oslo\n13,Bern\n14,Wien\n");
     EXPECT_EQ(Outcome.Result, joFailed);
     EXPECT_TRUE(Outcome.Stopped);
@@ -101,7 +106,8 @@ TEST_F(KvJobRun, AnObserverEndsTheRunAtAnError)
     EXPECT_EQ(Outcome.Result, joFailed);
     EXPECT_FALSE(Outcome.Stopped);
     ASSERT_TRUE(Outcome.Failure);
-    EXPECT_THAT(Outcome.Failure->Text(), HasSubstr("line 3: 'x' is not a valid integer value for field 'ID'"));
+    EXPECT_THAT(Outcome.Failure->Text(),
+                HasSubstr("line 3: 'x' is not a valid integer value for field 'ID'"));
     EXPECT_EQ(Rows(), "");
 }
 
@@ -171,7 +177,8 @@ TEST_F(KvJobRun, ACancelledCopyRemovesNothing)
 
 TEST_F(KvJobRun, AConstraintThatIsCheckedAtTheEndFailsTheRun)
 {
-    TJobTestShop Shop("ID INTEGER PRIMARY KEY, CITY TEXT REFERENCES orders (ID) DEFERRABLE INITIALLY DEFERRED");
+    TJobTestShop Shop(
+        "ID INTEGER PRIMARY KEY, CITY TEXT REFERENCES orders (ID) DEFERRABLE INITIALLY DEFERRED");
     Shop.Write("ID,CITY\n1,7\n");
     TJobRun Run(Shop.Job, Shop.Observer);
     Run.Prepare();

@@ -186,7 +186,8 @@ TEST(KvJobSource, ALookShowsWhatAnImportStores)
     File.Settings.Classic = true;
     const auto& Classic = File.Look();
     EXPECT_THAT(TextsOf(Classic.View().Rows[0]), ElementsAre("1", "Oslo \"\"Nord\"\""));
-    EXPECT_THAT(TextsOf(Classic.View().Rows[1]), ElementsAre("Ada", "")) << "the delimiter at the end is no part of it";
+    EXPECT_THAT(TextsOf(Classic.View().Rows[1]), ElementsAre("Ada", ""))
+        << "the delimiter at the end is no part of it";
 }
 
 TEST(KvJobSource, FixedColumnsAreThoseOfTheLayout)
@@ -255,7 +256,8 @@ TEST(KvJobSource, ATableOfAPageIsFoundByItsNumber)
 
 TEST(KvJobSource, RecordsOfAPacketMayStandInAnotherTag)
 {
-    TJobTestSource File("packet.xml", "<?xml version=\"1.0\"?><DATAPACKET><orders><ROW ID=\"7\"/></orders></DATAPACKET>");
+    TJobTestSource File("packet.xml",
+                        "<?xml version=\"1.0\"?><DATAPACKET><orders><ROW ID=\"7\"/></orders></DATAPACKET>");
     File.Settings.PartKind = spRowTag;
     File.Settings.Part = "orders";
     const auto& Source = File.Look();
@@ -290,7 +292,8 @@ TEST(KvJobSource, TextOfNoCodePageIsTold)
 
 TEST(KvJobSource, ValuesThatCannotBeReadAreCountedAndDoNotEndTheLook)
 {
-    TJobTestSource File("old.dbf", TDbaseBuilder().Field("NR", 'N', 4).Record({"12x4"}).Record({"   5"}).Build());
+    TJobTestSource File("old.dbf",
+                        TDbaseBuilder().Field("NR", 'N', 4).Record({"12x4"}).Record({"   5"}).Build());
     const auto& Source = File.Look();
     ASSERT_EQ(Source.View().Rows.size(), 2);
     EXPECT_NE(Source.View().Rows[0].Values[0].Error, "");

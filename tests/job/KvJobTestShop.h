@@ -37,7 +37,8 @@ struct TJobTestObserver : TJobObserver
 /// shop.db with a table "orders" of ID, CITY and AMOUNT, and a job that imports orders.csv.
 struct TJobTestShop
 {
-    explicit TJobTestShop(const std::string& Columns = "ID INTEGER PRIMARY KEY, CITY VARCHAR(5), AMOUNT DECIMAL(10,2)")
+    explicit TJobTestShop(
+        const std::string& Columns = "ID INTEGER PRIMARY KEY, CITY VARCHAR(5), AMOUNT DECIMAL(10,2)")
     {
         RegisterSqliteDatabases();
         TSQLiteDatabase Database;

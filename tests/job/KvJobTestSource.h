@@ -31,7 +31,10 @@ struct TJobTestTable : TMemoryDataSet
 /// A file of its own folder, looked at under settings that a test may change first.
 struct TJobTestSource
 {
-    TJobTestSource(const std::string& Name, std::string_view Bytes) { Settings.FileName = Folder.Write(Name, Bytes); }
+    TJobTestSource(const std::string& Name, std::string_view Bytes)
+    {
+        Settings.FileName = Folder.Write(Name, Bytes);
+    }
 
     TJobSource& Look(const TJobLook& What = {})
     {

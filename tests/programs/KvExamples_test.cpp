@@ -168,7 +168,8 @@ TEST(KvExamples, FortyLinesImportAnyFileIntoAnyTable)
     EXPECT_NE(Csv.Out.find("Field3 -> CITY\n"), std::string::npos) << Csv.Out;
     EXPECT_NE(Csv.Out.find("16 added, 0 failed\n"), std::string::npos) << Csv.Out;
     EXPECT_NE(Run("orders.dbf").Out.find("3 added, 0 failed\n"), std::string::npos);
-    EXPECT_NE(Run("orders.dbf").Out.find("0 added, 3 failed\n"), std::string::npos) << "they are there already";
+    EXPECT_NE(Run("orders.dbf").Out.find("0 added, 3 failed\n"), std::string::npos)
+        << "they are there already";
     EXPECT_EQ(Shop.Count(), 19);
 }
 

@@ -10,7 +10,8 @@ public:
 
     void SetRange(int Min, int Max, int Position) override
     {
-        Ui.Log.Call("range " + std::to_string(Min) + ".." + std::to_string(Max) + " at " + std::to_string(Position));
+        Ui.Log.Call("range " + std::to_string(Min) + ".." + std::to_string(Max) + " at " +
+                    std::to_string(Position));
     }
     void Update(const std::string& Status, const TProgressFigures& Figures) override
     {

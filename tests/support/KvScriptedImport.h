@@ -22,8 +22,10 @@ public:
     bool NamesAreShort = false;                     ///< What FieldIsTruncated answers.
     std::vector<TKvISourceColumn> Columns;          ///< What a look is told that the source offers.
     bool RowsWiden = false;                         ///< A look is told how many values each row has.
-    bool TellsBadRecords = false;                   ///< A record that cannot be loaded is an error of its own.
-    int Polls = 0;                                  ///< Times that loading asks whether to go on; if not, all rows go.
+    /// A record that cannot be loaded is an error of its own.
+    bool TellsBadRecords = false;
+    /// Times that loading asks whether to go on; if not, all rows go.
+    int Polls = 0;
 
     // What sources see, for tests.
     using TKvImportBaseComponent::Fixed;

@@ -4,7 +4,8 @@ namespace kv {
 
 TTestRun::TTestRun()
 {
-    Table.SetFieldDefs({{.Name = "ID", .DataType = ftInteger}, {.Name = "NAME", .DataType = ftString, .Size = 10}});
+    Table.SetFieldDefs(
+        {{.Name = "ID", .DataType = ftInteger}, {.Name = "NAME", .DataType = ftString, .Size = 10}});
     Table.Open();
     Import.SetDataSet(&Table);
     Import.SetMappings({"ID=Field1", "NAME=Field2"});

@@ -178,7 +178,8 @@ TEST_F(KvAccessHelper, ASignalDuringTheWaitChangesNothing)
     const itimerval Often{.it_interval = {0, 10'000}, .it_value = {0, 10'000}}, Never{};
     ::setitimer(ITIMER_REAL, &Often, nullptr);
     EXPECT_EQ(Run("sleep 0.3; echo said"), "said\n");
-    EXPECT_EQ(Run("exec sleep 60", 1s), "[the reader of Access databases stopped: it made no progress for 1 s]");
+    EXPECT_EQ(Run("exec sleep 60", 1s),
+              "[the reader of Access databases stopped: it made no progress for 1 s]");
     ::setitimer(ITIMER_REAL, &Never, nullptr);
     ::sigaction(SIGALRM, &Before, nullptr);
     EXPECT_GT(Signals, 10);
@@ -221,7 +222,10 @@ TEST_F(KvAccessHelper, NeedsNoStandardStreamsOfItsParent)
 TEST_F(KvAccessHelper, SaysWhyItCannotBeStarted)
 {
     const auto File = Folder.Write("text", "no program");
-    EXPECT_EQ(MessageOf([&] { TAccessHelper({File, 30s}, {}); }), "Cannot start " + File + ": Permission denied");
+    EXPECT_EQ(MessageOf([&] {
+                  TAccessHelper({File, 30s}, {});
+              }),
+              "Cannot start " + File + ": Permission denied");
 }
 
 TEST_F(KvAccessHelper, IsTheOneThatTheEnvironmentNames)
@@ -287,9 +291,10 @@ TEST_F(KvAccessHelper, SaysWhatToInstallWhenThereIsNone)
 {
     const TVariable Named("KV_ACCESS_HELPER", nullptr);
     const TVariable Path("PATH", "/nowhere");
-    EXPECT_EQ(MessageOf([] { FindAccessHelper("/nowhere/"); }),
-              "The reader of Access databases is missing: there is no program kvaccess in /nowhere/ or on PATH; it "
-              "is built where mdbtools is installed (Debian package mdbtools-dev)");
+    EXPECT_EQ(
+        MessageOf([] { FindAccessHelper("/nowhere/"); }),
+        "The reader of Access databases is missing: there is no program kvaccess in /nowhere/ or on PATH; it "
+        "is built where mdbtools is installed (Debian package mdbtools-dev)");
 }
 
 } // namespace

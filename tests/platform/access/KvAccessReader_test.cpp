@@ -22,12 +22,13 @@ using namespace std::string_literals;
 /// A source of bytes that gives `Piece` of them at a time.
 std::function<std::size_t(char*, std::size_t)> Source(std::string Bytes, std::size_t Piece = 1 << 20)
 {
-    return [Bytes = std::move(Bytes), Piece, Position = std::size_t(0)](char* Target, std::size_t Size) mutable {
-        const auto Count = std::min({Size, Piece, Bytes.size() - Position});
-        std::copy_n(Bytes.data() + Position, Count, Target);
-        Position += Count;
-        return Count;
-    };
+    return
+        [Bytes = std::move(Bytes), Piece, Position = std::size_t(0)](char* Target, std::size_t Size) mutable {
+            const auto Count = std::min({Size, Piece, Bytes.size() - Position});
+            std::copy_n(Bytes.data() + Position, Count, Target);
+            Position += Count;
+            return Count;
+        };
 }
 
 /// What a stream holds, a word a part.
@@ -119,7 +120,8 @@ TVariant ReadBack(const std::function<void(TAccessWriter&)>& Write)
 
 TEST(KvAccessReader, ReadsWhatWasWritten)
 {
-    EXPECT_THAT(ReadAll(TwoRecords()), testing::ElementsAre("field ID", "field CITY", "count 2", "7", "Köln", "", "", "end"));
+    EXPECT_THAT(ReadAll(TwoRecords()),
+                testing::ElementsAre("field ID", "field CITY", "count 2", "7", "Köln", "", "", "end"));
     EXPECT_THAT(ReadAll(AccessStream([](TAccessWriter& Writer) {
                     Writer.Table("Orders", ttLocal);
                     Writer.Error("is gone");
@@ -137,8 +139,9 @@ TEST(KvAccessReader, ValuesKeepTheirKinds)
     EXPECT_TRUE(ReadBack([](auto& Writer) { Writer.Null(); }).IsNull());
     EXPECT_EQ(ReadBack([](auto& Writer) { Writer.Boolean(true); }), TVariant(true));
     EXPECT_EQ(ReadBack([](auto& Writer) { Writer.Boolean(false); }), TVariant(false));
-    EXPECT_EQ(ReadBack([](auto& Writer) { Writer.Integer(std::numeric_limits<std::int64_t>::min()); }).Integer(),
-              std::numeric_limits<std::int64_t>::min());
+    EXPECT_EQ(
+        ReadBack([](auto& Writer) { Writer.Integer(std::numeric_limits<std::int64_t>::min()); }).Integer(),
+        std::numeric_limits<std::int64_t>::min());
     EXPECT_EQ(ReadBack([](auto& Writer) { Writer.Double(0.1); }).Double(), 0.1);
     EXPECT_EQ(ReadBack([](auto& Writer) { Writer.DateTime(-1.25); }).DateTime().Days, -1.25);
     EXPECT_EQ(ReadBack([](auto& Writer) { Writer.Currency(-12345); }).Currency().Scaled, -12345);
@@ -223,7 +226,8 @@ TEST(KvAccessReader, AStreamThatEndsEarlyIsAnError)
 {
     const auto Whole = TwoRecords();
     for (std::size_t Size = 0; Size < Whole.size(); ++Size)
-        EXPECT_EQ(MessageOf(Whole.substr(0, Size)), "the reader of Access databases stopped before its end") << Size;
+        EXPECT_EQ(MessageOf(Whole.substr(0, Size)), "the reader of Access databases stopped before its end")
+            << Size;
 }
 
 struct TRefusedStream
@@ -244,23 +248,38 @@ TEST_P(KvAccessReaderRefuses, Stream)
     EXPECT_EQ(MessageOf(GetParam().Stream), GetParam().Message);
 }
 
-INSTANTIATE_TEST_SUITE_P(, KvAccessReaderRefuses, testing::Values(
-    TRefusedStream{"AnotherProgram", "ELF\x7F\1", NoMeaning + "(not its own)"},
-    TRefusedStream{"AnotherVersion", "KVAC\2", "the reader of Access databases is of another version (2 instead of 1)"},
-    TRefusedStream{"AnUnknownMessage", Start + Message(9, ""), NoMeaning + "(a message of kind 9)"},
-    TRefusedStream{"AMessageWithoutBounds", Start + "\xFF\xFF\xFF\xFF\6", NoMeaning + "(a message of 4294967295 bytes)"},
-    TRefusedStream{"ANameWithoutCharacters", Start + Message(amTable, std::string(1, '\0')), NoMeaning + "(a name)"},
-    TRefusedStream{"ANameThatIsNoText", Start + Message(amTable, "\1\xFF"s), NoMeaning + "(a name)"},
-    TRefusedStream{"ANameWithoutBounds", Start + Message(amTable, "\1"s + std::string(2000, 'x')), NoMeaning + "(a name)"},
-    TRefusedStream{"MoreRecordsThanBytes", Field + Message(amRecords, TBytes().U32(127).U8(atNull)), NoMeaning + "(127 records)"},
-    TRefusedStream{"NoRecords", Start + Message(amRecords, TBytes().U32(0)), NoMeaning + "(0 records)"},
-    TRefusedStream{"RecordsWithoutFields", Start + Message(amRecords, TBytes().U32(1).U8(0)), NoMeaning + "(1 records)"},
-    TRefusedStream{"AnUnknownValue", OneValue("\x63"), NoMeaning + "(a value of kind 99)"},
-    TRefusedStream{"AShortNumber", OneValue("\3" "1234567"), NoMeaning + "(a value longer than its message)"},
-    TRefusedStream{"AShortSize", OneValue("\x08" "12"), NoMeaning + "(a size)"},
-    TRefusedStream{"ATextLongerThanItsMessage", OneValue(TBytes().U8(atText).U32(~0u).Text("x")),
-                   NoMeaning + "(a value longer than its message)"},
-    TRefusedStream{"BytesAfterTheLastRecord", OneValue("\1\1"), NoMeaning + "(bytes after the last record)"}),
+INSTANTIATE_TEST_SUITE_P(
+    , KvAccessReaderRefuses,
+    testing::Values(
+        TRefusedStream{"AnotherProgram", "ELF\x7F\1", NoMeaning + "(not its own)"},
+        TRefusedStream{"AnotherVersion", "KVAC\2",
+                       "the reader of Access databases is of another version (2 instead of 1)"},
+        TRefusedStream{"AnUnknownMessage", Start + Message(9, ""), NoMeaning + "(a message of kind 9)"},
+        TRefusedStream{"AMessageWithoutBounds", Start + "\xFF\xFF\xFF\xFF\6",
+                       NoMeaning + "(a message of 4294967295 bytes)"},
+        TRefusedStream{"ANameWithoutCharacters", Start + Message(amTable, std::string(1, '\0')),
+                       NoMeaning + "(a name)"},
+        TRefusedStream{"ANameThatIsNoText", Start + Message(amTable, "\1\xFF"s), NoMeaning + "(a name)"},
+        TRefusedStream{"ANameWithoutBounds", Start + Message(amTable, "\1"s + std::string(2000, 'x')),
+                       NoMeaning + "(a name)"},
+        TRefusedStream{"MoreRecordsThanBytes", Field + Message(amRecords, TBytes().U32(127).U8(atNull)),
+                       NoMeaning + "(127 records)"},
+        TRefusedStream{"NoRecords", Start + Message(amRecords, TBytes().U32(0)), NoMeaning + "(0 records)"},
+        TRefusedStream{"RecordsWithoutFields", Start + Message(amRecords, TBytes().U32(1).U8(0)),
+                       NoMeaning + "(1 records)"},
+        TRefusedStream{"AnUnknownValue", OneValue("\x63"), NoMeaning + "(a value of kind 99)"},
+        TRefusedStream{"AShortNumber",
+                       OneValue("\3"
+                                "1234567"),
+                       NoMeaning + "(a value longer than its message)"},
+        TRefusedStream{"AShortSize",
+                       OneValue("\x08"
+                                "12"),
+                       NoMeaning + "(a size)"},
+        TRefusedStream{"ATextLongerThanItsMessage", OneValue(TBytes().U8(atText).U32(~0u).Text("x")),
+                       NoMeaning + "(a value longer than its message)"},
+        TRefusedStream{"BytesAfterTheLastRecord", OneValue("\1\1"),
+                       NoMeaning + "(bytes after the last record)"}),
     [](const auto& Row) { return Row.param.Name; });
 
 TEST(KvAccessReader, ALyingSizeTakesNoMemory)

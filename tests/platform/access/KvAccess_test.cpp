@@ -125,8 +125,9 @@ TEST_F(KvAccess, MoveFirstBeginsAgain)
     Records->MoveFirst();
     EXPECT_THAT(CitiesOf(*Records), ElementsAre("Rom", "null", "Bern"));
     // The list of tables, the first pass, and two of the three calls: nothing had moved before the first.
-    EXPECT_EQ(Folder.Read("log"), "tables shop.mdb \n"
-                                  "records shop.mdb Orders\nrecords shop.mdb Orders\nrecords shop.mdb Orders\n");
+    EXPECT_EQ(Folder.Read("log"),
+              "tables shop.mdb \n"
+              "records shop.mdb Orders\nrecords shop.mdb Orders\nrecords shop.mdb Orders\n");
 }
 
 TEST_F(KvAccess, AnEmptyTableIsAtItsEnd)

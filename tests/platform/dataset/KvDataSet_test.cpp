@@ -54,7 +54,10 @@ protected:
     }
     bool InternalEof() override { return Current > Count; }
     int InternalRecordCount() override { return Count; }
-    TVariant InternalGetValue(const TField& Field) override { return Field.Index() == 0 ? TVariant(Current) : Null; }
+    TVariant InternalGetValue(const TField& Field) override
+    {
+        return Field.Index() == 0 ? TVariant(Current) : Null;
+    }
     void InternalInsert(const TRecordBuffer&) override
     {
         Call("insert");
@@ -66,7 +69,8 @@ protected:
         Call("delete");
         --Count;
     }
-    bool InternalLocate(std::span<TField* const> Keys, std::span<const TVariant> Values, TLocateOptions) override
+    bool InternalLocate(std::span<TField* const> Keys, std::span<const TVariant> Values,
+                        TLocateOptions) override
     {
         std::string Entry = "locate";
         for (std::size_t I = 0; I < Keys.size(); ++I)

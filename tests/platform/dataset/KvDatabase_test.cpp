@@ -17,7 +17,10 @@ using testing::ElementsAre;
 class TToyDatabase final : public TKvDatabase
 {
 public:
-    TToyDatabase(std::string_view Driver, std::string_view Given) : DriverName(Driver) { DatabaseName = Given; }
+    TToyDatabase(std::string_view Driver, std::string_view Given) : DriverName(Driver)
+    {
+        DatabaseName = Given;
+    }
 
     void Open() override { IsOpen = true; }
     void Close() override { IsOpen = false; }
@@ -27,7 +30,10 @@ public:
         return {{.Name = "orders", .Label = "Orders"}, {.Name = "totals", .IsView = true}};
     }
     TKvTableDef Describe(std::string_view) override { return {}; }
-    std::unique_ptr<TDataSet> OpenTable(std::string_view) override { return std::make_unique<TMemoryDataSet>(); }
+    std::unique_ptr<TDataSet> OpenTable(std::string_view) override
+    {
+        return std::make_unique<TMemoryDataSet>();
+    }
     void StartTransaction() override {}
     void Commit() override {}
     void Rollback() override {}
@@ -42,10 +48,11 @@ private:
 
 TKvDatabaseDriver ToyDriver(const std::string& Scheme, bool TakesPaths = false)
 {
-    return {.Scheme = Scheme,
-            .Title = "Toy",
-            .Create = [Scheme](std::string_view Name) { return std::make_unique<TToyDatabase>(Scheme, Name); },
-            .TakesPaths = TakesPaths};
+    return {
+        .Scheme = Scheme,
+        .Title = "Toy",
+        .Create = [Scheme](std::string_view Name) { return std::make_unique<TToyDatabase>(Scheme, Name); },
+        .TakesPaths = TakesPaths};
 }
 
 /// "<driver> <what it was given>" of the database that `Url` names, or the error.
@@ -81,22 +88,24 @@ TEST_F(KvDatabaseUrl, BeginsWithARegisteredSchemeInAnyCase)
 
 TEST_F(KvDatabaseUrl, IsElseThePathOfAFile)
 {
-    for (const std::string Path : {"shop.db", "C:\\shop.db", "C:shop.db", "./a:b.db", "/tmp/toy:x", ":memory:", "",
-                                   "shop.db:1", "my shop:x"})
+    for (const std::string Path : {"shop.db", "C:\\shop.db", "C:shop.db", "./a:b.db", "/tmp/toy:x",
+                                   ":memory:", "", "shop.db:1", "my shop:x"})
         EXPECT_EQ(Named(Path), "toy " + Path);
 }
 
 TEST_F(KvDatabaseUrl, OfAnUnknownKindListsTheKnownOnes)
 {
-    EXPECT_EQ(Named("abacus:shop"), "Cannot open database \"abacus:shop\": there is no such file, and \"abacus\" is no "
-                                    "kind of database (known: server, toy)");
+    EXPECT_EQ(Named("abacus:shop"),
+              "Cannot open database \"abacus:shop\": there is no such file, and \"abacus\" is no "
+              "kind of database (known: server, toy)");
 }
 
 TEST_F(KvDatabaseUrl, NeedsASchemeWhenNoKindIsAFile)
 {
     RegisterDatabaseDriver(ToyDriver("toy"));
-    EXPECT_EQ(Named("shop.db"), "Cannot open database \"shop.db\": it does not say what kind of database it is "
-                                "(known: server, toy)");
+    EXPECT_EQ(Named("shop.db"),
+              "Cannot open database \"shop.db\": it does not say what kind of database it is "
+              "(known: server, toy)");
 }
 
 TEST_F(KvDatabaseUrl, MayBeAFileThatReadsLikeOne)

@@ -20,8 +20,8 @@ TVariant Money(std::int64_t Scaled) { return TCurrency{Scaled}; }
 
 std::string Described(const TVariant& Value)
 {
-    static constexpr const char* Kinds[] = {"empty", "null", "integer", "double", "currency", "date-time", "boolean",
-                                            "string", "array"};
+    static constexpr const char* Kinds[] = {"empty",     "null",    "integer", "double", "currency",
+                                            "date-time", "boolean", "string",  "array"};
     if (Value.Kind() == vkDateTime)
         return "date-time " + std::to_string(Value.DateTime().Days);
     return std::string(Kinds[Value.Kind()]) + " " + (Value.IsArray() ? "" : Value.ToText());
@@ -47,50 +47,76 @@ struct TAccepted
 };
 
 const TAccepted Accepted[] = {
-    {__LINE__, ftSmallint, "-32768", -32768},       {__LINE__, ftSmallint, 32767, 32767},
-    {__LINE__, ftInteger, " 42 ", 42},              {__LINE__, ftInteger, "+7", 7},
-    {__LINE__, ftInteger, 3.0, 3},                  {__LINE__, ftInteger, -0.0, 0},
-    {__LINE__, ftInteger, Money(20000), 2},         {__LINE__, ftInteger, true, 1},
+    {__LINE__, ftSmallint, "-32768", -32768},
+    {__LINE__, ftSmallint, 32767, 32767},
+    {__LINE__, ftInteger, " 42 ", 42},
+    {__LINE__, ftInteger, "+7", 7},
+    {__LINE__, ftInteger, 3.0, 3},
+    {__LINE__, ftInteger, -0.0, 0},
+    {__LINE__, ftInteger, Money(20000), 2},
+    {__LINE__, ftInteger, true, 1},
     {__LINE__, ftInteger, "-2147483648", -2147483648LL},
-    {__LINE__, ftWord, "65535", 65535},             {__LINE__, ftWord, 0, 0},
+    {__LINE__, ftWord, "65535", 65535},
+    {__LINE__, ftWord, 0, 0},
     {__LINE__, ftAutoInc, "12", 12},
     {__LINE__, ftLargeint, "9223372036854775807", Int64Max},
     {__LINE__, ftLargeint, "-9223372036854775808", Int64Min},
     {__LINE__, ftLargeint, -9223372036854775808.0, Int64Min},
 
-    {__LINE__, ftBoolean, "true", true},            {__LINE__, ftBoolean, " F ", false},
-    {__LINE__, ftBoolean, "t", true},               {__LINE__, ftBoolean, "FALSE", false},
-    {__LINE__, ftBoolean, "1", true},               {__LINE__, ftBoolean, 0, false},
-    {__LINE__, ftBoolean, 1.0, true},               {__LINE__, ftBoolean, false, false},
+    {__LINE__, ftBoolean, "true", true},
+    {__LINE__, ftBoolean, " F ", false},
+    {__LINE__, ftBoolean, "t", true},
+    {__LINE__, ftBoolean, "FALSE", false},
+    {__LINE__, ftBoolean, "1", true},
+    {__LINE__, ftBoolean, 0, false},
+    {__LINE__, ftBoolean, 1.0, true},
+    {__LINE__, ftBoolean, false, false},
 
-    {__LINE__, ftFloat, "-1.5e3", -1500.0},         {__LINE__, ftFloat, 7, 7.0},
-    {__LINE__, ftFloat, Money(12345), 1.2345},      {__LINE__, ftFloat, Date(1.5), 1.5},
+    {__LINE__, ftFloat, "-1.5e3", -1500.0},
+    {__LINE__, ftFloat, 7, 7.0},
+    {__LINE__, ftFloat, Money(12345), 1.2345},
+    {__LINE__, ftFloat, Date(1.5), 1.5},
     {__LINE__, ftFloat, true, 1.0},
-    {__LINE__, ftCurrency, "1.5", 1.5},             {__LINE__, ftCurrency, Money(12345), Money(12345)},
+    {__LINE__, ftCurrency, "1.5", 1.5},
+    {__LINE__, ftCurrency, Money(12345), Money(12345)},
     {__LINE__, ftBCD, "9007199254740993", std::int64_t{9007199254740993}},
     {__LINE__, ftBCD, "922337203685477.5807", Money(Int64Max)},
-    {__LINE__, ftBCD, "0.00001", 0.00001},          {__LINE__, ftBCD, Int64Max, Int64Max},
-    {__LINE__, ftBCD, 0.1, 0.1},                    {__LINE__, ftBCD, Money(1), Money(1)},
+    {__LINE__, ftBCD, "0.00001", 0.00001},
+    {__LINE__, ftBCD, Int64Max, Int64Max},
+    {__LINE__, ftBCD, 0.1, 0.1},
+    {__LINE__, ftBCD, Money(1), Money(1)},
     {__LINE__, ftBCD, true, 1.0},
 
-    {__LINE__, ftDate, "12/31/2002", Date(37621)},  {__LINE__, ftDate, Date(37621), Date(37621)},
-    {__LINE__, ftDate, 37621, Date(37621)},         {__LINE__, ftDate, 37621.0, Date(37621)},
-    {__LINE__, ftDate, -693593, Date(-693593)},     {__LINE__, ftDate, 2958465, Date(2958465)},
-    {__LINE__, ftTime, "18:00", Date(0.75)},        {__LINE__, ftTime, 0.5, Date(0.5)},
+    {__LINE__, ftDate, "12/31/2002", Date(37621)},
+    {__LINE__, ftDate, Date(37621), Date(37621)},
+    {__LINE__, ftDate, 37621, Date(37621)},
+    {__LINE__, ftDate, 37621.0, Date(37621)},
+    {__LINE__, ftDate, -693593, Date(-693593)},
+    {__LINE__, ftDate, 2958465, Date(2958465)},
+    {__LINE__, ftTime, "18:00", Date(0.75)},
+    {__LINE__, ftTime, 0.5, Date(0.5)},
     {__LINE__, ftDateTime, "12/31/2002 06:00", Date(37621.25)},
     {__LINE__, ftDateTime, "12/31/2002", Date(37621)},
     {__LINE__, ftDateTime, 2958465.75, Date(2958465.75)},
 
-    {__LINE__, ftString, "abc", "abc"},             {__LINE__, ftString, "", ""},
-    {__LINE__, ftString, 42, "42"},                 {__LINE__, ftString, true, "True"},
-    {__LINE__, ftString, 1.5, "1.5"},               {__LINE__, ftString, Date(37621), "12/31/2002"},
+    {__LINE__, ftString, "abc", "abc"},
+    {__LINE__, ftString, "", ""},
+    {__LINE__, ftString, 42, "42"},
+    {__LINE__, ftString, true, "True"},
+    {__LINE__, ftString, 1.5, "1.5"},
+    {__LINE__, ftString, Date(37621), "12/31/2002"},
     {__LINE__, ftString, "  kept  ", "  kept  "},
-    {__LINE__, ftMemo, "abc", "abc"},               {__LINE__, ftFmtMemo, 1, "1"},
-    {__LINE__, ftFixedChar, "x", "x"},              {__LINE__, ftGuid, "{}", "{}"},
+    {__LINE__, ftMemo, "abc", "abc"},
+    {__LINE__, ftFmtMemo, 1, "1"},
+    {__LINE__, ftFixedChar, "x", "x"},
+    {__LINE__, ftGuid, "{}", "{}"},
     {__LINE__, ftBlob, std::string("\0\xFF", 2), std::string("\0\xFF", 2)},
-    {__LINE__, ftBytes, "\x80", "\x80"},            {__LINE__, ftVarBytes, "", ""},
-    {__LINE__, ftGraphic, "GIF", "GIF"},            {__LINE__, ftOle, "x", "x"},
-    {__LINE__, ftVariant, 5, 5},                    {__LINE__, ftVariant, TVariant::Array(0, 1), TVariant::Array(0, 1)},
+    {__LINE__, ftBytes, "\x80", "\x80"},
+    {__LINE__, ftVarBytes, "", ""},
+    {__LINE__, ftGraphic, "GIF", "GIF"},
+    {__LINE__, ftOle, "x", "x"},
+    {__LINE__, ftVariant, 5, 5},
+    {__LINE__, ftVariant, TVariant::Array(0, 1), TVariant::Array(0, 1)},
     {__LINE__, ftUnknown, Date(1), Date(1)},
 };
 
@@ -145,14 +171,23 @@ const TRefused Refused[] = {
     {__LINE__, {"QTY", ftInteger}, 1.5, "'1.5' is not a valid integer value for field 'QTY'"},
     {__LINE__, {"QTY", ftInteger}, Money(15000), "'1.5' is not a valid integer value for field 'QTY'"},
     {__LINE__, {"QTY", ftInteger}, Date(1), "'12/31/1899' is not a valid integer value for field 'QTY'"},
-    {__LINE__, {"QTY", ftInteger}, TVariant::Array(0, 0), "an array is not a valid integer value for field 'QTY'"},
-    {__LINE__, {"QTY", ftInteger}, "2147483648",
+    {__LINE__,
+     {"QTY", ftInteger},
+     TVariant::Array(0, 0),
+     "an array is not a valid integer value for field 'QTY'"},
+    {__LINE__,
+     {"QTY", ftInteger},
+     "2147483648",
      "'2147483648' is not between -2147483648 and 2147483647 for field 'QTY'"},
     {__LINE__, {"QTY", ftSmallint}, 32768, "'32768' is not between -32768 and 32767 for field 'QTY'"},
     {__LINE__, {"QTY", ftWord}, -1, "'-1' is not between 0 and 65535 for field 'QTY'"},
-    {__LINE__, {"QTY", ftLargeint}, "9223372036854775808",
+    {__LINE__,
+     {"QTY", ftLargeint},
+     "9223372036854775808",
      "'9223372036854775808' is not a valid integer value for field 'QTY'"},
-    {__LINE__, {"QTY", ftLargeint}, 9223372036854775808.0,
+    {__LINE__,
+     {"QTY", ftLargeint},
+     9223372036854775808.0,
      "'9.223372036854776E18' is not a valid integer value for field 'QTY'"},
 
     {__LINE__, {"PAID", ftBoolean}, "yes", "'yes' is not a valid boolean value for field 'PAID'"},
@@ -164,7 +199,10 @@ const TRefused Refused[] = {
     {__LINE__, {"NET", ftBCD}, "1e", "'1e' is not a valid floating point value for field 'NET'"},
 
     {__LINE__, {"DUE", ftDate}, "31.12.2002", "'31.12.2002' is not a valid date value for field 'DUE'"},
-    {__LINE__, {"DUE", ftDate}, "12/31/2002 06:00", "'12/31/2002 06:00' is not a valid date value for field 'DUE'"},
+    {__LINE__,
+     {"DUE", ftDate},
+     "12/31/2002 06:00",
+     "'12/31/2002 06:00' is not a valid date value for field 'DUE'"},
     {__LINE__, {"DUE", ftDate}, 2958466, "'2958466' is not a valid date value for field 'DUE'"},
     {__LINE__, {"DUE", ftDate}, true, "'True' is not a valid date value for field 'DUE'"},
     {__LINE__, {"AT", ftTime}, 1.5, "'1.5' is not a valid time value for field 'AT'"},
@@ -173,11 +211,20 @@ const TRefused Refused[] = {
     {__LINE__, {"AT", ftDateTime}, Infinity, "'INF' is not a valid date and time value for field 'AT'"},
     {__LINE__, {"AT", ftDateTime}, "soon", "'soon' is not a valid date and time value for field 'AT'"},
 
-    {__LINE__, {"NAME", ftString}, TVariant::Array(0, 1), "an array is not a valid text value for field 'NAME'"},
+    {__LINE__,
+     {"NAME", ftString},
+     TVariant::Array(0, 1),
+     "an array is not a valid text value for field 'NAME'"},
     {__LINE__, {"NAME", ftString, 3}, "four", "'four' is longer than field 'NAME': 4 characters, it holds 3"},
-    {__LINE__, {"NAME", ftFixedChar, 3}, 1234, "'1234' is longer than field 'NAME': 4 characters, it holds 3"},
+    {__LINE__,
+     {"NAME", ftFixedChar, 3},
+     1234,
+     "'1234' is longer than field 'NAME': 4 characters, it holds 3"},
     {__LINE__, {"NAME", ftMemo, 3}, "four", "'four' is longer than field 'NAME': 4 characters, it holds 3"},
-    {__LINE__, {"HASH", ftVarBytes, 2}, "\xC3\xBC\x01", "'\xC3\xBC\x01' is longer than field 'HASH': 3 bytes, it holds 2"},
+    {__LINE__,
+     {"HASH", ftVarBytes, 2},
+     "\xC3\xBC\x01",
+     "'\xC3\xBC\x01' is longer than field 'HASH': 3 bytes, it holds 2"},
 };
 
 TEST_F(KvFieldConvert, RefusesWhatHasNoExactMeaningAndSaysSo)
@@ -210,7 +257,10 @@ TEST_F(KvFieldConvert, RefusalKnowsFieldValueRuleAndRecord)
     } Rows[] = {
         {{.Name = "QTY", .DataType = ftInteger}, "abc", "abc", erConversion},
         {{.Name = "QTY", .DataType = ftSmallint}, 40000, "40000", erRange},
-        {{.Name = "DAY", .DataType = ftDate}, std::string(200, '9'), std::string(200, '9'), erConversion}, // whole
+        {{.Name = "DAY", .DataType = ftDate},
+         std::string(200, '9'),
+         std::string(200, '9'),
+         erConversion}, // whole
         {{.Name = "NAME", .DataType = ftString, .Size = 3}, "four", "four", erLength},
         {{.Name = "NAME"}, TVariant::Array(0, 1), "", erConversion},
     };
@@ -239,13 +289,15 @@ TEST_F(KvFieldConvert, MessageQuotesTheBeginningOfALongValue)
     Table.SetFieldDefs({{"QTY", ftInteger}});
     Table.Open();
     Table.Append();
-    std::string Long = std::string(79, 'x') + "\xC3\xBC" + std::string(20, 'y'); // the 80th byte starts a character
+    std::string Long =
+        std::string(79, 'x') + "\xC3\xBC" + std::string(20, 'y'); // the 80th byte starts a character
     try {
         Table.Fields(0).SetValue(Long);
         FAIL() << "was accepted";
     }
     catch (const EConvertError& Error) {
-        EXPECT_EQ(Error.Message, "'" + std::string(79, 'x') + "...' is not a valid integer value for field 'QTY'");
+        EXPECT_EQ(Error.Message,
+                  "'" + std::string(79, 'x') + "...' is not a valid integer value for field 'QTY'");
     }
 }
 

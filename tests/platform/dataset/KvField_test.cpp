@@ -142,9 +142,9 @@ TEST_F(KvField, CopiesWhatItIsLent)
 TEST_F(KvField, DisplayWidthShowsAnyUsualValue)
 {
     const std::pair<TFieldType, int> Rows[] = {
-        {ftSmallint, 6}, {ftInteger, 11}, {ftAutoInc, 11}, {ftWord, 5}, {ftLargeint, 20}, {ftBoolean, 5},
-        {ftFloat, 20}, {ftCurrency, 20}, {ftBCD, 20}, {ftDate, 10}, {ftTime, 12}, {ftDateTime, 23}, {ftGuid, 38},
-        {ftString, 50}, {ftMemo, 50}, {ftBlob, 50}, {ftVariant, 50}};
+        {ftSmallint, 6}, {ftInteger, 11},  {ftAutoInc, 11}, {ftWord, 5},  {ftLargeint, 20}, {ftBoolean, 5},
+        {ftFloat, 20},   {ftCurrency, 20}, {ftBCD, 20},     {ftDate, 10}, {ftTime, 12},     {ftDateTime, 23},
+        {ftGuid, 38},    {ftString, 50},   {ftMemo, 50},    {ftBlob, 50}, {ftVariant, 50}};
     for (const auto& [Type, Width] : Rows)
         EXPECT_EQ(TField(Table, 0, {.Name = "X", .DataType = Type}).DisplayWidth(), Width) << Type;
     EXPECT_EQ(TField(Table, 0, {.Name = "X", .DataType = ftString, .Size = 7}).DisplayWidth(), 7);
@@ -155,7 +155,8 @@ TEST_F(KvField, FamiliesOfTypesAreDisjoint)
 {
     for (int I = ftUnknown; I <= ftVariant; ++I) {
         const auto Type = static_cast<TFieldType>(I);
-        EXPECT_LE(IsTextField(Type) + IsBinaryField(Type) + IsNumericField(Type) + IsDateTimeField(Type), 1) << I;
+        EXPECT_LE(IsTextField(Type) + IsBinaryField(Type) + IsNumericField(Type) + IsDateTimeField(Type), 1)
+            << I;
     }
     EXPECT_TRUE(IsNumericField(ftAutoInc));
     EXPECT_TRUE(IsNumericField(ftBCD));

@@ -20,7 +20,8 @@ TEST(KvException, KnowsNothingButItsMessageUnlessTold)
 TEST(KvException, KeepsTheFactsOfTheWholeFamily)
 {
     try {
-        throw EDatabaseError("Field 'ID' must have a value", {.Field = "ID", .Rule = erRequired, .Record = 17});
+        throw EDatabaseError("Field 'ID' must have a value",
+                             {.Field = "ID", .Rule = erRequired, .Record = 17});
     }
     catch (const Exception& Error) {
         EXPECT_EQ(Error.Message, "Field 'ID' must have a value");

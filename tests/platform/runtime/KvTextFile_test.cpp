@@ -139,7 +139,8 @@ TEST(KvTextFile, AnUnknownEncodingIsRefused)
         FAIL() << "accepted";
     }
     catch (const EConvertError& Error) {
-        EXPECT_EQ(Error.Message, "Cannot convert the text of file \"" + File + "\" from no-such-page to UTF-8");
+        EXPECT_EQ(Error.Message,
+                  "Cannot convert the text of file \"" + File + "\" from no-such-page to UTF-8");
     }
 }
 

@@ -52,7 +52,10 @@ struct TFilledTable
     }
 
     int StoredChanges() { return sqlite3_total_changes(Database.Connection().Handle()); }
-    template <class TAction> std::string MessageOf(TAction Action) { return kv::MessageOf(File.FileName(), Action); }
+    template <class TAction> std::string MessageOf(TAction Action)
+    {
+        return kv::MessageOf(File.FileName(), Action);
+    }
     std::string Row(const std::string& What)
     {
         const auto Rows = File.Rows("SELECT " + What + " FROM orders");
@@ -250,16 +253,21 @@ TEST(KvSqliteChangeQueue, UpdatesOfOtherColumnsAreStoredToo)
 TEST(KvSqliteChangeQueue, ValuesArriveAsTheyWere)
 {
     const std::string Zero("a\0b", 3), Long(5000, 'y'), Huge((1 << 20) + 1, 'z');
-    TFilledTable Open("CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty REAL, raw BLOB, day DATE)");
+    TFilledTable Open(
+        "CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty REAL, raw BLOB, day DATE)");
     for (int Id = 1; Id <= 1000; ++Id) {
         ASSERT_TRUE(Open.Table.Locate("id", Id));
-        EditRecord(Open.Table, {{"name", Id % 2 ? Zero : Long}, {"qty", 0.1}, {"raw", "\xFF"}, {"day", TDateTime{45351}}});
+        EditRecord(
+            Open.Table,
+            {{"name", Id % 2 ? Zero : Long}, {"qty", 0.1}, {"raw", "\xFF"}, {"day", TDateTime{45351}}});
     }
     ASSERT_TRUE(Open.Table.Locate("id", 1001));
     EditRecord(Open.Table, {{"name", Huge}, {"qty", Null}, {"raw", Null}, {"day", Null}});
     Open.Database.Commit();
-    EXPECT_EQ(Open.File.Rows("SELECT count(*), hex(name), qty, hex(raw), day FROM orders WHERE id <= 1000 AND id % 2 = 1"),
-              TRowTexts{"500|610062|0.1|FF|2024-02-29"});
+    EXPECT_EQ(
+        Open.File.Rows(
+            "SELECT count(*), hex(name), qty, hex(raw), day FROM orders WHERE id <= 1000 AND id % 2 = 1"),
+        TRowTexts{"500|610062|0.1|FF|2024-02-29"});
     EXPECT_EQ(Open.Row("sum(length(name) = 5000), max(length(name)), sum(qty IS NULL)"), "500|1048577|1");
 }
 
@@ -274,8 +282,11 @@ TEST(KvSqliteChangeQueue, FullDiskUndoesTheTransactionAndSaysSo)
             Open.InsertRecord(Id, 1);
         Open.Database.Commit();
     });
-    EXPECT_EQ(Message, "orders: database or disk is full; the transaction was rolled back and its 36000 changes are lost");
-    EXPECT_NE(Open.MessageOf([&] { Open.Database.Commit(); }).find("there is nothing to commit"), std::string::npos);
+    EXPECT_EQ(
+        Message,
+        "orders: database or disk is full; the transaction was rolled back and its 36000 changes are lost");
+    EXPECT_NE(Open.MessageOf([&] { Open.Database.Commit(); }).find("there is nothing to commit"),
+              std::string::npos);
     EXPECT_EQ(Open.Row("count(*), max(id)"), "3000|3000");
 }
 
@@ -307,7 +318,8 @@ TEST(KvSqliteChangeQueue, DeletedAndUpdatedRecordsAreNamedTooWhenTheyFail)
             Deletes ? Open.DeleteRecord(Id) : Open.UpdateRecord(Id, 7);
         }
         sqlite3_progress_handler(
-            Open.Database.Connection().Handle(), 1, [](void*) { return 1; }, nullptr); // the first change fails
+            // the first change fails
+            Open.Database.Connection().Handle(), 1, [](void*) { return 1; }, nullptr);
         const auto Facts = FactsOf([&] { Open.Database.Flush(); });
         EXPECT_EQ(Facts.Rule, erCancelled);
         EXPECT_EQ(Facts.Record, 7001);
@@ -393,12 +405,15 @@ TEST_P(KvSqliteChangeQueueLeaves, TheRecordToItsOwnDelete)
 INSTANTIATE_TEST_SUITE_P(
     , KvSqliteChangeQueueLeaves,
     testing::Values(
-        TWatchfulTable{"ForeignKey", OrdersTable + "CREATE TABLE parts (id INTEGER PRIMARY KEY, ord INT REFERENCES orders)",
+        TWatchfulTable{"ForeignKey",
+                       OrdersTable + "CREATE TABLE parts (id INTEGER PRIMARY KEY, ord INT REFERENCES orders)",
                        "orders: FOREIGN KEY constraint failed"},
-        TWatchfulTable{"Trigger",
-                       OrdersTable + "CREATE TABLE parts (id INTEGER PRIMARY KEY, ord INT); CREATE TRIGGER t BEFORE DELETE ON "
-                                     "orders WHEN OLD.id = 2000 BEGIN SELECT RAISE(ABORT, 'no'); END",
-                       "orders: no"}),
+        TWatchfulTable{
+            "Trigger",
+            OrdersTable +
+                "CREATE TABLE parts (id INTEGER PRIMARY KEY, ord INT); CREATE TRIGGER t BEFORE DELETE ON "
+                "orders WHEN OLD.id = 2000 BEGIN SELECT RAISE(ABORT, 'no'); END",
+            "orders: no"}),
     [](const auto& Row) { return std::string(Row.param.Name); });
 
 } // namespace

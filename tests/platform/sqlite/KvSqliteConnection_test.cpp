@@ -145,7 +145,10 @@ TEST(KvSqliteConnection, TransactionsBySqlAreRespected)
 class TWriter
 {
 public:
-    explicit TWriter(const std::string& FileName) : Connection(FileName) { Connection.Run("BEGIN IMMEDIATE"); }
+    explicit TWriter(const std::string& FileName) : Connection(FileName)
+    {
+        Connection.Run("BEGIN IMMEDIATE");
+    }
     void Finish() { Connection.Run("ROLLBACK"); }
 
 private:
@@ -177,7 +180,10 @@ struct TSharedTable
         Table.TableName = "orders";
         Table.Open();
     }
-    template <class TAction> std::string MessageOf(TAction Action) { return kv::MessageOf(File.FileName(), Action); }
+    template <class TAction> std::string MessageOf(TAction Action)
+    {
+        return kv::MessageOf(File.FileName(), Action);
+    }
     TRowTexts Rows() { return File.Rows("SELECT qty FROM orders ORDER BY id"); }
 
     TTestFile File;
@@ -192,7 +198,10 @@ TEST(KvSqliteConnection, BusyDatabaseIsAnErrorAfterTheTimeout)
     TSharedTable Open(100);
     TWriter Other(Open.File.FileName());
     const auto Begin = std::chrono::steady_clock::now();
-    EXPECT_EQ(Open.MessageOf([&] { AppendRecord(Open.Table, {{"qty", 1}}); }), "orders: " + std::string(Locked));
+    EXPECT_EQ(Open.MessageOf([&] {
+        AppendRecord(Open.Table, {{"qty", 1}});
+    }),
+              "orders: " + std::string(Locked));
     EXPECT_GE(std::chrono::steady_clock::now() - Begin, std::chrono::milliseconds(90));
     EXPECT_EQ(Open.MessageOf([&] { Open.Database.StartTransaction(); }), Locked);
     Other.Finish();
@@ -220,7 +229,10 @@ TEST(KvSqliteConnection, ProgramMayGiveUpWaiting)
     TSharedTable Open(60000);
     TWriter Other(Open.File.FileName());
     Open.Database.OnBusy = [] { return false; };
-    EXPECT_EQ(Open.MessageOf([&] { AppendRecord(Open.Table, {{"qty", 1}}); }), "orders: " + std::string(Locked));
+    EXPECT_EQ(Open.MessageOf([&] {
+        AppendRecord(Open.Table, {{"qty", 1}});
+    }),
+              "orders: " + std::string(Locked));
 }
 
 TEST(KvSqliteConnection, WhatIsRaisedWhileWaitingComesThrough)
@@ -348,7 +360,8 @@ TEST(KvSqliteConnection, BatchEndedByATriggerIsToldAndTheNextOneBegins)
 TEST(KvSqliteConnection, ConstraintsThatWaitForTheCommitLeaveTheTransactionOpen)
 {
     TTestFile File("CREATE TABLE parent (k INT PRIMARY KEY);"
-                   "CREATE TABLE orders (id INTEGER PRIMARY KEY, qty INT REFERENCES parent DEFERRABLE INITIALLY DEFERRED)");
+                   "CREATE TABLE orders (id INTEGER PRIMARY KEY, qty INT REFERENCES parent DEFERRABLE "
+                   "INITIALLY DEFERRED)");
     TSQLiteDatabase Database;
     Database.DatabaseName = File.FileName();
     Database.Execute("PRAGMA foreign_keys = ON");
@@ -367,7 +380,8 @@ TEST(KvSqliteConnection, ConstraintsThatWaitForTheCommitLeaveTheTransactionOpen)
 TEST(KvSqliteConnection, ErrorOfACommitNamesTheFirstRecordThatItMayConcern)
 {
     TTestFile File("CREATE TABLE parent (k INT PRIMARY KEY); INSERT INTO parent VALUES (1);"
-                   "CREATE TABLE orders (id INTEGER PRIMARY KEY, qty INT REFERENCES parent DEFERRABLE INITIALLY DEFERRED)");
+                   "CREATE TABLE orders (id INTEGER PRIMARY KEY, qty INT REFERENCES parent DEFERRABLE "
+                   "INITIALLY DEFERRED)");
     TSQLiteDatabase Database;
     Database.DatabaseName = File.FileName();
     Database.Execute("PRAGMA foreign_keys = ON");
@@ -411,7 +425,8 @@ TEST(KvSqliteConnection, KilledProgramLeavesWhatWasCommitted)
         kill(Child, SIGKILL);
         waitpid(Child, nullptr, 0);
         EXPECT_EQ(File.Rows("PRAGMA integrity_check"), TRowTexts{"ok"});
-        EXPECT_EQ(File.Rows("SELECT count(*) % 10, count(*) = coalesce(max(qty), 0) FROM orders"), TRowTexts{"0|1"});
+        EXPECT_EQ(File.Rows("SELECT count(*) % 10, count(*) = coalesce(max(qty), 0) FROM orders"),
+                  TRowTexts{"0|1"});
     }
 }
 

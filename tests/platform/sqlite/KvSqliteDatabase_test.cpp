@@ -24,7 +24,8 @@ std::string OpenMessage(const std::string& FileName)
 
 TEST(KvSqliteDatabase, MissingFileIsAnErrorAndStaysMissing)
 {
-    EXPECT_EQ(OpenMessage("/tmp/no/such.db"), "Cannot open database \"/tmp/no/such.db\": No such file or directory");
+    EXPECT_EQ(OpenMessage("/tmp/no/such.db"),
+              "Cannot open database \"/tmp/no/such.db\": No such file or directory");
     const auto Name = (std::filesystem::temp_directory_path() / "kvsqlite-missing.db").string();
     EXPECT_EQ(OpenMessage(Name), "Cannot open database \"" + Name + "\": No such file or directory");
     EXPECT_FALSE(std::filesystem::exists(Name));
@@ -93,8 +94,9 @@ TEST(KvSqliteDatabase, ReadOnlyRefusesChanges)
 
 TEST(KvSqliteDatabase, TablesAndViewsAreListedByName)
 {
-    TTestFile File("CREATE TABLE b (x); CREATE TABLE A (x INTEGER PRIMARY KEY AUTOINCREMENT); CREATE VIEW c AS SELECT 1;"
-                   "CREATE INDEX i ON b (x)");
+    TTestFile File(
+        "CREATE TABLE b (x); CREATE TABLE A (x INTEGER PRIMARY KEY AUTOINCREMENT); CREATE VIEW c AS SELECT 1;"
+        "CREATE INDEX i ON b (x)");
     TSQLiteDatabase Database;
     Database.DatabaseName = File.FileName();
     EXPECT_EQ(Database.TableNames(), (TTexts{"A", "b", "c"}));
@@ -131,7 +133,8 @@ TEST_F(KvSqliteDatabaseUrl, OfWhatIsNoDatabaseSaysSo)
     std::ofstream(Other.FileName()) << std::string(1000, 'x');
     const auto Folder = std::filesystem::temp_directory_path().string();
     EXPECT_EQ(OpenMessage(Folder), "Cannot open database \"" + Folder + "\": it is a directory");
-    EXPECT_EQ(OpenMessage("/tmp/no/such.db"), "Cannot open database \"/tmp/no/such.db\": No such file or directory");
+    EXPECT_EQ(OpenMessage("/tmp/no/such.db"),
+              "Cannot open database \"/tmp/no/such.db\": No such file or directory");
     EXPECT_EQ(OpenMessage(Empty.FileName()),
               "Cannot open database \"" + Empty.FileName() + "\": the file is empty, it has no tables");
     EXPECT_EQ(OpenMessage(Other.FileName()), Other.FileName() + ": file is not a database");
@@ -160,8 +163,9 @@ TEST_F(KvSqliteDatabaseUrl, TellsTablesFromViews)
 
 TEST_F(KvSqliteDatabaseUrl, DescribesATableWithoutOpeningIt)
 {
-    TTestFile File("CREATE TABLE Orders (day DATE NOT NULL, nr INTEGER DEFAULT 1, name VARCHAR(20),"
-                   " size INT AS (length(name)), PRIMARY KEY (nr, day)); CREATE VIEW v AS SELECT name FROM Orders");
+    TTestFile File(
+        "CREATE TABLE Orders (day DATE NOT NULL, nr INTEGER DEFAULT 1, name VARCHAR(20),"
+        " size INT AS (length(name)), PRIMARY KEY (nr, day)); CREATE VIEW v AS SELECT name FROM Orders");
     const auto Database = OpenDatabase(File.FileName());
     const auto Table = Database->Describe("ORDERS");
     EXPECT_EQ(Table.KeyFields, (TTexts{"nr", "day"}));
@@ -225,7 +229,8 @@ TEST_F(KvSqliteDatabaseUrl, FlushStoresWhatWaitsAndRaisesWhatWentWrong)
         Append(1000);                               // less than is handed over at once: all of them wait
         Database.Flush();
     });
-    EXPECT_TRUE(Message.starts_with("orders: database or disk is full; the transaction was rolled back")) << Message;
+    EXPECT_TRUE(Message.starts_with("orders: database or disk is full; the transaction was rolled back"))
+        << Message;
     Database.Rollback();
 }
 
@@ -236,7 +241,8 @@ TEST(KvSqliteDatabase, ExecuteTellsWhatIsWrong)
     TTestFile File;
     TSQLiteDatabase Database;
     Database.DatabaseName = File.FileName();
-    EXPECT_EQ(MessageOf(File.FileName(), [&] { Database.Execute("SELEC 1"); }), "near \"SELEC\": syntax error");
+    EXPECT_EQ(MessageOf(File.FileName(), [&] { Database.Execute("SELEC 1"); }),
+              "near \"SELEC\": syntax error");
 }
 
 TEST(KvSqliteDatabase, CacheSizeIsSetOnRequestOnly)
@@ -311,8 +317,8 @@ TEST(KvSqliteDatabase, DatasetsShareItsTransaction)
 }
 
 /// Counts for ever unless something ends it.
-const std::string EndlessInsert =
-    "INSERT INTO orders (qty) WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT i FROM n";
+const std::string EndlessInsert = "INSERT INTO orders (qty) WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL "
+                                  "SELECT i + 1 FROM n) SELECT i FROM n";
 
 TEST(KvSqliteDatabase, StatementThatWorksIsEndedByOnWork)
 {
@@ -346,7 +352,8 @@ TEST(KvSqliteDatabase, TransactionThatOnWorkEndsIsUndoneAndSaysSo)
 
 TEST(KvSqliteDatabase, JournalAndSynchronisationStayAsTheyAre)
 {
-    TTestFile File("PRAGMA journal_mode = WAL; CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty INT)");
+    TTestFile File(
+        "PRAGMA journal_mode = WAL; CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty INT)");
     {
         TSQLiteTable Table;
         Table.DatabaseName = File.FileName();

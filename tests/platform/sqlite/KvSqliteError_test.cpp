@@ -57,14 +57,18 @@ INSTANTIATE_TEST_SUITE_P(
                  "INSERT INTO orders VALUES (1, 'n1', 2)",
                  erUnique, "id;name", "1;n1"},
         TRefusal{"UniqueIndex",
-                 OrdersTable + "CREATE UNIQUE INDEX i ON orders (name); INSERT INTO orders VALUES (99, 'n1', 1)", erUnique,
-                 "name", "n1"},
-        TRefusal{"Check", "CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty INT CHECK (qty >= 0))", erCheck, "qty",
-                 "-1"},
-        TRefusal{"Trigger",
-                 OrdersTable + "CREATE TRIGGER t BEFORE INSERT ON orders BEGIN SELECT RAISE(ABORT, 'qty must be more'); END",
+                 OrdersTable +
+                     "CREATE UNIQUE INDEX i ON orders (name); INSERT INTO orders VALUES (99, 'n1', 1)",
+                 erUnique, "name", "n1"},
+        TRefusal{"Check", "CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty INT CHECK (qty >= 0))",
                  erCheck, "qty", "-1"},
-        TRefusal{"IgnoredByATrigger", OrdersTable + "CREATE TRIGGER t BEFORE INSERT ON orders BEGIN SELECT RAISE(IGNORE); END",
+        TRefusal{
+            "Trigger",
+            OrdersTable +
+                "CREATE TRIGGER t BEFORE INSERT ON orders BEGIN SELECT RAISE(ABORT, 'qty must be more'); END",
+            erCheck, "qty", "-1"},
+        TRefusal{"IgnoredByATrigger",
+                 OrdersTable + "CREATE TRIGGER t BEFORE INSERT ON orders BEGIN SELECT RAISE(IGNORE); END",
                  erCheck, "", ""}),
     [](const auto& Row) { return std::string(Row.param.Title); });
 
@@ -86,7 +90,8 @@ TEST(KvSqliteError, RecordThatOthersReferToIsProtectedByAForeignKeyHoweverItIsDe
 {
     for (const std::string Action : {"", " ON DELETE RESTRICT"}) {
         TTestFile File("CREATE TABLE orders (id INTEGER PRIMARY KEY); INSERT INTO orders VALUES (1);"
-                       "CREATE TABLE parts (o INT REFERENCES orders" + Action + "); INSERT INTO parts VALUES (1)");
+                       "CREATE TABLE parts (o INT REFERENCES orders" +
+                       Action + "); INSERT INTO parts VALUES (1)");
         TSQLiteDatabase Database;
         Database.DatabaseName = File.FileName();
         Database.Execute("PRAGMA foreign_keys = ON");

@@ -29,8 +29,8 @@ std::string FiguresUpTo(int Last)
     long long Qty = 0;
     for (int Id = 1; Id <= Last; ++Id)
         Qty += Id % 7;
-    return std::to_string(Last) + "|" + std::to_string(Last * (Last + 1) / 2) + "|" + std::to_string(Qty) + "|" +
-           std::to_string(Last);
+    return std::to_string(Last) + "|" + std::to_string(Last * (Last + 1) / 2) + "|" + std::to_string(Qty) +
+           "|" + std::to_string(Last);
 }
 
 TEST(KvSqliteInsertQueue, StoresEveryRecordOfATransactionInOrder)
@@ -144,7 +144,8 @@ TEST(KvSqliteInsertQueue, RecordsInAnyOrderAndOfAnyColumnsAreStored)
         const bool Named = Random() % 2 != 0;
         for (int I = static_cast<int>(Random() % 3000); I > 0; --I, ++Count) {
             Highest += 1 + static_cast<int>(Random() % 3);
-            Named ? AppendRecord(Open.Table, {{"id", Highest}, {"name", "x"}}) : AppendRecord(Open.Table, {{"id", Highest}});
+            Named ? AppendRecord(Open.Table, {{"id", Highest}, {"name", "x"}})
+                  : AppendRecord(Open.Table, {{"id", Highest}});
         }
         if (Run % 5 == 4) {
             AppendRecord(Open.Table, {{"id", -Run}, {"qty", Run}}); // below all others
@@ -170,18 +171,25 @@ TEST(KvSqliteInsertQueue, HighestRowidOfAllIsNoTrap)
 
 TEST(KvSqliteInsertQueue, ValuesArriveAsTheyWere)
 {
-    TTestTable Open("CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, raw BLOB, day DATE, paid BOOLEAN, r REAL)");
+    TTestTable Open(
+        "CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, raw BLOB, day DATE, paid BOOLEAN, r REAL)");
     const std::string Long(5000, 'y'), Zero("a\0b", 3), Huge((1 << 20) + 1, 'z');
     Open.Table.StartTransaction();
     for (int I = 0; I < Enough; ++I) {
-        AppendRecord(Open.Table, {{"name", Zero}, {"raw", "\xFF"}, {"day", TDateTime{45351}}, {"paid", true}, {"r", 0.1}});
-        AppendRecord(Open.Table, {{"name", Long}, {"raw", Null}, {"day", Null}, {"paid", false}, {"r", Null}});
+        AppendRecord(
+            Open.Table,
+            {{"name", Zero}, {"raw", "\xFF"}, {"day", TDateTime{45351}}, {"paid", true}, {"r", 0.1}});
+        AppendRecord(Open.Table,
+                     {{"name", Long}, {"raw", Null}, {"day", Null}, {"paid", false}, {"r", Null}});
     }
     AppendRecord(Open.Table, {{"name", Huge}, {"raw", Null}, {"day", Null}, {"paid", false}, {"r", Null}});
-    AppendRecord(Open.Table, {{"name", "M\xFCller"}, {"raw", Null}, {"day", Null}, {"paid", false}, {"r", Null}});
+    AppendRecord(Open.Table,
+                 {{"name", "M\xFCller"}, {"raw", Null}, {"day", Null}, {"paid", false}, {"r", Null}});
     Open.Table.Commit();
-    EXPECT_EQ(Open.Rows("SELECT count(*), hex(name), hex(raw), day, paid, r FROM orders WHERE id % 2 = 1 AND id < 6000"),
-              TRowTexts{"3000|610062|FF|2024-02-29|1|0.1"});
+    EXPECT_EQ(
+        Open.Rows(
+            "SELECT count(*), hex(name), hex(raw), day, paid, r FROM orders WHERE id % 2 = 1 AND id < 6000"),
+        TRowTexts{"3000|610062|FF|2024-02-29|1|0.1"});
     EXPECT_EQ(Open.Rows("SELECT count(*), min(length(name)), count(raw), count(day), sum(paid), count(r)"
                         " FROM orders WHERE id % 2 = 0 AND id <= 6000"),
               TRowTexts{"3000|5000|0|0|0|0"});
@@ -201,12 +209,14 @@ TEST(KvSqliteInsertQueue, FullDiskUndoesTheTransactionAndSaysSo)
     Table.Open();
     Database.StartTransaction();
     const auto Message = MessageOf(File.FileName(), [&] { AppendMany(Table, 2, 100 * Enough); });
-    EXPECT_NE(Message.find("orders: database or disk is full; the transaction was rolled back and its "), std::string::npos)
+    EXPECT_NE(Message.find("orders: database or disk is full; the transaction was rolled back and its "),
+              std::string::npos)
         << Message;
     Table.Cancel();
     EXPECT_NE(MessageOf(File.FileName(), [&] { AppendMany(Table, 2, 2); }), "");
     Table.Cancel();
-    EXPECT_NE(MessageOf(File.FileName(), [&] { Database.Commit(); }).find("there is nothing to commit"), std::string::npos);
+    EXPECT_NE(MessageOf(File.FileName(), [&] { Database.Commit(); }).find("there is nothing to commit"),
+              std::string::npos);
     EXPECT_EQ(File.Rows("SELECT id FROM orders"), TRowTexts{"1"});
 }
 
@@ -282,7 +292,9 @@ TEST_P(KvSqliteInsertQueueLeaves, TheRecordToItsOwnPost)
     Open.Table.StartTransaction();
     AppendMany(Open.Table, 1, Enough);
     Open.Table.Append();
-    const auto Message = Open.MessageOf([&] { PostValues(Open.Table, {{"id", 5000}, {"name", "n1"}, {"qty", -1}}); });
+    const auto Message = Open.MessageOf([&] {
+        PostValues(Open.Table, {{"id", 5000}, {"name", "n1"}, {"qty", -1}});
+    });
     EXPECT_TRUE(Message.starts_with(GetParam().Message)) << Message;
     Open.Table.Cancel();
     AppendMany(Open.Table, Enough + 1, 2 * Enough);
@@ -293,20 +305,24 @@ TEST_P(KvSqliteInsertQueueLeaves, TheRecordToItsOwnPost)
 INSTANTIATE_TEST_SUITE_P(
     , KvSqliteInsertQueueLeaves,
     testing::Values(
-        TRefusingTable{"Check", "CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty INT CHECK (qty >= 0))",
+        TRefusingTable{"Check",
+                       "CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty INT CHECK (qty >= 0))",
                        "orders: CHECK constraint failed"},
         TRefusingTable{"Unique", "CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT UNIQUE, qty INT)",
                        "orders: UNIQUE constraint failed"},
         TRefusingTable{"UniqueIndex",
-                       "CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty INT); CREATE UNIQUE INDEX i ON orders (name)",
+                       "CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty INT); CREATE UNIQUE "
+                       "INDEX i ON orders (name)",
                        "orders: UNIQUE constraint failed"},
         TRefusingTable{"Trigger",
-                       "CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty INT); CREATE TRIGGER t BEFORE INSERT ON "
+                       "CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty INT); CREATE TRIGGER t "
+                       "BEFORE INSERT ON "
                        "orders WHEN NEW.qty < 0 BEGIN SELECT RAISE(ABORT, 'no'); END",
                        "orders: no"},
-        TRefusingTable{"WithoutRowid",
-                       "CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty INT CHECK (qty >= 0)) WITHOUT ROWID",
-                       "orders: CHECK constraint failed"}),
+        TRefusingTable{
+            "WithoutRowid",
+            "CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty INT CHECK (qty >= 0)) WITHOUT ROWID",
+            "orders: CHECK constraint failed"}),
     [](const auto& Row) { return std::string(Row.param.Name); });
 
 } // namespace

@@ -30,8 +30,9 @@ TEST(KvSqliteTable, PublishesWhatIdentifiesIt)
 
 TEST(KvSqliteTable, TellsItsFieldsAndKeyWhileItIsClosed)
 {
-    TTestTable Open("CREATE TABLE orders (day DATE NOT NULL DEFAULT '2024-01-01', nr INTEGER, name VARCHAR(20) NOT NULL,"
-                    " size INT AS (length(name)), PRIMARY KEY (nr, day))");
+    TTestTable Open(
+        "CREATE TABLE orders (day DATE NOT NULL DEFAULT '2024-01-01', nr INTEGER, name VARCHAR(20) NOT NULL,"
+        " size INT AS (length(name)), PRIMARY KEY (nr, day))");
     const auto Describe = [&] {
         std::string Text = Open.Table.KeyFields() + ":";
         for (const auto& Def : Open.Table.DescribeFields())
@@ -40,8 +41,9 @@ TEST(KvSqliteTable, TellsItsFieldsAndKeyWhileItIsClosed)
         return Text;
     };
     const auto WhileOpen = Describe();
-    EXPECT_EQ(WhileOpen, "nr;day: day/" + std::to_string(ftDate) + "/0rd nr/" + std::to_string(ftLargeint) + "/0 name/" +
-                             std::to_string(ftString) + "/20r size/" + std::to_string(ftLargeint) + "/0o");
+    EXPECT_EQ(WhileOpen, "nr;day: day/" + std::to_string(ftDate) + "/0rd nr/" + std::to_string(ftLargeint) +
+                             "/0 name/" + std::to_string(ftString) + "/20r size/" +
+                             std::to_string(ftLargeint) + "/0o");
     Open.Table.Close();
     EXPECT_EQ(Describe(), WhileOpen);
     EXPECT_FALSE(Open.Table.Active());
@@ -66,7 +68,8 @@ TEST(KvSqliteTable, NeedsANameOfATable)
 TEST(KvSqliteTable, MessagesNameFileAndTable)
 {
     TTestTable Open;
-    EXPECT_EQ(Open.MessageOf([&] { Open.Table.FieldByName("nothing"); }), "orders: field 'nothing' not found");
+    EXPECT_EQ(Open.MessageOf([&] { Open.Table.FieldByName("nothing"); }),
+              "orders: field 'nothing' not found");
 }
 
 TEST(KvSqliteTable, MayBeOpenedAgainAndElsewhere)

@@ -60,7 +60,8 @@ template <class TAction> std::string MessageOf(const std::string& FileName, TAct
         Action();
     }
     catch (const Exception& Error) {
-        return Error.Message.starts_with(FileName + ": ") ? Error.Message.substr(FileName.size() + 2) : Error.Message;
+        return Error.Message.starts_with(FileName + ": ") ? Error.Message.substr(FileName.size() + 2)
+                                                          : Error.Message;
     }
     return "";
 }
@@ -89,8 +90,14 @@ struct TTestTable
     }
 
     /// What the file holds, seen from outside.
-    TRowTexts Rows(std::string_view Sql = "SELECT id, name, qty FROM orders ORDER BY id") { return File.Rows(Sql); }
-    template <class TAction> std::string MessageOf(TAction Action) { return kv::MessageOf(File.FileName(), Action); }
+    TRowTexts Rows(std::string_view Sql = "SELECT id, name, qty FROM orders ORDER BY id")
+    {
+        return File.Rows(Sql);
+    }
+    template <class TAction> std::string MessageOf(TAction Action)
+    {
+        return kv::MessageOf(File.FileName(), Action);
+    }
 
     TTestFile File;
     TSQLiteTable Table;

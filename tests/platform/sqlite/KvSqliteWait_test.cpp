@@ -17,8 +17,8 @@ namespace {
 using std::chrono::steady_clock;
 
 /// Counts for ever unless something ends it.
-const std::string EndlessInsert =
-    "INSERT INTO orders (qty) WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT i FROM n";
+const std::string EndlessInsert = "INSERT INTO orders (qty) WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL "
+                                  "SELECT i + 1 FROM n) SELECT i FROM n";
 
 /// A table in a transaction of a database whose program has all the time in the world until it is asked.
 struct KvSqliteWait : testing::Test

@@ -258,7 +258,9 @@ TEST(Kvi2bde, ARecordsPlaceIsItsNumberInTheTable)
 {
     TTableImport Import;
     TLines Places;
-    Import.OnAfterRecordEvent = [&](TKvImportBaseComponent& Sender, bool&) { Places.push_back(Sender.RecordPlace()); };
+    Import.OnAfterRecordEvent = [&](TKvImportBaseComponent& Sender, bool&) {
+        Places.push_back(Sender.RecordPlace());
+    };
     Import.Run();
     EXPECT_THAT(Places, ElementsAre("record 1", "record 3", "record 4"));
 }
@@ -334,12 +336,14 @@ TEST(Kvi2bde, TextsOfMsDosAreOfTheOemCodePageWhateverTheTableSays)
 
 TEST(Kvi2bde, DigitsThatOnlyTextHoldsAreReadWithTheSeparatorsOfTheRun)
 {
-    for (const unsigned Decimals : {15, 0}) {       // a whole number by its field may have decimals all the same
+    // a whole number by its field may have decimals all the same
+    for (const unsigned Decimals : {15, 0}) {
         TTableImport Import(TDbaseBuilder().Field("NAME", 'N', 18, Decimals).Record({"1.234567890123456"}));
         Import.To.SetFieldDefs({{.Name = "Value", .DataType = ftFloat}});
         Import.To.Open();
         Import.SetMappings({"Value=NAME"});
-        const auto Decimal = Import.DataFormats.DecimalSeparator, Thousand = Import.DataFormats.ThousandSeparator;
+        const auto Decimal = Import.DataFormats.DecimalSeparator,
+                   Thousand = Import.DataFormats.ThousandSeparator;
         Import.DataFormats.DecimalSeparator = ',';
         Import.DataFormats.ThousandSeparator = '.';
         EXPECT_THAT(Import.Run(), ElementsAre("1.234567890123456")) << Decimals;
@@ -425,7 +429,8 @@ TEST(Kvi2bde, ARunWithoutMappingsFailsBeforeItsFirstRecord)
         Import.Mode = Mode;
         EXPECT_THAT(Import.Run(irFailed), ElementsAre("kept|"));
         EXPECT_EQ(Import.ErrorMessage(),
-                  Import.SourceFileName + ": a table tells its fields only once it is open; mappings are needed");
+                  Import.SourceFileName +
+                      ": a table tells its fields only once it is open; mappings are needed");
     }
 }
 
@@ -705,9 +710,10 @@ TEST(Kvi2bde, ASpecificationKeepsTheTypeOfTheTable)
     Loaded.LoadSpecification(Folder / "people.kvi");
     EXPECT_EQ(Loaded.TableType, ttDBase);
     Folder.Write("people.kvi", "[Common]\nTableType=Paradox\n[Extensions]\nTableType=9\n");
-    EXPECT_EQ(MessageOf([&] { Loaded.LoadSpecification(Folder / "people.kvi"); }),
-              "Cannot read file \"" + Folder / "people.kvi" +
-                  "\": [Extensions] TableType: '9' is not a valid value for property TKvImportFromBDE.TableType");
+    EXPECT_EQ(
+        MessageOf([&] { Loaded.LoadSpecification(Folder / "people.kvi"); }),
+        "Cannot read file \"" + Folder / "people.kvi" +
+            "\": [Extensions] TableType: '9' is not a valid value for property TKvImportFromBDE.TableType");
 }
 
 TEST(Kvi2bde, AllKindsOfSourcesAreAvailable)
@@ -778,7 +784,8 @@ TEST(LoadBDEPreview, ErrorsOfTheTableReachTheCaller)
     const auto Name = Folder.Write("a.dbf", People().Build());
     TPreview Preview;
     EXPECT_THAT(MessageOf([&] { Preview.Show(Name, false); }), HasSubstr("a.dbf\" is no Paradox table"));
-    EXPECT_THAT(MessageOf([&] { Preview.Show("/no/such.dbf", true); }), HasSubstr("No such file or directory"));
+    EXPECT_THAT(MessageOf([&] { Preview.Show("/no/such.dbf", true); }),
+                HasSubstr("No such file or directory"));
     Preview.FieldNames = "NAME;OTHER";
     EXPECT_EQ(MessageOf([&] { Preview.Show(Name, true); }), Name + ": field 'OTHER' not found");
 }

@@ -82,8 +82,8 @@ public:
     std::unique_ptr<TAccessRecordset> OpenRecordset(const std::string& Name, int Type, int Options,
                                                     int Locking) override
     {
-        Fake.Log.push_back("OpenRecordset " + Name + " " + std::to_string(Type) + " " + std::to_string(Options) + " " +
-                           std::to_string(Locking));
+        Fake.Log.push_back("OpenRecordset " + Name + " " + std::to_string(Type) + " " +
+                           std::to_string(Options) + " " + std::to_string(Locking));
         if (!Fake.Tables.contains(Name) || Name == Fake.Gone)
             throw EDatabaseError("shop.mdb: has no table " + Name);
         return std::make_unique<TFakeRecordset>(Fake, Fake.Tables[Name]);

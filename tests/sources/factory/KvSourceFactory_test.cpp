@@ -69,7 +69,8 @@ TEST_P(KvSourceFactoryMakes, TheComponentOfTheKind)
 {
     const auto Import = CreateImport(GetParam().TableType);
     EXPECT_EQ(Import->ClassName(), GetParam().ClassName);
-    EXPECT_THAT(Saved(*Import), HasSubstr("\r\nTableType=" + std::string(TableTypeName(GetParam().TableType)) + "\r\n"));
+    EXPECT_THAT(Saved(*Import),
+                HasSubstr("\r\nTableType=" + std::string(TableTypeName(GetParam().TableType)) + "\r\n"));
 }
 
 TEST_P(KvSourceFactoryMakes, ComponentsWhoseSettingsSurviveSavingAndLoading)
@@ -116,11 +117,13 @@ TEST_P(KvSourceFactoryMakes, ComponentsWhoseSettingsBeyondTheUsualOnesHaveKeysOf
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(, KvSourceFactoryMakes, testing::Values(
-    TKindRow{teParadox, "TKvImportFromBDE"}, TKindRow{teDBase, "TKvImportFromBDE"},
-    TKindRow{teText, "TKvImportFromText"}, TKindRow{teXLS, "TKvImportFromXLS"}, TKindRow{teWKS, "TKvImportFromWKS"},
-    TKindRow{teHTML, "TKvImportFromHTML"}, TKindRow{teXML, "TKvImportFromXML"},
-    TKindRow{teQuattro, "TKvImportFromQuattro"}, TKindRow{teAccess, "TKvImportFromAccess"}),
+INSTANTIATE_TEST_SUITE_P(
+    , KvSourceFactoryMakes,
+    testing::Values(TKindRow{teParadox, "TKvImportFromBDE"}, TKindRow{teDBase, "TKvImportFromBDE"},
+                    TKindRow{teText, "TKvImportFromText"}, TKindRow{teXLS, "TKvImportFromXLS"},
+                    TKindRow{teWKS, "TKvImportFromWKS"}, TKindRow{teHTML, "TKvImportFromHTML"},
+                    TKindRow{teXML, "TKvImportFromXML"}, TKindRow{teQuattro, "TKvImportFromQuattro"},
+                    TKindRow{teAccess, "TKvImportFromAccess"}),
     [](const auto& Row) { return std::string(TableTypeName(Row.param.TableType)); });
 
 TEST(KvSourceFactory, AnOwnerOwnsTheComponent)
@@ -157,7 +160,8 @@ TEST(KvSourceFactory, MakesComponentsByTheNameOfTheirClass)
 TEST(KvSourceFactory, EveryKindIsOfOneOfTheClasses)
 {
     for (const auto* const Kind : ImportKinds())
-        EXPECT_EQ(std::ranges::count(ImportClassNames(), Kind->Create(nullptr)->ClassName()), 1) << Kind->Name;
+        EXPECT_EQ(std::ranges::count(ImportClassNames(), Kind->Create(nullptr)->ClassName()), 1)
+            << Kind->Name;
 }
 
 TEST(KvSourceFactory, ANameThatIsNoClassHasNoComponent)
@@ -202,7 +206,8 @@ TEST(KvSourceFactory, ComponentsGoBackToTheirDefaults)
     for (const auto& [Import, Properties] : FreshImports()) {
         ChangeAll(*Import);
         for (const auto& Property : Properties) {
-            const bool MayBe = !Property.Set || Property.Name.ends_with("Custom"); // what the choice before it says
+            const bool MayBe =
+                !Property.Set || Property.Name.ends_with("Custom"); // what the choice before it says
             EXPECT_TRUE(MayBe || IsChanged(Property, *Import)) << Import->ClassName() << "." << Property.Name;
         }
         for (const auto& Property : Properties)
@@ -219,7 +224,9 @@ TEST(KvSourceFactory, ComponentsTakeTheSettingsOfTheirLikes)
         const auto Taker = CreateImport(Import->ClassName());
         Taker->TakeSettings(*Import);
         for (const auto& Property : Properties) {
-            const auto Value = [&](const TPersistent& Of) { return Property.Get ? Property.Get(Of) : TVariant(); };
+            const auto Value = [&](const TPersistent& Of) {
+                return Property.Get ? Property.Get(Of) : TVariant();
+            };
             EXPECT_EQ(Value(*Taker), Value(*Import)) << Import->ClassName() << "." << Property.Name;
         }
         EXPECT_EQ(Taker->DataFormats.BooleanTrue, Import->DataFormats.BooleanTrue);

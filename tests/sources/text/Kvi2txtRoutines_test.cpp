@@ -24,11 +24,12 @@ struct TLoaded
     std::vector<std::string> All() const { return {Lines.begin(), Lines.end()}; }
 };
 
-void Load(TLoaded& Loaded, std::string_view Text, bool IsPreview = false, int RowFirst = 1, int RowLast = RowLastMax)
+void Load(TLoaded& Loaded, std::string_view Text, bool IsPreview = false, int RowFirst = 1,
+          int RowLast = RowLastMax)
 {
     const TTempFolder Folder;
-    LoadTextFile(IsPreview, Loaded.FirstLine, Loaded.Lines, Folder.Write("file", Text), "\r\n", "\"", RowFirst,
-                 RowLast);
+    LoadTextFile(IsPreview, Loaded.FirstLine, Loaded.Lines, Folder.Write("file", Text), "\r\n", "\"",
+                 RowFirst, RowLast);
 }
 
 std::vector<std::string> LinesOf(std::string_view Text, TKvITextExtensions Extensions, bool IsPreview = false)
@@ -118,8 +119,9 @@ TEST(LoadTextFile, AMissingFileRaisesAndEndsTheUpdate)
     TLoaded Loaded;
     int Changes = 0;
     Loaded.Lines.OnChange = [&Changes] { ++Changes; };
-    EXPECT_THROW(LoadTextFile(false, Loaded.FirstLine, Loaded.Lines, "/no/such/file", "\r\n", "\"", 1, RowLastMax),
-                 EFileError);
+    EXPECT_THROW(
+        LoadTextFile(false, Loaded.FirstLine, Loaded.Lines, "/no/such/file", "\r\n", "\"", 1, RowLastMax),
+        EFileError);
     Loaded.Lines.Add("one");
     EXPECT_GE(Changes, 1);
 }
