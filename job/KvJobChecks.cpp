@@ -6,7 +6,9 @@
 #include <string>
 
 #include "KvDataSet.h"
+#include "KvDateText.h"
 #include "KvDisplayText.h"
+#include "KvFormatSettings.h"
 #include "KvText.h"
 
 namespace kv {
@@ -24,19 +26,90 @@ bool IsRealNumber(TFieldType Type)
     return Type == ftFloat || Type == ftCurrency || Type == ftBCD;
 }
 
-/// Positions, in the view, of columns that go into such fields.
-std::vector<std::size_t> NumberColumns(const TJobSource& Source, const TJobPlan& Plan,
-                                       const TDataSet& Destination)
+/// Positions, in the view, of columns that go into fields of types that `IsWanted` takes.
+std::vector<std::size_t> ColumnsInto(bool (*IsWanted)(TFieldType), const TJobSource& Source,
+                                     const TJobPlan& Plan, const TDataSet& Destination)
 {
     std::vector<std::size_t> Result;
     for (const auto& Fate : Plan.Columns) {
         const auto* const Field =
             Fate.Field.empty() ? nullptr : Destination.FindField(FromDisplay(Fate.Field));
         const auto Column = std::ranges::find(Source.Columns(), Fate.Column.Name, &TKvISourceColumn::Name);
-        if (Field && IsRealNumber(Field->DataType()) && Column != Source.Columns().end())
+        if (Field && IsWanted(Field->DataType()) && Column != Source.Columns().end())
             Result.push_back(static_cast<std::size_t>(Column - Source.Columns().begin()));
     }
     return Result;
+}
+
+bool IsDate(TFieldType Type)
+{
+    return Type == ftDate || Type == ftDateTime;
+}
+
+/// A text of the source and its row.
+struct TSeenText
+{
+    std::string Text;
+    const TKvISourceRow* Row;
+};
+
+/// The texts of column `Index` that are not blank.
+std::vector<TSeenText> TextsOf(const TKvISourceView& View, std::size_t Index)
+{
+    std::vector<TSeenText> Texts;
+    for (const auto& Row : View.Rows)
+        if (Index < Row.Values.size() && Row.Values[Index].Value.IsString() &&
+            !Row.Values[Index].Value.IsBlank())
+            Texts.push_back({Row.Values[Index].Value.ToText(), &Row});
+    return Texts;
+}
+
+bool IsNoDate(const TSeenText& Seen)
+{
+    return !TryTextToDateTime(Seen.Text);
+}
+
+/// A way to write dates.
+struct TDateForm
+{
+    const char* Order;                              // "dmy"
+    const char* Pattern;                            // with "/" between its parts
+};
+
+constexpr TDateForm DateForms[] = {
+    {"ymd", "yyyy/MM/dd"}, {"dmy", "dd/MM/yyyy"}, {"mdy", "MM/dd/yyyy"}};
+
+/// Puts a form in force and the one before back.
+class TDateFormInForce
+{
+public:
+    TDateFormInForce(const TDateForm& Form, char Separator) : Before(FormatSettings())
+    {
+        FormatSettings().ShortDateFormat = Form.Pattern;
+        std::ranges::replace(FormatSettings().ShortDateFormat, '/', Separator);
+        FormatSettings().DateSeparator = Separator;
+    }
+    TDateFormInForce(const TDateFormInForce&) = delete;
+    TDateFormInForce& operator=(const TDateFormInForce&) = delete;
+    ~TDateFormInForce() { FormatSettings() = Before; }
+
+private:
+    const TFormatSettings Before;
+};
+
+/// The form in which all of `Texts` are dates, if there is one, as `Found` then has it.
+bool FindDateForm(const std::vector<TSeenText>& Texts, TJobFinding& Found)
+{
+    for (const char Separator : {'-', '.', '/'})
+        for (const auto& Form : DateForms) {
+            const TDateFormInForce InForce(Form, Separator);
+            if (std::ranges::any_of(Texts, IsNoDate))
+                continue;
+            Found.Was = Form.Order;
+            Found.Character = Separator;
+            return true;
+        }
+    return false;
 }
 
 } // namespace
@@ -55,6 +128,25 @@ std::vector<TJobFinding> CheckHeader(const TJobSource& Source, const TDataSet& D
              .Name = Source.Title(),
              .Unit = Source.Unit(),
              .Number = First.Position.Number}};
+}
+
+std::vector<TJobFinding> CheckDates(const TJobSource& Source, const TJobPlan& Plan,
+                                    const TDataSet& Destination)
+{
+    std::vector<TJobFinding> Result;
+    for (const auto Column : ColumnsInto(IsDate, Source, Plan, Destination)) {
+        const auto Texts = TextsOf(Source.View(), Column);
+        const auto Wrong = std::ranges::find_if(Texts, IsNoDate);
+        if (Wrong == Texts.end())
+            continue;
+        TJobFinding Found{.Kind = jfOtherDates,
+                          .Name = Source.Title(),
+                          .Value = ToDisplay(Wrong->Text),
+                          .Place = Wrong->Row->Position.Text()};
+        if (FindDateForm(Texts, Found))
+            Result.push_back(std::move(Found));
+    }
+    return Result;
 }
 
 bool IsGroupedInThousands(std::string_view Number, char Separator, char DecimalSeparator)
@@ -85,7 +177,7 @@ bool IsGroupedInThousands(std::string_view Number, char Separator, char DecimalS
 void CheckThousandSeparators(const TJobSource& Source, const TJobPlan& Plan, const TDataSet& Destination,
                              char Separator, char DecimalSeparator)
 {
-    const auto Columns = NumberColumns(Source, Plan, Destination);
+    const auto Columns = ColumnsInto(IsRealNumber, Source, Plan, Destination);
     for (const auto& Row : Source.View().Rows)
         for (const auto Column : Columns) {
             if (Column >= Row.Values.size() || !Row.Values[Column].Value.IsString())

@@ -83,6 +83,11 @@ enum TJobFindingKind {
     jfClassicCells,                                 ///< Read classic, cells go to mappings in their order.
     /// Row Number, which is imported, looks like a header. Unit
     jfLooksLikeHeader,
+    /// Value, at Place, is no date as dates are read now; in the order Was with Character all of its column
+    /// are.
+    jfOtherDates,
+    /// Text at Place is no UTF-8; all that is none is taken for code page Value.
+    jfLegacyText,
     /// Settings are those of file Value, which names the source Was.
     jfSaved,
     /// It has no mappings: the component joins columns and fields.

@@ -45,7 +45,7 @@ void TJobRun::Prepare()
     CheckFiles();
     UseFormats(Settings.Formats);
     FSource = OpenSource(Saved, Settings, [this] { return Observer.KeepsRunning(); });
-    FFindings = FSource->Findings();
+    Add(FSource->Findings());
     Destination =
         std::make_unique<TJobDestination>(Settings.Destination, Settings.Run.DryRun ? 0 : Settings.Run.Batch,
                                           [this] { return Observer.KeepsRunning(); });
@@ -81,6 +81,7 @@ void TJobRun::Check()
     }
     Add(CheckHeader(*FSource, Table()));
     const auto& Formats = FSource->Component().DataFormats;
+    Add(CheckDates(*FSource, FPlan, Table()));
     if (Settings.Formats.CheckThousands)
         CheckThousandSeparators(*FSource, FPlan, Table(), Formats.ThousandSeparator,
                                 Formats.DecimalSeparator);
@@ -88,7 +89,10 @@ void TJobRun::Check()
 
 void TJobRun::Add(std::vector<TJobFinding> More)
 {
-    FFindings.insert(FFindings.end(), std::move_iterator(More.begin()), std::move_iterator(More.end()));
+    for (auto& Finding : More) {
+        Observer.Found(Finding);
+        FFindings.push_back(std::move(Finding));
+    }
 }
 
 void TJobRun::SetUp()
@@ -218,6 +222,8 @@ void TJobRun::Settle()
     if (Outcome.Result == joCancelled)
         Outcome.Failure.reset();                    // giving up a wait for a lock looks like a failure
     Outcome.Remarks = FSource->Remarks();
+    for (const auto& Remark : Outcome.Remarks)
+        Observer.Found(Remark);
     Observer.Progress(Outcome.Figures);
 }
 

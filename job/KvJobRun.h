@@ -72,6 +72,8 @@ public:
 
     /// False cancels: asked while anything takes long.
     virtual bool KeepsRunning() { return true; }
+    /// Found before the run, or left out by it: how the source was read where nobody had told it.
+    virtual void Found(const TJobFinding& Finding) { static_cast<void>(Finding); }
     /// A record could not be stored and is left out. False ends the run as failed.
     virtual bool RecordFailed(const TJobError& Error)
     {

@@ -324,17 +324,26 @@ void TJobSource::SelectTableNumber()
 
 // What was seen.
 
-/// Text becomes UTF-8 by the code page that a table names: what is no UTF-8 then has not been converted.
+/// Text becomes UTF-8 by the code page that a table names, and is UTF-8 in a file: what is none has not been
+/// converted, and is taken for the legacy code page.
 void TJobSource::CheckText()
 {
     const bool IsTable = Kind().TableType == teDBase || Kind().TableType == teParadox;
-    if (!IsTable || FIsSaved || Settings.MsDos || !AnsiIsUtf8())
+    if ((!IsTable && Kind().TableType != teText) || (IsTable && FIsSaved) || Settings.MsDos || !AnsiIsUtf8())
         return;
+    const auto IsForeign = [&](const TKvISourceRow& Row, std::size_t Column) {
+        const auto& Value = Row.Values[Column].Value;
+        const bool IsText = !IsTable || FView.Columns[Column].DataType == ftString;
+        return IsText && Value.IsString() && !IsValidUtf8(Value.Text());
+    };
     for (const auto& Row : FView.Rows)
         for (std::size_t I = 0; I < Row.Values.size(); ++I)
-            if (FView.Columns[I].DataType == ftString && !IsValidUtf8(Row.Values[I].Value.ToText())) {
-                FFindings.push_back(
-                    {.Kind = jfForeignText, .Name = FTitle, .Value = LegacyCodePage(), .Was = OemCodePage()});
+            if (IsForeign(Row, I)) {
+                FFindings.push_back({.Kind = IsTable ? jfForeignText : jfLegacyText,
+                                     .Name = FTitle,
+                                     .Value = LegacyCodePage(),
+                                     .Was = OemCodePage(),
+                                     .Place = Row.Position.Text()});
                 return;
             }
 }

@@ -28,6 +28,12 @@ std::string HeaderText(const TJobFinding& Found)
     return Row(Found) + " looks like a header; --first-row " + std::to_string(Found.Number + 1) + " skips it";
 }
 
+std::string OtherDates(const TJobFinding& Found)
+{
+    return Found.Place + ": '" + Found.Value + "' is no date; --date-order " + Found.Was +
+           " --date-separator " + std::string(1, Found.Character) + " reads it";
+}
+
 std::string SavedText(const TJobFinding& Found)
 {
     const auto Named = Found.Was.empty() ? "not" : Found.Was;
@@ -222,6 +228,10 @@ std::string FindingText(const TJobFinding& Found)
                "many";
     case jfClassicCells:    return "--classic: the first mapping takes the first cell of a row and so on";
     case jfLooksLikeHeader: return HeaderText(Found);
+    case jfOtherDates:      return OtherDates(Found);
+    case jfLegacyText:
+        return Found.Place + " is no UTF-8: such text is taken for " + Found.Value +
+               "; --code-page takes it for another";
     case jfSaved:           return SavedText(Found);
     case jfMapsItself:
         return "it has no mappings: columns and fields are joined by the rules of the component";

@@ -1,5 +1,6 @@
 #include "KvJobChecks.h"
 
+#include "KvFormatSettings.h"
 #include "KvJobTestSource.h"
 
 namespace kv {
@@ -60,6 +61,48 @@ TEST(KvJobChecks, KnowAHeaderAmongTheRows)
     EXPECT_EQ(Found[0].Kind, jfLooksLikeHeader);
     EXPECT_EQ(Found[0].Number, 1);
     EXPECT_TRUE(CheckHeader(File.Look(), Table).empty()) << "a header above the rows is no row";
+}
+
+struct KvJobChecksOfDates : testing::Test
+{
+    KvJobChecksOfDates()
+    {
+        UseFormats({});
+        Table.SetFieldDefs(
+            {{.Name = "ID", .DataType = ftString, .Size = 20}, {.Name = "DAY", .DataType = ftDate}});
+        Table.Open();
+    }
+    ~KvJobChecksOfDates() override { FormatSettings() = {}; }
+
+    std::vector<TJobFinding> Check(std::string_view Csv)
+    {
+        TJobTestSource File("days.csv", Csv);
+        auto& Source = File.Look();
+        return CheckDates(Source, MakePlan(Source, Table, {}), Table);
+    }
+
+    TMemoryDataSet Table;
+};
+
+TEST_F(KvJobChecksOfDates, ProposeTheOrderInWhichAllOfAColumnAreDates)
+{
+    const auto Found = Check("ID,DAY\n03/14/2024,03/04/2024\n,\n1,03/14/2024\n");
+    ASSERT_EQ(Found.size(), 1);
+    EXPECT_EQ(Found[0].Kind, jfOtherDates);
+    EXPECT_EQ(Found[0].Value, "03/04/2024");
+    EXPECT_EQ(Found[0].Place, "line 2");
+    EXPECT_EQ(Found[0].Was, "mdy");
+    EXPECT_EQ(Found[0].Character, '/');
+}
+
+TEST_F(KvJobChecksOfDates, SayNothingOfDatesThatAreRead)
+{
+    EXPECT_TRUE(Check("ID,DAY\n1,2024-03-14\n").empty());
+}
+
+TEST_F(KvJobChecksOfDates, ProposeNothingThatDoesNotFitAll)
+{
+    EXPECT_TRUE(Check("ID,DAY\n1,03/14/2024\n2,soon\n").empty());
 }
 
 } // namespace

@@ -290,6 +290,16 @@ TEST(KvJobSource, TextOfNoCodePageIsTold)
     EXPECT_THAT(TextsOf(File.Source->View().Rows[0]), ElementsAre("Köln"));
 }
 
+TEST(KvJobSource, TextThatIsNoUtf8IsToldWithItsPlace)
+{
+    TJobTestSource File("orders.csv", "ID,CITY\n1,Bern\n2,K\xF6ln\n");
+    const auto& Source = File.Look();
+    ASSERT_EQ(Source.Findings().size(), 1);
+    EXPECT_EQ(Source.Findings()[0].Kind, jfLegacyText);
+    EXPECT_EQ(Source.Findings()[0].Place, "line 3");
+    EXPECT_EQ(Source.Findings()[0].Value, LegacyCodePage());
+}
+
 TEST(KvJobSource, ValuesThatCannotBeReadAreCountedAndDoNotEndTheLook)
 {
     TJobTestSource File("old.dbf",
