@@ -154,7 +154,8 @@ TKvFileBytes ReadToEnd(TOpenFile& File, std::size_t MaxSize, const std::function
 void RaiseFileError(std::string_view Action, const std::string& FileName, int Code)
 {
     const auto Reason = std::generic_category().message(Code);
-    throw EFileError(FormatText("Cannot %s file \"%s\": %s", {Action, FileName, Reason}));
+    throw EFileError(FormatText("Cannot %s file \"%s\": %s", {Action, FileName, Reason}),
+                     {.FileName = FileName, .Rule = Code == ENOENT ? erMissing : erStorage});
 }
 
 TKvFileBytes ReadFileBytes(const std::string& FileName, std::size_t MaxSize,
@@ -171,8 +172,9 @@ TKvFileBytes ReadFileBytes(const std::string& FileName, std::size_t MaxSize,
 std::uint64_t FileSize(const std::string& FileName)
 {
     // Not opened: closing a pipe again would end the program that writes to it.
+    const auto Path = PathOfFile(FileName);
     struct stat Status;
-    if (stat(FileName.c_str(), &Status) != 0 || access(FileName.c_str(), R_OK) != 0)
+    if (stat(Path.c_str(), &Status) != 0 || access(Path.c_str(), R_OK) != 0)
         RaiseFileError("open", FileName, errno);
     if (S_ISDIR(Status.st_mode))
         RaiseFileError("open", FileName, EISDIR);

@@ -108,7 +108,8 @@ void TKvTextFile::Decode(const std::string& FileName, const std::string& CodePag
     }
     catch (const EConvertError&) {                  // its message may hold the whole text
         throw EConvertError(FormatText("Cannot convert the text of file \"%s\" from %s to %s",
-                                       {FileName, CodePage, AnsiCodePage()}));
+                                       {FileName, CodePage, AnsiCodePage()}),
+                            {.FileName = FileName, .Rule = erFormat});
     }
     FText = Decoded;
     FOffset = -1;

@@ -81,6 +81,11 @@ void ReadTable(TKvSectors& Sectors, const THeader& Header)
     }
 }
 
+TKvErrorFacts FactsOf(const std::string& FileName)
+{
+    return {.FileName = FileName, .Rule = erFormat};
+}
+
 } // namespace
 
 bool IsStorage(std::string_view Bytes)
@@ -93,9 +98,18 @@ bool IsStorageFile(const std::string& FileName)
     return IsStorage(ReadFileBytes(FileName, Signature.size()).View());
 }
 
-TKvStorageStream::TKvStorageStream(TKvChainBytes Bytes, std::uint64_t StatedSize, std::string TitleInMessages)
-    : Content(std::move(Bytes)), FSize(StatedSize), Title(std::move(TitleInMessages))
+TKvStorageStream::TKvStorageStream(TKvChainBytes Bytes, std::uint64_t StatedSize, std::string NameInMessages,
+                                   std::string FileNameInMessages)
+    : Content(std::move(Bytes)),
+      FSize(StatedSize),
+      Name(std::move(NameInMessages)),
+      FileName(std::move(FileNameInMessages))
 {
+}
+
+std::string TKvStorageStream::Title() const
+{
+    return FormatText("stream \"%s\" of file \"%s\"", {Name, FileName});
 }
 
 std::size_t TKvStorageStream::Read(void* Buffer, std::size_t Count)
@@ -115,7 +129,7 @@ void TKvStorageStream::SeekFromCurrent(std::int64_t Offset)
     // Unsigned sums wrap as they should; a position is less than half of its range.
     const auto Target = FPosition + static_cast<std::uint64_t>(Offset);
     if (Offset < 0 && Target > FPosition)
-        throw EFormatError("Cannot seek before the start of " + Title);
+        throw EFormatError("Cannot seek before the start of " + Title(), FactsOf(FileName));
     FPosition = Target;
 }
 
@@ -124,8 +138,9 @@ void TKvStorageStream::Require(std::uint64_t End) const
     const auto Present = ReadAll().size();
     if (End > Present)
         throw EFormatError(FormatText("Cannot read %s past byte %d of %d: %s",
-                                      {Title, std::to_string(Present), std::to_string(FSize),
-                                       Content.Fault()}));
+                                      {Title(), std::to_string(Present), std::to_string(FSize),
+                                       Content.Fault()}),
+                           FactsOf(FileName));
 }
 
 TKvStorage::TKvStorage(const std::string& Path) : FileName(Path), FileBytes(ReadFileBytes(Path))
@@ -199,16 +214,15 @@ TKvStorageStream TKvStorage::OpenStream(std::string_view Name) const
     });
     if (Found == FElements.end())
         throw EFormatError(FormatText("File \"%s\" has no stream \"%s\"", {FileName, Name}),
-                           {.FileName = FileName});
+                           FactsOf(FileName));
     const auto& Home = Found->Size < MiniLimit ? MiniSectors : Sectors;
-    return {TKvChainBytes(Home, Found->FirstSector, Found->Size), Found->Size,
-            FormatText("stream \"%s\" of file \"%s\"", {Found->Name, FileName})};
+    return {TKvChainBytes(Home, Found->FirstSector, Found->Size), Found->Size, Found->Name, FileName};
 }
 
 void TKvStorage::Refuse(std::string_view Reason) const
 {
     throw EFormatError(FormatText("File \"%s\" is no compound document: %s", {FileName, Reason}),
-                       {.FileName = FileName});
+                       FactsOf(FileName));
 }
 
 } // namespace kv

@@ -43,8 +43,9 @@ struct TKvStorageElement
 class TKvStorageStream
 {
 public:
-    /// Messages name the stream as "stream "Book" of file "a.xls"".
-    TKvStorageStream(TKvChainBytes Bytes, std::uint64_t StatedSize, std::string TitleInMessages);
+    /// Messages name the stream as "stream "Book" of file "a.xls"", errors know the file.
+    TKvStorageStream(TKvChainBytes Bytes, std::uint64_t StatedSize, std::string NameInMessages,
+                     std::string FileNameInMessages);
 
     /// The bytes that are there as one piece, fewer than Size() in a damaged file: whoever gets to their end
     /// and needs more calls RequireAll. Valid as long as the stream.
@@ -66,10 +67,12 @@ public:
 
 private:
     void Require(std::uint64_t End) const;
+    std::string Title() const;
 
     TKvChainBytes Content;
     std::uint64_t FSize;
-    std::string Title;
+    std::string Name;
+    std::string FileName;
     std::uint64_t FPosition = 0;
 };
 

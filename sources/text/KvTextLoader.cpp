@@ -98,7 +98,7 @@ void TKvTextLoader::RequireClosed() const
 {
     if (!IsClosed())
         throw Exception(FileAndLine(FileName, Unclosed) + MsgUnclosed,
-                        {.Place = "line " + std::to_string(Unclosed), .Rule = erFormat});
+                        {.FileName = FileName, .Place = "line " + std::to_string(Unclosed), .Rule = erFormat});
 }
 
 void TKvTextLoader::ForgetLines()

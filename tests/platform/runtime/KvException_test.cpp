@@ -31,5 +31,14 @@ TEST(KvException, KeepsTheFactsOfTheWholeFamily)
     }
 }
 
+TEST(KvException, NamesTheFileBeforeAMessageThatLacksIt)
+{
+    Exception Error("File is encrypted", {.FileName = "a.xls"});
+    EXPECT_EQ(Error.FullMessage(), "File is encrypted");
+    Error.Facts.LacksFileName = true;
+    EXPECT_EQ(Error.FullMessage(), "a.xls: File is encrypted");
+    EXPECT_EQ(Error.Message, "File is encrypted");
+}
+
 } // namespace
 } // namespace kv

@@ -75,6 +75,23 @@ TEST_F(KvFile, NamesTheFileAndTheReason)
               "Cannot read file \"/proc/self/mem\": Input/output error");
 }
 
+TEST_F(KvFile, ErrorsKnowTheFileAndWhetherItIsThere)
+{
+    const auto FactsOf = [](const std::string& Name) {
+        try {
+            ReadFileBytes(Name);
+        }
+        catch (const EFileError& Error) {
+            return Error.Facts;
+        }
+        return TKvErrorFacts();
+    };
+    EXPECT_EQ(FactsOf("/no/such/file").FileName, "/no/such/file");
+    EXPECT_EQ(FactsOf("/no/such/file").Rule, erMissing);
+    EXPECT_FALSE(FactsOf("/no/such/file").LacksFileName);
+    EXPECT_EQ(FactsOf("/").Rule, erStorage);
+}
+
 TEST_F(KvFile, ReadsFilesThatHideTheirSize)
 {
     EXPECT_EQ(FileSize("/proc/self/status"), 0u);

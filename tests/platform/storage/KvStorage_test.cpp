@@ -43,13 +43,15 @@ std::string ReadStream(std::string_view File, std::string_view Name)
     return std::string(Stream.ReadAll());
 }
 
-/// The message of what `Act` raises.
+/// The message of what `Act` raises, which knows the file too.
 template <class TAct> std::string ErrorOf(TAct Act)
 {
     try {
         Act();
     }
     catch (const EFormatError& Error) {
+        EXPECT_EQ(Error.Facts.FileName, "a.xls");
+        EXPECT_EQ(Error.Facts.Rule, erFormat);
         return Error.Message;
     }
     return {};

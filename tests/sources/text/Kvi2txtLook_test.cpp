@@ -330,6 +330,21 @@ TEST(Kvi2txtLook, RaisesWhatTheRunWouldEndBy)
     EXPECT_EQ(ErrorOf(Import, {}), "Cannot open file \"FILE\": No such file or directory");
 }
 
+TEST(Kvi2txtLook, ErrorsKnowFileAndLine)
+{
+    TTextImport Import("1,2\r\n3,\"4\r\n");
+    Import.Extensions = {xtDoubledQualifiers};
+    Import.RunAndFail();
+    EXPECT_EQ(Import.Error().Facts.FileName, Import.SourceFileName);
+    EXPECT_EQ(Import.Error().Facts.Place, "line 2");
+    EXPECT_EQ(Import.Error().Facts.Rule, erFormat);
+    Import.SourceFileName = Import.Folder.Write("long", "1,2\r\n" + std::string(10000, 'x'));
+    Import.RunAndFail();
+    EXPECT_EQ(Import.Error().Facts.FileName, Import.SourceFileName);
+    EXPECT_EQ(Import.Error().Facts.Place, "line 2");
+    EXPECT_EQ(Import.Error().Facts.Rule, erLength);
+}
+
 TEST(Kvi2txtLook, AValueThatIsClosedFarBehindIsNoError)
 {
     TTextImport Import("1,\"" + std::string(2 * Window, 'x') + "\"\r\n");
@@ -348,7 +363,7 @@ TEST(Kvi2txtLook, WhatWasCancelledIsNotKept)
     TNo Observer;
     TTextImport Import("1,2,3\r\n");
     Import.SetObserver(&Observer);
-    EXPECT_THAT(Import.Look({}).Rows, IsEmpty());
+    EXPECT_EQ(ErrorOf(Import, {}), "Looking at the source was canceled by user.");
     Import.SetObserver(nullptr);
     EXPECT_THAT(RowsOf(Import.Look({})), ElementsAre("1: 1|2|3"));
 }
