@@ -97,8 +97,9 @@ bool TKvTextLoader::Cut(const TKvTextLayout& Layout, const TKvWantedLines& Wante
 void TKvTextLoader::RequireClosed() const
 {
     if (!IsClosed())
-        throw Exception(FileAndLine(FileName, Unclosed) + MsgUnclosed,
-                        {.FileName = FileName, .Place = "line " + std::to_string(Unclosed), .Rule = erFormat});
+        throw Exception(
+            FileAndLine(FileName, Unclosed) + MsgUnclosed,
+            {.FileName = FileName, .Place = "line " + std::to_string(Unclosed), .Rule = erFormat});
 }
 
 void TKvTextLoader::ForgetLines()

@@ -154,8 +154,9 @@ bool TKvImportFromText::LoadRecord()
 void TKvImportFromText::CheckLength(std::string_view Line, std::size_t Number) const
 {
     if (Line.size() > MaxLineSize && !Extensions.Contains(xtLongLines))
-        throw Exception(FileAndLine(SourceFileName, Number) + MsgLineTooLong,
-                        {.FileName = SourceFileName, .Place = "line " + std::to_string(Number), .Rule = erLength});
+        throw Exception(
+            FileAndLine(SourceFileName, Number) + MsgLineTooLong,
+            {.FileName = SourceFileName, .Place = "line " + std::to_string(Number), .Rule = erLength});
 }
 
 /// For a line that holds not as many values as the one to compare with.
