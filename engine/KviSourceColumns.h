@@ -29,12 +29,7 @@ public:
     {
         if (Next < Entries.size() && Entries[Next].Source == Source.Text())
             return Entries[Advance(Next)].Column;
-        for (std::size_t I = 0; I < Entries.size(); ++I)
-            if (Entries[I].Source == Source.Text())
-                return Entries[Advance(I)].Column;
-        const std::string Name = Source.ToText();
-        Entries.push_back({Name, std::forward<TResolve>(Resolve)(Name)});
-        return Entries[Advance(Entries.size() - 1)].Column;
+        return Search(Source, std::forward<TResolve>(Resolve));
     }
 
 private:
@@ -43,6 +38,18 @@ private:
         std::string Source;
         TColumn Column;
     };
+
+    /// Apart from Find, so that this stays small where it is called for every value.
+    template <class TResolve>
+    [[gnu::noinline]] const TColumn& Search(const TVariant& Source, TResolve&& Resolve)
+    {
+        for (std::size_t I = 0; I < Entries.size(); ++I)
+            if (Entries[I].Source == Source.Text())
+                return Entries[Advance(I)].Column;
+        const std::string Name = Source.ToText();
+        Entries.push_back({Name, std::forward<TResolve>(Resolve)(Name)});
+        return Entries[Advance(Entries.size() - 1)].Column;
+    }
 
     std::size_t Advance(std::size_t Found)
     {

@@ -189,12 +189,24 @@ void TJobFile::Complete(TJobSettings& Settings) const
     Take(Settings.Formats.BooleanTrue, Job.Formats.BooleanTrue);
     Take(Settings.Formats.BooleanFalse, Job.Formats.BooleanFalse);
     Settings.Formats.CheckThousands = Settings.Formats.CheckThousands && Job.Formats.CheckThousands;
-    Take(Settings.Destination.Url, ToDisplay(Job.Destination.Url));
+    if (Settings.Destination.Url.empty())
+        Settings.Destination.Url = FindDestination();
     Take(Settings.Destination.Table, ToDisplay(Job.Destination.Table));
     if (Settings.Run.Batch == 0)
         Settings.Run.Batch = Job.Run.Batch;
     Take(Settings.Run.StopAfter, Job.Run.StopAfter);
     Take(Settings.Run.StopShare, Job.Run.StopShare);
+}
+
+/// As the file names it, or beside the file.
+std::string TJobFile::FindDestination() const
+{
+    const auto Named = ToDisplay(Job.Destination.Url);
+    std::error_code Ignored;
+    if (Named.empty() || std::filesystem::exists(Named, Ignored))
+        return Named;
+    const auto Beside = std::filesystem::path(FFileName).parent_path() / Named;
+    return std::filesystem::exists(Beside, Ignored) ? Beside.string() : Named;
 }
 
 /// As the file names it in the current folder, or beside the file.
@@ -211,6 +223,8 @@ std::string TJobFile::FindSource() const
     Refuse({.Kind = jfSourceGone, .Name = FFileName, .Value = ToDisplay(Named.string())});
 }
 
+/// Of several columns with one title the first is meant, as where columns are found by name. What a source
+/// may still have in later records is not gone.
 std::vector<TJobFinding> TJobFile::FollowTitles(const TJobSource& Source,
                                                 std::vector<std::string>& MapLines) const
 {
@@ -218,25 +232,26 @@ std::vector<TJobFinding> TJobFile::FollowTitles(const TJobSource& Source,
     if (!Source.HasTitles())
         return Result;
     for (std::size_t I = 0; I < Titles.size(); ++I) {
-        const auto IsCalled = [&](const TKvISourceColumn& Each) { return SameText(Each.Title, Titles[I]); };
         const auto Pair = SplitMapLine(Lines[I]);
-        const auto& Columns = Source.Columns();
-        const auto Same = std::ranges::find(Columns, Pair.Column, &TKvISourceColumn::Name);
-        if (Titles[I].empty() || (Same != Columns.end() && IsCalled(*Same)))
+        const auto IsCalled = [&](const TKvISourceColumn& Each) { return SameText(Each.Title, Titles[I]); };
+        const auto Found = std::ranges::find_if(Source.Columns(), IsCalled);
+        const bool IsThere = Found != Source.Columns().end();
+        if (Titles[I].empty() || (IsThere && Found->Name == Pair.Column))
             continue;
-        const auto Moved = std::ranges::find_if(Columns, IsCalled);
-        if (Moved == Columns.end())
+        if (IsThere) {
+            MapLines[I] = ToDisplay(Pair.Field + "=" + Found->Name);
+            Result.push_back({.Kind = jfColumnMoved,
+                              .Name = ToDisplay(Found->Name),
+                              .Value = ToDisplay(Titles[I]),
+                              .Was = ToDisplay(Pair.Column)});
+        }
+        else if (Source.HeaderRow() > 0 || Source.ColumnNamed(ToDisplay(Pair.Column)).Kind != snMissing)
             Refuse({.Kind = jfColumnGone,
                     .Name = Source.Title(),
                     .Value = ToDisplay(Titles[I]),
                     .Was = ToDisplay(Pair.Field),
                     .Unit = Source.Unit(),
                     .Number = Source.HeaderRow()});
-        MapLines[I] = ToDisplay(Pair.Field + "=" + Moved->Name);
-        Result.push_back({.Kind = jfColumnMoved,
-                          .Name = ToDisplay(Moved->Name),
-                          .Value = ToDisplay(Titles[I]),
-                          .Was = ToDisplay(Pair.Column)});
     }
     return Result;
 }

@@ -53,6 +53,9 @@ public:
     /// DatasetKeys, name by name; in the process's code page.
     std::vector<std::string> Keys() const;
 
+    /// Where it imports to unless something else is said; empty members where the file does not say it.
+    const TJobDestinationSettings& Destination() const { return Job.Destination; }
+
     /// The code pages that it names, where `Formats` leaves them open: names in the file are in them.
     void TakeCodePages(TJobFormats& Formats) const;
     /// The file's settings where `Settings` leaves them open. What a caller wants to overrule afterwards is
@@ -67,6 +70,7 @@ public:
 private:
     void ReadJob(const TIniFile& File);
     std::string FindSource() const;
+    std::string FindDestination() const;
 
     const std::string FFileName;
     std::string FName, FApplication;

@@ -86,7 +86,9 @@ public:
     }
     void JoinOrLeaveOut(const TKvISourceColumn& Column, const TField& Field)
     {
-        if (IsTaken(Field))
+        if (Trim(Column.Name) != Column.Name)
+            LeaveOut(Column, jcUnnameableColumn);
+        else if (IsTaken(Field))
             LeaveOut(Column, jcTitleTwice);
         else if (const auto Reason = Obstacle(Field); Reason != jcMapped)
             LeaveOut(Column, Reason);

@@ -28,6 +28,8 @@ enum TJobFate {
     jcReadOnly,                                     ///< Not imported: its field is computed by the database.
     /// Not imported: the name of its field cannot stand in a mapping.
     jcUnnameable,
+    /// Not imported: mappings know no names with blanks at their ends.
+    jcUnnameableColumn,
     jcNoMoreFields,                                 ///< Not imported: the table has no more fields.
     jcNotMapped                                     ///< Not imported: no line names it.
 };

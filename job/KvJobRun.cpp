@@ -135,7 +135,13 @@ void TJobRun::Emptied(std::int64_t Count)
 void TJobRun::RecordDone(TKvIFate Fate)
 {
     CountRecord(Fate);
-    Destination->RecordDone();
+    try {
+        Destination->RecordDone();
+    }
+    catch (const Exception& Error) {                // of the batch that ends with it
+        Ending = ErrorOf(Error, true);
+        throw;
+    }
 }
 
 /// The error that ends the run is told with its outcome.

@@ -96,7 +96,8 @@ public:
     /// Opens source and destination, joins columns and fields and checks both. Raises Exception; nothing was
     /// changed then.
     void Prepare();
-    // Once it is prepared:
+    bool HasSource() const { return FSource != nullptr; } ///< Prepare came as far as that.
+    // Once it is prepared, or as far as it came:
     TJobSource& Source() { return *FSource; }
     TDataSet& Table();
     const TJobPlan& Plan() const { return FPlan; }

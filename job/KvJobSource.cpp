@@ -28,6 +28,12 @@ bool IsCsv(const std::string& FileName)
     return SameText(std::filesystem::path(FileName).extension().string(), ".CSV");
 }
 
+/// Text that is no UTF-8 although it should be becomes what it is taken for: fields are found by that.
+std::string ReadableTitle(const std::string& Title)
+{
+    return AnsiIsUtf8() ? ToDisplay(Title) : Title;
+}
+
 TJobFinding FindingOf(const TKvISourceRemark& Remark)
 {
     const auto Kind = [&Remark] {
@@ -173,6 +179,11 @@ void TJobSource::Look(const TJobLook& What)
 void TJobSource::LookAt(const std::vector<std::string>& Columns)
 {
     FView = FComponent->Look({.Rows = Rows, .HeaderRow = FHeaderRow, .Columns = Columns});
+    for (auto& Column : FView.Columns) {
+        auto Title = ReadableTitle(Column.Title);
+        HasLegacyTitle = HasLegacyTitle || Title != Column.Title;
+        Column.Title = std::move(Title);
+    }
     FColumns.assign(FView.Columns.begin(),
                     FView.Columns.begin() + static_cast<std::ptrdiff_t>(FView.Offered));
 }
@@ -336,16 +347,19 @@ void TJobSource::CheckText()
         const bool IsText = !IsTable || FView.Columns[Column].DataType == ftString;
         return IsText && Value.IsString() && !IsValidUtf8(Value.Text());
     };
+    const auto Tell = [&](const std::string& Place) {
+        FFindings.push_back({.Kind = IsTable ? jfForeignText : jfLegacyText,
+                             .Name = FTitle,
+                             .Value = LegacyCodePage(),
+                             .Was = OemCodePage(),
+                             .Place = Place});
+    };
+    if (!IsTable && HasLegacyTitle)
+        return Tell(Unit() + " " + std::to_string(FHeaderRow));
     for (const auto& Row : FView.Rows)
         for (std::size_t I = 0; I < Row.Values.size(); ++I)
-            if (IsForeign(Row, I)) {
-                FFindings.push_back({.Kind = IsTable ? jfForeignText : jfLegacyText,
-                                     .Name = FTitle,
-                                     .Value = LegacyCodePage(),
-                                     .Was = OemCodePage(),
-                                     .Place = Row.Position.Text()});
-                return;
-            }
+            if (IsForeign(Row, I))
+                return Tell(Row.Position.Text());
 }
 
 std::vector<TJobFinding> TJobSource::Unreadable() const

@@ -114,6 +114,7 @@ private:
     std::unique_ptr<TKvImportFromFile> FComponent;
     bool FIsSaved = false;
     bool FMapsItself = false;
+    bool HasLegacyTitle = false;                    // one was no UTF-8 although it should be
     int FHeaderRow = 0;
     int FPartNumber = 1;
     int Rows = 0;                                   // that are looked at

@@ -110,13 +110,14 @@ private:
 
     void Execute(TJobRun& Run)
     {
-        Run.Prepare();
-        const auto& Source = Run.Source();
-        Report.SourceName = Source.Title();
-        Report.Findings = FindingTexts(Run.Findings());
-        Report.Plan = Run.Plan();
-        for (const auto& Fate : Report.Plan.Columns)
-            Report.Remarks.push_back(RemarkOn(Fate, Source));
+        try {
+            Run.Prepare();
+        }
+        catch (...) {
+            TakePlan(Run);
+            throw;
+        }
+        TakePlan(Run);
         if (TellsPeople())
             PrintPlan(std::cout, Report);
         std::cout.flush();
@@ -129,6 +130,19 @@ private:
         else if (Report.Outcome.Failure)
             Report.Failure = Report.Outcome.Failure->Text();
         Report.Status = StatusOf(Report.Outcome.Result);
+    }
+
+    /// As far as it came.
+    void TakePlan(TJobRun& Run)
+    {
+        if (!Run.HasSource())
+            return;
+        const auto& Source = Run.Source();
+        Report.SourceName = Source.Title();
+        Report.Findings = FindingTexts(Run.Findings());
+        Report.Plan = Run.Plan();
+        for (const auto& Fate : Report.Plan.Columns)
+            Report.Remarks.push_back(RemarkOn(Fate, Source));
     }
 
     static TExitStatus StatusOf(TJobResult Result)

@@ -62,8 +62,7 @@ TJson Errors(const std::vector<TJobError>& Errors)
                         {"number", Error.Position.Number},
                         {"offset", Offset >= 0 ? TJson(Offset) : TJson()},
                         {"field", TextOrNull(Error.Facts.Field)},
-                        {"value", Error.Facts.Rule == erNone ? TextOrNull(Error.Facts.Value)
-                                                             : TJson(ToDisplay(Error.Facts.Value))},
+                        {"value", Error.Facts.Field.empty() ? TJson() : TJson(ToDisplay(Error.Facts.Value))},
                         {"reason", Reason(Error.Facts.Rule)},
                         {"message", Error.Message}});
     }

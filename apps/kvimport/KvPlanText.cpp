@@ -35,6 +35,8 @@ std::string RemarkOn(const TJobColumnFate& Fate, const TJobSource& Source)
     case jcTitleTwice:   return "a column before it has that name: not imported";
     case jcReadOnly:     return "its field is computed by the database: not imported";
     case jcUnnameable:   return "the name of its field cannot stand in a mapping: not imported";
+    case jcUnnameableColumn:
+        return "a name with blanks at its ends cannot stand in a mapping: not imported";
     case jcNoMoreFields: return "the table has no more fields: not imported";
     case jcNotMapped:
         return Source.IsSaved() ? "the saved import does not name it: not imported"

@@ -51,7 +51,9 @@ void AddOptions(CLI::App& Command, TSaveOptions& Options)
     Command.option_defaults()->group("Destination");
     Command
         .add_option("--to", Import.Job.Destination.Url,
-                    "SQLite database whose fields are meant; it is not changed")
+                    "SQLite database whose fields are meant, and into which kvimport run imports unless told "
+                    "otherwise; saving "
+                    "changes nothing in it")
         ->type_name("FILE");
     Command.add_option("--table", Import.Job.Destination.Table, "Its table")->type_name("NAME");
     AddPlanOptions(Command, Import);

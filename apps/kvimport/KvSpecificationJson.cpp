@@ -77,6 +77,8 @@ void PrintSpecificationJson(std::ostream& Out, const TJobFile& Saved)
                           {"formats", FormatsJson(Import.DataFormats)},
                           {"extensions", Specification.Extensions()},
                           {"mode", NameOfMode(Import.Mode)},
+                          {"database", TextOrNull(Saved.Destination().Url)},
+                          {"destinationTable", TextOrNull(Saved.Destination().Table)},
                           {"keys", TextList(Saved.Keys())},
                           {"mappings", MappingsJson(Import.Mappings())}};
     PrintJsonLine(Out, Object);

@@ -107,6 +107,8 @@ void PrintSpecification(std::ostream& Out, const TJobFile& Saved)
                                 ", thousand separator " + NameOfCharacter(Formats.ThousandSeparator));
     Printer.Line("extensions", JoinNames(Specification.Extensions()));
     Printer.Line("records", DestinationText(Saved));
+    if (const auto& To = Saved.Destination(); !To.Url.empty())
+        Printer.Line("into", To.Url + (To.Table.empty() ? "" : ", table " + To.Table));
     PrintMappings(Out, Import.Mappings());
 }
 

@@ -165,6 +165,23 @@ TEST_F(KvJobFile, ATitleOfAMappingThatWasChangedSinceIsForgotten)
     EXPECT_EQ(Rows(), "7|Oslo|7");
 }
 
+TEST_F(KvJobFile, OfSeveralColumnsWithOneTitleTheFirstIsMeantAsInAnImport)
+{
+    Write("ID,CITY\n1,Rom\n");
+    Save();
+    EXPECT_EQ(RunSaved("CITY,CITY,ID\nOslo,Bern,3\n").Result, joDone);
+    EXPECT_EQ(Rows(), "3|Oslo|");
+}
+
+TEST_F(KvJobFile, AnAttributeThatLaterRecordsMayHaveIsNotGone)
+{
+    Job.Source.FileName = Folder.Write(
+        "orders.xml", "<DATAPACKET><ROWDATA><ROW ID=\"1\" CITY=\"Rom\"/></ROWDATA></DATAPACKET>");
+    Save();
+    EXPECT_EQ(RunSaved("<DATAPACKET><ROWDATA><ROW ID=\"2\"/></ROWDATA></DATAPACKET>").Result, joDone);
+    EXPECT_EQ(Rows(), "2||");
+}
+
 TEST_F(KvJobFile, ColumnsThatWereNamedByPositionStayThere)
 {
     Write("1,Rom\n");

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "KvDbaseBuilder.h"
 #include "KvJobTestSource.h"
 
 namespace kv {
@@ -158,6 +159,29 @@ TEST_F(KvJobPlan, FieldsThatMappingLinesCannotNameAreLeftOut)
     EXPECT_THAT(Plan.Lines, ElementsAre("D=Field2"));
     EXPECT_THAT(FatesOf(Plan), ElementsAre(jcUnnameable, jcMapped));
     EXPECT_EQ(RefusalOf([&] { MakePlan(File.Look(), Odd, ByLines({"A=Field1"})); }).Kind, jfNoSuchField);
+}
+
+TEST_F(KvJobPlan, ATitleThatIsNoUtf8FindsItsField)
+{
+    TMemoryDataSet Sizes;
+    Sizes.SetFieldDefs({{.Name = "ID"}, {.Name = "Größe"}});
+    Sizes.Open();
+    TJobTestSource File("sizes.csv", "ID,Gr\xF6\xDF" "e\n3,a\n");
+    const auto& Source = File.Look();
+    EXPECT_THAT(MakePlan(Source, Sizes, {}).Lines, ElementsAre("ID=Field1", "Größe=Field2"));
+    ASSERT_EQ(Source.Findings().size(), 1);
+    EXPECT_EQ(Source.Findings()[0].Kind, jfLegacyText);
+    EXPECT_EQ(Source.Findings()[0].Place, "line 1");
+}
+
+TEST_F(KvJobPlan, AColumnWithBlanksAtTheEndsOfItsNameIsNeverAConstant)
+{
+    TJobTestSource File("padded.dbf", TDbaseBuilder().Field("CITY  ", 'C', 5).Record({"Rom"}).Build());
+    const auto& Source = File.Look();
+    ASSERT_EQ(Source.Columns()[0].Name, "CITY  ");
+    const auto Plan = MakePlan(Source, Table, {.Mapping = jmByLines, .Lines = {"ID=x"}});
+    EXPECT_THAT(FatesOf(Plan), ElementsAre(jcConstant, jcNotMapped));
+    EXPECT_EQ(RefusalOf([&] { MakePlan(Source, Table, {.Mapping = jmByPosition}); }).Kind, jfNoColumns);
 }
 
 TEST_F(KvJobPlan, KeysAreSpelledAsTheFieldsAreAndNamedOnce)
