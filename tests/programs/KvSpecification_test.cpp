@@ -220,6 +220,7 @@ TEST_F(KvSpecification, ShowsTheFileInWords)
                                               "  extensions  DoubledQualifiers, LongLines, "
                                               "ByteOrderMark, FixedPadding\n"
                                               "  records     mode append-update, keys ID\n"
+                                              "  into        " + Shop.Database() + ", table orders\n"
                                               "  mappings    ID   <- Field1\n"
                                               "              CITY <- Field2\n");
 }
