@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <ranges>
 
 #include "KviExtensions.h"
 
@@ -77,7 +76,9 @@ void TakeSetting(const TTaken& To, const TGiven& From)
 void TKvImportBaseComponent::TakeSettings(const TKvImportBaseComponent& Source)
 {
     const auto Given = Source.PublishedProperties();
-    for (const auto& Own : std::views::reverse(PublishedProperties())) {
+    const auto Published = PublishedProperties();
+    for (auto Next = Published.rbegin(); Next != Published.rend(); ++Next) {
+        const auto& Own = *Next;
         const auto* const Same = FindProperty(Given, Own.Name);
         const bool IsFigures = Own.GetObject && Own.GetObject(*this) == &Statistic;
         if (Same && Same->Kind == Own.Kind && !IsFigures)

@@ -1,6 +1,7 @@
 #include "Kvi2xml.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "KvMarkupEncoding.h"
 #include "KvMarkupPreview.h"
@@ -137,13 +138,15 @@ const TKvImportFromXML::TKnownColumns& TKvImportFromXML::KnownColumns()
                 Fields.push_back({.Name = std::string(Attribute), .TypeName = {}});
     if (IsDeclared())
         Fields = Packet->Fields();
-    Known.emplace().AreAll = IsDeclared() || !HasMore;
+    TKnownColumns Seen;
+    Seen.AreAll = IsDeclared() || !HasMore;
     for (const auto& Field : Fields)
-        Known->Columns.push_back({.Name = Field.Name,
-                                  .Title = TitleText(Field.Name),
-                                  .DataType = Field.DataType,
-                                  .Size = Field.Size,
-                                  .TypeName = Field.TypeName});
+        Seen.Columns.push_back({.Name = Field.Name,
+                                .Title = TitleText(Field.Name),
+                                .DataType = Field.DataType,
+                                .Size = Field.Size,
+                                .TypeName = Field.TypeName});
+    Known = std::move(Seen);
     return *Known;
 }
 
