@@ -16,6 +16,18 @@
 
 namespace kv {
 
+/// Rows and columns of a sheet that an import walks: as the sheet declares them, or with seCellExtent as
+/// far as it holds values.
+inline int RowExtent(const TSpreadSheetCells& Cells, TSpreadSheetExtensions Extensions)
+{
+    return Extensions.Contains(seCellExtent) ? Cells.CellRows() : Cells.LastRow;
+}
+
+inline int ColumnExtent(const TSpreadSheetCells& Cells, TSpreadSheetExtensions Extensions)
+{
+    return Extensions.Contains(seCellExtent) ? Cells.CellColumns() : Cells.LastColumn;
+}
+
 /// One sheet of a workbook.
 class TSpreadSheet : public TPersistent
 {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "KvCells.h"
 #include "KvColumnLetters.h"
 #include "KvException.h"
 #include "KvPublish.h"
@@ -26,15 +27,14 @@ TVariant Lend(const TVariant& Value)
 
 } // namespace
 
-int RowExtent(const TSpreadSheetCells& Cells, TSpreadSheetExtensions Extensions)
+TKvImportFromCell::TKvImportFromCell(TComponent* Owner) : TKvImportFromFile(Owner) {}
+
+TKvImportFromCell::TKvImportFromCell(TComponent* Owner, TTableTypeImport Type, std::string_view Extension)
+    : TKvImportFromFile(Owner, Type, Extension)
 {
-    return Extensions.Contains(seCellExtent) ? Cells.CellRows() : Cells.LastRow;
 }
 
-int ColumnExtent(const TSpreadSheetCells& Cells, TSpreadSheetExtensions Extensions)
-{
-    return Extensions.Contains(seCellExtent) ? Cells.CellColumns() : Cells.LastColumn;
-}
+TKvImportFromCell::~TKvImportFromCell() = default;
 
 TPublishedProperties TKvImportFromCell::PublishedProperties() const
 {
@@ -45,6 +45,16 @@ TPublishedProperties TKvImportFromCell::PublishedProperties() const
 }
 
 // Loading.
+
+std::unique_ptr<TSpreadSheetFile> TKvImportFromCell::WorkBookCreation()
+{
+    return nullptr;
+}
+
+TSpreadSheetCells& TKvImportFromCell::Cells()
+{
+    return WorkBook->Sheets.Spreadsheet(SheetIndex).Cells;
+}
 
 TSpreadSheetFile& TKvImportFromCell::LoadWorkBook()
 {

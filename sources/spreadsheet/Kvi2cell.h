@@ -7,12 +7,16 @@
 #include <string_view>
 #include <vector>
 
-#include "KvCells.h"
+#include "KvSpreadSheetExtensions.h"
 #include "KvStringList.h"
 #include "KviFileImport.h"
 #include "KviSourceColumns.h"
 
 namespace kv {
+
+class TSpreadSheetCells;
+class TSpreadSheetFile;
+class TSpreadSheetRow;
 
 /// Imports a sheet of the workbook that a subclass reads. Source columns are column letters: A is the first
 /// column, AA the 27th. A row without values is a record without values. This class itself has no reader:
@@ -20,7 +24,8 @@ namespace kv {
 class TKvImportFromCell : public TKvImportFromFile
 {
 public:
-    explicit TKvImportFromCell(TComponent* Owner = nullptr) : TKvImportFromFile(Owner) {}
+    explicit TKvImportFromCell(TComponent* Owner = nullptr);
+    ~TKvImportFromCell() override;
 
     std::string_view ClassName() const override { return "TKvImportFromCell"; }
     TPublishedProperties PublishedProperties() const override;
@@ -48,13 +53,10 @@ public:
 
 protected:
     /// `Extension` is that of the files of the subclass.
-    TKvImportFromCell(TComponent* Owner, TTableTypeImport Type, std::string_view Extension)
-        : TKvImportFromFile(Owner, Type, Extension)
-    {
-    }
+    TKvImportFromCell(TComponent* Owner, TTableTypeImport Type, std::string_view Extension);
 
-    /// A new reader of the format.
-    virtual std::unique_ptr<TSpreadSheetFile> WorkBookCreation() { return nullptr; }
+    /// A new reader of the format, see KvCells.
+    virtual std::unique_ptr<TSpreadSheetFile> WorkBookCreation();
 
     void DetectAutoMapping() override;
     void BeforeImport() override;
@@ -72,7 +74,7 @@ protected:
 private:
     void LoadOnce();
     void LookAtExtent();
-    TSpreadSheetCells& Cells() { return WorkBook->Sheets.Spreadsheet(SheetIndex).Cells; }
+    TSpreadSheetCells& Cells();
     std::vector<std::string> HeaderTexts();
 
     std::unique_ptr<TSpreadSheetFile> WorkBook;     // until AfterImport
@@ -84,11 +86,6 @@ private:
     const TSpreadSheetRow* Record = nullptr;        // the current row; none where it holds no value
     TKvSourceColumns<int> Columns;                  // from 0
 };
-
-/// Rows and columns of a sheet that an import walks: as the sheet declares them, or with seCellExtent as
-/// far as it holds values.
-int RowExtent(const TSpreadSheetCells& Cells, TSpreadSheetExtensions Extensions);
-int ColumnExtent(const TSpreadSheetCells& Cells, TSpreadSheetExtensions Extensions);
 
 /// Shows the first rows of a sheet, 21 at most. `SpreadSheetType` is 1 for Excel, 2 for Lotus 1-2-3 and 3 for
 /// Quattro Pro; Exception "Incorrect type of spreadsheet" is raised for another one. `Sheets` receives the

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "KvCells.h"
 #include "KvColumnLetters.h"
 #include "KvFieldConvert.h"
 #include "KvText.h"

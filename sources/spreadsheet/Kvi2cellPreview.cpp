@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "KvCells.h"
 #include "KvColumnLetters.h"
 #include "KvException.h"
 #include "Kvi2cell.h"

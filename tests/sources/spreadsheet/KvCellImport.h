@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "KvCells.h"
 #include "KvFileRun.h"
 #include "Kvi2cell.h"
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "KvCells.h"
 #include "KvException.h"
 #include "KvTempFolder.h"
 #include "KvWorksheetBuilder.h"
