@@ -70,6 +70,8 @@ void FillFields(TDataSet* DataSet, bool IsFixed, char Delimiter, char TextQualif
 /// Line 1 is enough: the run that follows reads the file anyway.
 void TKvImportFromText::DetectAutoMapping()
 {
+    // the figures of the run before are gone too, should this fail
+    FFieldCounts = {};
     LoadLines({.Header = 1, .Bytes = BytesToLookAt, .Grows = true});
     if (RowFirst > 1)
         Fixed ? MapHeaderBreaks() : MapHeaderFields();
