@@ -256,10 +256,9 @@ void TDataSet::AddField(TFieldDef Def)
         RequiredFields.push_back(&Field);
 }
 
-void TDataSet::CheckActive() const
+void TDataSet::RaiseInactive() const
 {
-    if (!Active())
-        Fail("cannot perform this operation on a closed dataset");
+    Fail("cannot perform this operation on a closed dataset");
 }
 
 void TDataSet::Fail(std::string_view Text, TKvErrorFacts Facts) const

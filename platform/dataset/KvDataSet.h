@@ -137,13 +137,18 @@ protected:
     static bool MatchesKey(const TVariant& Stored, const TVariant& Wanted, TLocateOptions Options);
 
     void AddField(TFieldDef Def);
-    void CheckActive() const;
+    void CheckActive() const
+    {
+        if (!Active())
+            RaiseInactive();
+    }
     /// Raises EDatabaseError "<DisplayName>: <Text>".
     [[noreturn]] void Fail(std::string_view Text, TKvErrorFacts Facts = {}) const;
 
 private:
     friend class TField;
 
+    [[noreturn]] void RaiseInactive() const;
     void Shut();
     void CheckBrowseMode();
     void CheckRequired() const;

@@ -91,11 +91,6 @@ bool TSQLiteChangeQueue::IsReady()
     return true;
 }
 
-bool TSQLiteChangeQueue::TryInsert(const TRecordBuffer& Record, std::int64_t Rowid, std::int64_t Tag)
-{
-    return TryWrite(Inserts, ckInsert, Record, Record.Assigned, Rowid, Tag);
-}
-
 bool TSQLiteChangeQueue::TryUpdate(const TRecordBuffer& Record, const decltype(TRecordBuffer::Assigned)& Set,
                                    std::int64_t Rowid, std::int64_t Tag)
 {
@@ -126,7 +121,8 @@ bool TSQLiteChangeQueue::TryWrite(TWrites& Writes, TKind Kind, const TRecordBuff
     Writes.Block.BeginRow();
     for (const auto Column : Writes.Columns)        // may raise: then the row is not ended
         Writes.Block.Add(EncodeValue(Table.Columns[Column], Record.Values[Column], Scratch[Column]));
-    Writes.Block.EndRow(Tag);
+    Writes.Block.EndRow();
+    Writes.Tags.push_back(Tag);
     Take(Rowid, Kind, Writes.Block.Rows() - 1);
     return true;
 }
@@ -204,8 +200,10 @@ void TSQLiteChangeQueue::Clear()
         Connection.SetQueue(nullptr);
     Changes.clear();
     Rowids.Clear();
-    Inserts.Block.Clear();
-    Updates.Block.Clear();
+    for (auto* const Writes : {&Inserts, &Updates}) {
+        Writes->Block.Clear();
+        Writes->Tags.clear();
+    }
     DeleteTags.clear();
 }
 
@@ -235,7 +233,7 @@ std::int64_t TSQLiteChangeQueue::TagOf(const TChange& Change) const
 {
     if (Change.Kind == ckDelete)
         return DeleteTags[Change.Row];
-    return (Change.Kind == ckInsert ? Inserts : Updates).Block.Tag(Change.Row);
+    return (Change.Kind == ckInsert ? Inserts : Updates).Tags[Change.Row];
 }
 
 void TSQLiteChangeQueue::Fail(std::int64_t Tag)

@@ -60,7 +60,10 @@ public:
     // Each takes a change of the record with the rowid `Rowid`; false leaves it to the caller. The first
     // ones are always left. Raise EDatabaseError when changes taken before could not be stored; it names the
     // one by its `Tag`.
-    bool TryInsert(const TRecordBuffer& Record, std::int64_t Rowid, std::int64_t Tag);
+    bool TryInsert(const TRecordBuffer& Record, std::int64_t Rowid, std::int64_t Tag)
+    {
+        return Answer && TryWrite(Inserts, ckInsert, Record, Record.Assigned, Rowid, Tag);
+    }
     bool TryUpdate(const TRecordBuffer& Record, const decltype(TRecordBuffer::Assigned)& Set,
                    std::int64_t Rowid, std::int64_t Tag);
     bool TryDelete(std::int64_t Rowid, std::int64_t Tag);
@@ -72,6 +75,7 @@ private:
     static constexpr std::size_t MaxChanges = 1 << 18;
     static constexpr std::size_t MaxBytes = 8 << 20;
     static constexpr int ChangesBeforeStart = 64;
+    using TTags = std::vector<std::int64_t>;
 
     /// While it lives, statements do not wait for the queue.
     class TBypass
@@ -98,7 +102,7 @@ private:
     {
         std::int64_t Rowid;
         TKind Kind;
-        std::uint32_t Row;                          // of the block of its kind, or of DeleteTags
+        std::uint32_t Row;                          // of the tags of its kind, and of the block if it has one
     };
     /// Records that are written by one statement.
     struct TWrites
@@ -107,6 +111,7 @@ private:
         std::vector<std::size_t> Columns;           // the same
         TSQLiteStatement Statement;                 // Columns, then the rowid
         TSQLiteRecordBlock Block;
+        TTags Tags;                                 // of the records in Block
     };
 
     int ChangesSoFar() const;
@@ -132,7 +137,7 @@ private:
     TSQLiteRowidSet Rowids;                         // of Changes
     TWrites Inserts, Updates;
     TSQLiteStatement Delete;
-    std::vector<std::int64_t> DeleteTags;           // of the records that it deletes
+    TTags DeleteTags;                               // of the records that it deletes
     std::vector<TSQLiteScratch> Scratch;            // one a column
 };
 

@@ -75,28 +75,27 @@ void TSQLiteConnection::BecomeWorker()
     IsWorker = true;
 }
 
-/// True to go on. Nothing may cross SQLite's own frames.
-bool TSQLiteConnection::Ask(const std::function<bool()>& Special)
+bool TSQLiteConnection::GoesOn()
 {
     try {
-        return (!Settings.OnWait || Settings.OnWait()) && (!Special || Special());
+        return !Settings.OnWait || Settings.OnWait();
     }
-    catch (...) {
+    catch (...) {                                   // must not cross SQLite's own frames
         Raised = std::current_exception();
         return false;
     }
 }
 
-bool TSQLiteConnection::GoesOn()
+/// Whoever waits for the worker asks for it.
+bool TSQLiteConnection::MayGoOn()
 {
-    return Ask(Settings.OnWork);
+    return IsWorker ? WorkerGoesOn.load() : GoesOn();
 }
 
 /// Not zero to stop.
 int TSQLiteConnection::AskToStop(void* Self)
 {
-    auto& Connection = *static_cast<TSQLiteConnection*>(Self);
-    return !(IsWorker ? Connection.WorkerGoesOn.load() : Connection.GoesOn());
+    return !static_cast<TSQLiteConnection*>(Self)->MayGoOn();
 }
 
 // --- Waiting for locks ------------------------------------------------------------------------------
@@ -117,7 +116,7 @@ bool TSQLiteConnection::WaitForLock(int Tries)
     const auto Left = WaitingSince + Settings.BusyTimeout - SteadyMilliseconds();
     if (Left <= 0)
         return false;
-    GaveUp = !(IsWorker ? WorkerGoesOn.load() : Ask(Settings.OnBusy));
+    GaveUp = !MayGoOn();
     if (GaveUp)
         return false;
     const auto Sleep = std::min({std::int64_t{1} << std::min(Tries, 7), LongestSleep, Left});
@@ -249,7 +248,8 @@ void TSQLiteConnection::StartTransaction()
 
 void TSQLiteConnection::Commit()
 {
-    if (InTransaction() && !GoesOn())
+    const bool HasWork = Queue || InTransaction();  // a thread of the queue may be using the connection
+    if (HasWork && !GoesOn())
         Raise({.Text = "interrupted",
                .Facts = {.Rule = erCancelled},
                .Raised = std::exchange(Raised, nullptr)});
@@ -306,13 +306,8 @@ void TSQLiteConnection::BeginChange(int CommitEvery)
         Begin(toBatch);
 }
 
-void TSQLiteConnection::EndChange(int CommitEvery, std::int64_t Tag)
+void TSQLiteConnection::EndFullBatch()
 {
-    ++Changes;
-    if (FirstTag < 0)
-        FirstTag = Tag;
-    if (Owner != toBatch || Changes % std::max(CommitEvery, 1) != 0)
-        return;
     if (!TryEnd("COMMIT") && Raised)
         std::rethrow_exception(std::exchange(Raised, nullptr));
 }

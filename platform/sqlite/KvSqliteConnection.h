@@ -2,10 +2,10 @@
 // transaction. For the units of this folder.
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <exception>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -59,14 +59,21 @@ public:
     void BeginChange(int CommitEvery);
     /// To be called after a change that succeeded, of the record tagged `Tag`: commits a full batch. While
     /// another program is in the way the batch just grows.
-    void EndChange(int CommitEvery, std::int64_t Tag);
+    void EndChange(int CommitEvery, std::int64_t Tag)
+    {
+        ++Changes;
+        if (FirstTag < 0)
+            FirstTag = Tag;
+        if (Owner == toBatch && Changes % std::max(CommitEvery, 1) == 0)
+            EndFullBatch();
+    }
     void CommitBatch();                             ///< Nothing when there is none.
 
     // A thread that stores what a queue has taken asks the program nothing; whoever waits for it does, and
     // lets it go on or stop.
     static void BecomeWorker();
     void LetWorkerGoOn(bool Value) { WorkerGoesOn = Value; }
-    /// What OnWait and OnWork of the database say; what they raise is kept for Raise, and a no.
+    /// What OnWait of the database says; what it raises is kept for Raise, and a no.
     bool GoesOn();
     /// Nothing has failed although the program wanted to stop: it will be asked again.
     void ForgetAnswer() { Raised = nullptr; }
@@ -99,13 +106,14 @@ private:
 
     static int WaitForLock(void* Self, int Tries);
     bool WaitForLock(int Tries);
+    bool MayGoOn();
     static int AskToStop(void* Self);
-    bool Ask(const std::function<bool()>& Special);
     static void TellRolledBack(void* Self);
     void Configure();
     void Begin(TTransactionOwner NewOwner);
     bool TryEnd(const char* Sql);
     void CommitNow();
+    void EndFullBatch();
     [[noreturn]] void RaiseForAll();
     void CheckNotLost();
     std::string LossAfterFailure();

@@ -1,7 +1,6 @@
 // KvSqliteDatabase - one SQLite database file: its connection, transactions and tables.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -25,8 +24,8 @@ void RegisterSqliteDatabases();
 /// database has them, so that a crash at any instant leaves what was committed. What is said of CacheSize,
 /// OnWait and Commit in TKvDatabase holds here so:
 /// - CacheSize 0 is SQLite's own choice, 2000, and more during a run that looks records up by keys;
-/// - a statement that OnWait ends undoes the transaction, and the error says so; a commit that it refuses
-///   leaves it open;
+/// - OnWait is asked between two tries for a lock and every millisecond or so of work. A statement that it
+///   ends undoes the transaction, and the error says so; a commit that it refuses leaves it open;
 /// - a transaction that the database has rolled back by itself (a full disk) cannot be committed: that
 ///   raises and says so.
 class TSQLiteDatabase : public TKvDatabase
@@ -45,12 +44,6 @@ public:
     /// Open looks at the file first: a directory is an error, and so is a file without a byte, which SQLite
     /// takes for a database without tables, unless CreateIfMissing. On in databases that a URL has named.
     bool CheckFile = false;
-
-    // OnWait in two halves. Both may be asked, and OnWait too.
-    /// Asked between two tries while another program holds a lock.
-    std::function<bool()> OnBusy;
-    /// Asked every millisecond or so while a statement works.
-    std::function<bool()> OnWork;
 
     void Open() override;
     void Close() override;

@@ -61,7 +61,8 @@ bool TSQLiteInsertQueue::TryAdd(const TRecordBuffer& Record, std::int64_t Tag, T
     Filling.Add(TSQLiteValue::OfInteger(Rowid));
     for (const auto Column : Columns)               // may raise: then the row is not ended
         Filling.Add(EncodeValue(Table.Columns[Column], Record.Values[Column], Scratch[Column]));
-    Filling.EndRow(Tag);
+    FillingTags[Filling.Rows()] = Tag;
+    Filling.EndRow();
     LastRowid = Rowid;
     Key.front().Set(TSQLiteValue::OfInteger(Rowid));
     if (Filling.Rows() == BlockRows)
@@ -129,6 +130,7 @@ void TSQLiteInsertQueue::HandOver()
     Pause();
     CheckStored();
     std::swap(Filling, Storing);
+    std::swap(FillingTags, StoringTags);
     Filling.Clear();
     Connection.LetWorkerGoOn(true);
     {
@@ -159,7 +161,7 @@ void TSQLiteInsertQueue::RunBlocks()
         if (!HasWork)
             return;
         Lock.unlock();
-        Store(Storing);
+        Store(Storing, StoringTags);
         Lock.lock();
         HasWork = false;
         Changed.notify_all();
@@ -167,7 +169,7 @@ void TSQLiteInsertQueue::RunBlocks()
 }
 
 /// After an error the statement stays as it is, for CheckStored to ask why.
-void TSQLiteInsertQueue::Store(TSQLiteRecordBlock& Block)
+void TSQLiteInsertQueue::Store(const TSQLiteRecordBlock& Block, const TTags& Tags)
 {
     auto* const Statement = Insert.Get();
     for (std::size_t Row = 0; Row < Block.Rows(); ++Row) {
@@ -175,7 +177,7 @@ void TSQLiteInsertQueue::Store(TSQLiteRecordBlock& Block)
             BindValue(Statement, static_cast<int>(I) + 1, Block.Value(Row * Width() + I));
         if (sqlite3_step(Statement) != SQLITE_DONE) {
             Failed = true;
-            FailedTag = Block.Tag(Row);
+            FailedTag = Tags[Row];
             break;
         }
         sqlite3_reset(Statement);
@@ -199,7 +201,7 @@ void TSQLiteInsertQueue::Finish()
         return;
     Pause();
     CheckStored();
-    Store(Filling);
+    Store(Filling, FillingTags);
     Filling.Clear();
     CheckStored();
     Stop();

@@ -47,6 +47,7 @@ public:
 private:
     static constexpr std::size_t BlockRows = 1024;  // handed over at once; waking the thread takes 10 µs
     static constexpr int RecordsBeforeStart = 64;
+    using TTags = std::vector<std::int64_t>;        // of the records of a block
 
     bool MayStart(const TRecordBuffer& Record);
     void Start(const TRecordBuffer& Record);
@@ -54,7 +55,7 @@ private:
     std::int64_t RowidFor(const TRecordBuffer& Record) const;
     void HandOver();
     void RunBlocks();
-    void Store(TSQLiteRecordBlock& Block);
+    void Store(const TSQLiteRecordBlock& Block, const TTags& Tags);
     std::size_t Width() const { return Columns.size() + 1; } ///< Values of a record: its rowid comes first.
     void CheckStored();
     void Stop();
@@ -71,7 +72,9 @@ private:
     TSQLiteStatement Insert;                        // rowid, then Columns
 
     TSQLiteRecordBlock Filling;                     // of the caller
+    TTags FillingTags = TTags(BlockRows);
     TSQLiteRecordBlock Storing;                     // of the thread while HasWork
+    TTags StoringTags = TTags(BlockRows);
     std::thread Thread;
     std::mutex Mutex;                               // guards the three below
     std::condition_variable Changed;

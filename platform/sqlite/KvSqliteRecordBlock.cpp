@@ -9,8 +9,7 @@ void TSQLiteRecordBlock::Clear()
 {
     Cells.clear();
     Texts.clear();
-    Tags.clear();
-    EndedCells = EndedTexts = 0;
+    FRows = EndedCells = EndedTexts = 0;
 }
 
 void TSQLiteRecordBlock::BeginRow()
@@ -19,9 +18,9 @@ void TSQLiteRecordBlock::BeginRow()
     Texts.resize(EndedTexts);
 }
 
-void TSQLiteRecordBlock::EndRow(std::int64_t Tag)
+void TSQLiteRecordBlock::EndRow()
 {
-    Tags.push_back(Tag);
+    ++FRows;
     EndedCells = Cells.size();
     EndedTexts = Texts.size();
 }

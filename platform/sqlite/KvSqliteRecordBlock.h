@@ -18,10 +18,9 @@ public:
     void Clear();
     void BeginRow();                                ///< Drops a row that was begun and not ended.
     void Add(const TSQLiteValue& Value);
-    void EndRow(std::int64_t Tag);                  ///< `Tag` is for whoever asks for it later.
+    void EndRow();
 
-    std::size_t Rows() const { return Tags.size(); }
-    std::int64_t Tag(std::size_t Row) const { return Tags[Row]; }
+    std::size_t Rows() const { return FRows; }
     std::size_t Bytes() const { return Cells.size() * sizeof(TCell) + Texts.size(); }
     TSQLiteValue Value(std::size_t Index) const;    ///< Of all, from 0; views the block.
 
@@ -35,7 +34,7 @@ private:
 
     std::vector<TCell> Cells;
     std::string Texts;                              // and blobs
-    std::vector<std::int64_t> Tags;                 // one a row
+    std::size_t FRows = 0;
     std::size_t EndedCells = 0, EndedTexts = 0;     // of the rows that were ended
 };
 

@@ -214,7 +214,7 @@ TEST(KvSqliteConnection, WaitingGoesOnUntilTheOtherIsDone)
     TSharedTable Open(10000);
     TWriter Other(Open.File.FileName());
     int Asked = 0;
-    Open.Database.OnBusy = [&] {
+    Open.Database.OnWait = [&] {
         if (++Asked == 3)
             Other.Finish();
         return true;
@@ -228,7 +228,7 @@ TEST(KvSqliteConnection, ProgramMayGiveUpWaiting)
 {
     TSharedTable Open(60000);
     TWriter Other(Open.File.FileName());
-    Open.Database.OnBusy = [] { return false; };
+    Open.Database.OnWait = [] { return false; };
     EXPECT_EQ(Open.MessageOf([&] {
         AppendRecord(Open.Table, {{"qty", 1}});
     }),
@@ -239,9 +239,9 @@ TEST(KvSqliteConnection, WhatIsRaisedWhileWaitingComesThrough)
 {
     TSharedTable Open(60000);
     TWriter Other(Open.File.FileName());
-    Open.Database.OnBusy = []() -> bool { throw std::runtime_error("stop"); };
+    Open.Database.OnWait = []() -> bool { throw std::runtime_error("stop"); };
     EXPECT_THROW(AppendRecord(Open.Table, {{"qty", 1}}), std::runtime_error);
-    Open.Database.OnBusy = {};
+    Open.Database.OnWait = {};
     Other.Finish();
     Open.Table.Post();
     EXPECT_EQ(Open.Rows(), TRowTexts{"1"});

@@ -320,13 +320,13 @@ TEST(KvSqliteDatabase, DatasetsShareItsTransaction)
 const std::string EndlessInsert = "INSERT INTO orders (qty) WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL "
                                   "SELECT i + 1 FROM n) SELECT i FROM n";
 
-TEST(KvSqliteDatabase, StatementThatWorksIsEndedByOnWork)
+TEST(KvSqliteDatabase, StatementThatWorksIsEndedByOnWait)
 {
     TTestFile File;
     TSQLiteDatabase Database;
     Database.DatabaseName = File.FileName();
     int Asked = 0;
-    Database.OnWork = [&Asked] { return ++Asked < 10; };
+    Database.OnWait = [&Asked] { return ++Asked < 10; };
     EXPECT_EQ(MessageOf(File.FileName(), [&] { Database.Execute(EndlessInsert); }), "interrupted");
     EXPECT_EQ(Asked, 10);
     Asked = 0;
@@ -334,13 +334,13 @@ TEST(KvSqliteDatabase, StatementThatWorksIsEndedByOnWork)
     EXPECT_EQ(File.Rows("SELECT name FROM orders"), TRowTexts{"after"});
 }
 
-TEST(KvSqliteDatabase, TransactionThatOnWorkEndsIsUndoneAndSaysSo)
+TEST(KvSqliteDatabase, TransactionThatOnWaitEndsIsUndoneAndSaysSo)
 {
     TTestFile File;
     TSQLiteDatabase Database;
     Database.DatabaseName = File.FileName();
     bool GoesOn = true;
-    Database.OnWork = [&GoesOn] { return GoesOn; };
+    Database.OnWait = [&GoesOn] { return GoesOn; };
     Database.StartTransaction();
     Database.Execute("INSERT INTO orders VALUES (1, 'before', 1)");
     GoesOn = false;
