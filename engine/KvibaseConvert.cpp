@@ -136,12 +136,55 @@ bool TKvImportBaseComponent::LoadRecord()
 {
     if (IsLooking())                                // at values one by one
         return true;
-    for (auto& Field : DestFields)
-        Field.Value = GetParsedValue(Field.Source, Field.Index);
-    if (CharacterSet == csiASCII_MSDOS || OnGetCellParams)
-        for (auto& Field : DestFields)
-            OfferCell(Field);
+    FetchValues();
     return !OnBeforeRecordEvent || OfferRecord();
+}
+
+/// An error names the field whose value could not be had.
+void TKvImportBaseComponent::FetchValues()
+{
+    const TMappedField* Current = nullptr;
+    try {
+        for (auto& Field : DestFields) {
+            Current = &Field;
+            Field.Value = GetParsedValue(Field.Source, Field.Index);
+        }
+        if (CharacterSet == csiASCII_MSDOS || OnGetCellParams)
+            for (auto& Field : DestFields) {
+                Current = &Field;
+                OfferCell(Field);
+            }
+    }
+    catch (Exception& Error) {
+        TellRecord(Error, *Current);
+        throw;
+    }
+}
+
+/// What `Error` does not know yet of the record and of the value that it is about.
+void TKvImportBaseComponent::TellRecord(Exception& Error, const TMappedField& Mapped) const
+{
+    TellRecord(Error);
+    if (Error.Facts.Field.empty())
+        Error.Facts.Field = Mapped.Index >= 0 ? FDataSet->Fields(Mapped.Index).FieldName() : Mapped.Source.ToText();
+}
+
+void TKvImportBaseComponent::TellRecord(Exception& Error) const
+{
+    if (Error.Facts.Record < 0)
+        Error.Facts.Record = Statistic.TotalImported;
+}
+
+void TKvImportBaseComponent::ConvertText(TVariant& Value)
+{
+    try {
+        Value = UECode(true, Value.ToText());
+    }
+    catch (Exception& Error) {
+        Error.Facts.Value = Value.ToText();
+        Error.Facts.Rule = erConversion;
+        throw;
+    }
 }
 
 void TKvImportBaseComponent::OfferCell(TMappedField& Mapped)
@@ -149,7 +192,7 @@ void TKvImportBaseComponent::OfferCell(TMappedField& Mapped)
     auto* const Field = Mapped.Index >= 0 ? &FDataSet->Fields(Mapped.Index) : nullptr;
     const bool IsText = !Field || !(IsNumericField(Field->DataType()) || IsDateTimeField(Field->DataType()));
     if (CharacterSet == csiASCII_MSDOS && IsText)
-        Mapped.Value = UECode(true, Mapped.Value.ToText());
+        ConvertText(Mapped.Value);
     if (!OnGetCellParams)
         return;
     TVariant Value(std::as_const(Mapped.Value));    // a copy: the handler may keep it

@@ -155,11 +155,7 @@ void TKvImportBaseComponent::ImportRecords()
         ++Statistic.TotalImported;
         FDataSet->RecordTag = Statistic.TotalImported;
         Statistic.LastAction = iaUnknown;
-        InRecord = true;
-        if (LoadRecord())
-            StoreRecord();
-        else if (InRecord)                          // a source that cannot read it has told so
-            RecordDone(rfRefused);
+        ImportRecord();
         Aborted = false;
         if (OnAfterRecordEvent)
             OnAfterRecordEvent(*this, Aborted);
@@ -167,6 +163,22 @@ void TKvImportBaseComponent::ImportRecords()
     }
     if (AnimatedStatus && Refreshing.IsByTime())
         ShowProgress();
+}
+
+/// What ends the run here knows of which record it is.
+void TKvImportBaseComponent::ImportRecord()
+{
+    InRecord = true;
+    try {
+        if (LoadRecord())
+            StoreRecord();
+        else if (InRecord)                          // a source that cannot read it has told so
+            RecordDone(rfRefused);
+    }
+    catch (Exception& Error) {
+        TellRecord(Error);
+        throw;
+    }
 }
 
 void TKvImportBaseComponent::ShowProgress() const
@@ -236,16 +248,11 @@ const TVariant& TKvImportBaseComponent::BuildSearchValue()
 void TKvImportBaseComponent::WriteRecord(TKvIAction Action)
 {
     try {
-        for (const auto& Source : SourceFields) {
-            if (Source.Index < 0)
-                continue;
-            const auto& Dest = DestFields[static_cast<std::size_t>(Source.Index)];
-            if (Dest.Index >= 0)
-                AssignValue(FDataSet->Fields(Dest.Index), Dest.Value);
-        }
+        AssignValues();
         FDataSet->Post();
     }
-    catch (const Exception& Error) {
+    catch (Exception& Error) {
+        TellRecord(Error);
         FDataSet->Cancel();
         if (OnErrorEvent)                           // else the record stays counted as what was tried
             UndoCount(Action);
@@ -253,6 +260,26 @@ void TKvImportBaseComponent::WriteRecord(TKvIAction Action)
     }
     catch (...) {                                   // ends the run; what comes next would post half a record
         FDataSet->Cancel();
+        throw;
+    }
+}
+
+void TKvImportBaseComponent::AssignValues()
+{
+    const TMappedField* Current = nullptr;
+    try {
+        for (const auto& Source : SourceFields) {
+            if (Source.Index < 0)
+                continue;
+            Current = &DestFields[static_cast<std::size_t>(Source.Index)];
+            if (Current->Index >= 0)
+                AssignValue(FDataSet->Fields(Current->Index), Current->Value);
+        }
+    }
+    catch (Exception& Error) {
+        TellRecord(Error, *Current);
+        if (Error.Facts.Value.empty() && !Current->Value.IsArray())
+            Error.Facts.Value = Current->Value.ToText();
         throw;
     }
 }
