@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <system_error>
 
 #include "KvException.h"
+#include "KvFile.h"
 #include "KvFileAlias.h"
 #include "KvPublish.h"
 #include "KvText.h"
@@ -16,6 +18,9 @@ namespace {
 
 constexpr char MsgNotDefined[] = "File is not defined.";
 constexpr char MsgNotExists[] = "File is not exists.";
+constexpr char MsgCanceled[] = "Reading of the file was canceled by user.";
+
+constexpr unsigned CellsBetweenPolls = 1 << 16;
 
 /// False only for a name that stands for nothing: what cannot be looked at is for the reader to report.
 bool Exists(const std::string& FileName)
@@ -70,10 +75,11 @@ void TSpreadSheetFile::LoadFromFile(const std::string& Path)
 {
     Sheets.Clear();
     if (IsBlank(Path))
-        throw Exception(MsgNotDefined);
+        throw Exception(MsgNotDefined, {.Rule = erMissing});
     if (!Exists(Path))
-        throw Exception(MsgNotExists);
+        throw Exception(MsgNotExists, {.Rule = erMissing});
     FileName = Path;
+    CellEvents = 0;
     OnSheet = std::bind_front(&TSpreadSheetFile::SheetEvent, this);
     OnDimensions = std::bind_front(&TSpreadSheetFile::DimsEvent, this);
     OnCellValue = std::bind_front(&TSpreadSheetFile::CellEvent, this);
@@ -95,9 +101,28 @@ void TSpreadSheetFile::DimsEvent(TCustomSpreadSheetFile&, int SheetIndex, int, i
 void TSpreadSheetFile::CellEvent(TCustomSpreadSheetFile&, int SheetIndex, int Row, int Column,
                                  const TVariant& Value, TAlignment Alignment)
 {
+    if (++CellEvents % CellsBetweenPolls == 0)
+        RequireContinue();
     auto& Cells = Sheets.Spreadsheet(SheetIndex).Cells;
     if (Value.HasValue())
         Cells.SetValue(Column, Row, Value, Alignment);
+}
+
+TKvFileBytes TSpreadSheetFile::ReadBytes() const
+{
+    bool GoesOn = true;
+    const std::function<bool()> Asks = [&] { return GoesOn = Continue(); };
+    auto Bytes = ReadFileBytes(FileName, std::numeric_limits<std::size_t>::max(),
+                               Continue ? Asks : std::function<bool()>());
+    if (!GoesOn)
+        throw Exception(MsgCanceled, {.Rule = erCancelled});
+    return Bytes;
+}
+
+void TSpreadSheetFile::RequireContinue() const
+{
+    if (Continue && !Continue())
+        throw Exception(MsgCanceled, {.Rule = erCancelled});
 }
 
 } // namespace kv

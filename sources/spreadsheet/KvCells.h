@@ -59,6 +59,7 @@ private:
 };
 
 class TCustomSpreadSheetFile;
+class TKvFileBytes;
 
 // Sheets, rows and columns count from 0. The extent of OnDimensions is what the file says, which one
 // format takes for the last numbers and another for counts.
@@ -108,6 +109,9 @@ public:
 
     TSpreadSheets Sheets;
     TSpreadSheetExtensions Extensions;              ///< Read by the formats' readers when they load.
+    /// Asked now and then while a file is loaded, when it is set; false ends that by an Exception with the
+    /// rule erCancelled.
+    std::function<bool()> Continue;
 
     /// Empties Sheets and binds OnSheet, OnDimensions and OnCellValue to the handlers below, whatever
     /// they were bound to. Raises Exception "File is not defined." for a blank name and "File is not
@@ -119,6 +123,14 @@ public:
                    int LastColumn);
     void CellEvent(TCustomSpreadSheetFile& Sender, int SheetIndex, int Row, int Column, const TVariant& Value,
                    TAlignment Alignment);
+
+protected:
+    TKvFileBytes ReadBytes() const;                 ///< All of the file FileName. Raises EFileError.
+
+private:
+    void RequireContinue() const;
+
+    unsigned CellEvents = 0;                        // of this load
 };
 
 } // namespace kv

@@ -52,7 +52,7 @@ void TWorksheetFile::LoadFromFile(const std::string& Path)
 
 void TWorksheetFile::ImportFromStream()
 {
-    const auto Bytes = ReadFileBytes(FileName);
+    const auto Bytes = ReadBytes();
     CellRows = 0;
     CellColumns = 0;
     ReadRecords(Bytes.View());

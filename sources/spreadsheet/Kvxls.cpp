@@ -58,21 +58,28 @@ void TMSExcel::LoadFromFile(const std::string& Path)
 {
     TSpreadSheetFile::LoadFromFile(Path);
     Restart();                                      // a file that is refused leaves nothing of the one before
-    if (IsStorageFile(FileName))
-        ImportFromOLEStream();
+    const auto Bytes = ReadBytes();
+    if (IsStorage(Bytes.View()))
+        ReadDocument(Bytes.View());
     else
-        ImportFromStream();
+        ReadPlainStream(Bytes.View());
 }
 
 void TMSExcel::ImportFromStream()
 {
-    const auto Bytes = ReadFileBytes(FileName);
+    const auto Bytes = ReadBytes();
     ReadPlainStream(Bytes.View());
 }
 
 void TMSExcel::ImportFromOLEStream()
 {
-    const TKvStorage Storage(FileName);
+    const auto Bytes = ReadBytes();
+    ReadDocument(Bytes.View());
+}
+
+void TMSExcel::ReadDocument(std::string_view DocumentBytes)
+{
+    const TKvStorage Storage(DocumentBytes, FileName);
     const auto& StreamName = FindWorkbook(Storage).Name;
     const auto Stream = Storage.OpenStream(StreamName);
     const auto Bytes = Stream.ReadAll();

@@ -50,6 +50,7 @@ public:
     void ClearFormats() { Formats.ClearXfs(); }
 
 private:
+    void ReadDocument(std::string_view Bytes);
     void Restart();
 
     TKvxlsFormats Formats;

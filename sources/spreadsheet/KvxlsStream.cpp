@@ -101,6 +101,6 @@ void TKvxlsStream::ReadCodePage(const TKvRecord& Record)
         ByteText.SetCodePage(Record.At<std::uint16_t>(0));
 }
 
-void TKvxlsStream::RefuseEncrypted() { throw Exception(MsgEncrypted); }
+void TKvxlsStream::RefuseEncrypted() { throw Exception(MsgEncrypted, {.Rule = erStorage}); }
 
 } // namespace kv
