@@ -14,7 +14,8 @@ TKvISourceName TKvImportFromText::ResolveName(const std::string& Wanted,
     if (Fixed && Column.First > 0 && Column.Last > 0)
         return {.Kind = snColumn, .Name = "Text" + Wanted.substr(4)};
     if (Fixed || Column.First == 0) {
-        const auto Kind = Column.NamesField ? snMissing : snConstant;
+        const bool IsEmpty = Column.NamesField || Column.First > 0; // a range that ends before it begins
+        const auto Kind = IsEmpty ? snMissing : snConstant;
         const auto Base = TKvImportFromFile::ResolveName(Wanted, Shown);
         return Base.Kind == snColumn ? Base : TKvISourceName{.Kind = Kind, .Name = Wanted};
     }

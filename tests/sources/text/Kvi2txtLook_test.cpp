@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "KvException.h"
+#include "KvLookText.h"
 #include "KvTextImport.h"
 
 using namespace std::string_literals;
@@ -20,29 +21,6 @@ namespace kv {
 namespace {
 
 constexpr std::size_t Window = std::size_t{1} << 20; // what a look at the first lines reads
-
-/// "Field1=Name": a column and its title.
-TRows ColumnsOf(const TKvISourceView& View)
-{
-    TRows Result;
-    for (const auto& Column : View.Columns)
-        Result.push_back(Column.Name + "=" + Column.Title);
-    return Result;
-}
-
-/// "2: a|b": the line and its values, "<" and ">" around the reason where one cannot be read.
-TRows RowsOf(const TKvISourceView& View)
-{
-    TRows Result;
-    for (const auto& Row : View.Rows) {
-        std::string Text = std::to_string(Row.Position.Number) + ":";
-        for (const auto& [Value, Error] : Row.Values)
-            Text += (&Value == &Row.Values.front().Value ? " " : "|") +
-                    (Error.empty() ? Value.ToText() : "<" + Error + ">");
-        Result.push_back(Text);
-    }
-    return Result;
-}
 
 auto PartsOf(const TKvISourceRemark& Remark)
 {
@@ -420,6 +398,43 @@ TEST(Kvi2txtFindDelimiter, ReadsOnlyTheBeginningOfALargeFile)
     TTextImport Import("a;b\r\n");
     MakeEndless(Import);
     EXPECT_EQ(Import.FindDelimiter(1, ",;"), ';');
+}
+
+// Names.
+
+TEST(Kvi2txtNames, OfDelimitedLinesCountByWhatStandsBehindFiveCharacters)
+{
+    TTextImport Import("A,B,C\r\n");
+    const auto Resolved = [&Import, Shown = Import.Look({}).Columns](const std::string& Name) {
+        const auto Found = Import.ResolveName(Name, Shown);
+        return std::pair(Found.Kind, Found.Name);
+    };
+    EXPECT_EQ(Resolved("Field2"), std::pair(snColumn, std::string("Field2")));
+    EXPECT_EQ(Resolved("field03"), std::pair(snColumn, std::string("Field3")));
+    EXPECT_EQ(Resolved("Hello1"), std::pair(snColumn, std::string("Field1")));
+    EXPECT_EQ(Resolved("Field4"), std::pair(snMissing, std::string("Field4")));
+    EXPECT_EQ(Resolved("FieldX"), std::pair(snMissing, std::string("FieldX")));
+    EXPECT_EQ(Resolved("Text1-2").first, snConstant);
+    EXPECT_EQ(Resolved("A").first, snConstant);
+    EXPECT_EQ(Resolved("").first, snConstant);
+}
+
+TEST(Kvi2txtNames, OfFixedLinesAreRanges)
+{
+    TTextImport Import("abcdef\r\n");
+    Import.Fixed = true;
+    const auto Resolved = [&Import](const std::string& Name) {
+        const auto Found = Import.ResolveName(Name, {});
+        return std::pair(Found.Kind, Found.Name);
+    };
+    EXPECT_EQ(Resolved("text1-3"), std::pair(snColumn, std::string("Text1-3")));
+    EXPECT_EQ(Resolved("Column9-12").first, snConstant);
+    EXPECT_EQ(Resolved("Text0-3").first, snConstant);
+    EXPECT_EQ(Resolved("Text3-0").first, snMissing);
+    EXPECT_EQ(Resolved("Text3-x").first, snMissing);
+    EXPECT_EQ(Resolved("Text3").first, snConstant);
+    EXPECT_EQ(Resolved("Field1").first, snMissing);
+    EXPECT_EQ(Resolved("Constant").first, snConstant);
 }
 
 // The current record of a run, and what the run has met.
