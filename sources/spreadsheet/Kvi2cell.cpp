@@ -25,6 +25,18 @@ TVariant Lend(const TVariant& Value)
     return Value.IsString() ? TVariant::Borrow(Value.Text()) : Value;
 }
 
+/// Messages of readers do not name the file, but for those that say that it cannot be read as a file or as a
+/// compound document: these know it already.
+void NameFile(Exception& Error, const std::string& FileName)
+{
+    if (!Error.Facts.FileName.empty())
+        return;
+    Error.Facts.FileName = FileName;
+    Error.Facts.LacksFileName = !IsBlank(FileName);
+    if (Error.Facts.Rule == erNone)
+        Error.Facts.Rule = erFormat;
+}
+
 } // namespace
 
 TKvImportFromCell::TKvImportFromCell(TComponent* Owner) : TKvImportFromFile(Owner) {}
@@ -51,11 +63,6 @@ std::unique_ptr<TSpreadSheetFile> TKvImportFromCell::WorkBookCreation()
     return nullptr;
 }
 
-TSpreadSheetCells& TKvImportFromCell::Cells()
-{
-    return WorkBook->Sheets.Spreadsheet(SheetIndex).Cells;
-}
-
 TSpreadSheetFile& TKvImportFromCell::LoadWorkBook()
 {
     Record = nullptr;
@@ -64,32 +71,42 @@ TSpreadSheetFile& TKvImportFromCell::LoadWorkBook()
         WorkBook = WorkBookCreation();
     if (!WorkBook)
         throw Exception(std::string(ClassName()) + " has no reader of workbooks");
-    WorkBook->Extensions = LoadedWith = Extensions;
-    LoadedName = SourceFileName;
+    WorkBook->Extensions = Extensions;
+    WorkBook->Continue = [this] { return KeepsRunning(); };
     try {
         WorkBook->LoadFromFile(SourceFileName);
     }
-    catch (EFileError&) {
-        throw;
-    }
     catch (Exception& Error) {
-        Error.Facts.LacksFileName = Error.Facts.FileName.empty();
-        Error.Facts.FileName = SourceFileName;
+        NameFile(Error, SourceFileName);
         throw;
     }
     LoadedAhead = true;
     return *WorkBook;
 }
 
+/// The file is loaded, and nobody has taken it yet.
+bool TKvImportFromCell::IsKept() const
+{
+    return LoadedAhead && WorkBook->FileName == SourceFileName && WorkBook->Extensions == Extensions;
+}
+
+/// Without a workbook when the user cancels.
 void TKvImportFromCell::LoadOnce()
 {
-    if (!LoadedAhead || LoadedName != SourceFileName || LoadedWith != Extensions)
-        LoadWorkBook();
+    Columns.Clear();
+    try {
+        if (!IsKept())
+            LoadWorkBook();
+    }
+    catch (const Exception& Error) {
+        if (Error.Facts.Rule != erCancelled)
+            throw;
+        AfterImport();
+    }
 }
 
 void TKvImportFromCell::BeforeImport()
 {
-    Columns.Clear();
     LoadOnce();
     LoadedAhead = false;
 }
@@ -97,38 +114,53 @@ void TKvImportFromCell::BeforeImport()
 void TKvImportFromCell::AfterImport()
 {
     Record = nullptr;
+    LoadedAhead = false;
     WorkBook.reset();
 }
 
 // The records.
 
+/// The sheet that is imported; none past the last.
+TSpreadSheetCells* TKvImportFromCell::Sheet() const
+{
+    const auto Index = static_cast<std::size_t>(std::max(SheetIndex, 0));
+    return WorkBook && Index < WorkBook->Sheets.Count() ? &WorkBook->Sheets[Index].Cells : nullptr;
+}
+
 TKvISourcePosition TKvImportFromCell::SourcePosition() const
 {
-    return {.Unit = PositionUnit(), .Number = std::int64_t{CurrentRow} + 1};
+    return {.Unit = PositionUnit(), .Number = HasRow() ? std::int64_t{CurrentRow} + 1 : 0};
 }
 
 void TKvImportFromCell::GoFirst()
 {
-    CurrentRow = RowFirst - 1;
+    CurrentRow = std::max(RowFirst, -RowLastMax) - 1;
     LookAtExtent();
 }
 
 int TKvImportFromCell::GetTotalCount()
 {
-    return WorkBook ? RowExtent(Cells(), Extensions) : TKvImportFromFile::GetTotalCount();
+    const auto* const Cells = Sheet();
+    return Cells ? RowExtent(*Cells, Extensions) : TKvImportFromFile::GetTotalCount();
+}
+
+bool TKvImportFromCell::HasRow() const
+{
+    const auto* const Cells = Sheet();
+    return Cells && CurrentRow < RowExtent(*Cells, Extensions) && CurrentRow < RowLast;
 }
 
 bool TKvImportFromCell::NeedMore()
 {
-    return WorkBook && CurrentRow < RowExtent(Cells(), Extensions) && CurrentRow < RowLast;
+    return HasRow();
 }
 
 bool TKvImportFromCell::LoadRecord()
 {
     Record = nullptr;
-    if (WorkBook)
-        if (const int Position = Cells().GetRow(CurrentRow, false); Position >= 0)
-            Record = &Cells()[static_cast<std::size_t>(Position)];
+    if (auto* const Cells = Sheet())
+        if (const int Position = Cells->GetRow(CurrentRow, false); Position >= 0)
+            Record = &(*Cells)[static_cast<std::size_t>(Position)];
     return TKvImportFromFile::LoadRecord();
 }
 
@@ -139,6 +171,17 @@ TVariant TKvImportFromCell::GetFieldValue(const TVariant& Source)
     return Lend(Record->Value(Columns.Find(Source, ColumnOfLetters)));
 }
 
+TVariant TKvImportFromCell::SourceRecord()
+{
+    if (!HasRow())
+        return Null;
+    const int Count = Sheet()->CellColumns();
+    auto Values = TVariant::Array(0, Count - 1);
+    for (int Column = 0; Column < Count; ++Column)
+        Values[Column] = Sheet()->GetValue(Column, CurrentRow);
+    return Values;
+}
+
 // Automatic mapping.
 
 /// By the names in the first row, when it is not imported. Otherwise by order, where the letters of the
@@ -146,6 +189,7 @@ TVariant TKvImportFromCell::GetFieldValue(const TVariant& Source)
 /// programs have stored stand on it.
 void TKvImportFromCell::DetectAutoMapping()
 {
+    const bool WasKept = IsKept();
     BeforeImport();
     const bool HasHeader = RowFirst > 1;
     const auto Header = HasHeader ? HeaderTexts() : std::vector<std::string>();
@@ -157,15 +201,18 @@ void TKvImportFromCell::DetectAutoMapping()
         return Found != Header.end() ? LettersOfColumn(static_cast<int>(Found - Header.begin()) + 1)
                                      : std::string();
     });
-    AfterImport();
+    if (WasKept)
+        LoadedAhead = true;                         // for the run, as it was looked at
+    else
+        AfterImport();
 }
 
-std::vector<std::string> TKvImportFromCell::HeaderTexts()
+std::vector<std::string> TKvImportFromCell::HeaderTexts() const
 {
     std::vector<std::string> Result;
-    const auto& Sheet = Cells();
-    for (int Col = 0; Col < ColumnExtent(Sheet, Extensions); ++Col)
-        Result.push_back(Sheet.GetValue(Col, HeaderRow).ToText());
+    const auto* const Cells = Sheet();
+    for (int Col = 0; Cells && Col < ColumnExtent(*Cells, Extensions); ++Col)
+        Result.push_back(Cells->GetValue(Col, HeaderRow).ToText());
     return Result;
 }
 

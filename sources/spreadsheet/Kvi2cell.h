@@ -21,6 +21,8 @@ class TSpreadSheetRow;
 /// Imports a sheet of the workbook that a subclass reads. Source columns are column letters: A is the first
 /// column, AA the 27th. A row without values is a record without values. This class itself has no reader:
 /// a run of it fails.
+///
+/// Errors of readers whose messages do not name the file say so in their facts.
 class TKvImportFromCell : public TKvImportFromFile
 {
 public:
@@ -33,23 +35,21 @@ public:
     int SheetIndex = 0;                             ///< From 0. Past the last sheet there are no records.
     TSpreadSheetExtensions Extensions;
 
-    std::string_view PositionUnit() const override { return "row"; }
-    TKvISourcePosition SourcePosition() const override;
-    TKvISourceName ResolveName(const std::string& Wanted,
-                               const std::vector<TKvISourceColumn>& Columns) const override;
-
-    /// Loads the workbook ahead of a run, which then does not load it again: for programs that look at it
-    /// first. It is good until that run ends. Raises what the run would end by; errors know the file, though
-    /// the messages of the readers do not say it.
+    /// Loads the workbook anew and keeps it as a look does: for programs that want more of it than a look
+    /// shows. It is good until the next run ends or another file is loaded. Raises what the run would end by.
     TSpreadSheetFile& LoadWorkBook();
 
-    /// The sheets. Loads the workbook as a look does, which keeps it for the run.
+    std::string_view PositionUnit() const override { return "row"; }
+    TKvISourcePosition SourcePosition() const override;
+    TVariant SourceRecord() override;               ///< An array of the row's values, that of column A at 0.
+    void EndLook() override;
+    /// The sheets. A file without any has an empty one.
     std::vector<TKvISourcePart> SourceParts() override;
     void SelectPart(int Index, const TKvISourcePart& Part) override;
-    void EndLook() override;
     /// What of the sheet lies outside of what is read; of the last look or run.
     std::vector<TKvISourceRemark> SourceRemarks() const override { return Remarks; }
-    TVariant SourceRecord() override;               ///< An array of the values of the row.
+    TKvISourceName ResolveName(const std::string& Wanted,
+                               const std::vector<TKvISourceColumn>& Shown) const override;
 
 protected:
     /// `Extension` is that of the files of the subclass.
@@ -68,19 +68,23 @@ protected:
     void GoNext() override { ++CurrentRow; }
     void AfterImport() override;
     void BeforeLook(const TKvISourceLook& What) override;
+    /// Columns with a title or with values in rows that are imported. The values propose the type.
     std::vector<TKvISourceColumn> SourceColumns(int HeaderRow) override;
     void AfterLook() override { Record = nullptr; }
 
 private:
+    TSpreadSheetCells* Sheet() const;
+    bool HasRow() const;
+    bool IsKept() const;
     void LoadOnce();
     void LookAtExtent();
-    TSpreadSheetCells& Cells();
-    std::vector<std::string> HeaderTexts();
+    std::vector<std::string> HeaderTexts() const;
+    std::string TitleOf(int Column, int HeaderRow) const;
+    template <class TVisit> void ForImportedRows(TVisit Visit) const;
+    int LongestText(int Column) const;
 
-    std::unique_ptr<TSpreadSheetFile> WorkBook;     // until AfterImport
-    bool LoadedAhead = false;
-    std::string LoadedName;                         // the file that was loaded ahead ...
-    TSpreadSheetExtensions LoadedWith;              // ... and how
+    std::unique_ptr<TSpreadSheetFile> WorkBook;     // until AfterImport or EndLook
+    bool LoadedAhead = false;                       // no run has begun with it yet
     std::vector<TKvISourceRemark> Remarks;
     int CurrentRow = 0;                             // from 0
     const TSpreadSheetRow* Record = nullptr;        // the current row; none where it holds no value

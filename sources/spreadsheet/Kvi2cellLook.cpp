@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "KvCells.h"
+#include "KvCodePage.h"
 #include "KvColumnLetters.h"
 #include "KvFieldConvert.h"
 #include "KvText.h"
@@ -13,6 +14,12 @@
 namespace kv {
 
 namespace {
+
+bool IsWhole(double Number)
+{
+    constexpr double Exact = 9007199254740992.0;    // 2^53: from there on every double is whole
+    return std::abs(Number) < Exact && Number == std::floor(Number);
+}
 
 /// What the cells of a column hold.
 class TColumnContent
@@ -24,12 +31,11 @@ public:
             return;
         switch (Value.Kind()) {
         case vkInteger:  Has.Whole = true; break;
-        case vkDouble:
+        case vkDouble:   (IsWhole(Value.Double()) ? Has.Whole : Has.Real) = true; break;
         case vkCurrency: Has.Real = true; break;
         case vkDateTime: AddMoment(Value.DateTime().Days); break;
         case vkBoolean:  Has.Truth = true; break;
-        case vkString:   AddText(Value.Text()); break;
-        default:         break;
+        default:         Has.Text = true; break;
         }
     }
 
@@ -46,43 +52,49 @@ public:
             return Has.Real ? ftFloat : ftLargeint;
         return !Has.Time ? ftDate : Has.Day ? ftDateTime : ftTime;
     }
-    /// Of the longest text; 0 where not all values are texts.
-    int TextSize() const { return KindCount() == 1 ? static_cast<int>(Size) : 0; }
 
 private:
-    int KindCount() const { return Has.Text + (Has.Whole || Has.Real) + Has.Truth + (Has.Day || Has.Time); }
-    void AddText(std::string_view Text)
+    int KindCount() const
     {
-        Has.Text = true;
-        Size = std::max(Size, CharacterCount(Text));
+        return Has.Text + (Has.Whole || Has.Real) + Has.Truth + Has.Moment;
     }
     void AddMoment(double Days)
     {
         const double Day = std::floor(Days);
+        Has.Moment = true;
         Has.Day = Has.Day || Day != 0;
         Has.Time = Has.Time || Days != Day;
     }
 
     struct
     {
-        bool Text = false, Whole = false, Real = false, Truth = false, Day = false, Time = false;
+        bool Text = false, Whole = false, Real = false, Truth = false;
+        bool Moment = false, Day = false, Time = false; // a date-time, one with a day, one with a time
     } Has;
-    std::size_t Size = 0;                           // of the longest text, in characters
 };
+
+/// Characters of process text, or of the bytes that become such where it is stored.
+std::size_t LengthOf(std::string_view Text)
+{
+    std::string Buffer;
+    return CharacterCount(AnsiIsUtf8() ? AnsiToUtf8(Text, Buffer) : Text);
+}
 
 } // namespace
 
+// Sheets.
+
 std::vector<TKvISourcePart> TKvImportFromCell::SourceParts()
 {
-    LoadOnce();
-    WorkBook->Sheets.Spreadsheet(0);                // a file without any has an empty one
+    if (!IsKept())
+        LoadWorkBook();
+    auto& Sheets = WorkBook->Sheets;
+    Sheets.Spreadsheet(0);                          // adds the empty one
     std::vector<TKvISourcePart> Parts;
-    for (std::size_t I = 0; I < WorkBook->Sheets.Count(); ++I) {
-        const auto& Sheet = WorkBook->Sheets[I];
-        Parts.push_back({.Name = Sheet.Caption,
-                         .Rows = RowExtent(Sheet.Cells, Extensions),
-                         .Columns = ColumnExtent(Sheet.Cells, Extensions)});
-    }
+    for (std::size_t I = 0; I < Sheets.Count(); ++I)
+        Parts.push_back({.Name = Sheets[I].Caption,
+                         .Rows = RowExtent(Sheets[I].Cells, Extensions),
+                         .Columns = ColumnExtent(Sheets[I].Cells, Extensions)});
     return Parts;
 }
 
@@ -91,68 +103,103 @@ void TKvImportFromCell::SelectPart(int Index, const TKvISourcePart&)
     SheetIndex = Index;
 }
 
+void TKvImportFromCell::LookAtExtent()
+{
+    Remarks.clear();
+    const auto* const Cells = Sheet();
+    if (!Cells)
+        return;
+    const auto Add = [this](TKvISourceRemarkKind Kind, std::int64_t Count, std::int64_t Limit) {
+        if (Count > Limit)
+            Remarks.push_back({.Kind = Kind, .Count = Count, .Limit = Limit});
+    };
+    Add(srRowsBeyondExtent, Cells->CellRows(), RowExtent(*Cells, Extensions));
+    Add(srColumnsBeyondExtent, Cells->CellColumns(), ColumnExtent(*Cells, Extensions));
+    Add(srCellsBeyondLastColumn, static_cast<std::int64_t>(Cells->CellsBeyond()), 0);
+}
+
+// A look.
+
 void TKvImportFromCell::BeforeLook(const TKvISourceLook&)
 {
-    Columns.Clear();
     LoadOnce();
 }
 
 void TKvImportFromCell::EndLook()
 {
-    LoadedAhead = false;
-    Record = nullptr;
-    WorkBook.reset();
+    if (LoadedAhead)
+        AfterImport();
 }
 
-/// A column that has neither a title nor values is none.
+/// Only rows that hold a value.
+template <class TVisit> void TKvImportFromCell::ForImportedRows(TVisit Visit) const
+{
+    const auto& Cells = *Sheet();
+    const int End = std::min(RowLast, RowExtent(Cells, Extensions));
+    for (std::size_t I = 0; I < Cells.Count(); ++I)
+        if (Cells[I].Row < End && Cells[I].Row >= RowFirst - 1)
+            Visit(Cells[I]);
+}
+
 std::vector<TKvISourceColumn> TKvImportFromCell::SourceColumns(int HeaderRow)
 {
-    const auto& Sheet = Cells();
-    std::vector<TColumnContent> Contents(
-        static_cast<std::size_t>(std::max(ColumnExtent(Sheet, Extensions), 0)));
-    for (std::size_t I = 0; I < Sheet.Count(); ++I)
-        if (Sheet[I].Row >= RowFirst - 1 && Sheet[I].Row < RowLast)
-            for (std::size_t Col = 0; Col < Contents.size(); ++Col)
-                Contents[Col].Add(Sheet[I].Value(static_cast<int>(Col)));
+    if (!Sheet())
+        return {};
+    std::vector<TColumnContent> Contents(static_cast<std::size_t>(ColumnExtent(*Sheet(), Extensions)));
+    ForImportedRows([&Contents](const TSpreadSheetRow& Row) {
+        for (std::size_t Column = 0; Column < Contents.size(); ++Column)
+            Contents[Column].Add(Row.Value(static_cast<int>(Column)));
+    });
     std::vector<TKvISourceColumn> Result;
-    for (std::size_t Col = 0; Col < Contents.size(); ++Col) {
-        const auto& Header = HeaderRow > 0 ? Sheet.GetValue(static_cast<int>(Col), HeaderRow - 1) : Null;
-        auto Title = Header.IsString() ? TitleText(Header.Text()) : std::string(Trim(Header.ToText()));
-        if (!Title.empty() || !Contents[Col].IsEmpty())
-            Result.push_back({.Name = SpreadSheetLetters(static_cast<int>(Col) + 1),
-                              .Title = std::move(Title),
-                              .DataType = Contents[Col].DataType(),
-                              .Size = Contents[Col].TextSize()});
+    for (std::size_t I = 0; I < Contents.size(); ++I) {
+        const int Column = static_cast<int>(I);
+        auto Title = TitleOf(Column, HeaderRow);
+        if (Title.empty() && Contents[I].IsEmpty())
+            continue;
+        const auto DataType = Contents[I].DataType();
+        Result.push_back({.Name = SpreadSheetLetters(Column + 1),
+                          .Title = std::move(Title),
+                          .DataType = DataType,
+                          .Size = DataType == ftString ? LongestText(Column) : 0});
     }
     return Result;
 }
 
-TVariant TKvImportFromCell::SourceRecord()
+std::string TKvImportFromCell::TitleOf(int Column, int HeaderRow) const
 {
-    const int Count = WorkBook ? ColumnExtent(Cells(), Extensions) : 0;
-    if (!Record || Count < 1)
-        return Null;
-    auto Values = TVariant::Array(0, Count - 1);
-    for (int Col = 0; Col < Count; ++Col)
-        Values[Col] = Record->Value(Col);
-    return Values;
+    if (HeaderRow < 1)
+        return {};
+    const auto& Value = Sheet()->GetValue(Column, HeaderRow - 1);
+    return Value.IsString() ? TitleText(Value.Text()) : std::string(Trim(Value.ToText()));
 }
 
-void TKvImportFromCell::LookAtExtent()
+/// In characters, of rows that are imported.
+int TKvImportFromCell::LongestText(int Column) const
 {
-    Remarks.clear();
-    if (!WorkBook)
-        return;
-    const auto& Sheet = Cells();
-    const int RowCount = RowExtent(Sheet, Extensions), ColumnCount = ColumnExtent(Sheet, Extensions);
-    if (Sheet.CellRows() > RowCount)
-        Remarks.push_back({.Kind = srRowsBeyondExtent, .Count = Sheet.CellRows(), .Limit = RowCount});
-    if (Sheet.CellColumns() > ColumnCount)
-        Remarks.push_back(
-            {.Kind = srColumnsBeyondExtent, .Count = Sheet.CellColumns(), .Limit = ColumnCount});
-    if (Sheet.CellsBeyond() > 0)
-        Remarks.push_back(
-            {.Kind = srCellsBeyondLastColumn, .Count = static_cast<std::int64_t>(Sheet.CellsBeyond())});
+    std::size_t Result = 0;
+    ForImportedRows([&, this](const TSpreadSheetRow& Row) {
+        const auto& Value = Row.Value(Column);
+        const bool IsOem = CharacterSet == csiASCII_MSDOS && Value.IsString();
+        Result = std::max(Result, LengthOf(UECode(IsOem, Value.ToText())));
+    });
+    return static_cast<int>(Result);
+}
+
+// Names in mappings.
+
+/// There are no constants: any name is read as letters, and most of them lead nowhere.
+TKvISourceName TKvImportFromCell::ResolveName(const std::string& Wanted,
+                                              const std::vector<TKvISourceColumn>& Shown) const
+{
+    const int Column = ColumnOfLetters(Wanted);
+    const auto Letters = SpreadSheetLetters(Column + 1);
+    const bool IsName = SameText(Wanted, Letters) || SameText(Wanted, LettersOfColumn(Column + 1));
+    if (Column < 0 || Column >= TSpreadSheetRow::MaxColumns || !IsName)
+        return {.Kind = snNothing, .Name = Wanted};
+    bool HasValues = std::ranges::count(Shown, Letters, &TKvISourceColumn::Name) > 0;
+    if (!HasValues && Sheet())                      // it may lie beyond what the sheet declares
+        ForImportedRows([&](const auto& Row) { HasValues = HasValues || !Row.Value(Column).IsBlank(); });
+    return {.Kind = HasValues ? snColumn : snBlank, .Name = Letters};
 }
 
 } // namespace kv

@@ -5,10 +5,9 @@
 #include "KvCells.h"
 #include "KvColumnLetters.h"
 #include "KvException.h"
-#include "Kvi2cell.h"
-#include "Kvwks.h"
-#include "Kvwq.h"
-#include "Kvxls.h"
+#include "Kvi2wks.h"
+#include "Kvi2wq.h"
+#include "Kvi2xls.h"
 
 namespace kv {
 
@@ -16,16 +15,16 @@ namespace {
 
 constexpr char MsgIncorrectType[] = "Incorrect type of spreadsheet";
 
-constexpr int RowsAfterFirst = 20;
+constexpr int RowsShown = 21;
 
 enum TColumnItem { ciNone, ciName, ciValue, ciLast = ciValue };
 
-std::unique_ptr<TSpreadSheetFile> CreateReader(int SpreadSheetType)
+std::unique_ptr<TKvImportFromCell> ImportOf(int SpreadSheetType)
 {
     switch (SpreadSheetType) {
-    case 1:  return std::make_unique<TMSExcel>();
-    case 2:  return std::make_unique<TLotus123>();
-    case 3:  return std::make_unique<TQuattroPro>();
+    case 1:  return std::make_unique<TKvImportFromXLS>();
+    case 2:  return std::make_unique<TKvImportFromWKS>();
+    case 3:  return std::make_unique<TKvImportFromQuattro>();
     default: throw Exception(MsgIncorrectType);
     }
 }
@@ -57,13 +56,6 @@ TVariant ArrayOf(const TStrings& Columns)
     return Result;
 }
 
-/// Each value is that of the column that its item names.
-void SetValues(TVariant& Row, const TSpreadSheetCells& Cells, int Number)
-{
-    for (int I = Row.LowBound(); I <= Row.HighBound(); ++I)
-        Row[I][ciValue] = Cells.GetValue(ColumnOfLetters(Row[I][ciName].Text()), Number);
-}
-
 } // namespace
 
 void LoadSpreadSheetPreview(int SpreadSheetType, TPersistent* Sender, std::string_view ColumnSpec,
@@ -72,24 +64,28 @@ void LoadSpreadSheetPreview(int SpreadSheetType, TPersistent* Sender, std::strin
                             TSpreadSheetExtensions Extensions)
 {
     Sheets.Clear();
-    const auto Reader = CreateReader(SpreadSheetType);
-    Reader->Extensions = Extensions;
-    Reader->LoadFromFile(FileName);
-    for (std::size_t I = 0; I < Reader->Sheets.Count(); ++I)
-        Sheets.Add(Reader->Sheets[I].Caption);
+    const auto Import = ImportOf(SpreadSheetType);
+    Import->SourceFileName = FileName;
+    Import->SheetIndex = SheetIndex;
+    Import->Extensions = Extensions;
+    Import->RowFirst = FirstRow;
+    Import->RowLast = LastRow;
+    auto& Book = Import->LoadWorkBook().Sheets;
+    for (std::size_t I = 0; I < Book.Count(); ++I)
+        Sheets.Add(Book[I].Caption);
 
-    const auto& Cells = Reader->Sheets.Spreadsheet(SheetIndex).Cells;
     Columns.Clear();
     if (ColumnSpec.empty())
-        AddFirstColumns(Columns, Cells.ColCount);
+        AddFirstColumns(Columns, Book.Spreadsheet(SheetIndex).Cells.ColCount);
     else
         AddNamedColumns(Columns, ColumnSpec);
-    auto Row = ArrayOf(Columns);
-    const auto End = std::min({std::int64_t{FirstRow} + RowsAfterFirst, std::int64_t{LastRow},
-                               std::int64_t{RowExtent(Cells, Extensions)}});
-    for (std::int64_t Number = std::int64_t{FirstRow} - 1; Number < End; ++Number) {
-        SetValues(Row, Cells, static_cast<int>(Number));
-        Callback(Sender, Columns.Count(), static_cast<int>(Number - FirstRow + 2), Flag, Row);
+    auto Items = ArrayOf(Columns);
+    const auto View = Import->Look({.Rows = RowsShown, .Columns = {Columns.begin(), Columns.end()}});
+    int Number = 0;
+    for (const auto& Row : View.Rows) {
+        for (int I = 0; I < Columns.Count(); ++I)
+            Items[I][ciValue] = Row.Values[static_cast<std::size_t>(I)].Value;
+        Callback(Sender, Columns.Count(), ++Number, Flag, Items);
     }
 }
 
