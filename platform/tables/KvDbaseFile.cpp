@@ -51,11 +51,6 @@ TKvDbaseFile::TKvDbaseFile(const std::string& TableFile, bool Transliterate)
         AddField(Field.Name, Field.Type, Field.Size);
 }
 
-std::uint64_t TKvDbaseFile::OffsetOf(std::size_t Index) const
-{
-    return Header.HeaderSize + std::uint64_t{Index} * Header.RecordSize;
-}
-
 /// None where the file has become shorter.
 const char* TKvDbaseFile::RecordAt(TKvFileWindow& Source, std::size_t Index) const
 {
@@ -99,13 +94,17 @@ void TKvDbaseFile::SkipDeleted()
     if (RecordIndex == StoredRecords)
         Record = nullptr;
     if (Record == nullptr && RecordIndex < Header.RecordCount)
-        throw EFormatError(FormatText("File \"%s\" ends after record %d of %d",
-                                      {FileName, std::to_string(RecordIndex),
-                                       std::to_string(Header.RecordCount)}),
-                           {.FileName = FileName,
-                            .Place = "record " + std::to_string(RecordIndex + 1),
-                            .Rule = erFormat,
-                            .Offset = static_cast<std::int64_t>(OffsetOf(RecordIndex))});
+        RaiseEnded();
+}
+
+void TKvDbaseFile::RaiseEnded() const
+{
+    throw EFormatError(FormatText("File \"%s\" ends after record %d of %d",
+                                  {FileName, std::to_string(RecordIndex), std::to_string(Header.RecordCount)}),
+                       {.FileName = FileName,
+                        .Place = "record " + std::to_string(RecordIndex + 1),
+                        .Rule = erFormat,
+                        .Offset = static_cast<std::int64_t>(OffsetOf(RecordIndex))});
 }
 
 bool TKvDbaseFile::HasBit(int Bit) const

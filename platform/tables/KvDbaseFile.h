@@ -36,9 +36,13 @@ protected:
     TVariant Decode(std::size_t Field) override;
 
 private:
-    std::uint64_t OffsetOf(std::size_t Index) const; // of a record in the file
+    std::uint64_t OffsetOf(std::size_t Index) const // of a record in the file
+    {
+        return Header.HeaderSize + std::uint64_t{Index} * Header.RecordSize;
+    }
     const char* RecordAt(TKvFileWindow& Source, std::size_t Index) const;
     void SkipDeleted();
+    [[noreturn]] void RaiseEnded() const;
     bool HasBit(int Bit) const;
     TVariant MemoValue(const TKvDbaseField& Field, std::string_view Stored);
     std::string_view WithoutRest(const TKvDbaseField& Field, std::string_view Stored) const;

@@ -49,17 +49,22 @@ TVariant TKvTableFile::Value(std::size_t Field)
         return Decode(Field);
     }
     catch (const Exception& Error) {
-        const auto Record = std::to_string(Number());
-        auto Facts = Error.Facts;
-        Facts.FileName = FileName;
-        Facts.Place = "record " + Record;
-        Facts.Field = Defs[Field].Name;
-        if (Facts.Rule == erNone)
-            Facts.Rule = erFormat;
-        throw EFormatError(FormatText("File \"%s\", record %d, field '%s': %s",
-                                      {FileName, Record, Facts.Field, Error.Message}),
-                           Facts);
+        RaiseUnreadable(Field, Error);
     }
+}
+
+void TKvTableFile::RaiseUnreadable(std::size_t Field, const Exception& Error) const
+{
+    const auto Record = std::to_string(Number());
+    auto Facts = Error.Facts;
+    Facts.FileName = FileName;
+    Facts.Place = "record " + Record;
+    Facts.Field = Defs[Field].Name;
+    if (Facts.Rule == erNone)
+        Facts.Rule = erFormat;
+    throw EFormatError(FormatText("File \"%s\", record %d, field '%s': %s",
+                                  {FileName, Record, Facts.Field, Error.Message}),
+                       Facts);
 }
 
 } // namespace kv

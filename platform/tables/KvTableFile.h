@@ -11,6 +11,8 @@
 
 namespace kv {
 
+class Exception;
+
 /// A table file that is open: its fields, and one record after the other.
 class TKvTableFile
 {
@@ -52,6 +54,8 @@ protected:
     TKvTableText Text;                              ///< Of the file's code page, to be set before AddField.
 
 private:
+    [[noreturn]] void RaiseUnreadable(std::size_t Field, const Exception& Error) const;
+
     std::vector<TFieldDef> Defs;
 };
 

@@ -51,10 +51,9 @@ std::string OnOneLine(std::string Text)
 /// The import as a preview shows it: an empty cell is one, whatever a run makes of it.
 class TPreviewOfHTML final : public TKvImportFromHTML
 {
-    TVariant GetFieldValue(const TVariant& Source) override
+    TVariant EmptyCell(const TVariant& Source) const override
     {
-        const auto Text = CellText(Source);
-        return Text.empty() && Extensions.Contains(xhEmptyIsNull) ? TVariant(Null) : TVariant::Borrow(Text);
+        return Extensions.Contains(xhEmptyIsNull) ? TKvImportFromHTML::EmptyCell(Source) : TVariant("");
     }
 };
 
@@ -115,11 +114,16 @@ bool TKvImportFromHTML::MoveOn(TKvHtmlRows& Page) const
         return Page.Next();
     }
     catch (Exception& Error) {                      // rows know nothing of their file
-        Error.Facts.FileName = SourceFileName;
-        Error.Facts.Rule = erFormat;
-        Error.Facts.Offset = OffsetOf(Page.Begin());
+        AddFacts(Error, Page.Begin());
         throw;
     }
+}
+
+void TKvImportFromHTML::AddFacts(Exception& Error, const char* Place) const
+{
+    Error.Facts.FileName = SourceFileName;
+    Error.Facts.Rule = erFormat;
+    Error.Facts.Offset = OffsetOf(Place);
 }
 
 const char* TKvImportFromHTML::RowBegin() const
@@ -264,15 +268,16 @@ std::optional<bool> TKvImportFromHTML::NamesColumn(const std::string& Source)
 
 // The values.
 
-std::string_view TKvImportFromHTML::CellText(const TVariant& Source)
-{
-    return Rows->Text(Columns.Find(Source, [this](std::string_view Each) { return ResolveColumn(Each); }));
-}
-
 TVariant TKvImportFromHTML::GetFieldValue(const TVariant& Source)
 {
-    if (const auto Text = CellText(Source); !Text.empty())
-        return TVariant::Borrow(Text);
+    const auto Column =
+        Columns.Find(Source, [this](std::string_view Each) { return ResolveColumn(Each); });
+    const auto Text = Rows->Text(Column);
+    return Text.empty() ? EmptyCell(Source) : TVariant::Borrow(Text);
+}
+
+TVariant TKvImportFromHTML::EmptyCell(const TVariant& Source) const
+{
     if (Extensions.Contains(xhEmptyIsNull))
         return Null;
     return TVariant::Borrow(Source.Text());

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -65,8 +66,8 @@ protected:
     bool NextRow() override;
     const char* RowBegin() const override;
 
-    /// The text in the column that `Source` means: a loan until the next row. Empty where there is no cell.
-    std::string_view CellText(const TVariant& Source);
+    /// What the column `Source` imports where its cell is empty or not there.
+    virtual TVariant EmptyCell(const TVariant& Source) const;
 
 private:
     void ReadHeader();
@@ -74,6 +75,7 @@ private:
     std::size_t ResolveColumn(std::string_view Source) const;
     void CheckTableNumber() const;
     bool MoveOn(TKvHtmlRows& Page) const;
+    void AddFacts(Exception& Error, const char* Place) const;
     bool PassRows(TKvHtmlRows& Page, int Count) const;
 
     std::unique_ptr<TKvHtmlRows> Rows;              // from BeforeImport to AfterImport, and in a look

@@ -61,6 +61,7 @@ std::unique_ptr<TKvXmlRows> TKvImportFromXML::MakeRows(std::string_view Text) co
 void TKvImportFromXML::StartRows(std::string_view Text)
 {
     Columns.Clear();
+    ShownColumns.clear();
     Rows = MakeRows(Text);
 }
 
@@ -88,14 +89,10 @@ void TKvImportFromXML::AfterImport()
 
 // The values.
 
-std::optional<std::string_view> TKvImportFromXML::ValueOf(const TVariant& Source)
-{
-    return Rows->Value(Columns.Find(Source, [this](std::string_view Each) { return Rows->AddColumn(Each); }));
-}
-
 TVariant TKvImportFromXML::GetFieldValue(const TVariant& Source)
 {
-    if (const auto Value = ValueOf(Source))
+    const auto Column = Columns.Find(Source, [this](std::string_view Each) { return Rows->AddColumn(Each); });
+    if (const auto Value = Rows->Value(Column))
         return TVariant::Borrow(*Value);
     if (Extensions.Contains(xxMissingIsNull))
         return Null;
@@ -107,10 +104,12 @@ TVariant TKvImportFromXML::SourceRecord()
     if (!HasRow())
         return Null;
     const auto& Names = KnownColumns().Columns;
+    while (ShownColumns.size() < Names.size())
+        ShownColumns.push_back(Rows->AddColumn(Names[ShownColumns.size()].Name));
     auto Values = TVariant::Array(0, static_cast<int>(Names.size()) - 1);
     for (std::size_t I = 0; I < Names.size(); ++I) {
         auto& Value = Values[static_cast<int>(I)] = Null;
-        if (const auto Text = ValueOf(Names[I].Name))
+        if (const auto Text = Rows->Value(ShownColumns[I]))
             Value.SetText(*Text);
     }
     return Values;

@@ -70,11 +70,11 @@ private:
     std::unique_ptr<TKvXmlRows> MakeRows(std::string_view Text) const;
     const TKnownColumns& KnownColumns();
     bool IsOneOf(const std::vector<TKvISourceColumn>& Shown, std::string_view Attribute) const;
-    std::optional<std::string_view> ValueOf(const TVariant& Source);
 
     std::unique_ptr<TKvXmlRows> Rows;               // from BeforeImport to AfterImport, and in a look
     std::vector<std::string> FieldNames;            // of the FIELDS sections, in a run
     TKvSourceColumns<std::size_t> Columns;          // of Rows
+    std::vector<std::size_t> ShownColumns;          // the same of SourceRecord
     std::optional<TKnownColumns> Known;             // of the file, once somebody has asked
 };
 
