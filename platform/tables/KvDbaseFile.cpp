@@ -99,8 +99,9 @@ void TKvDbaseFile::SkipDeleted()
 
 void TKvDbaseFile::RaiseEnded() const
 {
+    const auto Last = std::to_string(RecordIndex);
     throw EFormatError(FormatText("File \"%s\" ends after record %d of %d",
-                                  {FileName, std::to_string(RecordIndex), std::to_string(Header.RecordCount)}),
+                                  {FileName, Last, std::to_string(Header.RecordCount)}),
                        {.FileName = FileName,
                         .Place = "record " + std::to_string(RecordIndex + 1),
                         .Rule = erFormat,
