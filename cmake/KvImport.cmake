@@ -15,12 +15,13 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 
-# The cache must look through precompiled headers, which by default it refuses to do.
+# The cache must look through precompiled headers, which by default it refuses to do, and know an object
+# again in another build folder: sources have their whole path, so that debuggers find them all the same.
 find_program(KV_CCACHE ccache)
 mark_as_advanced(KV_CCACHE)
 if(KV_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     set(CMAKE_CXX_COMPILER_LAUNCHER
-        "${CMAKE_COMMAND}" -E env
+        "${CMAKE_COMMAND}" -E env "CCACHE_NOHASHDIR=1"
         "CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime" "${KV_CCACHE}")
 endif()
 

@@ -1,8 +1,10 @@
 # Builds a project that adds this one as a subdirectory: a consumer that sets nothing compiles, and of the
 # libraries only those are built that its programs link. What was compiled by an earlier run stays.
 #
-#   cmake -D Consumer=FOLDER -D KvImport=FOLDER -D Build=FOLDER [-D Generator=NAME] [-D Compiler=FILE]
+#   cmake -D Consumer=FOLDER -D KvImport=FOLDER -D Build=FOLDER [-D Generator=NAME] [-D Options=OPTION;...]
 #         -P KvConsumer_test.cmake
+#
+# Options are those of the build around the test, whose objects the compiler's cache then has.
 
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE Result OUTPUT_VARIABLE Output ERROR_VARIABLE Output)
@@ -36,12 +38,9 @@ function(expect_archives Target)
 endfunction()
 
 set(CMAKE_STATIC_LIBRARY_SUFFIX ".a")
-set(Options "-DKvImport=${KvImport}")
+list(APPEND Options "-DKvImport=${KvImport}")
 if(Generator)
     list(APPEND Options "-G${Generator}")
-endif()
-if(Compiler)
-    list(APPEND Options "-DCMAKE_CXX_COMPILER=${Compiler}")
 endif()
 
 # A library that should not be built must not be there from an earlier run either.
