@@ -286,16 +286,13 @@ private:
     void WriteLayout(TIniFile& File) const;
     void ReadLayout(const TIniFile& File);
     TMappedFields MappedFields() const;             // the usable lines of Mappings
-    void FetchValues();
     static void ConvertText(TVariant& Value);
-    void TellRecord(Exception& Error) const;
-    void TellRecord(Exception& Error, const TMappedField& Mapped) const;
+    void TellRecord(Exception& Error, const TMappedField* Mapped = nullptr) const;
     void OfferCell(TMappedField& Mapped);
     bool OfferRecord();
     void EmptyDataSet();
     bool IsCanceled() const;
     void ImportRecords();
-    void ImportRecord();
     void ShowProgress() const;
     void StoreRecord();
     void RecordDone(TKvIFate Fate);
@@ -308,7 +305,6 @@ private:
     const TVariant& BuildSearchValue();
     TKvIAction ActionForRecord() const;
     void WriteRecord(TKvIAction Action);
-    void AssignValues();
     void UndoCount(TKvIAction Action);
 
     TDataSet* FDataSet = nullptr;

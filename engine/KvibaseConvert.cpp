@@ -37,22 +37,16 @@ std::string_view TextOf(const TVariant& Value, std::string& Storage)
     return Storage;
 }
 
-/// How values are to be read.
-struct TReading
-{
-    const TKvIDataFormats& Formats;
-    TKvIRunExtensions Extensions;
-};
+// Each turns `Value` into one of its kind under the settings of `Import` or, where it has no meaning in it,
+// leaves it as it is.
 
-// Each turns `Value` into one of its kind or, where it has no meaning in it, leaves it as it is.
-
-void ParseBoolean(TVariant& Value, const TReading& Reading)
+void ParseBoolean(TVariant& Value, const TKvImportBaseComponent& Import)
 {
     std::string Storage;
     const auto Text = TextOf(Value, Storage);
-    if (Text == Reading.Formats.BooleanTrue)
+    if (Text == Import.DataFormats.BooleanTrue)
         Value = true;
-    else if (Text == Reading.Formats.BooleanFalse)
+    else if (Text == Import.DataFormats.BooleanFalse)
         Value = false;
 }
 
@@ -66,32 +60,32 @@ std::string_view WithoutSeparator(std::string_view Text, char Separator, std::st
     return Storage;
 }
 
-void ParseFloat(TVariant& Value, const TReading& Reading)
+void ParseFloat(TVariant& Value, const TKvImportBaseComponent& Import)
 {
     if (Value.Kind() == vkInteger || Value.Kind() == vkDouble || Value.Kind() == vkCurrency)
         return;                                     // its text would only lose digits
-    const TSeparatorInForce Decimal(FormatSettings().DecimalSeparator, Reading.Formats.DecimalSeparator);
+    const TSeparatorInForce Decimal(FormatSettings().DecimalSeparator, Import.DataFormats.DecimalSeparator);
     std::string Whole, Digits;
-    const auto Text = WithoutSeparator(TextOf(Value, Whole), Reading.Formats.ThousandSeparator, Digits);
+    const auto Text = WithoutSeparator(TextOf(Value, Whole), Import.DataFormats.ThousandSeparator, Digits);
     if (const auto Number = TryTextToFloat(Text))
         Value = *Number;
-    else if (!Reading.Extensions.Contains(rxNoNumberBoxes))
+    else if (!Import.RunExtensions.Contains(rxNoNumberBoxes))
         UserInterface().ShowMessage(mkError,
                                     "'" + std::string(Text) + "' is not a valid floating point value");
 }
 
-void ParseDateTime(TVariant& Value, const TReading& Reading)
+void ParseDateTime(TVariant& Value, const TKvImportBaseComponent& Import)
 {
     if (Value.Kind() == vkDateTime)
         return;
-    const TSeparatorInForce Date(FormatSettings().DateSeparator, Reading.Formats.DateSeparator);
-    const TSeparatorInForce Time(FormatSettings().TimeSeparator, Reading.Formats.TimeSeparator);
+    const TSeparatorInForce Date(FormatSettings().DateSeparator, Import.DataFormats.DateSeparator);
+    const TSeparatorInForce Time(FormatSettings().TimeSeparator, Import.DataFormats.TimeSeparator);
     std::string Storage;
     if (const auto Point = TryTextToDateTime(TextOf(Value, Storage)))
         Value = *Point;
 }
 
-using TParse = void (*)(TVariant& Value, const TReading& Reading);
+using TParse = void (*)(TVariant& Value, const TKvImportBaseComponent& Import);
 
 /// How a value gets the kind of a field's type. None for texts and bytes, which stay as they are, and for
 /// integers, on which the field's assignment decides.
@@ -128,7 +122,7 @@ TVariant TKvImportBaseComponent::GetParsedValue(const TVariant& Source, int Fiel
         Value = Null;
     else if (const auto Parse =
                  FieldIndex >= 0 ? ParserFor(FDataSet->Fields(FieldIndex).DataType()) : nullptr)
-        Parse(Value, {.Formats = DataFormats, .Extensions = RunExtensions});
+        Parse(Value, *this);
     return Value;
 }
 
@@ -136,13 +130,6 @@ bool TKvImportBaseComponent::LoadRecord()
 {
     if (IsLooking())                                // at values one by one
         return true;
-    FetchValues();
-    return !OnBeforeRecordEvent || OfferRecord();
-}
-
-/// An error names the field whose value could not be had.
-void TKvImportBaseComponent::FetchValues()
-{
     const TMappedField* Current = nullptr;
     try {
         for (auto& Field : DestFields) {
@@ -156,23 +143,21 @@ void TKvImportBaseComponent::FetchValues()
             }
     }
     catch (Exception& Error) {
-        TellRecord(Error, *Current);
+        TellRecord(Error, Current);
         throw;
     }
+    return !OnBeforeRecordEvent || OfferRecord();
 }
 
-/// What `Error` does not know yet of the record and of the value that it is about.
-void TKvImportBaseComponent::TellRecord(Exception& Error, const TMappedField& Mapped) const
+/// Adds to what `Error` knows its record and, where there is one, its field.
+void TKvImportBaseComponent::TellRecord(Exception& Error, const TMappedField* Mapped) const
 {
-    TellRecord(Error);
-    if (Error.Facts.Field.empty())
-        Error.Facts.Field = Mapped.Index >= 0 ? FDataSet->Fields(Mapped.Index).FieldName() : Mapped.Source.ToText();
-}
-
-void TKvImportBaseComponent::TellRecord(Exception& Error) const
-{
-    if (Error.Facts.Record < 0)
-        Error.Facts.Record = Statistic.TotalImported;
+    auto& Facts = Error.Facts;
+    if (Facts.Record < 0)
+        Facts.Record = Statistic.TotalImported;
+    if (Mapped && Facts.Field.empty())
+        Facts.Field =
+            Mapped->Index >= 0 ? FDataSet->Fields(Mapped->Index).FieldName() : Mapped->Source.ToText();
 }
 
 void TKvImportBaseComponent::ConvertText(TVariant& Value)

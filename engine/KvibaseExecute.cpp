@@ -143,7 +143,9 @@ std::string TKvImportBaseComponent::Run()
         Prepare();
         Statistic.Result = ProgressCanceled() || Aborted || Canceled ? irCanceled : irExecuted;
     }
-    catch (const Exception& Error) {
+    catch (Exception& Error) {
+        if (InRecord)
+            TellRecord(Error);
         EndByError(Error);
     }
     catch (const std::exception& Error) {

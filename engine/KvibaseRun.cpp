@@ -155,7 +155,11 @@ void TKvImportBaseComponent::ImportRecords()
         ++Statistic.TotalImported;
         FDataSet->RecordTag = Statistic.TotalImported;
         Statistic.LastAction = iaUnknown;
-        ImportRecord();
+        InRecord = true;
+        if (LoadRecord())
+            StoreRecord();
+        else if (InRecord)                          // a source that cannot read it has told so
+            RecordDone(rfRefused);
         Aborted = false;
         if (OnAfterRecordEvent)
             OnAfterRecordEvent(*this, Aborted);
@@ -163,22 +167,6 @@ void TKvImportBaseComponent::ImportRecords()
     }
     if (AnimatedStatus && Refreshing.IsByTime())
         ShowProgress();
-}
-
-/// What ends the run here knows of which record it is.
-void TKvImportBaseComponent::ImportRecord()
-{
-    InRecord = true;
-    try {
-        if (LoadRecord())
-            StoreRecord();
-        else if (InRecord)                          // a source that cannot read it has told so
-            RecordDone(rfRefused);
-    }
-    catch (Exception& Error) {
-        TellRecord(Error);
-        throw;
-    }
 }
 
 void TKvImportBaseComponent::ShowProgress() const
@@ -247,26 +235,7 @@ const TVariant& TKvImportBaseComponent::BuildSearchValue()
 
 void TKvImportBaseComponent::WriteRecord(TKvIAction Action)
 {
-    try {
-        AssignValues();
-        FDataSet->Post();
-    }
-    catch (Exception& Error) {
-        TellRecord(Error);
-        FDataSet->Cancel();
-        if (OnErrorEvent)                           // else the record stays counted as what was tried
-            UndoCount(Action);
-        RecordFailed(Error);
-    }
-    catch (...) {                                   // ends the run; what comes next would post half a record
-        FDataSet->Cancel();
-        throw;
-    }
-}
-
-void TKvImportBaseComponent::AssignValues()
-{
-    const TMappedField* Current = nullptr;
+    const TMappedField* Current = nullptr;          // none while the whole record is stored
     try {
         for (const auto& Source : SourceFields) {
             if (Source.Index < 0)
@@ -275,11 +244,20 @@ void TKvImportBaseComponent::AssignValues()
             if (Current->Index >= 0)
                 AssignValue(FDataSet->Fields(Current->Index), Current->Value);
         }
+        Current = nullptr;
+        FDataSet->Post();
     }
     catch (Exception& Error) {
-        TellRecord(Error, *Current);
-        if (Error.Facts.Value.empty() && !Current->Value.IsArray())
+        TellRecord(Error, Current);
+        if (Current && Error.Facts.Value.empty() && !Current->Value.IsArray())
             Error.Facts.Value = Current->Value.ToText();
+        FDataSet->Cancel();
+        if (OnErrorEvent)                           // else the record stays counted as what was tried
+            UndoCount(Action);
+        RecordFailed(Error);
+    }
+    catch (...) {                                   // ends the run; what comes next would post half a record
+        FDataSet->Cancel();
         throw;
     }
 }
