@@ -51,6 +51,11 @@ void TJobDestination::Commit()
     FCommitted = RecordsRead;
 }
 
+void TJobDestination::CheckCommit()
+{
+    Database->CheckCommit();
+}
+
 void TJobDestination::Rollback()
 {
     Database->Rollback();

@@ -34,6 +34,7 @@ public:
             CommitBatch();
     }
     void Commit();
+    void CheckCommit();                             ///< Raises what Commit would raise, and leaves all open.
     void Rollback();                                ///< What was committed in batches stays.
     /// Records of the source up to which the table is changed.
     int Committed() const { return FCommitted; }

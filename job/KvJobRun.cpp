@@ -235,8 +235,11 @@ void TJobRun::Settle()
 
 void TJobRun::EndTransaction()
 {
-    const bool Keeps = !Settings.Run.DryRun && (Outcome.Result == joDone || Outcome.Result == joRecordErrors);
+    const bool IsGood = Outcome.Result == joDone || Outcome.Result == joRecordErrors;
+    const bool Keeps = IsGood && !Settings.Run.DryRun;
     try {
+        if (IsGood && !Keeps)                       // a dry run fails as the run would
+            Destination->CheckCommit();
         Keeps ? Destination->Commit() : Destination->Rollback();
         Outcome.Complete = Keeps;
     }

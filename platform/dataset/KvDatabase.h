@@ -73,6 +73,9 @@ public:
     /// raises and leaves the transaction open, to be tried again.
     virtual void Commit() = 0;
     virtual void Rollback() = 0;                    ///< Does nothing without a transaction.
+    /// Raises what the transaction itself would make Commit raise, such as a reference to a record that is
+    /// still missing, and leaves it open: for those who roll it back and yet want to know.
+    virtual void CheckCommit() = 0;
     virtual bool InTransaction() const = 0;
     /// Stores every change taken so far, within the transaction. Raises what went wrong with one of them.
     virtual void Flush() = 0;

@@ -42,6 +42,7 @@ void TSQLiteDatabase::Execute(std::string_view) { Open(); }
 void TSQLiteDatabase::StartTransaction() { Open(); }
 void TSQLiteDatabase::Commit() {}
 void TSQLiteDatabase::Rollback() {}
+void TSQLiteDatabase::CheckCommit() {}
 bool TSQLiteDatabase::InTransaction() const { return false; }
 void TSQLiteDatabase::Flush() {}
 std::vector<TKvTableInfo> TSQLiteDatabase::Tables() { RaiseAbsent(DatabaseName); }

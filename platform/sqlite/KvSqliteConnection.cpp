@@ -260,10 +260,26 @@ void TSQLiteConnection::CommitNow()
 {
     if (std::exchange(Lost, false)) {
         Owner = toNobody;
-        Fail("there is nothing to commit: " + LossOf(Changes), {.Rule = erStorage, .Record = FirstTag});
+        FailLost();
     }
     if (!TryEnd("COMMIT"))
         RaiseForAll();
+}
+
+void TSQLiteConnection::CheckCommit()
+{
+    Settle();
+    if (Lost)
+        FailLost();
+    int HasUnresolved = 0, Unused = 0;
+    sqlite3_db_status(Handle(), SQLITE_DBSTATUS_DEFERRED_FKS, &HasUnresolved, &Unused, 0);
+    if (HasUnresolved != 0)                         // in the words of SQLite's own refusal
+        Fail("FOREIGN KEY constraint failed", {.Rule = erForeignKey, .Record = FirstTag});
+}
+
+void TSQLiteConnection::FailLost() const
+{
+    Fail("there is nothing to commit: " + LossOf(Changes), {.Rule = erStorage, .Record = FirstTag});
 }
 
 void TSQLiteConnection::Rollback()

@@ -49,6 +49,7 @@ public:
     void StartTransaction();
     void Commit();
     void Rollback();
+    void CheckCommit();                             ///< As TKvDatabase says.
     bool InTransaction() const { return sqlite3_get_autocommit(Handle()) == 0; }
     /// Changes with every beginning and end of a transaction that went through this class.
     std::int64_t TransactionSerial() const { return FTransactionSerial; }
@@ -113,6 +114,7 @@ private:
     void Begin(TTransactionOwner NewOwner);
     bool TryEnd(const char* Sql);
     void CommitNow();
+    [[noreturn]] void FailLost() const;
     void EndFullBatch();
     [[noreturn]] void RaiseForAll();
     void CheckNotLost();

@@ -101,6 +101,12 @@ void TSQLiteDatabase::Rollback()
         FConnection->Rollback();
 }
 
+void TSQLiteDatabase::CheckCommit()
+{
+    if (FConnection)
+        FConnection->CheckCommit();
+}
+
 bool TSQLiteDatabase::InTransaction() const
 {
     return FConnection && FConnection->InTransaction();

@@ -59,6 +59,7 @@ public:
     void StartTransaction() override;               ///< Waits for the right to write.
     void Commit() override;
     void Rollback() override;
+    void CheckCommit() override;
     bool InTransaction() const override;
     void Flush() override;
 

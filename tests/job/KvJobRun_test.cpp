@@ -129,6 +129,20 @@ TEST_F(KvJobRun, ADryRunHasAllFiguresAndChangesNothing)
     EXPECT_EQ(Rows(), "1|Rom|1 2|Oslo|2");
 }
 
+TEST_F(KvJobRun, ADryRunFailsWhereTheRunCouldNotCommit)
+{
+    Execute("CREATE TRIGGER t BEFORE INSERT ON orders WHEN NEW.ID = 3"
+            " BEGIN SELECT RAISE(ROLLBACK, 'no'); END");
+    for (const bool IsDry : {true, false}) {
+        Job.Run.DryRun = IsDry;
+        const auto Outcome = Import("ID,CITY\n1,Bern\n3,Wien\n");
+        EXPECT_EQ(Outcome.Result, joFailed);
+        ASSERT_TRUE(Outcome.Failure);
+        EXPECT_THAT(Outcome.Failure->Text(), HasSubstr("there is nothing to commit"));
+        EXPECT_EQ(Rows(), "");
+    }
+}
+
 TEST_F(KvJobRun, ADryRunKeepsNoBatchEither)
 {
     Job.Run.DryRun = true;

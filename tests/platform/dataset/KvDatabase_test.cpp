@@ -37,6 +37,7 @@ public:
     void StartTransaction() override {}
     void Commit() override {}
     void Rollback() override {}
+    void CheckCommit() override {}
     bool InTransaction() const override { return false; }
     void Flush() override {}
 

@@ -343,6 +343,22 @@ TEST(KvSqliteConnection, TransactionEndedByATriggerTakesNothingMoreUntilItIsEnde
     EXPECT_EQ(Open.Rows("SELECT qty FROM orders"), TRowTexts{"4"});
 }
 
+TEST(KvSqliteConnection, ACheckTellsOfATransactionThatATriggerEnded)
+{
+    TSharedTable Open;
+    Open.Database.Execute("CREATE TRIGGER t BEFORE INSERT ON orders WHEN NEW.qty < 0"
+                          " BEGIN SELECT RAISE(ROLLBACK, 'out of stock'); END");
+    Open.Database.StartTransaction();
+    AppendRecord(Open.Table, {{"qty", 1}});
+    EXPECT_EQ(Open.MessageOf([&] { Open.Database.CheckCommit(); }), "");
+    EXPECT_NE(Open.MessageOf([&] { AppendRecord(Open.Table, {{"qty", -1}}); }), "");
+    Open.Table.Cancel();
+    const std::string Lost =
+        "there is nothing to commit: the transaction was rolled back and its change is lost";
+    EXPECT_EQ(Open.MessageOf([&] { Open.Database.CheckCommit(); }), Lost);
+    EXPECT_EQ(Open.MessageOf([&] { Open.Database.Commit(); }), Lost);
+}
+
 TEST(KvSqliteConnection, BatchEndedByATriggerIsToldAndTheNextOneBegins)
 {
     TTestTable Open(Explosive);
@@ -371,8 +387,11 @@ TEST(KvSqliteConnection, ConstraintsThatWaitForTheCommitLeaveTheTransactionOpen)
     Table.Open();
     Database.StartTransaction();
     AppendRecord(Table, {{"qty", 7}});
+    EXPECT_EQ(MessageOf(File.FileName(), [&] { Database.CheckCommit(); }), "FOREIGN KEY constraint failed");
     EXPECT_EQ(MessageOf(File.FileName(), [&] { Database.Commit(); }), "FOREIGN KEY constraint failed");
     Database.Execute("INSERT INTO parent VALUES (7)");
+    Database.CheckCommit();
+    EXPECT_TRUE(Database.InTransaction());
     Database.Commit();
     EXPECT_EQ(File.Rows("SELECT qty FROM orders"), TRowTexts{"7"});
 }
