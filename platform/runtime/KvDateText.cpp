@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 
 #include "KvCalendar.h"
 #include "KvDateCursor.h"
@@ -22,15 +23,20 @@ struct TDateOrder
     int Year, Month, Day;
 };
 
-constexpr TDateOrder YearMonthDay{0, 1, 2}, MonthDayYear{2, 0, 1}, DayMonthYear{2, 1, 0};
+constexpr TDateOrder YearMonthDay{0, 1, 2}, YearDayMonth{0, 2, 1}, MonthDayYear{2, 0, 1},
+    MonthYearDay{1, 0, 2}, DayMonthYear{2, 1, 0}, DayYearMonth{1, 2, 0};
 
+/// By its first letter, and the last one where that ends the format.
 TDateOrder OrderOf(std::string_view ShortDateFormat)
 {
+    const auto EndsWith = [ShortDateFormat](char Small, char Capital) {
+        return ShortDateFormat.back() == Small || ShortDateFormat.back() == Capital;
+    };
     for (const char Char : ShortDateFormat) {
         switch (Char) {
-        case 'y': case 'Y': return YearMonthDay;
-        case 'm': case 'M': return MonthDayYear;
-        case 'd': case 'D': return DayMonthYear;
+        case 'y': case 'Y': return EndsWith('m', 'M') ? YearDayMonth : YearMonthDay;
+        case 'm': case 'M': return EndsWith('d', 'D') ? MonthYearDay : MonthDayYear;
+        case 'd': case 'D': return EndsWith('m', 'M') ? DayYearMonth : DayMonthYear;
         default: break;
         }
     }
@@ -130,6 +136,19 @@ std::string DateTimeToText(TDateTime Value)
         for (const char Char : WriteIsoTime(Value, Buffer))
             Result += Char == ':' ? FormatSettings().TimeSeparator : Char;
     }
+    return Result;
+}
+
+std::string DurationToText(TDateTime Value)
+{
+    const auto Ms = std::llround(std::fabs(Value.Days) * MsPerDay);
+    const char Separator = FormatSettings().TimeSeparator;
+    std::string Result(Value.Days < 0 && Ms != 0 ? "-" : "");
+    AppendNumber(Result, static_cast<unsigned>(Ms / MsPerHour), 2);
+    AppendNumber(Result += Separator, static_cast<unsigned>(Ms / MsPerMinute % 60), 2);
+    AppendNumber(Result += Separator, static_cast<unsigned>(Ms / MsPerSecond % 60), 2);
+    if (Ms % MsPerSecond != 0)
+        AppendNumber(Result += '.', static_cast<unsigned>(Ms % MsPerSecond), 3);
     return Result;
 }
 

@@ -22,5 +22,9 @@ TDateTime TextToDateTime(std::string_view Text);
 /// In the process's short date format; with the time ("hh:mm:ss", milliseconds when there are any)
 /// when it is not midnight.
 std::string DateTimeToText(TDateTime Value);
+/// A time that belongs to no day: "36:00:00" for one and a half, "-01:00:00" for an hour less than none, with
+/// the process's time separator, and milliseconds when there are any. For values of less than some thousand
+/// years.
+std::string DurationToText(TDateTime Value);
 
 } // namespace kv

@@ -13,8 +13,8 @@ struct TFormatSettings
     char ThousandSeparator = ',';
     char DateSeparator = '/';
     char TimeSeparator = ':';
-    /// Letters y, M and d in the order in which dates are read, with separators: "dd.MM.yyyy".
-    /// The first of the three letters decides: y year-month-day, M month-day-year, d day-month-year.
+    /// Letters y, M and d in the order in which dates are read, with separators: "dd.MM.yyyy". The first and
+    /// the last one decide.
     std::string ShortDateFormat = "M/d/yyyy";
     /// A two-digit year lies in the hundred years that begin this many years before the current one.
     int TwoDigitYearCenturyWindow = 50;

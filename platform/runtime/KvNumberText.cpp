@@ -87,6 +87,27 @@ std::optional<double> ParseFloat(std::string_view Text, char Separator)
     return ParseFloat({Copy, Text.size()});
 }
 
+/// Without the zeros that end a fraction, nor the separator before nothing else.
+std::string_view WithoutFractionZeros(std::string_view Text, char Separator)
+{
+    if (Text.find(Separator) == Text.npos)
+        return Text;
+    Text = Text.substr(0, Text.find_last_not_of('0') + 1);
+    if (Text.size() > 1 && Text.ends_with(Separator))
+        Text.remove_suffix(1);
+    return Text;
+}
+
+/// A double of so few digits gives the same digits back.
+constexpr int MaxDoubleDigits = 15;
+
+bool HasMoreDigitsThanDoubles(std::string_view Text)
+{
+    Text = Text.substr(0, Text.find_first_of("eE"));
+    const auto First = std::min(Text.find_first_of("123456789"), Text.size());
+    return std::ranges::count_if(Text.substr(First), IsDigit) > MaxDoubleDigits;
+}
+
 /// Appends a decimal digit to a magnitude kept negative, which reaches one further. False on overflow.
 bool AppendDigit(std::int64_t& Negated, int Digit)
 {
@@ -172,6 +193,58 @@ std::optional<TCurrency> TryTextToCurrency(std::string_view Text)
     if (!Negative && __builtin_sub_overflow(0, Negated, &Negated))
         return {};
     return TCurrency{Negated};
+}
+
+bool TryTextToDecimal(std::string_view Text, TVariant& Result)
+{
+    const auto Take = [&Result](std::string_view Digits) {
+        if (const auto Integer = TryTextToInt(Digits))
+            Result = *Integer;
+        else if (const auto Amount = TryTextToCurrency(Digits); !Amount)
+            return false;
+        else if (Amount->Scaled % TCurrency::Scale == 0)
+            Result = Amount->Scaled / TCurrency::Scale;
+        else
+            Result = *Amount;
+        return true;
+    };
+    Text = Trim(Text);
+    if (Take(Text))
+        return true;
+    const auto Number = TryTextToFloat(Text);
+    if (!Number)
+        return false;
+    const bool IsScientific = Text.find_first_of("eE") != Text.npos;
+    const auto Digits = IsScientific ? Text : WithoutFractionZeros(Text, FormatSettings().DecimalSeparator);
+    if (Take(Digits))
+        return true;
+    if (HasMoreDigitsThanDoubles(Digits))
+        Result.SetText(Text);
+    else
+        Result = *Number;
+    return true;
+}
+
+double ShownNumber(double Value)
+{
+    if (!std::isfinite(Value) || Value == std::trunc(Value))
+        return Value;
+    char Buffer[32];
+    const auto End = std::to_chars(std::begin(Buffer), std::end(Buffer), Value, std::chars_format::scientific,
+                                   MaxDoubleDigits - 1).ptr;
+    std::from_chars(Buffer, End, Value);
+    return Value;
+}
+
+std::string ShownText(double Value)
+{
+    constexpr double FirstWithExponent = 1e21;
+    const double Shown = ShownNumber(Value);
+    if (Shown != std::trunc(Shown) || !(std::fabs(Shown) < FirstWithExponent) || Shown == 0)
+        return FloatToText(Shown);
+    char Buffer[32];
+    const auto End = std::to_chars(std::begin(Buffer), std::end(Buffer), Shown, std::chars_format::fixed).ptr;
+    return std::string(Buffer, End);
 }
 
 std::string FloatToText(double Value)

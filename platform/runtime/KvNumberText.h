@@ -25,6 +25,17 @@ double TextToFloat(std::string_view Text);
 /// An exact amount: at most four digits after the process's decimal separator, no exponent.
 std::optional<TCurrency> TryTextToCurrency(std::string_view Text);
 
+/// What decimal fields take, without binary rounding: an integer or currency where these hold the number, a
+/// double where it gives the same digits back, else the digits themselves as text. False when `Text` is no
+/// number as TryTextToFloat reads it.
+bool TryTextToDecimal(std::string_view Text, TVariant& Result);
+
+/// `Value` as programs that calculate show it, with fifteen digits: 435 for what 4.35 * 100 gives. Integers
+/// that a double holds keep all of theirs.
+double ShownNumber(double Value);
+/// The digits of ShownNumber, without an exponent below 1E21.
+std::string ShownText(double Value);
+
 /// The shortest text that reads back as the same double, with the process's decimal separator.
 std::string FloatToText(double Value);
 /// All digits that are not trailing zeros of the fraction.

@@ -98,6 +98,13 @@ public:
         return Result;
     }
 
+    /// Makes a loan a text of its own.
+    void Own()
+    {
+        if (FShortSize == LoanMark)
+            SetText(Text());
+    }
+
     /// An array with the bounds Low..High, its elements empty. An empty array has High = Low - 1.
     static TVariant Array(int Low, int High);
 

@@ -69,12 +69,26 @@ TEST_F(KvDateText, ReadsDatesInTheOrderOfTheShortDateFormat)
         {"DD-MM-YYYY", '-', "02-03-2024", "2024-03-02"},
         {"yyyy-MM-dd", '-', "2024-02-03", "2024-02-03"},
         {"y M d", ' ', "2024 2 3", "2024-02-03"},
+        {"yyyy/dd/MM", '/', "2024/2/3", "2024-03-02"},
+        {"dd/yyyy/MM", '/', "2/2024/3", "2024-03-02"},
+        {"MM/yyyy/dd", '/', "2/2024/3", "2024-02-03"},
         {"", '/', "2/3/2024", "2024-02-03"},
+        {"d/M/yyyy.", '/', "2/3/2024", "2024-03-02"},
     };
     for (const auto& Row : Rows) {
         FormatSettings() = SettingsFor(Row.Format, Row.Separator);
         EXPECT_EQ(Iso(TryTextToDate(Row.Text)), Row.Date + std::string(" 00:00:00")) << Row.Format;
     }
+}
+
+TEST_F(KvDateText, DurationsCountHoursPastADay)
+{
+    const std::pair<double, const char*> Rows[] = {
+        {0.5, "12:00:00"}, {0, "00:00:00"}, {1.5, "36:00:00"}, {-1.0 / 24, "-01:00:00"}, {100, "2400:00:00"},
+        {0.25 / 86400, "00:00:00.250"}, {-0.1 / 86400000, "00:00:00"},
+    };
+    for (const auto& [Days, Text] : Rows)
+        EXPECT_EQ(DurationToText({Days}), Text);
 }
 
 TEST_F(KvDateText, RefusesWhatIsNoDate)

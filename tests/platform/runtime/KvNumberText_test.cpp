@@ -49,6 +49,54 @@ TEST_F(KvNumberText, RefusesWhatIsNoInteger)
     EXPECT_EQ(MessageOf<EConvertError>([] { TextToInt("abc"); }), "'abc' is not a valid integer value");
 }
 
+TEST_F(KvNumberText, DecimalsKeepTheirDigits)
+{
+    const std::pair<const char*, TVariant> Rows[] = {
+        {"12345678901234567", std::int64_t{12345678901234567}},
+        {" -7 ", -7},
+        {"2.000000000000000", 2},
+        {"5.", 5},
+        {"0.10", TCurrency{1000}},
+        {"922337203685477.5807", TCurrency{INT64_MAX}},
+        {"0.00001", 0.00001},
+        {"1E3", 1000.0},
+        {"123456789012.345678", "123456789012.345678"},
+        {"-999999999999999999.9999999999", "-999999999999999999.9999999999"},
+        {"9223372036854775808", "9223372036854775808"},
+        {"1000000000000000000000", "1000000000000000000000"},
+    };
+    for (const auto& [Text, Expected] : Rows) {
+        TVariant Value;
+        ASSERT_TRUE(TryTextToDecimal(Text, Value)) << Text;
+        EXPECT_EQ(Value.Kind(), Expected.Kind()) << Text;
+        EXPECT_EQ(Value, Expected) << Text;
+    }
+    for (const auto* const Text : {"", "abc", "1,5", "1.2.3", "."}) {
+        TVariant Value;
+        EXPECT_FALSE(TryTextToDecimal(Text, Value)) << Text;
+    }
+}
+
+TEST_F(KvNumberText, NumbersAreShownWithFifteenDigits)
+{
+    const std::pair<double, const char*> Rows[] = {
+        {4.35 * 100, "435"},
+        {0.1 + 0.2, "0.3"},
+        {1.0 / 3, "0.333333333333333"},
+        {4000123412341234.0, "4000123412341234"},
+        {-9007199254740992.0, "-9007199254740992"},
+        {1e20, "100000000000000000000"},
+        {1e21, "1E21"},
+        {1.5e-7, "1.5E-7"},
+        {-0.0, "0"},
+    };
+    for (const auto& [Value, Text] : Rows)
+        EXPECT_EQ(ShownText(Value), Text);
+    EXPECT_EQ(ShownNumber(4.35 * 100), 435);
+    EXPECT_EQ(ShownNumber(4000123412341234.0), 4000123412341234.0);
+    EXPECT_TRUE(std::isnan(ShownNumber(std::nan(""))));
+}
+
 TEST_F(KvNumberText, ReadsNumbers)
 {
     const std::pair<const char*, double> Rows[] = {
