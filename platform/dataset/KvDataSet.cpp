@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "KvException.h"
+#include "KvName.h"
 #include "KvText.h"
 
 namespace kv {
@@ -69,9 +70,13 @@ void TDataSet::Shut()
 
 TField* TDataSet::FindField(std::string_view FieldName) const
 {
-    const auto Found = std::ranges::find_if(
-        FFields, [FieldName](const auto& Field) { return SameText(Field->FieldName(), FieldName); });
-    return Found != FFields.end() ? Found->get() : nullptr;
+    for (const auto Same : {&SameText, &SameName}) {
+        const auto Found = std::ranges::find_if(
+            FFields, [&](const auto& Field) { return Same(Field->FieldName(), FieldName); });
+        if (Found != FFields.end())
+            return Found->get();
+    }
+    return nullptr;
 }
 
 TField& TDataSet::FieldByName(std::string_view FieldName) const

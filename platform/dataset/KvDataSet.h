@@ -58,8 +58,12 @@ public:
     // Fields of the open dataset, in the order of its columns.
     int FieldCount() const { return static_cast<int>(FFields.size()); }
     TField& Fields(int Index) const { return *FFields[static_cast<std::size_t>(Index)]; }
-    /// The field of that name without regard to case (ASCII letters), or none.
+    /// The field of that name without regard to case, or none. Where letters outside ASCII tell fields apart
+    /// by their case, the one that is written so.
     TField* FindField(std::string_view FieldName) const;
+    /// The table behind the open dataset, however it was opened: two datasets with the same text, which is
+    /// not empty, have the same records.
+    virtual std::string TableIdentity() const { return {}; }
     /// Raises EDatabaseError "%s: field '%s' not found".
     TField& FieldByName(std::string_view FieldName) const;
     /// The values of several fields of the current record, their names separated by ";": an array from 0,

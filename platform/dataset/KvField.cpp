@@ -81,6 +81,8 @@ void TField::SetValue(const TVariant& Value)
     Convert(Value, Slot);
     if (FDef.Size > 0 && Slot.IsString() && Slot.Text().size() > static_cast<std::size_t>(FDef.Size))
         CheckFieldSize(*this, Slot);
+    if (FDef.Precision > 0 && Slot.HasValue())
+        CheckFieldPrecision(*this, Slot);
     FDataSet.MarkAssigned(*this);
 }
 

@@ -57,6 +57,9 @@ struct TFieldDef
     bool HasDefault = false;                        ///< The database supplies a value that is not assigned.
     /// What people call the field; empty where nobody has said.
     std::string Label = {};
+    /// Digits of a decimal number; 0: no limit.
+    int Precision = 0;
+    int Scale = 0;                                  ///< As many of these follow the separator.
 };
 
 /// A field of an open dataset; the dataset owns it, and closing the dataset ends it.

@@ -5,7 +5,7 @@
 #include <limits>
 #include <optional>
 
-#include "KvCodePage.h"
+#include "KvCalendar.h"
 #include "KvDataSet.h"
 #include "KvDateText.h"
 #include "KvException.h"
@@ -132,13 +132,21 @@ bool GiveDecimal(const TVariant& Value, TVariant& Result)
         Result = Value;
         return true;
     }
-    if (!Value.IsString())
-        return Give(AsFloat(Value), Result);
-    if (const auto Integer = TryTextToInt(Value.Text()))
-        return Give(Integer, Result);
-    if (const auto Exact = TryTextToCurrency(Value.Text()))
-        return Give(Exact, Result);
-    return Give(TryTextToFloat(Value.Text()), Result);
+    return Value.IsString() ? TryTextToDecimal(Value.Text(), Result) : Give(AsFloat(Value), Result);
+}
+
+/// As a double where that is exact, which reaches further than amounts do.
+bool GiveAmount(std::int64_t Value, TVariant& Result)
+{
+    constexpr std::int64_t ExactMax = std::int64_t{1} << 53;
+    std::int64_t Scaled = 0;
+    if (!__builtin_mul_overflow(Value, TCurrency::Scale, &Scaled))
+        Result = TCurrency{Scaled};
+    else if (Value <= ExactMax && Value >= -ExactMax)
+        Result = static_cast<double>(Value);
+    else
+        return false;
+    return true;
 }
 
 bool GiveCurrency(const TVariant& Value, TVariant& Result)
@@ -147,7 +155,27 @@ bool GiveCurrency(const TVariant& Value, TVariant& Result)
         Result = Value;
         return true;
     }
-    return Give(AsFloat(Value), Result);
+    if (Value.Kind() == vkInteger)
+        return GiveAmount(Value.Integer(), Result);
+    if (!Value.IsString())
+        return Give(AsFloat(Value), Result);
+    if (const auto Amount = TryTextToCurrency(Value.Text()))
+        return Give(Amount, Result);
+    TVariant Number;
+    if (!TryTextToDecimal(Value.Text(), Number) || Number.IsString())
+        return false;
+    return Number.Kind() == vkInteger ? GiveAmount(Number.Integer(), Result) : Give(AsFloat(Number), Result);
+}
+
+/// The day, from which less than a millisecond may be missing or left over; nothing for a time alone.
+std::optional<TDateTime> AsDay(const TVariant& Value, TDateTime Point)
+{
+    if (Value.IsString() && HasTimeOnly(Point) && TryTextToTime(Value.Text()))
+        return {};
+    if (Point.Days == std::floor(Point.Days))
+        return Point;
+    const auto [Day, Ms] = SplitDateTime(Point);
+    return Ms == 0 ? std::optional(JoinDateTime({Day, 0})) : std::nullopt;
 }
 
 bool GiveDateTime(TFieldType Type, const TVariant& Value, TVariant& Result)
@@ -155,8 +183,8 @@ bool GiveDateTime(TFieldType Type, const TVariant& Value, TVariant& Result)
     const auto Point = AsDateTime(Value);
     if (!Point || !InCalendar(*Point))
         return false;
-    if (Type == ftDate && Point->Days != std::floor(Point->Days))
-        return false;
+    if (Type == ftDate)
+        return Give(AsDay(Value, *Point), Result);
     if (Type == ftTime && !HasTimeOnly(*Point))
         return false;
     return Give(Point, Result);
@@ -187,33 +215,6 @@ std::string_view TypeInWords(TFieldType Type)
     case ftDateTime: return "date and time";
     default:         return "text";
     }
-}
-
-/// How a message quotes a value: whole when short, else its beginning.
-std::string Quoted(const TVariant& Value)
-{
-    constexpr std::size_t Longest = 80;
-    if (Value.IsArray())
-        return "an array";
-    auto Text = Value.ToText();
-    if (Text.size() > Longest) {
-        auto Cut = Longest;
-        while (Cut > 0 && (static_cast<unsigned char>(Text[Cut]) & 0xC0) == 0x80)
-            --Cut;                                  // not inside a character
-        Text.resize(Cut);
-        Text += "...";
-    }
-    return "'" + Text + "'";
-}
-
-/// `Why` follows the value in the message.
-[[noreturn]] void Refuse(const TField& Field, const TVariant& Value, TKvErrorRule Rule,
-                         const std::string& Why)
-{
-    throw EConvertError(Quoted(Value) + Why, {.Field = Field.FieldName(),
-                                              .Value = Value.IsArray() ? "" : Value.ToText(),
-                                              .Rule = Rule,
-                                              .Record = Field.DataSet().RecordTag});
 }
 
 } // namespace
@@ -249,36 +250,16 @@ bool ConvertFieldValue(TFieldType Type, const TVariant& Value, TVariant& Result)
     }
 }
 
-std::size_t CharacterCount(std::string_view Text)
-{
-    if (!AnsiIsUtf8())
-        return Text.size();
-    return static_cast<std::size_t>(std::ranges::count_if(
-        Text, [](char Byte) { return (static_cast<unsigned char>(Byte) & 0xC0) != 0x80; }));
-}
-
-void CheckFieldSize(const TField& Field, const TVariant& Value)
-{
-    const auto Limit = static_cast<std::size_t>(Field.Size());
-    const auto Text = Value.Text();
-    const bool Binary = IsBinaryField(Field.DataType());
-    const auto Length = Binary ? Text.size() : CharacterCount(Text);
-    if (Length > Limit && (Binary || IsTextField(Field.DataType())))
-        Refuse(Field, Value, erLength,
-               " is longer than field '" + Field.FieldName() + "': " + std::to_string(Length) +
-                   (Binary ? " bytes" : " characters") + ", it holds " + std::to_string(Limit));
-}
-
 void RaiseConversion(const TField& Field, const TVariant& Value)
 {
     const auto Type = Field.DataType();
     if (IsIntegerField(Type) && AsInteger(Value)) {
         const auto Range = RangeOf(Type);
-        Refuse(Field, Value, erRange,
+        RefuseValue(Field, Value, erRange,
                " is not between " + std::to_string(Range.Low) + " and " + std::to_string(Range.High) +
                    " for field '" + Field.FieldName() + "'");
     }
-    Refuse(Field, Value, erConversion,
+    RefuseValue(Field, Value, erConversion,
            " is not a valid " + std::string(TypeInWords(Type)) + " value for field '" + Field.FieldName() +
                "'");
 }

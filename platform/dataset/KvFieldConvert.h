@@ -2,6 +2,9 @@
 // that is not possible.
 #pragma once
 
+#include <string>
+
+#include "KvErrorFacts.h"
 #include "KvField.h"
 
 namespace kv {
@@ -15,6 +18,14 @@ bool ConvertFieldValue(TFieldType Type, const TVariant& Value, TVariant& Result)
 
 /// For text of more bytes than the size of the field: raises EConvertError when it also has more characters.
 void CheckFieldSize(const TField& Field, const TVariant& Value);
+
+/// For numbers in fields with a precision: raises EConvertError when they have more digits before or after
+/// the separator than the field holds.
+void CheckFieldPrecision(const TField& Field, const TVariant& Value);
+
+/// Raises EConvertError that quotes the value before `Why`.
+[[noreturn]] void RefuseValue(const TField& Field, const TVariant& Value, TKvErrorRule Rule,
+                              const std::string& Why);
 
 /// Raises EConvertError "'abc' is not a valid integer value for field 'QTY'" and the like.
 [[noreturn]] void RaiseConversion(const TField& Field, const TVariant& Value);

@@ -77,11 +77,18 @@ const TAccepted Accepted[] = {
     {__LINE__, ftFloat, Money(12345), 1.2345},
     {__LINE__, ftFloat, Date(1.5), 1.5},
     {__LINE__, ftFloat, true, 1.0},
-    {__LINE__, ftCurrency, "1.5", 1.5},
+    {__LINE__, ftCurrency, "1.5", Money(15000)},
+    {__LINE__, ftCurrency, "922337203685477.5807", Money(Int64Max)},
+    {__LINE__, ftCurrency, "0.00001", 0.00001},
+    {__LINE__, ftCurrency, "2.000000", Money(20000)},
+    {__LINE__, ftCurrency, 7, Money(70000)},
+    {__LINE__, ftCurrency, "9007199254740992", 9007199254740992.0},
     {__LINE__, ftCurrency, Money(12345), Money(12345)},
     {__LINE__, ftBCD, "9007199254740993", std::int64_t{9007199254740993}},
     {__LINE__, ftBCD, "922337203685477.5807", Money(Int64Max)},
     {__LINE__, ftBCD, "0.00001", 0.00001},
+    {__LINE__, ftBCD, "123456789012345678.91", "123456789012345678.91"},
+    {__LINE__, ftBCD, "2.0000000000000000", 2},
     {__LINE__, ftBCD, Int64Max, Int64Max},
     {__LINE__, ftBCD, 0.1, 0.1},
     {__LINE__, ftBCD, Money(1), Money(1)},
@@ -90,6 +97,9 @@ const TAccepted Accepted[] = {
     {__LINE__, ftDate, "12/31/2002", Date(37621)},
     {__LINE__, ftDate, Date(37621), Date(37621)},
     {__LINE__, ftDate, 37621, Date(37621)},
+    {__LINE__, ftDate, Date(37621 + 0.4 / 86400000), Date(37621)},
+    {__LINE__, ftDate, Date(37621 - 0.4 / 86400000), Date(37621)},
+    {__LINE__, ftDate, "12/30/1899", Date(0)},
     {__LINE__, ftDate, 37621.0, Date(37621)},
     {__LINE__, ftDate, -693593, Date(-693593)},
     {__LINE__, ftDate, 2958465, Date(2958465)},
@@ -196,6 +206,10 @@ const TRefused Refused[] = {
     {__LINE__, {"NET", ftFloat}, "1,5", "'1,5' is not a valid floating point value for field 'NET'"},
     {__LINE__, {"NET", ftFloat}, "nan", "'nan' is not a valid floating point value for field 'NET'"},
     {__LINE__, {"NET", ftCurrency}, "", "'' is not a valid floating point value for field 'NET'"},
+    {__LINE__,
+     {"NET", ftCurrency},
+     "12345678901234567",
+     "'12345678901234567' is not a valid floating point value for field 'NET'"},
     {__LINE__, {"NET", ftBCD}, "1e", "'1e' is not a valid floating point value for field 'NET'"},
 
     {__LINE__, {"DUE", ftDate}, "31.12.2002", "'31.12.2002' is not a valid date value for field 'DUE'"},
@@ -203,6 +217,7 @@ const TRefused Refused[] = {
      {"DUE", ftDate},
      "12/31/2002 06:00",
      "'12/31/2002 06:00' is not a valid date value for field 'DUE'"},
+    {__LINE__, {"DUE", ftDate}, "00:00", "'00:00' is not a valid date value for field 'DUE'"},
     {__LINE__, {"DUE", ftDate}, 2958466, "'2958466' is not a valid date value for field 'DUE'"},
     {__LINE__, {"DUE", ftDate}, true, "'True' is not a valid date value for field 'DUE'"},
     {__LINE__, {"AT", ftTime}, 1.5, "'1.5' is not a valid time value for field 'AT'"},
@@ -334,6 +349,49 @@ TEST_F(KvFieldConvert, SizeZeroIsNoLimit)
     Table.Open();
     Table.Append();
     EXPECT_NO_THROW(Table.Fields(0).SetValue(std::string(100000, 'x')));
+}
+
+// --- Digits of decimals -----------------------------------------------------------------------------
+
+/// What storing `Value` in a field of that precision and scale says, empty when it is stored.
+std::string Stored(int Precision, int Scale, const TVariant& Value)
+{
+    TMemoryDataSet Table;
+    Table.SetFieldDefs({{.Name = "NET", .DataType = ftBCD, .Precision = Precision, .Scale = Scale}});
+    Table.Open();
+    Table.Append();
+    try {
+        Table.Fields(0).SetValue(Value);
+    }
+    catch (const EConvertError& Error) {
+        EXPECT_EQ(Error.Facts.Rule, erRange);
+        EXPECT_EQ(Error.Facts.Field, "NET");
+        return Error.Message;
+    }
+    return {};
+}
+
+TEST_F(KvFieldConvert, DecimalsHaveAsManyDigitsAsTheirFieldHolds)
+{
+    EXPECT_EQ(Stored(5, 2, "123456.789"),
+              "'123456.789' has more digits than field 'NET' holds: 3 before and 2 after the separator");
+    const TVariant Fitting[] = {"999.99", "-999.99", 999, 0.29, 1.1, Money(9999900), "000123.4500", Null};
+    for (const auto& Value : Fitting)
+        EXPECT_EQ(Stored(5, 2, Value), "") << Value.ToText();
+    const TVariant Surplus[] = {"1000", "-1000", 1000, 1000.0, 0.295, "0.001", "0.00001", 1e300};
+    for (const auto& Value : Surplus)
+        EXPECT_NE(Stored(5, 2, Value), "") << Value.ToText();
+}
+
+TEST_F(KvFieldConvert, DecimalsOfManyDigitsAreCountedAsText)
+{
+    EXPECT_EQ(Stored(18, 0, "999999999999999999"), "");
+    EXPECT_NE(Stored(18, 0, "1000000000000000000"), "");
+    EXPECT_EQ(Stored(20, 2, "123456789012345678.91"), "");
+    EXPECT_NE(Stored(20, 1, "123456789012345678.91"), "");
+    EXPECT_NE(Stored(19, 2, "123456789012345678.91"), "");
+    EXPECT_EQ(Stored(30, 10, "-999999999999999999.9999999999"), "");
+    EXPECT_EQ(Stored(0, 0, "123456789012345678.91"), ""); // no limit
 }
 
 } // namespace
