@@ -70,11 +70,8 @@ bool TSQLiteLookup::Prepare(std::span<TField* const> Keys)
     if (Table.Key.empty() || Keys.size() > std::numeric_limits<std::uint64_t>::digits / 2)
         return false;
     auto& Plan = PlanFor(Keys);
-    if (Plan.Index)
-        return true;
-    if (!TSQLiteKeyTable::Suits(Table) || !std::exchange(Plan.AskedBefore, true))
-        return false;
-    RefreshKeyTable(Plan);
+    if (!Plan.Index && TSQLiteKeyTable::Suits(Table) && std::exchange(Plan.AskedBefore, true))
+        RefreshKeyTable(Plan);
     return true;
 }
 
@@ -205,7 +202,7 @@ TSQLiteStatement& TSQLiteLookup::SelectFor(TPlan& Plan, std::uint64_t Nulls)
         std::rotate(Selects.begin(), Found, Found + 1);
         return Selects.front().Statement;
     }
-    const auto Sql = Plan.Index ? IndexSql(Plan, Nulls) : KeyTableSql(Plan, Nulls);
+    const auto Sql = Plan.KeyTable ? KeyTableSql(Plan, Nulls) : IndexSql(Plan, Nulls);
     TSQLiteStatement Statement(Connection, Sql, Table.Title);
     if (Selects.size() == MaxSelects)
         Selects.pop_back();
@@ -213,8 +210,11 @@ TSQLiteStatement& TSQLiteLookup::SelectFor(TPlan& Plan, std::uint64_t Nulls)
     return Selects.front().Statement;
 }
 
+/// Of the table itself, through the index of the plan if there is one.
 std::string TSQLiteLookup::IndexSql(const TPlan& Plan, std::uint64_t Nulls) const
 {
+    const TSQLiteIndex None;
+    const auto& Index = Plan.Index ? *Plan.Index : None;
     std::string Where;
     int Param = 1;
     for (std::size_t I = 0; I < Plan.Columns.size(); ++I) {
@@ -223,16 +223,15 @@ std::string TSQLiteLookup::IndexSql(const TPlan& Plan, std::uint64_t Nulls) cons
             AddToList(Where, Name + " IS NULL", " AND ");
             continue;
         }
-        const auto Part = std::ranges::find(Plan.Index->Parts, Plan.Columns[I], &TSQLiteIndex::TPart::Column);
-        const auto Collation = Part != Plan.Index->Parts.end() ? std::string_view(Part->Collation) : Bytewise;
+        const auto Part = std::ranges::find(Index.Parts, Plan.Columns[I], &TSQLiteIndex::TPart::Column);
+        const auto Collation = Part != Index.Parts.end() ? std::string_view(Part->Collation) : Bytewise;
         const int Count = Plan.ManySpellings[I] ? MaxSpellings : 1;
         AddToList(Where, Equals(Name, Collation, Param, Count), " AND ");
         if (!Collation.empty() && Collation != Bytewise)
             AddToList(Where, Equals(Name, Bytewise, Param, Count), " AND ");
         Param += Count;
     }
-    const auto& Index = Plan.Index->Name;
-    const auto From = Table.QualifiedName() + (Index.empty() ? "" : " INDEXED BY " + Index);
+    const auto From = Table.QualifiedName() + (Index.Name.empty() ? "" : " INDEXED BY " + Index.Name);
     return "SELECT " + Table.KeyList() + " FROM " + From + " WHERE " + Where + " ORDER BY " +
            Table.KeyOrder() + " LIMIT 1";
 }

@@ -23,9 +23,9 @@ public:
     /// Keeps references to both.
     TSQLiteLookup(TSQLiteConnection& Connection, const TSQLiteTableSchema& Table);
 
-    /// Prepares for the columns of `Keys`. False when the database has no index for them and they are
-    /// looked up for the first time: reading the table once costs less than indexing it. Whoever asks
-    /// again gets an index of his own.
+    /// Prepares for the columns of `Keys`. False for a view and for more columns than anybody looks up by.
+    /// What the database has no index for gets one from the second time on: reading it once costs less.
+    /// Which record is found does not depend on the way.
     bool Prepare(std::span<TField* const> Keys);
     /// Finds a record for the columns of the last Prepare. False, and `Found` undefined, when there is none.
     bool Find(std::span<const TVariant> Values, TSQLiteKey& Found);
@@ -45,7 +45,7 @@ private:
     {
         std::vector<int> Columns;
         std::vector<bool> ManySpellings;            // date-times that are not all written as we write them
-        const TSQLiteIndex* Index = nullptr;        // none: KeyTable
+        const TSQLiteIndex* Index = nullptr;        // none: KeyTable, or nothing yet
         std::unique_ptr<TSQLiteKeyTable> KeyTable;
         std::int64_t DataVersion = 0;               // of the database when KeyTable was filled
         std::int64_t CheckedIn = 0;                 // the transaction in which that was last compared

@@ -345,6 +345,53 @@ TEST(KvSqliteLookup, FindingAndChangingAllocatesNothingPerRecord)
     EXPECT_EQ(Open.Rows("SELECT sum(qty) FROM orders"), TRowTexts{"-500500"});
 }
 
+/// Of three lookups, the first without an index, a later one with a temporary one.
+TTexts FoundEachTime(TTestTable& Open, const TVariant& Key)
+{
+    TTexts Ids;
+    for (int I = 0; I < 3; ++I)
+        Ids.push_back(Open.Table.Locate("k", Key) ? Open.Table.FieldByName("id").AsString() : "none");
+    return Ids;
+}
+
+TEST(KvSqliteLookup, FindsTheSameRecordFromTheFirstTimeOn)
+{
+    for (const char* const Index : {"", "CREATE INDEX by_k ON orders (k)"}) {
+        for (const char* const Type : {"TEXT", "BLOB", "NUMERIC", ""}) {
+            SCOPED_TRACE(std::string(Type) + Index);
+            TTestTable Open("CREATE TABLE orders (id INTEGER PRIMARY KEY, k " + std::string(Type) + ");" +
+                            "INSERT INTO orders VALUES (1, x'414243'), (2, 'ABC'), (3, 5), (4, '5');"
+                            "INSERT INTO orders VALUES (5, NULL);" +
+                            Index);
+            const TVariant Keys[] = {"ABC", "5", 5, Null, "x"};
+            for (const auto& Key : Keys) {
+                const auto Ids = FoundEachTime(Open, Key);
+                EXPECT_EQ(Ids, TTexts(3, Ids[0])) << Key.ToText();
+            }
+        }
+    }
+}
+
+TEST(KvSqliteLookup, TextAndBytesAreDifferentKeys)
+{
+    TTestTable Open("CREATE TABLE orders (id INTEGER PRIMARY KEY, k TEXT);"
+                    "INSERT INTO orders VALUES (1, x'414243'), (2, 'ABC');");
+    EXPECT_EQ(FoundEachTime(Open, "ABC"), TTexts(3, "2"));
+}
+
+TEST(KvSqliteLookup, AnUpdateOfKeysAloneIsTheSameForEveryRecord)
+{
+    TTestTable Open("CREATE TABLE orders (id INTEGER PRIMARY KEY, k TEXT);"
+                    "INSERT INTO orders VALUES (1, 'a'), (2, 'b'), (3, 'c');"
+                    "CREATE TABLE log (k TEXT);"
+                    "CREATE TRIGGER told AFTER UPDATE ON orders BEGIN INSERT INTO log VALUES (NEW.k); END;");
+    for (const char* const Key : {"a", "b", "c"}) {
+        ASSERT_TRUE(Open.Table.Locate("k", Key));
+        EditRecord(Open.Table, {{"k", Key}});
+    }
+    EXPECT_EQ(Open.Rows("SELECT k FROM log"), TRowTexts());
+}
+
 } // namespace
 
 } // namespace kv
