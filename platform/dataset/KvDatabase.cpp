@@ -61,7 +61,8 @@ TPublishedProperties TKvDatabase::PublishedProperties() const
     return PublishAfter(TComponent::PublishedProperties(),
                         {Publish("DatabaseName", &TKvDatabase::DatabaseName),
                          Publish("CacheSize", &TKvDatabase::CacheSize),
-                         Publish("BusyTimeout", &TKvDatabase::BusyTimeout)});
+                         Publish("BusyTimeout", &TKvDatabase::BusyTimeout),
+                         Publish("ForeignKeys", &TKvDatabase::ForeignKeys)});
 }
 
 std::vector<std::string> TKvDatabase::TableNames()

@@ -23,11 +23,20 @@ struct TKvTableInfo
     bool IsView = false;
 };
 
+/// A foreign key of another table, or of the same, that refers to records of a table.
+struct TKvTableReference
+{
+    std::string Table;                              ///< The one that refers.
+    /// To delete a record that is referred to deletes or changes what refers to it. Otherwise it is refused.
+    bool Changes = false;
+};
+
 /// What a database declares of a table.
 struct TKvTableDef
 {
     std::vector<TFieldDef> Fields;                  ///< In the order of its columns.
     std::vector<std::string> KeyFields;             ///< Of the primary key, in its order; empty without one.
+    std::vector<TKvTableReference> References = {}; ///< Of tables to this one, by their names.
 };
 
 /// Every operation raises EDatabaseError that names the database and the reason. What needs an open
@@ -46,7 +55,10 @@ public:
     std::string DatabaseName;
     /// KiB of memory for pages; 0: the driver decides, also by run.
     int CacheSize = 0;
-    int BusyTimeout = 5000;                         ///< Milliseconds to wait for the locks of others.
+    /// Milliseconds to wait for the locks of others, in all from the beginning of a transaction to its end.
+    int BusyTimeout = 5000;
+    /// Foreign keys are to hold, where a database leaves that to whoever opens it. Counts from the next Open.
+    bool ForeignKeys = false;
     /// Asked, in the thread that called, while the database waits for others, works long on a statement or
     /// stores what it has taken, and before a commit; false gives up at once with an error. What it raises
     /// comes through. It must not use the database.

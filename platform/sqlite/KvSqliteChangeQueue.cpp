@@ -78,8 +78,7 @@ bool TSQLiteChangeQueue::IsReady()
         return false;                               // asked once in a row of changes
     if (!Connection.InTransaction() || CanRefuse(Connection, Table))
         return false;
-    TSQLiteStatement ForeignKeys(Connection, "PRAGMA foreign_keys"); // other tables may refer to this one
-    if (ForeignKeys.Step() && ForeignKeys.Column(0).Integer != 0)
+    if (IsReferredTo(Connection, Table))
         return false;
     Inserts.Set.clear();
     Updates.Set.clear();
@@ -192,6 +191,7 @@ void TSQLiteChangeQueue::StoreAll()
     Clear();
     if (!Stored)
         Fail(Tag);
+    Connection.CheckPatience();
 }
 
 void TSQLiteChangeQueue::Clear()

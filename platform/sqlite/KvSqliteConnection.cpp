@@ -63,6 +63,8 @@ void TSQLiteConnection::Configure()
     sqlite3_busy_handler(Handle(), &WaitForLock, this);
     sqlite3_rollback_hook(Handle(), &TellRolledBack, this);
     sqlite3_progress_handler(Handle(), StepsBetweenQuestions, &AskToStop, this);
+    if (Settings.ForeignKeys)
+        Execute("PRAGMA foreign_keys = ON");
     if (Settings.CacheSize > 0)
         Execute("PRAGMA cache_size = -" + std::to_string(Settings.CacheSize));
     Execute("SELECT 1 FROM sqlite_schema LIMIT 1"); // opening alone does not look into the file
@@ -110,18 +112,27 @@ bool TSQLiteConnection::WaitForLock(int Tries)
 {
     constexpr std::int64_t LongestSleep = 100;      // milliseconds
     if (Tries == 0) {
-        WaitingSince = SteadyMilliseconds();
+        Waited = Owner == toNobody ? 0 : Waited;
         GaveUp = false;
     }
-    const auto Left = WaitingSince + Settings.BusyTimeout - SteadyMilliseconds();
-    if (Left <= 0)
+    const auto Left = Settings.BusyTimeout - Waited;
+    OutOfPatience = Left <= 0;
+    GaveUp = !OutOfPatience && !MayGoOn();
+    if (OutOfPatience || GaveUp)
         return false;
-    GaveUp = !MayGoOn();
-    if (GaveUp)
-        return false;
+    const auto Before = SteadyMilliseconds();
     const auto Sleep = std::min({std::int64_t{1} << std::min(Tries, 7), LongestSleep, Left});
     std::this_thread::sleep_for(std::chrono::milliseconds(Sleep));
+    Waited += SteadyMilliseconds() - Before;
     return true;
+}
+
+void TSQLiteConnection::CheckPatience()
+{
+    if (std::exchange(OutOfPatience, false))
+        Fail("the database is locked by another connection, and has been for " + std::to_string(Waited) +
+                 " ms",
+             {.Rule = erBusy});
 }
 
 // --- Errors -----------------------------------------------------------------------------------------
@@ -131,6 +142,7 @@ TSQLiteError TSQLiteConnection::TakeError()
     constexpr int PrimaryCode = 0xFF;
     const int Code = sqlite3_extended_errcode(Handle());
     const bool Busy = (Code & PrimaryCode) == SQLITE_BUSY;
+    OutOfPatience = false;                          // it is told here
     TSQLiteError Error;
     Error.Text = Busy ? "the database is locked by another connection" : sqlite3_errmsg(Handle());
     Error.Facts = {.FileName = FFileName,
@@ -213,6 +225,7 @@ void TSQLiteConnection::Begin(TTransactionOwner NewOwner)
     // The right to write is taken at once: a transaction that reads first can find it gone for good.
     Execute(Settings.ReadOnly ? "BEGIN" : "BEGIN IMMEDIATE");
     Owner = NewOwner;
+    BatchSince = SteadyMilliseconds();
     RolledBack = false;
     Changes = 0;
     FirstTag = -1;
@@ -313,6 +326,7 @@ void TSQLiteConnection::CheckNotLost()
 
 void TSQLiteConnection::BeginChange(int CommitEvery)
 {
+    CheckPatience();
     if (InTransaction())
         return;
     CheckNotLost();
@@ -322,9 +336,20 @@ void TSQLiteConnection::BeginChange(int CommitEvery)
         Begin(toBatch);
 }
 
+/// Who waits for the right to write looks for it now and then: without a moment between two batches he would
+/// hardly ever find it.
 void TSQLiteConnection::EndFullBatch()
 {
-    if (!TryEnd("COMMIT") && Raised)
+    constexpr std::int64_t Share = 10;              // of the time that the batch has taken
+    constexpr std::int64_t LongestMoment = 100;     // milliseconds
+    if (TryEnd("COMMIT")) {
+        const auto Taken = SteadyMilliseconds() - BatchSince;
+        const auto Moment = std::clamp(Taken / Share, std::int64_t{1}, LongestMoment);
+        std::this_thread::sleep_for(std::chrono::milliseconds(Moment));
+        return;
+    }
+    OutOfPatience = false;                          // the batch grows on
+    if (Raised)
         std::rethrow_exception(std::exchange(Raised, nullptr));
 }
 

@@ -69,6 +69,9 @@ public:
             EndFullBatch();
     }
     void CommitBatch();                             ///< Nothing when there is none.
+    /// Raises when a change could not be written out because others read for longer than BusyTimeout. It is
+    /// not lost: SQLite keeps it in memory, more and more of it.
+    void CheckPatience();
 
     // A thread that stores what a queue has taken asks the program nothing; whoever waits for it does, and
     // lets it go on or stop.
@@ -132,7 +135,9 @@ private:
     std::int64_t Changes = 0;                       // since the transaction began ...
     std::int64_t FirstTag = -1;                     // ... and the tag of the first one
     std::int64_t FTransactionSerial = 0;
-    std::int64_t WaitingSince = 0;                  // steady milliseconds
+    std::int64_t Waited = 0;                        // milliseconds, since the transaction was asked for
+    bool OutOfPatience = false;                     // and somebody who waited gave up for that
+    std::int64_t BatchSince = 0;                    // steady milliseconds
     bool GaveUp = false;                            // the last wait for a lock, because the program said so
     std::exception_ptr Raised;                      // what the program raised when it was asked
     std::atomic<bool> WorkerGoesOn = true;

@@ -140,6 +140,7 @@ TKvTableDef TSQLiteDatabase::Describe(std::string_view TableName)
         Def.Fields.push_back(Column.Def);
     for (const int Column : Table.PrimaryKey)
         Def.KeyFields.push_back(Table.Column(Column).Def.Name);
+    Def.References = ReadReferences(Connection(), Table);
     return Def;
 }
 

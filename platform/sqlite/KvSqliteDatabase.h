@@ -26,6 +26,8 @@ void RegisterSqliteDatabases();
 /// - CacheSize 0 is SQLite's own choice, 2000, and more during a run that looks records up by keys;
 /// - OnWait is asked between two tries for a lock and every millisecond or so of work. A statement that it
 ///   ends undoes the transaction, and the error says so; a commit that it refuses leaves it open;
+/// - BusyTimeout: SQLite waits also in the midst of a transaction, when others read and its memory is full.
+///   Once that has taken too long in all, the next change raises;
 /// - a transaction that the database has rolled back by itself (a full disk) cannot be committed: that
 ///   raises and says so.
 class TSQLiteDatabase : public TKvDatabase

@@ -65,7 +65,7 @@ bool TSQLiteInsertQueue::TryAdd(const TRecordBuffer& Record, std::int64_t Tag, T
     Filling.EndRow();
     LastRowid = Rowid;
     Key.front().Set(TSQLiteValue::OfInteger(Rowid));
-    if (Filling.Rows() == BlockRows)
+    if (Filling.Rows() == BlockRows || Filling.Bytes() > BlockBytes)
         HandOver();
     return true;
 }
@@ -129,6 +129,7 @@ void TSQLiteInsertQueue::HandOver()
 {
     Pause();
     CheckStored();
+    Connection.CheckPatience();
     std::swap(Filling, Storing);
     std::swap(FillingTags, StoringTags);
     Filling.Clear();

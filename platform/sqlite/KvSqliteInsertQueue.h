@@ -46,6 +46,7 @@ public:
 
 private:
     static constexpr std::size_t BlockRows = 1024;  // handed over at once; waking the thread takes 10 µs
+    static constexpr std::size_t BlockBytes = 4 << 20; // and so many, or one record more
     static constexpr int RecordsBeforeStart = 64;
     using TTags = std::vector<std::int64_t>;        // of the records of a block
 

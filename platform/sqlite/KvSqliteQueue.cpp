@@ -33,6 +33,12 @@ bool CanRefuse(TSQLiteConnection& Connection, const TSQLiteTableSchema& Table)
     return std::ranges::any_of(Words, Names);
 }
 
+bool IsReferredTo(TSQLiteConnection& Connection, const TSQLiteTableSchema& Table)
+{
+    TSQLiteStatement Enforced(Connection, "PRAGMA foreign_keys");
+    return Enforced.Step() && Enforced.Column(0).Integer != 0 && !ReadReferences(Connection, Table).empty();
+}
+
 bool FitsIntoQueue(const TRecordBuffer& Record, std::span<const std::size_t> Columns)
 {
     constexpr std::size_t MaxTextSize = 1 << 20;    // longer text has a limit in SQLite to pass

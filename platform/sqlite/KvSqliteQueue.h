@@ -30,6 +30,9 @@ public:
 /// constraints, indexes, triggers, defaults. Types and NOT NULL are for the dataset to check.
 bool CanRefuse(TSQLiteConnection& Connection, const TSQLiteTableSchema& Table);
 
+/// True when the database keeps the references of other tables to records of `Table` valid.
+bool IsReferredTo(TSQLiteConnection& Connection, const TSQLiteTableSchema& Table);
+
 /// True when no value of the columns `Columns` of `Record` may be too long for SQLite.
 bool FitsIntoQueue(const TRecordBuffer& Record, std::span<const std::size_t> Columns);
 

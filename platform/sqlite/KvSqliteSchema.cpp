@@ -23,6 +23,7 @@ public:
 
     bool FindTable(const TSQLiteName& Wanted);
     void ReadColumns();
+    void ReadViewTriggers();
     void ReadKey();
     void ReadIndexes();
     void ReadDeclaration();
@@ -30,6 +31,7 @@ public:
 
 private:
     TSQLiteStatement Query(std::string_view Sql) const;
+    bool CanPrepare(const std::string& Sql) const;
     bool HasPrimaryKeyIndex() const;
     void AddRowidKey();
     std::string FreeRowidName() const;
@@ -71,6 +73,29 @@ bool TSchemaReader::FindTable(const TSQLiteName& Wanted)
     Table.WithoutRowid = Select.Column(3).Integer != 0;
     Strict = Select.Column(4).Integer != 0;
     return true;
+}
+
+/// What cannot be written to a view through its triggers.
+void TSchemaReader::ReadViewTriggers()
+{
+    if (!Table.IsView)
+        return;
+    const auto Name = Table.QualifiedName();
+    const auto First = Table.Columns.empty() ? "" : QuoteName(Table.Columns.front().Name);
+    Table.TakesInserts = CanPrepare("INSERT INTO " + Name + " DEFAULT VALUES");
+    Table.TakesUpdates = CanPrepare("UPDATE " + Name + " SET " + First + " = NULL");
+    Table.TakesDeletes = CanPrepare("DELETE FROM " + Name);
+    for (auto& Column : Table.Columns)
+        Column.Def.ReadOnly = !Table.TakesInserts && !Table.TakesUpdates;
+}
+
+/// SQLite prepares no statement that it would refuse.
+bool TSchemaReader::CanPrepare(const std::string& Sql) const
+{
+    sqlite3_stmt* Statement = nullptr;
+    const int Code = sqlite3_prepare_v2(Connection.Handle(), Sql.c_str(), -1, &Statement, nullptr);
+    sqlite3_finalize(Statement);
+    return Code == SQLITE_OK;
 }
 
 void TSchemaReader::ReadColumns()
@@ -244,6 +269,35 @@ std::string TSQLiteTableSchema::QualifiedName() const
     return QuoteName(Schema) + "." + QuoteName(Name);
 }
 
+std::vector<TKvTableReference> ReadReferences(TSQLiteConnection& Connection, const TSQLiteTableSchema& Table)
+{
+    const auto Schema = QuoteName(Table.Schema);
+    TSQLiteStatement Select(Connection,
+                            "SELECT t.name, k.on_delete FROM " + Schema + ".sqlite_schema AS t "
+                            "JOIN pragma_foreign_key_list(t.name, ?2) AS k "
+                            "WHERE t.type = 'table' AND k.seq = 0 AND k.\"table\" = ?1 COLLATE NOCASE "
+                            "ORDER BY t.name COLLATE NOCASE, k.id");
+    Select.Bind(1, TSQLiteValue::OfText(Table.Name));
+    Select.Bind(2, TSQLiteValue::OfText(Table.Schema));
+    std::vector<TKvTableReference> Found;
+    while (Select.Step()) {
+        const auto Action = Select.Column(1).Bytes;
+        Found.push_back({.Table = Utf8ToAnsi(Select.Column(0).Bytes),
+                         .Changes = Action == "CASCADE" || Action.starts_with("SET ")});
+    }
+    return Found;
+}
+
+std::string TSQLiteTableSchema::RecordCondition(int FirstParam) const
+{
+    if (!IsView)
+        return KeyCondition(FirstParam);
+    std::string Condition;
+    for (const auto& Column : Columns)
+        AddToList(Condition, QuoteName(Column.Name) + " IS ?" + std::to_string(FirstParam++), " AND ");
+    return Condition;
+}
+
 TSQLiteTableSchema ReadTableSchema(TSQLiteConnection& Connection, std::string_view TableName)
 {
     TSQLiteTableSchema Table;
@@ -254,6 +308,7 @@ TSQLiteTableSchema ReadTableSchema(TSQLiteConnection& Connection, std::string_vi
     if (!Reader.FindTable({"", std::string(Wanted)}) && !Reader.FindTable(ParseTableName(Wanted)))
         RaiseNoTable(Connection, Wanted);
     Reader.ReadColumns();
+    Reader.ReadViewTriggers();
     Reader.ReadKey();
     Reader.ReadIndexes();
     Reader.ReadDeclaration();

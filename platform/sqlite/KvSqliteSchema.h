@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "KvDatabase.h"
 #include "KvSqliteCursor.h"
 
 namespace kv {
@@ -31,6 +32,8 @@ struct TSQLiteTableSchema : TSQLiteRowSource
     std::string Schema;                             ///< "main", "temp" or the name of an attached database.
     std::string Name;
     bool IsView = false;
+    // Of a view those for which it has a trigger INSTEAD OF.
+    bool TakesInserts = true, TakesUpdates = true, TakesDeletes = true;
     bool IsVirtual = false;
     bool WithoutRowid = false;
     std::vector<int> PrimaryKey;                    ///< Columns in the order of the key.
@@ -39,9 +42,14 @@ struct TSQLiteTableSchema : TSQLiteRowSource
     bool TriggersLeaveTraces = false;               ///< One may RAISE(FAIL), which undoes nothing.
 
     std::string QualifiedName() const;              ///< As statements spell it.
+    /// "a = ?N AND ..." for the record with a key, of a view "a IS ?N AND ..." for those with these values.
+    std::string RecordCondition(int FirstParam) const;
     /// The column that is another name of the rowid, -1 when there is none.
     int RowidColumn() const { return WithoutRowid || Key.size() != 1 ? -1 : Key.front().Column; }
 };
+
+/// The references of tables to records of `Table`, itself among them. A view has none.
+std::vector<TKvTableReference> ReadReferences(TSQLiteConnection& Connection, const TSQLiteTableSchema& Table);
 
 /// Reads the declaration of "table" or "schema.table". Raises EDatabaseError
 /// "<file>: no such table: <name> (there are: ...)".

@@ -66,6 +66,16 @@ std::string TSQLiteTable::KeyFields()
     return Names;
 }
 
+/// By the file, which may be open more than once, and the name in it.
+std::string TSQLiteTable::ReadIdentity()
+{
+    const char* const File = sqlite3_db_filename(Connection().Handle(), Schema->Schema.c_str());
+    if (File && *File)
+        return File + ("\n" + Schema->Name);
+    return std::to_string(reinterpret_cast<std::uintptr_t>(&Connection())) + "\n" + Schema->Schema + "\n" +
+           Schema->Name;
+}
+
 // --- Opening ----------------------------------------------------------------------------------------
 
 void TSQLiteTable::CheckTableName() const
@@ -86,6 +96,7 @@ void TSQLiteTable::InternalOpen()
     FoundKey.resize(Schema->Key.size());
     WrittenKey.resize(Schema->Key.size());
     OpenCursor(*Schema);
+    Identity = ReadIdentity();
 }
 
 void TSQLiteTable::InternalClose()
@@ -103,6 +114,7 @@ void TSQLiteTable::InternalClose()
     Writer.reset();
     TSQLiteDataSet::InternalClose();
     Schema.reset();
+    Identity.clear();
     KnownCount = 0;
 }
 
@@ -112,13 +124,23 @@ void TSQLiteTable::BeginBulk(const TKvBulkRun& Run)
 {
     EndBulk();
     CheckActive();
-    if (!Run.Keys.empty() && UsedDatabase().CacheSize == 0)
+    constexpr int FewInserts = 1024;                // fill no cache
+    if (Run.Keys.empty())
+        InsertsUntilCache = FewInserts;
+    else
+        MakeBulkCache();
+}
+
+void TSQLiteTable::MakeBulkCache()
+{
+    if (UsedDatabase().CacheSize == 0)
         BulkCache = std::make_unique<TSQLiteBulkCache>(Connection(), Schema->Schema);
 }
 
 void TSQLiteTable::EndBulk()
 {
     BulkCache.reset();
+    InsertsUntilCache = 0;
 }
 
 // --- Transactions -----------------------------------------------------------------------------------
@@ -242,6 +264,8 @@ void TSQLiteTable::InternalInsert(const TRecordBuffer& Written)
     if (!Queue->TryAdd(Written, RecordTag, WrittenKey)) {
         if (Queued)
             BeginChange();
+        if (InsertsUntilCache > 0 && --InsertsUntilCache == 0)
+            MakeBulkCache();
         Writer->Insert(Written, WrittenKey);
     }
     Cursor().MoveTo(WrittenKey);
@@ -275,6 +299,8 @@ void TSQLiteTable::InternalUpdate(const TRecordBuffer& Written)
     const auto Rowid = CurrentRowid();
     const bool SameKey = Rowid && !Changed[static_cast<std::size_t>(Schema->RowidColumn())];
     if (!SameKey || !Waiting->TryUpdate(Written, Changed, *Rowid, RecordTag)) {
+        if (Schema->IsView)
+            return UpdateView(Written);
         BeginChange();
         WrittenKey = Cursor().Key();
         Writer->Update(Written, Changed, WrittenKey);
@@ -286,12 +312,41 @@ void TSQLiteTable::InternalUpdate(const TRecordBuffer& Written)
 void TSQLiteTable::InternalDelete()
 {
     Queue->Finish();
+    if (Schema->IsView)
+        return DeleteFromView();
     const auto Rowid = CurrentRowid();
     if (!Rowid || !Waiting->TryDelete(*Rowid, RecordTag)) {
         BeginChange();
         Writer->Delete(Cursor().Key());
     }
     Cursor().Deleted();
+    Connection().EndChange(CommitEvery, RecordTag);
+}
+
+// A record of a view has no key, only values; the cursor goes on reading while they change.
+
+TSQLiteKey TSQLiteTable::CurrentValues()
+{
+    TSQLiteKey Values(Schema->Columns.size());
+    for (std::size_t I = 0; I < Values.size(); ++I)
+        Values[I].Set(Cursor().Value(static_cast<int>(I)));
+    return Values;
+}
+
+void TSQLiteTable::UpdateView(const TRecordBuffer& Written)
+{
+    auto Before = CurrentValues();
+    BeginChange();
+    Writer->Update(Written, Changed, Before);
+    Connection().EndChange(CommitEvery, RecordTag);
+}
+
+void TSQLiteTable::DeleteFromView()
+{
+    const auto Before = CurrentValues();
+    BeginChange();
+    Writer->Delete(Before);
+    Cursor().Next();
     Connection().EndChange(CommitEvery, RecordTag);
 }
 

@@ -23,7 +23,8 @@ struct TKvTableDef;
 struct TSQLiteTableSchema;
 
 /// The records run in the order of the rowid, in a WITHOUT ROWID table of the primary key; those of a
-/// view, which is read-only, as the database gives them.
+/// view as the database gives them. A view is written through its INSTEAD OF triggers, without them it is
+/// read-only; a change or deletion there concerns all records of the same values.
 ///
 /// Fields follow the declared types; where these say nothing, SQLite's affinity of the column. Dates
 /// are ISO 8601 text. Integers are ftLargeint whatever their declared width, since SQLite keeps 64
@@ -55,8 +56,8 @@ public:
     /// and can be called again.
     int CommitEvery = 1;
 
-    /// A run that looks records up by keys gets a page cache of 12 MB, unless the database is set to another
-    /// CacheSize.
+    /// A run that looks records up by keys, or whose records do not come in the order of the table, gets a
+    /// page cache of 12 MB, unless the database is set to another CacheSize.
     void BeginBulk(const TKvBulkRun& Run) override;
     void EndBulk() override;
 
@@ -71,6 +72,7 @@ public:
     // As the database declares them; a closed table stays closed. The second is the primary key's, also then.
     std::vector<TFieldDef> DescribeFields() override;
     std::string KeyFields() override;
+    std::string TableIdentity() const override { return Identity; }
 
 protected:
     void InternalOpen() override;
@@ -101,16 +103,23 @@ private:
     std::optional<std::int64_t> CurrentRowid();
     bool Find(std::span<TField* const> Keys, std::span<const TVariant> Values);
     bool QueueInsert(const TRecordBuffer& Written);
+    std::vector<TSQLiteOwnValue> CurrentValues();
+    void UpdateView(const TRecordBuffer& Written);
+    void DeleteFromView();
     void BeginChange();
+    void MakeBulkCache();
     void CheckTableName() const;
     TKvTableDef ReadDeclaration() const;
+    std::string ReadIdentity();
 
+    std::string Identity;
     std::unique_ptr<TSQLiteTableSchema> Schema;     // these five while open
     std::unique_ptr<TSQLiteWriter> Writer;
     std::unique_ptr<TSQLiteInsertQueue> Queue;
     std::unique_ptr<TSQLiteChangeQueue> Waiting;
     std::unique_ptr<TSQLiteLookup> Lookup;
     std::unique_ptr<TSQLiteBulkCache> BulkCache;    // during a run that needs it
+    int InsertsUntilCache = 0;                      // during another run; 0: there is none
     std::vector<TKnownValue> Known;                 // what Locate has found, until anything else happens
     std::size_t KnownCount = 0;                     // of Known; its entries are used again
     decltype(TRecordBuffer::Assigned) Changed;      // columns that an update writes

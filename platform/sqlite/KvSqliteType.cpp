@@ -15,8 +15,18 @@ namespace {
 struct TTypeWords
 {
     std::string Name;                               // upper case, words separated by one blank
-    int Size = 0;                                   // the first number in parentheses
+    int Size = 0;                                   // the first number in parentheses ...
+    int Scale = 0;                                  // ... and the second
 };
+
+/// The number that `Text` begins with, 0 without one.
+int NumberAt(std::string_view Text)
+{
+    const auto Digits = Trim(Text);
+    int Number = 0;
+    std::from_chars(Digits.data(), Digits.data() + Digits.size(), Number);
+    return std::max(Number, 0);
+}
 
 TTypeWords SplitType(std::string_view Declared)
 {
@@ -30,10 +40,10 @@ TTypeWords SplitType(std::string_view Declared)
             Words.Name += ' ';
     }
     if (Paren < Declared.size()) {
-        const auto Digits = Trim(Declared.substr(Paren + 1));
-        int Size = 0;
-        if (std::from_chars(Digits.data(), Digits.data() + Digits.size(), Size).ec == std::errc{})
-            Words.Size = std::max(Size, 0);
+        const auto Sizes = Declared.substr(Paren + 1);
+        Words.Size = NumberAt(Sizes);
+        if (const auto Comma = Sizes.find(','); Comma != Sizes.npos)
+            Words.Scale = NumberAt(Sizes.substr(Comma + 1));
     }
     return Words;
 }
@@ -113,17 +123,21 @@ TFieldType FieldByAffinity(TSQLiteAffinity Affinity, std::string_view Name)
 
 TSQLiteType ReadDeclaredType(std::string_view Declared)
 {
-    const auto [Name, Size] = SplitType(Declared);
+    const auto [Name, Size, Scale] = SplitType(Declared);
     TSQLiteType Type;
     Type.Affinity = AffinityOf(Declared);
     if (std::ranges::find(GuidNames, Name) != std::end(GuidNames))
-        return {ftString, GuidSize, Type.Affinity};
+        return {.Field = ftString, .Size = GuidSize, .Affinity = Type.Affinity};
     const auto* const Known = std::ranges::find(KnownTypes, Name, &TKnownType::Name);
     Type.Field = Known != std::end(KnownTypes) ? Known->Field : FieldByAffinity(Type.Affinity, Name);
     if (Type.Field == ftVarBytes && Size == 0)
         Type.Field = ftBlob;
     if (Type.Field == ftString || Type.Field == ftVarBytes)
         Type.Size = Size;
+    if (Type.Field == ftBCD && Scale <= Size) {
+        Type.Precision = Size;
+        Type.Scale = Scale;
+    }
     return Type;
 }
 

@@ -23,6 +23,7 @@ struct TSQLiteType
     TFieldType Field = ftVariant;
     int Size = 0;                                   ///< As TFieldDef::Size.
     TSQLiteAffinity Affinity = saBlob;
+    int Precision = 0, Scale = 0;                   ///< As TFieldDef has them.
 };
 
 /// The meaning of a type as it was declared: "VARCHAR(20)", "double precision", "".

@@ -34,7 +34,10 @@ TSQLiteValue EncodeCurrency(const TSQLiteColumn& Column, const TVariant& Value)
     const auto Amount = Value.Currency();
     if (Amount.Scaled % TCurrency::Scale == 0)
         return TSQLiteValue::OfInteger(Amount.Scaled / TCurrency::Scale);
+    constexpr std::int64_t FifteenDigits = 1'000'000'000'000'000; // which a double keeps
     const double Real = Amount.ToDouble();
+    if (Amount.Scaled < FifteenDigits && Amount.Scaled > -FifteenDigits)
+        return TSQLiteValue::OfReal(Real);
     if (std::fabs(Real) > CurrencyMax || TCurrency::FromDouble(Real) != Amount)
         Refuse(Column, Value, erRange, "it has more digits than SQLite keeps");
     return TSQLiteValue::OfReal(Real);
@@ -145,6 +148,8 @@ void TSQLiteColumn::SetType(const TSQLiteType& Type)
 {
     Def.DataType = Type.Field;
     Def.Size = Type.Size;
+    Def.Precision = Type.Precision;
+    Def.Scale = Type.Scale;
     Affinity = Type.Affinity;
     KeepsText = !IsNumericAffinity(Affinity) && !IsBinaryField(Type.Field);
 }

@@ -49,7 +49,7 @@ TSQLiteWriter::TSQLiteWriter(TSQLiteConnection& Owner, const TSQLiteTableSchema&
 
 void TSQLiteWriter::Insert(const TRecordBuffer& Record, TSQLiteKey& Key)
 {
-    if (Table.IsView)
+    if (!Table.TakesInserts)
         Fail("records cannot be added to a view", erReadOnly);
     auto& Write = Prepared(Inserts, Record.Assigned, &TSQLiteWriter::InsertSql);
     BindColumns(Write, Record);
@@ -63,23 +63,28 @@ void TSQLiteWriter::Insert(const TRecordBuffer& Record, TSQLiteKey& Key)
 
 void TSQLiteWriter::Update(const TRecordBuffer& Record, const TSQLiteColumnSet& Set, TSQLiteKey& Key)
 {
-    if (Table.Key.empty())
+    if (!Table.TakesUpdates)
+        Fail("records of a view cannot be changed", erReadOnly);
+    if (Key.empty())
         Fail("its records have no key and cannot be changed", erReadOnly);
     auto& Write = Prepared(Updates, Set, &TSQLiteWriter::UpdateSql);
     BindColumns(Write, Record);
     BindKey(Write.Statement, static_cast<int>(Write.Columns.size()) + 1, Key);
     Run(Write.Statement, Record, Write.Columns);
     CheckChanged("the record has been deleted, or a trigger has ignored the change", erMissing);
-    TakeKey(Record, Write.Columns, Key);
+    if (!Table.IsView)
+        TakeKey(Record, Write.Columns, Key);
 }
 
 void TSQLiteWriter::Delete(const TSQLiteKey& Key)
 {
-    if (Table.Key.empty())
+    if (!Table.TakesDeletes)
+        Fail("records of a view cannot be deleted", erReadOnly);
+    if (Key.empty())
         Fail("its records have no key and cannot be deleted", erReadOnly);
     if (!DeleteOne)
         DeleteOne = TSQLiteStatement(
-            Connection, "DELETE FROM " + Table.QualifiedName() + " WHERE " + Table.KeyCondition(1),
+            Connection, "DELETE FROM " + Table.QualifiedName() + " WHERE " + Table.RecordCondition(1),
             Table.Title);
     BindKey(DeleteOne, 1, Key);
     Run(DeleteOne, {}, {});
@@ -136,7 +141,7 @@ std::string TSQLiteWriter::UpdateSql(const TColumns& Columns) const
     for (const int Index : Columns)
         AddToList(Sets, QuoteName(Table.Column(Index).Name) + " = ?" + std::to_string(++Param));
     return "UPDATE" + ConflictClause() + " " + Table.QualifiedName() + " SET " + Sets + " WHERE " +
-           Table.KeyCondition(Param + 1);
+           Table.RecordCondition(Param + 1);
 }
 
 /// A primary key that the record does not give whole has to be asked for.
@@ -198,7 +203,7 @@ void TSQLiteWriter::TakeKey(const TRecordBuffer& Record, const TColumns& Columns
 
 void TSQLiteWriter::CheckChanged(std::string_view Otherwise, TKvErrorRule Rule) const
 {
-    if (sqlite3_changes(Connection.Handle()) == 0)
+    if (!Table.IsView && sqlite3_changes(Connection.Handle()) == 0) // a view's triggers are not counted
         Fail(Otherwise, Rule);
 }
 

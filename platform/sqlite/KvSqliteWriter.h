@@ -28,6 +28,7 @@ public:
     /// Adds a record from the columns of `Record` that are assigned; the database fills the others.
     /// Afterwards `Key` is that of the new record.
     void Insert(const TRecordBuffer& Record, TSQLiteKey& Key);
+    // The key of a view's record is the values of all of its columns.
     /// Writes the columns `Set` of `Record` to the record with `Key`, which follows when they belong to it.
     void Update(const TRecordBuffer& Record, const TSQLiteColumnSet& Set, TSQLiteKey& Key);
     void Delete(const TSQLiteKey& Key);

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <stdexcept>
 #include <string>
+#include <thread>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -447,6 +449,98 @@ TEST(KvSqliteConnection, KilledProgramLeavesWhatWasCommitted)
         EXPECT_EQ(File.Rows("SELECT count(*) % 10, count(*) = coalesce(max(qty), 0) FROM orders"),
                   TRowTexts{"0|1"});
     }
+}
+
+// --- Patience ---------------------------------------------------------------------------------------
+
+/// Fills more pages than `Table` has memory for, until somebody complains; the records that were taken.
+int AppendUntilRefused(TDataSet& Table, TKvErrorFacts& Facts)
+{
+    const std::string Long(1000, 'x');
+    for (int Id = 1; Id <= 200'000; ++Id) {
+        try {
+            AppendRecord(Table, {{"id", Id}, {"name", Long}});
+        }
+        catch (const EDatabaseError& Error) {
+            Facts = Error.Facts;
+            return Id - 1;
+        }
+    }
+    return 200'000;
+}
+
+TEST(KvSqliteConnection, AReaderIsWaitedForOnceInATransaction)
+{
+    // One whose records the queue takes, and one that has a ground to refuse them.
+    for (const char* const Check : {"", " CHECK (id >= 0)"}) {
+        TTestFile File("CREATE TABLE orders (id INTEGER PRIMARY KEY" + std::string(Check) + ", name TEXT);" +
+                       "INSERT INTO orders VALUES (0, 'x');");
+        TTestConnection Reader(File.FileName());
+        TSQLiteDatabase Database;
+        Database.DatabaseName = File.FileName();
+        Database.BusyTimeout = 300;
+        Database.CacheSize = 256;
+        const auto Table = Database.OpenTable("orders");
+        Database.StartTransaction();
+        Reader.Run("BEGIN; SELECT count(*) FROM orders");
+        const auto Begin = std::chrono::steady_clock::now();
+        TKvErrorFacts Facts;
+        EXPECT_LT(AppendUntilRefused(*Table, Facts), 50'000);
+        EXPECT_EQ(Facts.Rule, erBusy);
+        EXPECT_LT(std::chrono::steady_clock::now() - Begin, std::chrono::seconds(20));
+        Table->Cancel();
+        Database.Rollback();
+        EXPECT_EQ(Reader.Rows("SELECT count(*) FROM orders"), TRowTexts{"1"});
+    }
+}
+
+TEST(KvSqliteConnection, WhoCancelsIsNotKeptWaitingForAReader)
+{
+    TTestFile File("CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT);"
+                   "INSERT INTO orders VALUES (0, 'x');");
+    TTestConnection Reader(File.FileName());
+    TSQLiteDatabase Database;
+    Database.DatabaseName = File.FileName();
+    Database.BusyTimeout = 600'000;
+    Database.CacheSize = 256;
+    const auto Table = Database.OpenTable("orders");
+    Database.StartTransaction();
+    Reader.Run("BEGIN; SELECT count(*) FROM orders");
+    const std::string Long(1000, 'x');
+    const auto Begin = std::chrono::steady_clock::now();
+    const auto HasTime = [Begin] {
+        return std::chrono::steady_clock::now() - Begin < std::chrono::milliseconds(300);
+    };
+    Database.OnWait = HasTime;
+    for (int Id = 1; Id <= 100'000 && HasTime(); ++Id) {
+        try {
+            AppendRecord(*Table, {{"id", Id}, {"name", Long}});
+        }
+        catch (const EDatabaseError&) {
+            Table->Cancel();
+        }
+    }
+    Database.Rollback();
+    EXPECT_LT(std::chrono::steady_clock::now() - Begin, std::chrono::seconds(10));
+    EXPECT_EQ(Reader.Rows("SELECT count(*) FROM orders"), TRowTexts{"1"});
+}
+
+TEST(KvSqliteConnection, OthersMayWriteBetweenTwoBatches)
+{
+    TTestTable Open;
+    Open.Table.CommitEvery = 2000;
+    std::atomic<bool> Written = false;
+    std::thread Writer([&] {
+        TTestConnection Other(Open.File.FileName());
+        sqlite3_busy_timeout(Other.Get(), 20'000);
+        Other.Run("INSERT INTO orders (id, name) VALUES (-1, 'other')");
+        Written = true;
+    });
+    const auto Begin = std::chrono::steady_clock::now();
+    for (int Id = 1; !Written && std::chrono::steady_clock::now() - Begin < std::chrono::seconds(30); ++Id)
+        AppendRecord(Open.Table, {{"id", Id}, {"name", "n"}});
+    EXPECT_TRUE(Written);
+    Writer.join();
 }
 
 } // namespace

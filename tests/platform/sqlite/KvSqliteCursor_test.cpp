@@ -171,8 +171,7 @@ TEST(KvSqliteCursor, ViewsAreReadForwardAndSearched)
     Open.Table.Append();
     EXPECT_EQ(Open.MessageOf([&] { Open.Table.Post(); }), "orders: records cannot be added to a view");
     Open.Table.Cancel();
-    EXPECT_EQ(Open.MessageOf([&] { Open.Table.Delete(); }),
-              "orders: its records have no key and cannot be deleted");
+    EXPECT_EQ(Open.MessageOf([&] { Open.Table.Delete(); }), "orders: records of a view cannot be deleted");
 }
 
 } // namespace

@@ -364,6 +364,130 @@ TEST(KvSqliteDatabase, JournalAndSynchronisationStayAsTheyAre)
     EXPECT_EQ(File.Rows("PRAGMA journal_mode"), TRowTexts{"wal"});
 }
 
+// --- Foreign keys -----------------------------------------------------------------------------------
+
+const std::string Referring = "CREATE TABLE city (id INTEGER PRIMARY KEY);"
+                              "CREATE TABLE orders (id INTEGER PRIMARY KEY, city INTEGER REFERENCES city);"
+                              "CREATE TABLE note (city INTEGER REFERENCES CITY ON DELETE CASCADE);"
+                              "INSERT INTO city VALUES (1), (2); INSERT INTO orders VALUES (1, 1);"
+                              "INSERT INTO note VALUES (2);";
+
+TEST(KvSqliteDatabase, ForeignKeysHoldOnRequestOnly)
+{
+    for (const bool Hold : {false, true}) {
+        TTestFile File(Referring);
+        TSQLiteDatabase Database;
+        Database.DatabaseName = File.FileName();
+        Database.ForeignKeys = Hold;
+        const auto Orders = Database.OpenTable("orders"), City = Database.OpenTable("city");
+        const auto AppendOrphan = [&] { AppendRecord(*Orders, {{"id", 2}, {"city", 99}}); };
+        ASSERT_TRUE(City->Locate("id", 1));
+        if (Hold) {
+            EXPECT_EQ(FactsOf(AppendOrphan).Rule, erForeignKey);
+            Orders->Cancel();
+            EXPECT_EQ(FactsOf([&] { City->Delete(); }).Rule, erForeignKey);
+        } else {
+            AppendOrphan();
+            City->Delete();
+        }
+    }
+}
+
+TEST(KvSqliteDatabase, ForeignKeysHoldInARunOfDeletionsToo)
+{
+    TTestFile File("CREATE TABLE city (id INTEGER PRIMARY KEY);"
+                   "CREATE TABLE alone (id INTEGER PRIMARY KEY);"
+                   "CREATE TABLE orders (id INTEGER PRIMARY KEY, city INTEGER REFERENCES city);"
+                   "INSERT INTO city WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n"
+                   " WHERE i < 500) SELECT i FROM n;"
+                   "INSERT INTO alone SELECT id FROM city; INSERT INTO orders VALUES (1, 400);");
+    TSQLiteDatabase Database;
+    Database.DatabaseName = File.FileName();
+    Database.ForeignKeys = true;
+    const auto City = Database.OpenTable("city"), Alone = Database.OpenTable("alone");
+    Database.StartTransaction();
+    int Refused = 0;
+    for (int Id = 1; Id <= 500; ++Id) {
+        ASSERT_TRUE(City->Locate("id", Id));
+        ASSERT_TRUE(Alone->Locate("id", Id));
+        Alone->Delete();
+        try {
+            City->Delete();
+        }
+        catch (const EDatabaseError& Error) {
+            EXPECT_EQ(Id, 400) << Error.Message;
+            ++Refused;
+        }
+    }
+    Database.Commit();
+    EXPECT_EQ(Refused, 1);
+    EXPECT_EQ(File.Rows("SELECT (SELECT group_concat(id) FROM city), (SELECT count(*) FROM alone)"),
+              TRowTexts{"400|0"});
+}
+
+TEST_F(KvSqliteDatabaseUrl, TellsWhatRefersToATable)
+{
+    TTestFile Other(Referring);
+    const auto Database = OpenDatabase(Other.FileName());
+    const auto References = Database->Describe("City").References;
+    ASSERT_EQ(References.size(), 2u);
+    EXPECT_EQ(References[0].Table, "note");
+    EXPECT_TRUE(References[0].Changes);
+    EXPECT_EQ(References[1].Table, "orders");
+    EXPECT_FALSE(References[1].Changes);
+    EXPECT_TRUE(Database->Describe("orders").References.empty());
+}
+
+// --- Views ------------------------------------------------------------------------------------------
+
+TEST(KvSqliteDatabase, ViewsTakeRecordsThroughTheirTriggers)
+{
+    TTestFile File(OrdersTable + "CREATE VIEW plain AS SELECT id, name FROM orders;"
+                                 "CREATE VIEW open AS SELECT id, name FROM orders;"
+                                 "CREATE TRIGGER opens INSTEAD OF INSERT ON open BEGIN"
+                                 " INSERT INTO orders (id, name) VALUES (NEW.id, upper(NEW.name)); END;");
+    TSQLiteDatabase Database;
+    Database.DatabaseName = File.FileName();
+    const auto Plain = Database.OpenTable("plain"), Open = Database.OpenTable("open");
+    for (int Id = 1; Id <= 100; ++Id)
+        AppendRecord(*Open, {{"id", Id}, {"name", "n" + std::to_string(Id)}});
+    EXPECT_EQ(File.Rows("SELECT count(*), max(name) FROM orders"), TRowTexts{"100|N99"});
+    EXPECT_EQ(AllOf(*Open, "name").size(), 100u);
+    Plain->Append();
+    EXPECT_EQ(FactsOf([&] { Plain->FieldByName("id").SetValue(1); }).Rule, erReadOnly);
+    EXPECT_EQ(MessageOf(File.FileName(), [&] { Plain->Post(); }), "plain: records cannot be added to a view");
+    Open->First();
+    EXPECT_EQ(MessageOf(File.FileName(), [&] { Open->Delete(); }),
+              "open: records of a view cannot be deleted");
+    EXPECT_EQ(MessageOf(File.FileName(), [&] { EditRecord(*Open, {{"name", "x"}}); }),
+              "open: records of a view cannot be changed");
+}
+
+TEST(KvSqliteDatabase, RecordsOfViewsAreChangedAndDeletedThroughTheirTriggers)
+{
+    TTestFile File(OrdersTable + "INSERT INTO orders VALUES (1, 'a', NULL), (2, 'b', 7), (3, 'c', NULL);"
+                                 "CREATE VIEW open AS SELECT name, qty FROM orders;"
+                                 "CREATE TRIGGER changes INSTEAD OF UPDATE ON open BEGIN"
+                                 " UPDATE orders SET qty = NEW.qty WHERE name = OLD.name; END;"
+                                 "CREATE TRIGGER deletes INSTEAD OF DELETE ON open BEGIN"
+                                 " DELETE FROM orders WHERE name = OLD.name; END;");
+    TSQLiteDatabase Database;
+    Database.DatabaseName = File.FileName();
+    const auto Open = Database.OpenTable("open");
+    ASSERT_TRUE(Open->Locate("name", "c"));
+    EditRecord(*Open, {{"qty", 9}});
+    ASSERT_TRUE(Open->Locate("name", "b"));
+    Open->Delete();
+    EXPECT_EQ(File.Rows("SELECT name, qty FROM orders ORDER BY id"), (TRowTexts{"a|NULL", "c|9"}));
+    Open->Append();
+    Open->FieldByName("name").SetValue("d");
+    EXPECT_EQ(MessageOf(File.FileName(), [&] { Open->Post(); }), "open: records cannot be added to a view");
+    Open->Cancel();
+    for (Open->First(); !Open->Eof();)
+        Open->Delete();
+    EXPECT_EQ(File.Rows("SELECT count(*) FROM orders"), TRowTexts{"0"});
+}
+
 } // namespace
 
 } // namespace kv

@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <limits>
 #include <ostream>
 #include <random>
 #include <string>
+
+#include <unistd.h>
 
 #include "KvSqliteDatabase.h"
 #include "KvSqliteTestTable.h"
@@ -31,6 +34,14 @@ std::string FiguresUpTo(int Last)
         Qty += Id % 7;
     return std::to_string(Last) + "|" + std::to_string(Last * (Last + 1) / 2) + "|" + std::to_string(Qty) +
            "|" + std::to_string(Last);
+}
+
+/// Memory of this process that is in use.
+std::int64_t ResidentBytes()
+{
+    std::int64_t Pages = 0, Resident = 0;
+    std::ifstream("/proc/self/statm") >> Pages >> Resident;
+    return Resident * sysconf(_SC_PAGESIZE);
 }
 
 TEST(KvSqliteInsertQueue, StoresEveryRecordOfATransactionInOrder)
@@ -324,6 +335,19 @@ INSTANTIATE_TEST_SUITE_P(
             "CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty INT CHECK (qty >= 0)) WITHOUT ROWID",
             "orders: CHECK constraint failed"}),
     [](const auto& Row) { return std::string(Row.param.Name); });
+
+TEST(KvSqliteInsertQueue, RecordsOfLongTextAreHandedOverEarly)
+{
+    TTestTable Open("CREATE TABLE orders (id INTEGER PRIMARY KEY, name TEXT, qty INTEGER)");
+    const std::string Long(1 << 20, 'x');
+    Open.Table.StartTransaction();
+    const auto Before = ResidentBytes();
+    for (int Id = 1; Id <= 120; ++Id)
+        AppendRecord(Open.Table, {{"id", Id}, {"name", Long}});
+    EXPECT_LT(ResidentBytes() - Before, 40 << 20);  // of 120 MB, some 56 of them in the queue
+    Open.Table.Commit();
+    EXPECT_EQ(Open.Rows("SELECT count(*), min(length(name)) FROM orders"), TRowTexts{"120|1048576"});
+}
 
 } // namespace
 

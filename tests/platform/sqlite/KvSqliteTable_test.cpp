@@ -120,6 +120,25 @@ TEST(KvSqliteTable, StoredValuesThatDoNotFitReadAsTheyAre)
     EXPECT_EQ(Open.Table.FieldByName("day").Value(), TVariant(2460000.5));
 }
 
+TEST(KvSqliteTable, IsKnownByItsFileHoweverItWasOpened)
+{
+    TTestTable Open;
+    TSQLiteDatabase Shared;
+    Shared.DatabaseName = Open.File.FileName();
+    Shared.Execute("CREATE TABLE other (id INTEGER PRIMARY KEY)");
+    const auto Same = Shared.OpenTable("main.ORDERS"), Other = Shared.OpenTable("other");
+    EXPECT_NE(Open.Table.TableIdentity(), "");
+    EXPECT_EQ(Same->TableIdentity(), Open.Table.TableIdentity());
+    EXPECT_NE(Other->TableIdentity(), Open.Table.TableIdentity());
+    Open.Table.Close();
+    EXPECT_EQ(Open.Table.TableIdentity(), "");
+    TSQLiteDatabase Memory, Memory2;
+    Memory.DatabaseName = Memory2.DatabaseName = ":memory:";
+    for (auto* const Each : {&Memory, &Memory2})
+        Each->Execute(OrdersTable);
+    EXPECT_NE(Memory.OpenTable("orders")->TableIdentity(), Memory2.OpenTable("orders")->TableIdentity());
+}
+
 } // namespace
 
 } // namespace kv

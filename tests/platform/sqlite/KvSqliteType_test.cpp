@@ -92,6 +92,23 @@ TEST(KvSqliteType, AnyKeepsEveryValueInStrictTablesOnly)
     EXPECT_EQ(ReadStrictType("INT").Field, ftLargeint);
 }
 
+TEST(KvSqliteType, DecimalsHaveTheDigitsThatAreDeclared)
+{
+    struct TRow
+    {
+        const char* Declared;
+        int Precision, Scale;
+    };
+    for (const auto& [Declared, Precision, Scale] :
+         {TRow{"DECIMAL(10,2)", 10, 2}, TRow{"numeric ( 5 , 0 )", 5, 0}, TRow{"DEC(7)", 7, 0},
+          TRow{"NUMERIC", 0, 0}, TRow{"DECIMAL(2,5)", 0, 0}, TRow{"VARCHAR(20)", 0, 0},
+          TRow{"FLOAT(10,2)", 0, 0}})
+    {
+        EXPECT_EQ(ReadDeclaredType(Declared).Precision, Precision) << Declared;
+        EXPECT_EQ(ReadDeclaredType(Declared).Scale, Scale) << Declared;
+    }
+}
+
 } // namespace
 
 } // namespace kv
