@@ -39,6 +39,25 @@ void TKvIDataFormats::Assign(const TPersistent& Source)
     BooleanFalse = Other->BooleanFalse;
 }
 
+void TKvIDataFormats::PutInForce(TFormatSettings& Settings) const
+{
+    static constexpr std::string_view Orders[] = {"MDY", "DMY", "YMD", "YDM", "DYM", "MYD"}; // by ordinal
+    Settings.ShortDateFormat.clear();
+    for (const char Part : Orders[DateOrder]) {
+        if (!Settings.ShortDateFormat.empty())
+            Settings.ShortDateFormat += DateSeparator;
+        switch (Part) {
+        case 'Y': Settings.ShortDateFormat += FourDigitYear ? "yyyy" : "yy"; break;
+        case 'M': Settings.ShortDateFormat += LeadingZerosInDate ? "MM" : "M"; break;
+        default:  Settings.ShortDateFormat += LeadingZerosInDate ? "dd" : "d"; break;
+        }
+    }
+    Settings.DateSeparator = DateSeparator;
+    Settings.TimeSeparator = TimeSeparator;
+    Settings.ThousandSeparator = ThousandSeparator;
+    Settings.DecimalSeparator = DecimalSeparator;
+}
+
 TPublishedProperties TKvIDataFormats::PublishedProperties() const
 {
     using T = TKvIDataFormats;

@@ -8,6 +8,8 @@
 
 namespace kv {
 
+struct TFormatSettings;
+
 /// Separators start as the process's format settings have them when the object is made.
 class TKvIDataFormats final : public TPersistent
 {
@@ -19,7 +21,11 @@ public:
     void Assign(const TPersistent& Source) override;
     TPublishedProperties PublishedProperties() const override;
 
-    // Kept for specifications and for users. Reading a date follows the process's short date format.
+    /// Lets the process read and show numbers and dates so.
+    void PutInForce(TFormatSettings& Settings) const;
+
+    // Kept for specifications and for users. Reading a date follows the process's short date format, which
+    // these make only with rxFormatsInForce.
     TKvIDateOrder DateOrder = doMDY;
     bool FourDigitYear;
     bool LeadingZerosInDate;

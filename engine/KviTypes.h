@@ -56,7 +56,30 @@ enum TKvIRunExtension {
     rxTimedProgress,
     /// What is wrong with a number is told by the error of its record. Without it a message box tells it
     /// before.
-    rxNoNumberBoxes
+    rxNoNumberBoxes,
+    /// Numbers reach decimal and integer fields and text digit for digit or are refused. A double goes there
+    /// as spreadsheets show it, with fifteen digits; whole ones have all of theirs, below 1E21 no exponent.
+    /// Integer fields take "2.00", truth and the words of truth. Without it numbers for decimal fields become
+    /// doubles, and integer fields take what TField takes.
+    rxExactNumbers,
+    /// Numbers are read as TryPlainNumber reads them, integers too, and dates also as "2024-01-05T10:20:30Z".
+    /// Without it thousand separators are removed wherever they stand, and not from integers.
+    rxWrittenForms,
+    /// DataFormats are the formats of the process for the length of a run, DateOrder among them. Without it
+    /// dates are read in the order that the process has.
+    rxFormatsInForce,
+    /// A time that belongs to no day is text as such, "36:00:00", and no date. Without it it has a day near
+    /// the end of 1899.
+    rxTimesAlone,
+    /// The OEM code page is that of text. Without it null becomes an empty text and bytes are converted too.
+    rxOemTextOnly,
+    /// An error counts for what it concerns: one of a value fails its record also as a key and where it
+    /// is read or deleted, one of the whole destination ends the run. Without it what happens while a record
+    /// is assigned and posted fails that record, all else ends the run.
+    rxErrorsByRecord,
+    /// The source stands on its first record, and its records are counted, before imCopy empties the
+    /// destination. Without it afterwards.
+    rxSourceFirst
 };
 using TKvIRunExtensions = TSet<TKvIRunExtension>;
 

@@ -11,7 +11,9 @@ namespace {
 constexpr std::string_view CharacterSetNames[] = {"csiANSI_WINDOWS", "csiASCII_MSDOS"};
 constexpr std::string_view ModeNames[] = {"imAppend", "imUpdate", "imAppendUpdate", "imDelete", "imCopy"};
 constexpr std::string_view OptionNames[] = {"soShowMessage", "soExtendedStatistic"};
-constexpr std::string_view RunExtensionNames[] = {"rxRestoresControls", "rxTimedProgress", "rxNoNumberBoxes"};
+constexpr std::string_view RunExtensionNames[] = {
+    "rxRestoresControls", "rxTimedProgress", "rxNoNumberBoxes", "rxExactNumbers",   "rxWrittenForms",
+    "rxFormatsInForce",   "rxTimesAlone",    "rxOemTextOnly",   "rxErrorsByRecord", "rxSourceFirst"};
 
 /// Data formats outlive their component: handlers and forms may keep reading them.
 TKvIDataFormats& NewDataFormats()

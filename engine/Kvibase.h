@@ -285,14 +285,18 @@ private:
     void ReadCommon(const TIniFile& File);
     void WriteLayout(TIniFile& File) const;
     void ReadLayout(const TIniFile& File);
+    std::size_t NameEnd(std::string_view Line) const;
     TMappedFields MappedFields() const;             // the usable lines of Mappings
     static void ConvertText(TVariant& Value);
     void TellRecord(Exception& Error, const TMappedField* Mapped = nullptr) const;
+    bool IsOemText(const TField* Field, const TVariant& Value) const;
     void OfferCell(TMappedField& Mapped);
     bool OfferRecord();
     void EmptyDataSet();
     bool IsCanceled() const;
     void ImportRecords();
+    void ImportRecord();
+    void CheckKeys();
     void ShowProgress() const;
     void StoreRecord();
     void RecordDone(TKvIFate Fate);
@@ -323,6 +327,7 @@ private:
     TMappedFields KeyFields;                        // one per key of DatasetKeys that is mapped
     TMappedFields DestFields;                       // what is fetched and converted
     TVariant SearchValue;                           // key value, or array of them, for Locate
+    TVariant CheckedKey;                            // one of them in the kind of its field
     TActivity Activity = acIdle;
     bool KeyFound = false;
     bool Aborted = false;

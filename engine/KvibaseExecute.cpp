@@ -2,7 +2,9 @@
 #include "Kvibase.h"
 
 #include <exception>
+#include <optional>
 
+#include "KvFormatSettings.h"
 #include "KvText.h"
 #include "KvUserInterface.h"
 #include "KviActive.h"
@@ -42,6 +44,29 @@ private:
     {
         Quietly([Busy] { UserInterface().SetBusyCursor(Busy); });
     }
+};
+
+/// DataFormats as the formats of the process, if they are to be, for the length of a run.
+class TRunFormats
+{
+public:
+    explicit TRunFormats(const TKvImportBaseComponent& Import)
+    {
+        if (!Import.RunExtensions.Contains(rxFormatsInForce))
+            return;
+        Saved = FormatSettings();
+        Import.DataFormats.PutInForce(FormatSettings());
+    }
+    TRunFormats(const TRunFormats&) = delete;
+    TRunFormats& operator=(const TRunFormats&) = delete;
+    ~TRunFormats()
+    {
+        if (Saved)
+            FormatSettings() = *Saved;
+    }
+
+private:
+    std::optional<TFormatSettings> Saved;
 };
 
 /// An automatic mapping never survives its run, however the run ends.
@@ -137,6 +162,7 @@ std::string TKvImportBaseComponent::Run()
             HasDialog = CreateProgressDlg(TitleStatus, MsgImporting, "&Cancel", "Processed:", "Errors:",
                                           "Added:", "Updated:", "Deleted:",
                                           Options.Contains(soExtendedStatistic));
+        const TRunFormats Formats(*this);
         const TRunMappings Mapped(FMappings);
         if (Mapped.IsAutomatic())
             DetectAutoMapping();

@@ -5,6 +5,7 @@
 #include <exception>
 #include <utility>
 
+#include "KvName.h"
 #include "KvText.h"
 #include "KviActive.h"
 
@@ -119,7 +120,7 @@ TKvISourceValue TKvImportBaseComponent::LookAtValue(const std::function<TVariant
 TKvISourceName TKvImportBaseComponent::ResolveName(const std::string& Wanted,
                                                    const std::vector<TKvISourceColumn>& Columns) const
 {
-    const auto IsSame = [&Wanted](const TKvISourceColumn& Each) { return SameText(Each.Name, Wanted); };
+    const auto IsSame = [&Wanted](const TKvISourceColumn& Each) { return SameName(Each.Name, Wanted); };
     auto Found = std::ranges::find(Columns, Wanted, &TKvISourceColumn::Name);
     if (Found == Columns.end())
         Found = std::ranges::find_if(Columns, IsSame);

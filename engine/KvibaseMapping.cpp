@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "KvFieldConvert.h"
+#include "KvName.h"
 #include "KvText.h"
 
 namespace kv {
@@ -40,7 +41,7 @@ void TKvImportBaseComponent::FillKey4Locate()
     if (!IsKeyMode() || DatasetKeys.empty())
         return;
     const auto Mapped = MappedFields();
-    const std::string Keys = UpperCase(DatasetKeys);
+    const std::string Keys = UpperName(DatasetKeys);
     for (std::size_t From = 0; From <= Keys.size();) {
         const auto To = std::min(Keys.find(';', From), Keys.size());
         // The piece counts as it stands: blanks around it make it another name.
@@ -62,14 +63,27 @@ std::string_view TKvImportBaseComponent::ShortName(std::string_view Column)
     return Column;
 }
 
+/// Where the name of the destination ends in a mapping line: at its first "=", unless a field has one in its
+/// name.
+std::size_t TKvImportBaseComponent::NameEnd(std::string_view Line) const
+{
+    const auto First = std::min(Line.find('='), Line.size());
+    for (auto End = First; End < Line.size(); End = std::min(Line.find('=', End + 1), Line.size()))
+        if (FDataSet->FindField(Trim(Line.substr(0, End))))
+            return End;
+    return First;
+}
+
 TKvImportBaseComponent::TMappedFields TKvImportBaseComponent::MappedFields() const
 {
     TMappedFields Result;
     for (int Line = 0; Line < FMappings.Count(); ++Line) {
-        const auto Source = SourceName(Trim(FMappings.ValueAt(Line)));
+        const std::string_view Text = FMappings[Line];
+        const auto End = NameEnd(Text);
+        const auto Source = SourceName(Trim(Text.substr(std::min(End + 1, Text.size()))));
         if (Source.empty())
             continue;
-        Result.push_back({.Name = UpperCase(Trim(FMappings.NameAt(Line))), .Source = Source, .Value = Null});
+        Result.push_back({.Name = UpperName(Trim(Text.substr(0, End))), .Source = Source, .Value = Null});
     }
     return Result;
 }

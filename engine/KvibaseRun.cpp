@@ -36,6 +36,34 @@ TKvIFate FateAfter(TKvIAction Action)
     return rfNotFound;
 }
 
+/// True for what is wrong with a value or a record: the others may be right.
+bool ConcernsValue(TKvErrorRule Rule)
+{
+    switch (Rule) {
+    case erConversion:
+    case erRange:
+    case erLength:
+    case erRequired:
+    case erUnique:
+    case erForeignKey:
+    case erCheck:      return true;
+    default:           return false;
+    }
+}
+
+/// True for what no record is to blame for: the next one would meet it too.
+bool ConcernsDestination(const TKvErrorFacts& Facts)
+{
+    switch (Facts.Rule) {
+    case erFormat:
+    case erBusy:
+    case erStorage:
+    case erCancelled: return true;
+    case erReadOnly:  return Facts.Field.empty();
+    default:          return false;
+    }
+}
+
 TKvBulkKind BulkKind(TImportMode Mode)
 {
     switch (Mode) {
@@ -99,6 +127,14 @@ void TKvImportBaseComponent::Prepare()
     BeforeImport();
     BuildFieldMapping();
     BuildArrayIntersection();
+    const bool SourceFirst = RunExtensions.Contains(rxSourceFirst);
+    int Available = 0;
+    const auto GoToFirst = [&] {
+        GoFirst();
+        Available = GetTotalCount();
+    };
+    if (SourceFirst)
+        GoToFirst();
     const bool GoesOn = !IsCanceled();              // else the source may have dropped what it had loaded
     if (Observer && GoesOn)
         Observer->SourceOpened();
@@ -106,10 +142,11 @@ void TKvImportBaseComponent::Prepare()
     HasControls = true;
     if (Mode == imCopy && GoesOn)
         EmptyDataSet();
-    GoFirst();
+    if (!SourceFirst)
+        GoToFirst();
     Statistic.Reset();                              // the records deleted for imCopy are not counted
     Counting = true;
-    Statistic.TotalCount = static_cast<int>(std::int64_t{std::min(GetTotalCount(), RowLast)} - RowFirst + 1);
+    Statistic.TotalCount = static_cast<int>(std::int64_t{std::min(Available, RowLast)} - RowFirst + 1);
     if (AnimatedStatus)
         ChangeProgressDlg(0, Statistic.TotalCount, 0);
     KeyFound = false;
@@ -155,11 +192,7 @@ void TKvImportBaseComponent::ImportRecords()
         ++Statistic.TotalImported;
         FDataSet->RecordTag = Statistic.TotalImported;
         Statistic.LastAction = iaUnknown;
-        InRecord = true;
-        if (LoadRecord())
-            StoreRecord();
-        else if (InRecord)                          // a source that cannot read it has told so
-            RecordDone(rfRefused);
+        ImportRecord();
         Aborted = false;
         if (OnAfterRecordEvent)
             OnAfterRecordEvent(*this, Aborted);
@@ -167,6 +200,23 @@ void TKvImportBaseComponent::ImportRecords()
     }
     if (AnimatedStatus && Refreshing.IsByTime())
         ShowProgress();
+}
+
+void TKvImportBaseComponent::ImportRecord()
+{
+    InRecord = true;
+    try {
+        if (LoadRecord())
+            StoreRecord();
+        else if (InRecord)                          // a source that cannot read it has told so
+            RecordDone(rfRefused);
+    }
+    catch (Exception& Error) {
+        if (!InRecord || !RunExtensions.Contains(rxErrorsByRecord) || !ConcernsValue(Error.Facts.Rule))
+            throw;
+        TellRecord(Error);
+        RecordFailed(Error);
+    }
 }
 
 void TKvImportBaseComponent::ShowProgress() const
@@ -178,8 +228,11 @@ void TKvImportBaseComponent::ShowProgress() const
 
 void TKvImportBaseComponent::StoreRecord()
 {
-    if (IsKeyMode() && !DatasetKeys.empty() && !KeyFields.empty())
+    if (IsKeyMode() && !DatasetKeys.empty() && !KeyFields.empty()) {
+        if (RunExtensions.Contains(rxErrorsByRecord))
+            CheckKeys();
         KeyFound = FDataSet->Locate(DatasetKeys, BuildSearchValue());
+    }
     if (OnBeforeUpdate)
         OnBeforeUpdate(*this);
     const auto Action = ActionForRecord();
@@ -233,6 +286,19 @@ const TVariant& TKvImportBaseComponent::BuildSearchValue()
     return SearchValue;
 }
 
+/// Raises for a value that has no meaning in its field: to look for it would find nothing.
+void TKvImportBaseComponent::CheckKeys()
+{
+    for (const auto& Key : KeyFields) {
+        const auto& Dest = DestFields[static_cast<std::size_t>(Key.Index)];
+        if (Dest.Index < 0)
+            continue;
+        const auto& Field = FDataSet->Fields(Dest.Index);
+        if (!Dest.Value.IsString() || !IsTextField(Field.DataType()))
+            Field.Convert(Dest.Value, CheckedKey);
+    }
+}
+
 void TKvImportBaseComponent::WriteRecord(TKvIAction Action)
 {
     const TMappedField* Current = nullptr;          // none while the whole record is stored
@@ -252,6 +318,10 @@ void TKvImportBaseComponent::WriteRecord(TKvIAction Action)
         if (Current && Error.Facts.Value.empty() && !Current->Value.IsArray())
             Error.Facts.Value = Current->Value.ToText();
         FDataSet->Cancel();
+        if (RunExtensions.Contains(rxErrorsByRecord) && ConcernsDestination(Error.Facts)) {
+            UndoCount(Action);
+            throw;
+        }
         if (OnErrorEvent)                           // else the record stays counted as what was tried
             UndoCount(Action);
         RecordFailed(Error);

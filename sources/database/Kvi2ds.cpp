@@ -11,6 +11,7 @@ namespace kv {
 namespace {
 
 constexpr char MsgNotSpecified[] = "Property %s wasn't specified.";
+constexpr char MsgSameTable[] = "Source and destination are the same table";
 constexpr char MsgBeingWritten[] =
     "A record of the source is being written; it has to be stored or dropped first";
 
@@ -61,6 +62,18 @@ void TKvImportFromDataSet::BeforeImport()
 {
     Columns.Clear();
     FSourceDataset->Open();
+    if (!IsLooking())
+        CheckOtherTable();
+}
+
+/// A copy empties its destination first; a cursor cannot read and write.
+void TKvImportFromDataSet::CheckOtherTable() const
+{
+    const auto* const Destination = GetDataSet();
+    const auto Identity = FSourceDataset->TableIdentity();
+    if (Destination == FSourceDataset ||
+        (Mode == imCopy && !Identity.empty() && Destination->TableIdentity() == Identity))
+        throw Exception(MsgSameTable);
 }
 
 TVariant TKvImportFromDataSet::GetFieldValue(const TVariant& Source)

@@ -12,7 +12,8 @@ namespace kv {
 
 /// Imports the records of `SourceDataset` as its cursor delivers them: its filter and order decide
 /// which and in what order, RowFirst and RowLast do not. Source columns are field names; a name that
-/// the source does not have is a constant that imports itself.
+/// the source does not have is a constant that imports itself. A run fails when the source is the
+/// destination, or with imCopy another dataset of the same table.
 ///
 /// A look opens the source and leaves it open, as a run does, but with the cursor where it stood if the
 /// source has a key, else on the first record. Controls are not told of its moves.
@@ -52,6 +53,8 @@ protected:
 
 private:
     class TControls;
+
+    void CheckOtherTable() const;
 
     TDataSet* FSourceDataset = nullptr;
     TKvSourceColumns<TField*> Columns;              // of one run; none: no such field

@@ -366,6 +366,40 @@ TEST_F(KvibaseLoad, UECodeConvertsOnRequest)
     EXPECT_EQ(Import.UECode(false, "\x81"), "\x81");
 }
 
+// --- The first field, and moments -------------------------------------------------------------------
+
+TEST_F(KvibaseConvert, TheFirstFieldIsAFieldAsAnyOther)
+{
+    Table.Close();
+    Table.SetFieldDefs({{.Name = "NET", .DataType = ftFloat}, {.Name = "NAME", .DataType = ftString}});
+    Table.Open();
+    Import.DataFormats.ThousandSeparator = '.';
+    Import.DataFormats.DecimalSeparator = ',';
+    Import.SetMappings({"NET=Field1", "NAME=Field2"});
+    Import.CharacterSet = csiASCII_MSDOS;
+    std::vector<std::string> Offered;
+    Import.OnGetCellParams = [&](TKvImportBaseComponent&, TField* Field, TVariant&) {
+        Offered.push_back(Field ? Field->FieldName() : "none");
+    };
+    std::vector<std::string> Failed;
+    Import.OnErrorEvent = [&](TKvImportBaseComponent&, const Exception& Error, bool&) {
+        Failed.push_back(Error.Facts.Field + ": " + Error.Facts.Value);
+    };
+    Import.RunExtensions = {rxNoNumberBoxes};
+    Import.Rows = {{"1.234,5", "Ada"}, {"n/a", "Bob"}};
+    Execute();
+    EXPECT_THAT(Records(), ElementsAre("1234.5;Ada"));
+    EXPECT_THAT(Offered, ElementsAre("NET", "NAME", "NET", "NAME"));
+    EXPECT_THAT(Failed, ElementsAre("NET: n/a"));
+}
+
+TEST_F(KvibaseConvert, MomentsDoNotPassThroughText)
+{
+    const double Days = 45296 + 1.0 / 7;            // of no whole millisecond
+    for (const auto Type : {ftDateTime, ftTime, ftDate})
+        EXPECT_EQ(Parse(DateTime(Days), Type), DateTime(Days));
+}
+
 } // namespace
 
 } // namespace kv

@@ -220,6 +220,37 @@ TEST_F(KvibaseMapping, EachRunMapsAnew)
     EXPECT_EQ(Import.GetFieldItem("Field1"), -1);
 }
 
+TEST(KvibaseMappingNames, AreMatchedInAnyCaseOfAllScripts)
+{
+    TTestRun Run;
+    Run.Table.Close();
+    Run.Table.SetFieldDefs({{.Name = "Gr\xC3\xB6\xC3\x9F" "e"}, {.Name = "\xD0\x93\xD0\xBE\xD0\xB4"}});
+    Run.Table.Open();
+    Run.Table.Fill({{"1", "old"}});
+    Run.Import.SetMappings({"GR\xC3\x96\xC3\x9F" "E=Field1", "\xD0\xB3\xD0\x9E\xD0\x94=Field2"});
+    Run.Import.Mode = imAppendUpdate;
+    Run.Import.DatasetKeys = "gr\xC3\xB6\xC3\x9F" "E";
+    Run.Import.Rows = {{"1", "new"}, {"2", "added"}};
+    Run.Execute();
+    EXPECT_EQ(Run.Counters(), "2/1/1/0/0");
+    EXPECT_EQ(Run.Records(), (std::vector<std::string>{"1;new", "2;added"}));
+}
+
+TEST(KvibaseMappingNames, MayHoldAnEqualsSign)
+{
+    TTestRun Run;
+    Run.Table.Close();
+    Run.Table.SetFieldDefs({{.Name = "A=B"}, {.Name = "C"}});
+    Run.Table.Open();
+    Run.Import.Rows = {{"1", "2"}};
+    Run.Import.SetMappings({" a=b = Field1", "C=x=y"});
+    Run.Execute();
+    EXPECT_EQ(Run.Records(), std::vector<std::string>{"1;x=y"});
+    Run.Import.SetMappings({"A=B", "C=Field2"});    // no field A: a line for nothing
+    Run.Execute();
+    EXPECT_EQ(Run.Records(), (std::vector<std::string>{"1;x=y", ";2"}));
+}
+
 } // namespace
 
 } // namespace kv

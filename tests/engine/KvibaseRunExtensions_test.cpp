@@ -26,11 +26,15 @@ TEST_F(KvibaseRunExtensions, AreAllTurnedOnTogetherByTheirPublishedNames)
 {
     TurnOnExtensions(Import);
     EXPECT_EQ(Import.RunExtensions,
-              (TKvIRunExtensions{rxRestoresControls, rxTimedProgress, rxNoNumberBoxes}));
+              (TKvIRunExtensions{rxRestoresControls, rxTimedProgress, rxNoNumberBoxes, rxExactNumbers,
+                                 rxWrittenForms, rxFormatsInForce, rxTimesAlone, rxOemTextOnly,
+                                 rxErrorsByRecord, rxSourceFirst}));
     EXPECT_EQ(Import.Options, TKvIOptions());       // another set
     const auto Properties = Import.PublishedProperties();
     EXPECT_THAT(FindProperty(Properties, "RunExtensions")->Names,
-                ElementsAre("rxRestoresControls", "rxTimedProgress", "rxNoNumberBoxes"));
+                ElementsAre("rxRestoresControls", "rxTimedProgress", "rxNoNumberBoxes", "rxExactNumbers",
+                            "rxWrittenForms", "rxFormatsInForce", "rxTimesAlone", "rxOemTextOnly",
+                            "rxErrorsByRecord", "rxSourceFirst"));
 }
 
 // --- rxRestoresControls -----------------------------------------------------------------------------
@@ -178,6 +182,200 @@ TEST_F(KvibaseRunExtensions, WithoutAnimatedStatusNoMessagesRunWhileTheDestinati
     Import.Mode = imCopy;
     Execute();
     EXPECT_EQ(Ui.MessageRounds, 0);
+}
+
+// --- rxOemTextOnly ----------------------------------------------------------------------------------
+
+struct KvibaseOemTextOnly : KvibaseRunExtensions
+{
+    KvibaseOemTextOnly()
+    {
+        Table.Close();
+        Table.SetFieldDefs({{.Name = "ID", .DataType = ftString}, {.Name = "NAME", .DataType = ftBlob}});
+        Table.Open();
+        Import.CharacterSet = csiASCII_MSDOS;
+        Import.Mode = imAppendUpdate;
+        Import.DatasetKeys = "ID";
+        Import.RunExtensions = {rxOemTextOnly};
+    }
+};
+
+TEST_F(KvibaseOemTextOnly, ABlankKeyFindsTheRecordWithoutOne)
+{
+    Table.Fill({{Null, "x"}});
+    Import.Rows = {{" ", "\x81"}, {"\x81", "y"}, {Null, "\x81"}};
+    Execute();
+    EXPECT_EQ(Counters(), "3/1/2/0/0");
+    EXPECT_EQ(Records(), (std::vector<std::string>{";\x81", "\xC3\xBC;y"})); // bytes as they were
+    Import.RunExtensions = {};
+    Execute();
+    EXPECT_EQ(Counters(), "3/2/1/0/0");             // an empty text finds nothing
+}
+
+// --- rxErrorsByRecord -------------------------------------------------------------------------------
+
+struct KvibaseErrorsByRecord : KvibaseRunExtensions
+{
+    KvibaseErrorsByRecord()
+    {
+        Import.RunExtensions = {rxErrorsByRecord};
+        Import.DatasetKeys = "ID";
+        Import.OnErrorEvent = [this](TKvImportBaseComponent&, const Exception& Error, bool&) {
+            Errors.push_back(Error.Message);
+        };
+        Table.Fill({{1, "Ada"}});
+    }
+
+    /// The destination refuses every record for that reason.
+    void Break(TKvErrorRule Rule, const std::string& Field = {})
+    {
+        Table.OnInsert = [=] { throw EDatabaseError("broken", {.Field = Field, .Rule = Rule}); };
+    }
+
+    std::vector<std::string> Errors;
+};
+
+TEST_F(KvibaseErrorsByRecord, AKeyThatIsNoValueOfItsFieldFailsItsRecord)
+{
+    for (const auto Mode : {imUpdate, imAppendUpdate, imDelete}) {
+        Errors.clear();
+        Import.Mode = Mode;
+        Import.Rows = {{"abc", "Eve"}, {99, "Zoe"}};
+        Execute();
+        EXPECT_EQ(Import.Statistic.Result, irExecuted);
+        EXPECT_EQ(Import.Statistic.TotalErrors, 1);
+        EXPECT_THAT(Errors, ElementsAre("'abc' is not a valid integer value for field 'ID'"));
+    }
+    Import.RunExtensions = {};
+    Import.Mode = imUpdate;
+    Execute();
+    EXPECT_EQ(Import.Statistic.TotalErrors, 0);     // it is not found
+}
+
+TEST_F(KvibaseErrorsByRecord, ABlankKeyIsNoError)
+{
+    Import.Mode = imUpdate;
+    Import.Rows = {{"", "Eve"}};
+    Execute();
+    EXPECT_THAT(Errors, IsEmpty());
+}
+
+TEST_F(KvibaseErrorsByRecord, ARecordThatMayNotBeDeletedFailsAlone)
+{
+    Import.Mode = imDelete;
+    Import.Rows = {{1, "Ada"}, {1, "Ada"}};
+    Table.OnDelete = [this] {
+        if (Errors.empty())
+            throw EDatabaseError("referred to", {.Rule = erForeignKey});
+    };
+    Execute();
+    EXPECT_EQ(Import.Statistic.Result, irExecuted);
+    EXPECT_EQ(Counters(), "2/0/0/1/1");
+    EXPECT_THAT(Errors, ElementsAre("referred to"));
+    Import.RunExtensions = {};
+    Errors.clear();
+    Table.Fill({{1, "Ada"}});
+    Execute();
+    EXPECT_EQ(Import.Statistic.Result, irFailed);
+    EXPECT_EQ(Counters(), "1/0/0/0/0");             // nothing was deleted
+}
+
+TEST_F(KvibaseErrorsByRecord, AnErrorOfTheWholeDestinationEndsTheRun)
+{
+    for (const auto Rule : {erStorage, erBusy, erFormat, erReadOnly}) {
+        Break(Rule);
+        Execute();
+        EXPECT_EQ(Import.Statistic.Result, irFailed);
+        EXPECT_EQ(Import.ErrorMessage(), "broken");
+        EXPECT_EQ(Import.Error().Facts.Record, 1);
+        EXPECT_EQ(Counters(), "1/0/0/0/0");
+        EXPECT_EQ(Table.State(), dsBrowse);
+    }
+    EXPECT_THAT(Errors, IsEmpty());
+    Import.RunExtensions = {};
+    Execute();
+    EXPECT_EQ(Import.Statistic.Result, irExecuted);
+    EXPECT_THAT(Errors, ElementsAre("broken", "broken"));
+}
+
+TEST_F(KvibaseErrorsByRecord, AnErrorOfAValueOrAFieldDoesNot)
+{
+    for (const auto Rule : {erNone, erConversion, erUnique, erCheck, erMissing}) {
+        Break(Rule);
+        Execute();
+        EXPECT_EQ(Counters(), "2/0/0/0/2");
+    }
+    Break(erReadOnly, "NAME");
+    Execute();
+    EXPECT_EQ(Counters(), "2/0/0/0/2");
+}
+
+// --- rxSourceFirst ----------------------------------------------------------------------------------
+
+struct KvibaseSourceFirst : KvibaseRunExtensions
+{
+    KvibaseSourceFirst()
+    {
+        Import.RunExtensions = {rxSourceFirst};
+        Import.Mode = imCopy;
+        Table.Fill({{7, "Old"}});
+    }
+};
+
+TEST_F(KvibaseSourceFirst, ASourceThatCannotBeReadLeavesTheDestinationAsItWas)
+{
+    for (const char* const Call : {"BeforeImport", "GoFirst", "GetTotalCount"}) {
+        TTestRun Run;
+        Run.Import.RunExtensions = {rxSourceFirst};
+        Run.Import.Mode = imCopy;
+        Run.Import.Rows = {{1, "Ada"}};
+        Run.Table.Fill({{7, "Old"}});
+        Run.Log.Refuse(Call);
+        Run.Execute();
+        EXPECT_EQ(Run.Import.Statistic.Result, irFailed) << Call;
+        EXPECT_THAT(Run.Records(), ElementsAre("7;Old")) << Call;
+    }
+}
+
+TEST_F(KvibaseSourceFirst, TheDestinationIsEmptiedBeforeTheFirstRecordIsAdded)
+{
+    Execute();
+    EXPECT_THAT(Records(), ElementsAre("1;Ada", "2;Bob"));
+    EXPECT_EQ(Counters(), "2/2/0/0/0");
+}
+
+TEST_F(KvibaseSourceFirst, WhoCancelsWhileTheSourceGoesToItsFirstRecordKeepsTheDestination)
+{
+    struct TImpatient : TKvIRunObserver
+    {
+        explicit TImpatient(TCallLog& Calls) : Log(Calls) {}
+        bool KeepsRunning() override { return !Log.Has("GoFirst"); }
+        TCallLog& Log;
+    } Impatient(Log);
+    Import.SetObserver(&Impatient);
+    Execute();
+    Import.SetObserver(nullptr);
+    EXPECT_EQ(Import.Statistic.Result, irCanceled);
+    EXPECT_THAT(Records(), ElementsAre("7;Old"));
+}
+
+// --- Loans ------------------------------------------------------------------------------------------
+
+TEST_F(KvibaseRunExtensions, HandlersMayMoveTheSourceWithoutHarmToTheRecord)
+{
+    for (int Handler = 0; Handler < 3; ++Handler) {
+        TTestRun Run;
+        Run.Import.Rows = {{1, "Ada"}, {2, "Bob"}};
+        const auto Overwrite = [&Run] { Run.Import.EndLoans(); };
+        if (Handler == 0)
+            Run.Import.OnGetCellParams = [&](TKvImportBaseComponent&, TField*, TVariant&) { Overwrite(); };
+        if (Handler == 1)
+            Run.Import.OnBeforeRecordEvent = [&](auto&, auto&, auto&, auto&) { Overwrite(); };
+        if (Handler == 2)
+            Run.Import.OnBeforeUpdate = [&](TKvImportBaseComponent&) { Overwrite(); };
+        Run.Execute();
+        EXPECT_THAT(Run.Records(), ElementsAre("1;Ada", "2;Bob")) << Handler;
+    }
 }
 
 } // namespace

@@ -815,6 +815,36 @@ TEST_F(KvibaseRun, DialogTakesThePlaceOfTheMessageBox)
     EXPECT_THAT(Log.Of("information"), IsEmpty());
 }
 
+// --- One run after another --------------------------------------------------------------------------
+
+TEST(KvibaseRunAgain, AnEmptyRunHasNoLastAction)
+{
+    TTestRun Run;
+    Run.Import.Rows = {{1, "Ada"}};
+    Run.Execute();
+    EXPECT_EQ(Run.Import.Statistic.LastAction, iaAdd);
+    Run.Import.Rows.clear();
+    Run.Execute();
+    EXPECT_EQ(Run.Import.Statistic.LastAction, iaUnknown);
+}
+
+TEST(KvibaseRunAgain, MayHaveAnotherNumberOfKeys)
+{
+    TTestRun Run;
+    Run.Table.Close();
+    Run.Table.SetFieldDefs({{.Name = "A"}, {.Name = "B"}, {.Name = "C"}, {.Name = "N"}});
+    Run.Table.Open();
+    Run.Table.Fill({{"1", "2", "3", ""}});
+    Run.Import.SetMappings({"A=Field1", "B=Field2", "C=Field3", "N=Field4"});
+    Run.Import.Mode = imUpdate;
+    for (const char* const Keys : {"A;B", "A;B;C", "C", "A;B", "A;B;C"}) {
+        Run.Import.DatasetKeys = Keys;
+        Run.Import.Rows = {{"1", "2", "3", Keys}};
+        Run.Execute();
+        EXPECT_EQ(Run.Records(), std::vector<std::string>{std::string("1;2;3;") + Keys});
+    }
+}
+
 } // namespace
 
 } // namespace kv

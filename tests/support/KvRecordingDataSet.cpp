@@ -48,6 +48,8 @@ void TRecordingDataSet::InternalFirst()
 void TRecordingDataSet::InternalInsert(const TRecordBuffer& Written)
 {
     Note("insert " + Joined(Written.Values, TextOf));
+    if (OnInsert && !Silent)
+        OnInsert();
     TMemoryDataSet::InternalInsert(Written);
 }
 
@@ -65,6 +67,8 @@ void TRecordingDataSet::InternalUpdate(const TRecordBuffer& Written)
 void TRecordingDataSet::InternalDelete()
 {
     Note("delete " + RecordText(*this));
+    if (OnDelete)
+        OnDelete();
     TMemoryDataSet::InternalDelete();
 }
 

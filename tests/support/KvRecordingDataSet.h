@@ -1,6 +1,7 @@
 // KvRecordingDataSet - a dataset in memory that notes what is done to its records.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,9 @@ class TRecordingDataSet : public TMemoryDataSet
 {
 public:
     explicit TRecordingDataSet(TCallLog& Calls) : Log(Calls) {}
+
+    // What may raise when a record is stored or deleted.
+    std::function<void()> OnInsert, OnDelete;
 
     /// Adds records without noting it; leaves the cursor on the first.
     void Fill(const std::vector<std::vector<TVariant>>& Records);

@@ -4,6 +4,13 @@
 
 namespace kv {
 
+void TScriptedImport::EndLoans()
+{
+    for (auto& Value : Current)
+        if (Value.IsString())
+            Value.SetText("gone");
+}
+
 void TScriptedImport::BeforeImport()
 {
     Log.Call("BeforeImport");

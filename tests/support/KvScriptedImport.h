@@ -27,6 +27,9 @@ public:
     /// Times that loading asks whether to go on; if not, all rows go.
     int Polls = 0;
 
+    /// What was lent of the current record is overwritten, as a source does that was moved.
+    void EndLoans();
+
     // What sources see, for tests.
     using TKvImportBaseComponent::Fixed;
     using TKvImportBaseComponent::RowFirst;

@@ -201,6 +201,74 @@ TEST(Kvi2ds, DetectsMappingsBesideThoseThatAreThere)
     EXPECT_THAT(LinesOf(Copy.Mappings()), ElementsAre("Name=Name", "Qty=Qty", "Name=Name", "Qty=Qty"));
 }
 
+TEST(Kvi2ds, RefusesToCopyATableOntoItself)
+{
+    TCopy Copy;
+    Copy.SetDataSet(&Copy.From);
+    for (const auto Mode : {imAppend, imCopy}) {
+        Copy.Mode = Mode;
+        Copy.Execute();
+        EXPECT_EQ(Copy.Statistic.Result, irFailed);
+        EXPECT_EQ(Copy.ErrorMessage(), "Source and destination are the same table");
+        EXPECT_EQ(Copy.From.RecordCount(), 3);
+    }
+}
+
+/// A dataset that says which table it shows.
+class TNamedTable : public TMemoryDataSet
+{
+public:
+    std::string TableIdentity() const override { return Identity; }
+    std::string Identity;
+};
+
+TEST(Kvi2ds, RefusesToEmptyTheTableThatAnotherDatasetReads)
+{
+    TNamedTable From, To;
+    Fill(From, {{.Name = "NAME"}}, {{"Ada"}});
+    Fill(To, {{.Name = "NAME"}}, {{"Ada"}});
+    From.Identity = To.Identity = "shop.db orders";
+    TKvImportFromDataSet Copy;
+    Copy.SetSourceDataset(&From);
+    Copy.SetDataSet(&To);
+    Copy.AnimatedStatus = false;
+    Copy.Options = {};
+    Copy.Mode = imCopy;
+    Copy.Execute();
+    EXPECT_EQ(Copy.ErrorMessage(), "Source and destination are the same table");
+    EXPECT_EQ(To.RecordCount(), 1);
+    Copy.Mode = imAppend;                           // is as good as any other
+    Copy.Execute();
+    EXPECT_EQ(To.RecordCount(), 2);
+    From.Identity = To.Identity = "";
+    Copy.Mode = imCopy;
+    Copy.Execute();
+    EXPECT_EQ(Copy.Statistic.Result, irExecuted);
+}
+
+TEST(Kvi2ds, TextOfRecordsReachesTheDestinationAsItWas)
+{
+    TCopy Copy;
+    const std::string Long(100, 'x');
+    Copy.From.Close();
+    Fill(Copy.From, {{.Name = "NAME"}}, {{Long}, {"short"}, {Long + "y"}});
+    EXPECT_THAT(Copy.Run(), ElementsAre(Long + "||", "short||", Long + "y||"));
+}
+
+TEST(Kvi2ds, AHandlerMayMoveTheSourceWithoutHarmToTheRecord)
+{
+    TCopy Copy;
+    const std::string Long(100, 'x');
+    Copy.From.Close();
+    Fill(Copy.From, {{.Name = "NAME"}}, {{Long}, {"short"}});
+    Copy.OnBeforeUpdate = [&](TKvImportBaseComponent&) {
+        Copy.From.Edit();
+        Copy.From.Fields(0).SetValue("changed by a handler, to another text that is long enough");
+        Copy.From.Post();
+    };
+    EXPECT_THAT(Copy.Run(), ElementsAre(Long + "||", "short||"));
+}
+
 TEST(Kvi2ds, UpdatesRecordsWithTheSameKey)
 {
     TCopy Copy;
