@@ -110,10 +110,19 @@ std::string WithSeparator(std::string_view Text)
 /// Some programs store the point of a number that was left blank.
 bool IsBlankNumber(std::string_view Text) { return Text.empty() || Text == "."; }
 
+/// A double of few digits gives the same digits back; what has more stays text.
+TVariant ExactValue(std::string_view Text)
+{
+    constexpr int MaxDoubleDigits = 15;
+    const auto Double = ReadDouble(Text);
+    if (!Double)
+        RefuseText(Text, "number");
+    return SignificantDigits(Text) <= MaxDoubleDigits ? TVariant(*Double) : TVariant(WithSeparator(Text));
+}
+
 TVariant NumberValue(std::string_view Bytes)
 {
     constexpr int MaxCurrencyDecimals = 4;
-    constexpr int MaxDoubleDigits = 15;             // a double of so many digits gives the same digits back
     constexpr std::int64_t Scales[] = {TCurrency::Scale, 1000, 100, 10, 1};
     const auto Text = Filled(Bytes);
     if (IsBlankNumber(Text))
@@ -125,21 +134,13 @@ TVariant NumberValue(std::string_view Bytes)
             Number->Count + MaxCurrencyDecimals - Number->Decimals <= MaxInt64Digits)
             return TCurrency{Number->Digits * Scales[Number->Decimals]};
     }
-    const auto Double = ReadDouble(Text);
-    if (!Double)
-        RefuseText(Text, "number");
-    return SignificantDigits(Text) <= MaxDoubleDigits ? TVariant(*Double) : TVariant(WithSeparator(Text));
+    return ExactValue(Text);
 }
 
 TVariant FloatValue(std::string_view Bytes)
 {
     const auto Text = Filled(Bytes);
-    if (IsBlankNumber(Text))
-        return Null;
-    const auto Double = ReadDouble(Text);
-    if (!Double)
-        RefuseText(Text, "number");
-    return *Double;
+    return IsBlankNumber(Text) ? TVariant(Null) : ExactValue(Text);
 }
 
 TVariant DoubleValue(std::string_view Bytes)
