@@ -1,8 +1,10 @@
 #include "KvMdbValues.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdint>
 #include <cstdio>
+#include <iterator>
 #include <string_view>
 
 #include "KvByteCursor.h"
@@ -28,6 +30,16 @@ template <class T> T NumberOf(std::string_view Bytes)
         throw EFormatError("its value is damaged: it takes " + std::to_string(Bytes.size()) +
                            " bytes instead of " + std::to_string(sizeof(T)));
     return LoadLittleEndian<T>(Bytes.data());
+}
+
+/// What a single-precision value shows: 0.1, not 0.10000000149011612.
+double ShownDouble(float Single)
+{
+    double Value = Single;
+    char Text[32];
+    const auto End = std::to_chars(std::begin(Text), std::end(Text), Single).ptr;
+    std::from_chars(Text, End, Value);
+    return Value;
 }
 
 /// As people write it: "{00020810-0000-0000-C000-000000000046}".
@@ -107,7 +119,7 @@ void TMdbValues::WriteValue(const MdbColumn& Column, const TMdbValue& Value)
     case afComplex:  return Writer.Integer(NumberOf<std::int32_t>(Bytes));
     case afBigInt:   return Writer.Integer(NumberOf<std::int64_t>(Bytes));
     case afCurrency: return Writer.Currency(NumberOf<std::int64_t>(Bytes));
-    case afSingle:   return Writer.Double(NumberOf<float>(Bytes));
+    case afSingle:   return Writer.Double(ShownDouble(NumberOf<float>(Bytes)));
     case afDouble:   return Writer.Double(NumberOf<double>(Bytes));
     case afDateTime: return Writer.DateTime(NumberOf<double>(Bytes));
     case afBinary:   return Writer.Bytes(Bytes);
