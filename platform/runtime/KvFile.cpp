@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 #include <new>
-#include <poll.h>
 #include <string_view>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -14,6 +12,7 @@
 
 #include "KvException.h"
 #include "KvFileAlias.h"
+#include "KvOpenFile.h"
 #include "KvText.h"
 
 namespace kv {
@@ -31,59 +30,6 @@ void PreferLargePages(char* Bytes, std::size_t Size)
     if (Size > PieceSize)
         madvise(Bytes + Skipped, Size - Skipped, MADV_HUGEPAGE); // a wish: failing changes nothing
 }
-
-/// A file open for reading.
-class TOpenFile
-{
-public:
-    explicit TOpenFile(const std::string& FileName) : Name(FileName)
-    {
-        const auto Path = PathOfFile(Name);
-        do
-            Descriptor = open(Path.c_str(), O_RDONLY | O_CLOEXEC);
-        while (Descriptor < 0 && errno == EINTR);
-        if (Descriptor < 0)
-            RaiseFileError("open", Name, errno);
-    }
-    TOpenFile(const TOpenFile&) = delete;
-    TOpenFile& operator=(const TOpenFile&) = delete;
-    ~TOpenFile() { close(Descriptor); }
-
-    /// What the system says of its size: 0 for a pipe and for some files that do hold bytes.
-    std::size_t StatedSize() const
-    {
-        struct stat Status;
-        if (fstat(Descriptor, &Status) != 0)
-            RaiseFileError("open", Name, errno);
-        if (S_ISDIR(Status.st_mode))
-            RaiseFileError("open", Name, EISDIR);
-        return S_ISREG(Status.st_mode) ? static_cast<std::size_t>(Status.st_size) : 0;
-    }
-
-    /// Waits a moment for bytes; false when a pipe has none yet.
-    bool IsReady()
-    {
-        constexpr int Milliseconds = 100;
-        pollfd Waiting{.fd = Descriptor, .events = POLLIN, .revents = 0};
-        return poll(&Waiting, 1, Milliseconds) > 0;
-    }
-
-    /// Up to `Size` bytes, none only at the end of the file.
-    std::size_t Read(char* Buffer, std::size_t Size)
-    {
-        for (;;) {
-            const auto Count = read(Descriptor, Buffer, Size);
-            if (Count >= 0)
-                return static_cast<std::size_t>(Count);
-            if (errno != EINTR)
-                RaiseFileError("read", Name, errno);
-        }
-    }
-
-private:
-    const std::string& Name;
-    int Descriptor;
-};
 
 /// Bytes that are appended piece by piece.
 class TByteBuffer
@@ -116,7 +62,7 @@ private:
 
 /// Makes room for at least one byte if the file has one more: a file whose size was known ends here
 /// as a rule, and then the buffer stays as large as the file.
-bool MakeRoom(TByteBuffer& Buffer, TOpenFile& File, std::size_t MaxSize)
+bool MakeRoom(TByteBuffer& Buffer, TKvOpenFile& File, std::size_t MaxSize)
 {
     char Next;
     if (File.Read(&Next, 1) == 0)
@@ -127,7 +73,7 @@ bool MakeRoom(TByteBuffer& Buffer, TOpenFile& File, std::size_t MaxSize)
     return true;
 }
 
-TKvFileBytes ReadToEnd(TOpenFile& File, std::size_t MaxSize, const std::function<bool()>& Continue)
+TKvFileBytes ReadToEnd(TKvOpenFile& File, std::size_t MaxSize, const std::function<bool()>& Continue)
 {
     const auto StatedSize = File.StatedSize();
     TByteBuffer Buffer(std::min(MaxSize, StatedSize != 0 ? StatedSize : FirstCapacity));
@@ -161,7 +107,7 @@ void RaiseFileError(std::string_view Action, const std::string& FileName, int Co
 TKvFileBytes ReadFileBytes(const std::string& FileName, std::size_t MaxSize,
                            const std::function<bool()>& Continue)
 {
-    TOpenFile File(FileName);
+    TKvOpenFile File(FileName);
     try {
         return ReadToEnd(File, MaxSize, Continue);
     } catch (const std::bad_alloc&) {

@@ -10,13 +10,6 @@ namespace kv {
 
 namespace {
 
-struct TMark
-{
-    std::string_view Bytes;
-    std::string_view CodePage;
-    std::string_view (*WholeCharacters)(std::string_view Text); // without one at the end that is cut short
-};
-
 std::string_view WholeUtf8(std::string_view Text)
 {
     const auto IsContinuation = [](char Byte) { return (Byte & 0xC0) == 0x80; };
@@ -39,23 +32,22 @@ template <std::size_t HighByte> std::string_view WholeUtf16(std::string_view Tex
 }
 
 constexpr std::string_view Utf8 = "UTF-8";
-constexpr TMark Marks[] = {{"\xEF\xBB\xBF", Utf8, WholeUtf8},
+constexpr TKvMark Marks[] = {{"\xEF\xBB\xBF", Utf8, WholeUtf8},
                            {"\xFF\xFE", "UTF-16LE", WholeUtf16<1>},
                            {"\xFE\xFF", "UTF-16BE", WholeUtf16<0>}};
 
-/// The mark that a text begins with, or none.
-const TMark* FindMark(std::string_view Text)
+} // namespace
+
+const TKvMark* FindByteOrderMark(std::string_view Text)
 {
-    const auto Begins = [Text](const TMark& Each) { return Text.starts_with(Each.Bytes); };
+    const auto Begins = [Text](const TKvMark& Each) { return Text.starts_with(Each.Bytes); };
     const auto Found = std::ranges::find_if(Marks, Begins);
     return Found == std::end(Marks) ? nullptr : Found;
 }
 
-} // namespace
-
 std::string_view WithoutByteOrderMark(std::string_view Text)
 {
-    const auto* const Found = FindMark(Text);
+    const auto* const Found = FindByteOrderMark(Text);
     return Found ? Text.substr(Found->Bytes.size()) : Text;
 }
 
@@ -63,7 +55,7 @@ TKvTextFile::TKvTextFile(const std::string& FileName, TKvByteOrderMark Mark, std
                          const std::function<bool()>& Continue)
 {
     Read(FileName, MaxSize, Continue);
-    const auto* const Found = Mark == bmTellsEncoding ? FindMark(FText) : nullptr;
+    const auto* const Found = Mark == bmTellsEncoding ? FindByteOrderMark(FText) : nullptr;
     if (!Found)
         return;
     DropMark(Found->Bytes.size());
@@ -76,7 +68,7 @@ TKvTextFile::TKvTextFile(const std::string& FileName, TKvFindEncoding Declared,
                          const std::function<bool()>& Continue)
 {
     Read(FileName, WholeFile, Continue);
-    if (const auto* const Found = FindMark(FText)) {
+    if (const auto* const Found = FindByteOrderMark(FText)) {
         DropMark(Found->Bytes.size());
         Decode(FileName, std::string(Found->CodePage));
     }
@@ -103,17 +95,22 @@ void TKvTextFile::Decode(const std::string& FileName, const std::string& CodePag
 {
     if (SameText(CodePage, AnsiCodePage()))
         return;
+    Decoded = DecodeText(FileName, FText, CodePage);
+    FText = Decoded;
+    FOffset = -1;
+    Bytes = {};
+}
+
+std::string DecodeText(const std::string& FileName, std::string_view Text, const std::string& CodePage)
+{
     try {
-        Decoded = Utf8ToAnsi(CodePageToUtf8(FText, CodePage));
+        return Utf8ToAnsi(CodePageToUtf8(Text, CodePage));
     }
     catch (const EConvertError&) {                  // its message may hold the whole text
         throw EConvertError(FormatText("Cannot convert the text of file \"%s\" from %s to %s",
                                        {FileName, CodePage, AnsiCodePage()}),
                             {.FileName = FileName, .Rule = erFormat});
     }
-    FText = Decoded;
-    FOffset = -1;
-    Bytes = {};
 }
 
 } // namespace kv

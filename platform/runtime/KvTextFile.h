@@ -18,8 +18,23 @@ enum TKvByteOrderMark {
     bmTellsEncoding                                 ///< It is no text; UTF-8 and UTF-16 become process text.
 };
 
+/// A byte order mark: the bytes that it is, and the encoding of which it is one.
+struct TKvMark
+{
+    std::string_view Bytes;
+    std::string_view CodePage;
+    /// A text without the character at its end that is cut short.
+    std::string_view (*WholeCharacters)(std::string_view Text);
+};
+
+/// The mark that a text begins with, or none.
+const TKvMark* FindByteOrderMark(std::string_view Text);
+
 /// `Text` without the byte order mark that it may begin with.
 std::string_view WithoutByteOrderMark(std::string_view Text);
+
+/// `Text` of a file, in code page `CodePage`, as process text. Raises EConvertError, which names the file.
+std::string DecodeText(const std::string& FileName, std::string_view Text, const std::string& CodePage);
 
 /// Looks in the beginning of a text for the name of its encoding: an answer that holds as long as the text,
 /// empty when there is none.
