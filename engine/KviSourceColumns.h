@@ -2,8 +2,12 @@
 // is taken apart once per run and not once per value.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -19,6 +23,7 @@ public:
     void Clear()
     {
         Entries.clear();
+        Places.clear();
         Next = 0;
     }
 
@@ -39,14 +44,26 @@ private:
         TColumn Column;
     };
 
+    struct THash
+    {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view Name) const { return std::hash<std::string_view>()(Name); }
+    };
+
+    static constexpr std::size_t Few = 16;          // so many are compared sooner than a name is hashed
+
     /// Apart from Find, so that this stays small where it is called for every value.
     template <class TResolve>
     [[gnu::noinline]] const TColumn& Search(const TVariant& Source, TResolve&& Resolve)
     {
-        for (std::size_t I = 0; I < Entries.size(); ++I)
+        for (std::size_t I = 0; I < std::min(Entries.size(), Few); ++I)
             if (Entries[I].Source == Source.Text())
                 return Entries[Advance(I)].Column;
+        if (const auto Found = Places.find(Source.Text()); Found != Places.end())
+            return Entries[Advance(Found->second)].Column;
         const std::string Name = Source.ToText();
+        if (Entries.size() >= Few)
+            Places.emplace(Name, Entries.size());
         Entries.push_back({Name, std::forward<TResolve>(Resolve)(Name)});
         return Entries[Advance(Entries.size() - 1)].Column;
     }
@@ -58,6 +75,7 @@ private:
     }
 
     std::vector<TEntry> Entries;
+    std::unordered_map<std::string, std::size_t, THash, std::equal_to<>> Places; // in Entries, of the others
     std::size_t Next = 0;
 };
 

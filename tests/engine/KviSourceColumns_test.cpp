@@ -37,6 +37,19 @@ TEST_F(KviSourceColumns, NamesAreComparedToTheLetter)
     EXPECT_EQ(Resolved, 2);
 }
 
+TEST_F(KviSourceColumns, ManyNamesAreResolvedOnceTooInWhateverOrderTheyAreAsked)
+{
+    const auto NameOf = [](int Number) { return std::string(static_cast<std::size_t>(Number), 'x'); };
+    for (int Number = 1; Number <= 100; ++Number)
+        EXPECT_EQ(Find(NameOf(Number).c_str()), static_cast<std::size_t>(Number));
+    for (int Number = 100; Number >= 1; --Number)
+        EXPECT_EQ(Find(NameOf(Number).c_str()), static_cast<std::size_t>(Number));
+    EXPECT_EQ(Resolved, 100);
+    Columns.Clear();
+    Find(NameOf(100).c_str());
+    EXPECT_EQ(Resolved, 101);
+}
+
 TEST_F(KviSourceColumns, NameThatCannotBeResolvedIsNotRemembered)
 {
     const auto Raise = [](const std::string&) -> std::size_t { throw 1; };
