@@ -20,9 +20,17 @@ struct TKvISourcePosition
     std::int64_t Number = 0;                        ///< From 1; 0: there is no current record.
     /// Of its first byte in the file; -1 where there is none.
     std::int64_t Offset = -1;
+    /// The line of the file in which it begins, as programs count them that know no records over several
+    /// lines; 0 where there is none.
+    std::int64_t FileLine = 0;
 
-    /// For messages: "line 18".
-    std::string Text() const { return std::string(Unit) + " " + std::to_string(Number); }
+    /// For messages: "line 18", "line 18 (line 20 of the file)".
+    std::string Text() const
+    {
+        const auto Place = std::string(Unit) + " " + std::to_string(Number);
+        const bool Differs = FileLine > 0 && FileLine != Number;
+        return Differs ? Place + " (line " + std::to_string(FileLine) + " of the file)" : Place;
+    }
 };
 
 /// A column that a source offers. Texts are in the process's code page.
@@ -102,7 +110,11 @@ enum TKvISourceRemarkKind {
     /// Count values stand right of the last column that can be read.
     srCellsBeyondLastColumn,
     /// The rows of Count tables were read one after the other.
-    srSeveralTables
+    srSeveralTables,
+    /// Count rows without values, the first being First, were left out.
+    srEmptyRows,
+    /// Count rows, the first being First, hold characters of several bytes, which positions do not count.
+    srWideCharacters
 };
 
 struct TKvISourceRemark

@@ -79,7 +79,10 @@ enum TKvIRunExtension {
     rxErrorsByRecord,
     /// The source stands on its first record, and its records are counted, before imCopy empties the
     /// destination. Without it afterwards.
-    rxSourceFirst
+    rxSourceFirst,
+    /// What holds no value is no record: a blank line, a line of delimiters alone, a row without values.
+    /// Their number is told by a remark. Without it they are records without values.
+    rxNoEmptyRecords
 };
 using TKvIRunExtensions = TSet<TKvIRunExtension>;
 

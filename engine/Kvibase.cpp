@@ -13,7 +13,8 @@ constexpr std::string_view ModeNames[] = {"imAppend", "imUpdate", "imAppendUpdat
 constexpr std::string_view OptionNames[] = {"soShowMessage", "soExtendedStatistic"};
 constexpr std::string_view RunExtensionNames[] = {
     "rxRestoresControls", "rxTimedProgress", "rxNoNumberBoxes", "rxExactNumbers",   "rxWrittenForms",
-    "rxFormatsInForce",   "rxTimesAlone",    "rxOemTextOnly",   "rxErrorsByRecord", "rxSourceFirst"};
+    "rxFormatsInForce",   "rxTimesAlone",    "rxOemTextOnly",   "rxErrorsByRecord", "rxSourceFirst",
+    "rxNoEmptyRecords"};
 
 /// Data formats outlive their component: handlers and forms may keep reading them.
 TKvIDataFormats& NewDataFormats()

@@ -200,6 +200,8 @@ protected:
     virtual int RecordWidth() const { return -1; }
     virtual void AfterLook() { AfterImport(); }
     bool IsLooking() const { return Activity == acLooking; } ///< No run, but a look at the source.
+    /// True when texts are of the OEM code page: by CharacterSet, unless the source says otherwise.
+    virtual bool IsOemText() const { return CharacterSet == csiASCII_MSDOS; }
 
     // What sources and the run use.
     /// What a header says as the title of a column: without blanks at its ends, of the OEM page where the
@@ -289,7 +291,7 @@ private:
     TMappedFields MappedFields() const;             // the usable lines of Mappings
     static void ConvertText(TVariant& Value);
     void TellRecord(Exception& Error, const TMappedField* Mapped = nullptr) const;
-    bool IsOemText(const TField* Field, const TVariant& Value) const;
+    bool TakesOemText(const TField* Field, const TVariant& Value) const;
     void OfferCell(TMappedField& Mapped);
     bool OfferRecord();
     void EmptyDataSet();

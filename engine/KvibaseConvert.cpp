@@ -83,7 +83,7 @@ void TKvImportBaseComponent::ConvertText(TVariant& Value)
     }
 }
 
-bool TKvImportBaseComponent::IsOemText(const TField* Field, const TVariant& Value) const
+bool TKvImportBaseComponent::TakesOemText(const TField* Field, const TVariant& Value) const
 {
     if (RunExtensions.Contains(rxOemTextOnly) &&
         (!Value.IsString() || (Field && IsBinaryField(Field->DataType()))))
@@ -94,7 +94,7 @@ bool TKvImportBaseComponent::IsOemText(const TField* Field, const TVariant& Valu
 void TKvImportBaseComponent::OfferCell(TMappedField& Mapped)
 {
     auto* const Field = Mapped.Index >= 0 ? &FDataSet->Fields(Mapped.Index) : nullptr;
-    if (CharacterSet == csiASCII_MSDOS && IsOemText(Field, Mapped.Value))
+    if (IsOemText() && TakesOemText(Field, Mapped.Value))
         ConvertText(Mapped.Value);
     if (!OnGetCellParams)
         return;

@@ -107,7 +107,7 @@ TKvISourceValue TKvImportBaseComponent::LookAtValue(const std::function<TVariant
     try {
         const TVariant Lent = ValueOf();
         TVariant Value(Lent);                       // owned
-        if (CharacterSet == csiASCII_MSDOS && Value.IsString() && !IsBinaryField(DataType))
+        if (Value.IsString() && IsOemText() && !IsBinaryField(DataType))
             Value = UECode(true, Value.Text());
         return {.Value = std::move(Value)};
     }
@@ -151,7 +151,7 @@ std::optional<bool> TKvImportBaseComponent::NamesColumn(const std::string&)
 
 std::string TKvImportBaseComponent::TitleText(std::string_view Header) const
 {
-    return UECode(CharacterSet == csiASCII_MSDOS, Trim(Header));
+    return UECode(IsOemText(), Trim(Header));
 }
 
 } // namespace kv

@@ -105,7 +105,11 @@ enum TJobFindingKind {
     jfColumnsBeyond,                                ///< The same for columns.
     /// Count values stand right of the last column that can be read.
     jfCellsBeyond,
-    jfSeveralTables                                 ///< Rows of Count tables were read one after the other.
+    jfSeveralTables,                                ///< Rows of Count tables were read one after the other.
+    /// Count rows without values, from row Number on, were left out.
+    jfEmptyRows,
+    /// Count rows, from row Number on, hold characters of several bytes; positions count bytes.
+    jfWideCharacters
 };
 
 /// One of them with its facts. Texts are UTF-8.

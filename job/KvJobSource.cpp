@@ -43,6 +43,8 @@ TJobFinding FindingOf(const TKvISourceRemark& Remark)
         case srRowsBeyondExtent:      return jfRowsBeyond;
         case srColumnsBeyondExtent:   return jfColumnsBeyond;
         case srCellsBeyondLastColumn: return jfCellsBeyond;
+        case srEmptyRows:             return jfEmptyRows;
+        case srWideCharacters:        return jfWideCharacters;
         case srSeveralTables:         break;
         }
         return jfSeveralTables;

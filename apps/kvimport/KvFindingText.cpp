@@ -62,6 +62,14 @@ std::string OtherWidth(const TJobFinding& Found)
                         : "the extra ones were imported only where a mapping names them");
 }
 
+std::string EmptyRows(const TJobFinding& Found)
+{
+    if (Found.Count == 1)
+        return Row(Found) + " is empty and was left out";
+    return GroupDigits(Found.Count) + " empty " + Found.Unit + "s were left out, the first of them " +
+           Row(Found);
+}
+
 std::string BeyondExtent(const TJobFinding& Found)
 {
     if (Found.Kind == jfRowsBeyond)
@@ -248,6 +256,10 @@ std::string FindingText(const TJobFinding& Found)
     case jfSeveralTables:
         return "rows of " + GroupDigits(Found.Count) +
                " tables were read one after the other; --table-number takes one";
+    case jfEmptyRows:       return EmptyRows(Found);
+    case jfWideCharacters:
+        return RowsFrom(Found) +
+               " characters of several bytes: columns count bytes, so what follows those is cut too early";
     default:                return RefusalText(Found);
     }
 }

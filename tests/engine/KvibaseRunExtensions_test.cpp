@@ -28,13 +28,13 @@ TEST_F(KvibaseRunExtensions, AreAllTurnedOnTogetherByTheirPublishedNames)
     EXPECT_EQ(Import.RunExtensions,
               (TKvIRunExtensions{rxRestoresControls, rxTimedProgress, rxNoNumberBoxes, rxExactNumbers,
                                  rxWrittenForms, rxFormatsInForce, rxTimesAlone, rxOemTextOnly,
-                                 rxErrorsByRecord, rxSourceFirst}));
+                                 rxErrorsByRecord, rxSourceFirst, rxNoEmptyRecords}));
     EXPECT_EQ(Import.Options, TKvIOptions());       // another set
     const auto Properties = Import.PublishedProperties();
     EXPECT_THAT(FindProperty(Properties, "RunExtensions")->Names,
                 ElementsAre("rxRestoresControls", "rxTimedProgress", "rxNoNumberBoxes", "rxExactNumbers",
                             "rxWrittenForms", "rxFormatsInForce", "rxTimesAlone", "rxOemTextOnly",
-                            "rxErrorsByRecord", "rxSourceFirst"));
+                            "rxErrorsByRecord", "rxSourceFirst", "rxNoEmptyRecords"));
 }
 
 // --- rxRestoresControls -----------------------------------------------------------------------------
