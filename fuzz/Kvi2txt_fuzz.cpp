@@ -38,14 +38,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size
     TFuzzInput Input(Data, Size);
     Import.SetDataSet(&Table);
     Import.AnimatedStatus = false;
-    Import.Extensions = TKvITextExtensions::FromBits(Input.Take<std::uint8_t>() & 15);
-    Import.Fixed = Input.TakeOneOf({false, true});
+    const auto Extensions = Input.Take<std::uint8_t>();
+    Import.Extensions = TKvITextExtensions::FromBits(Extensions & 127);
+    Import.RunExtensions = TKvIRunExtensions();
+    if (Extensions & 128)
+        Import.RunExtensions.Include(rxNoEmptyRecords);
+    const auto Fixed = Input.Take<std::uint8_t>();
+    Import.Fixed = (Fixed & 1) != 0;
+    Import.FixedUnit = (Fixed & 2) != 0 ? tuCharacters : tuBytes;
     Import.RowFirst = Input.TakeOneOf({1, 2, 0, 5});
     Import.SetFieldDelimiterCustom(Input.TakeOneOf({',', '\t', '\0', '"'}));
     Import.SetTextQualifierCustom(Input.TakeOneOf({'"', '\'', '\0'}));
     const bool AutoMapping = Input.TakeOneOf({false, true});
     Import.SetMappings(AutoMapping ? TStrings() : TStrings{"A=Field1", "B=Field2", "C=Text3-9"});
-    Import.SetRecordSeparatorCustom(Input.TakeOneOf({"\r\n", "\n", "\r", "|", ""}));
+    Import.SetRecordSeparatorCustom(Input.TakeOneOf({"\r\n", "\n", "\r", "|", "", "<|>"}));
     Import.HeaderLine = Input.TakeOneOf({1, 0, 2, 7});
     Import.CharacterSet = Input.TakeOneOf({csiANSI_WINDOWS, csiASCII_MSDOS});
     const TMemoryFile File(Input.TakeRest());
@@ -58,7 +64,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size
     Require(Counts.FewerLines + Counts.MoreLines <= S.TotalImported);
     if (S.Result == irExecuted) {
         Require(S.TotalImported == S.TotalAdded && Table.RecordCount() == S.TotalAdded - S.TotalErrors);
-        if (Import.Extensions.IsEmpty())
+        if (Import.Extensions.IsEmpty() && Import.RunExtensions.IsEmpty())
             CheckLines(Import);
     }
     return 0;

@@ -21,7 +21,7 @@ struct stat StatusOf(int Descriptor, const std::string& Name)
     return Status;
 }
 
-}                                                   // namespace
+} // namespace
 
 TKvOpenFile::TKvOpenFile(const std::string& FileName) : FName(FileName)
 {
@@ -75,4 +75,4 @@ void TKvOpenFile::Rewind()
         RaiseFileError("read", FName, errno);
 }
 
-}                                                   // namespace kv
+} // namespace kv

@@ -34,4 +34,4 @@ private:
     int Descriptor;
 };
 
-}                                                   // namespace kv
+} // namespace kv

@@ -14,10 +14,20 @@ enum TKvITextExtension {
     /// Delimited lines have any length. Without it a line over 9999 characters ends the run.
     xtLongLines,
     /// A byte order mark is no part of the first value; one of UTF-16 also says how the text is to be
-    /// read. Without it the mark is text.
+    /// read, and positions of fixed lines then count its characters. What it says wins over the character
+    /// set. Without it the mark is text.
     xtByteOrderMark,
     /// Blanks that fill a fixed column up are no part of its value. Without it they are.
-    xtFixedPadding
+    xtFixedPadding,
+    /// A record separator of several characters is one: only all of it ends a record. Not so CR LF, of
+    /// which each ends a line alone too. Without it any of its characters does.
+    xtWholeSeparator,
+    /// A first line "sep=;" says by which character values are delimited, whatever the setting, and is no
+    /// line of the file. Without it that is a line like any other.
+    xtDelimiterLine,
+    /// Ctrl+Z at the end of the file, with which MS-DOS ended files, is no text. Without it the last line has
+    /// it.
+    xtEndOfFileMark
 };
 using TKvITextExtensions = TSet<TKvITextExtension>;
 

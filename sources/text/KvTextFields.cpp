@@ -15,6 +15,7 @@ void TKvTextFields::Split(std::string_view TheLine)
 {
     Line = TheLine;
     FCount = 0;
+    Texts.clear();
     if (Line.empty())
         return;
     if (DoubledQualifiers)
@@ -45,7 +46,7 @@ void TKvTextFields::SplitByParity()
     // with the delimiter that ends the line, hidden or not ...
     AddTrimmed(First, Last);
     if (Last[-1] == Delimiter) {
-        Add(Last, Last, false);                     // ... and the empty value after it
+        Add(Last, Last, tpInLine);                  // ... and the empty value after it
         ++Fields[FCount - 1].Stop;
     }
 }
@@ -62,7 +63,7 @@ void TKvTextFields::AddTrimmed(const char* First, const char* Last)
     // whether or not the value has any: an empty one begins with the delimiter after it.
     const bool CutsFirst = IsQualifier(*First) || *First == Delimiter;
     const bool CutsLast = Last != Begin() && IsQualifier(Last[-1]);
-    Add(First + CutsFirst, Last - CutsLast, false);
+    Add(First + CutsFirst, Last - CutsLast, tpInLine);
 }
 
 void TKvTextFields::SplitByValues()
@@ -75,7 +76,7 @@ void TKvTextFields::SplitByValues()
         else {
             const char* const First = P;
             P = FindChar(P, Last, Delimiter);
-            Add(First, P, false);
+            Add(First, P, tpInLine);
         }
         if (P == Last)
             return;
@@ -87,45 +88,50 @@ const char* TKvTextFields::AddQualified(const char* Open)
 {
     const char* const Close = FindClosingQualifier(Open, End());
     if (Close == End()) {
-        Add(Open, Close, true);
+        Add(Open, Close, tpQualified);
         return Close;
     }
     const char* const Next = FindChar(Close + 1, End(), Delimiter);
     const bool HoldsQualifiers = FindChar(Open + 1, Close, Qualifier) != Close;
     if (HoldsQualifiers || Next != Close + 1)
-        Add(Open, Next, true);
+        Add(Open, Next, tpQualified);
     else
-        Add(Open + 1, Close, false);
+        Add(Open + 1, Close, tpInLine);
     return Next;
 }
 
-void TKvTextFields::Add(const char* First, const char* Last, bool Rewritten)
+void TKvTextFields::Add(const char* First, const char* Last, TKvTextPlace Place)
 {
     if (FCount == Fields.size())
         Fields.resize(2 * FCount + 8);
-    Fields[FCount++] = {static_cast<std::size_t>(First - Begin()), static_cast<std::size_t>(Last - Begin()),
-                        Rewritten};
+    const auto OffsetOf = [this](const char* Pos) { return static_cast<std::uint32_t>(Pos - Begin()); };
+    Fields[FCount++] = {OffsetOf(First), OffsetOf(Last), Place};
 }
 
 /// A qualified value that holds doubled qualifiers, or text after the closing one.
-std::string_view TKvTextFields::WithoutQualifiers(std::size_t Index)
+std::string_view TKvTextFields::WithoutQualifiers(TKvTextField& Field)
 {
-    if (Texts.size() < FCount)                      // once a line: short texts move when the list grows
-        Texts.resize(FCount);
-    auto& Text = Texts[Index];
-    Text.clear();
-    const char* const Last = Begin() + Fields[Index].Stop;
-    const char* First = Begin() + Fields[Index].Start + 1;
+    if (Field.Place == tpQualified) {
+        Texts.reserve(Line.size());                 // views of what is in it stay good
+        const auto Size = Texts.size();
+        Rewrite(Begin() + Field.Start + 1, Begin() + Field.Stop);
+        Field = {static_cast<std::uint32_t>(Size), static_cast<std::uint32_t>(Texts.size()), tpRewritten};
+    }
+    return std::string_view(Texts).substr(Field.Start, Field.Stop - Field.Start);
+}
+
+/// Appends the value between the opening qualifier and `Last` to the texts.
+void TKvTextFields::Rewrite(const char* First, const char* Last)
+{
     const char* P = FindChar(First, Last, Qualifier);
     while (Last - P >= 2 && P[1] == Qualifier) {
-        Text.append(First, P + 1);
+        Texts.append(First, P + 1);
         First = P + 2;
         P = FindChar(First, Last, Qualifier);
     }
-    Text.append(First, P);
+    Texts.append(First, P);
     if (P != Last)
-        Text.append(P + 1, Last);
-    return Text;
+        Texts.append(P + 1, Last);
 }
 
 } // namespace kv

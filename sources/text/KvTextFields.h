@@ -2,19 +2,27 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace kv {
 
+/// Where the text of a value stands.
+enum TKvTextPlace : std::uint8_t {
+    tpInLine,
+    tpQualified,                                    ///< In its line, but some qualifiers are no part of it.
+    tpRewritten                                     ///< Among those that were written without them.
+};
+
 /// Where a value stands in its line: bytes [Start, Stop) from 0. An empty value may have Start past
 /// Stop, and the one after a trailing delimiter has Stop one past the line.
 struct TKvTextField
 {
-    std::size_t Start;
-    std::size_t Stop;
-    bool Rewritten;                                 ///< Its text is that of the line without some qualifiers.
+    std::uint32_t Start;
+    std::uint32_t Stop;
+    TKvTextPlace Place;
 
     friend bool operator==(const TKvTextField&, const TKvTextField&) = default;
 };
@@ -31,6 +39,8 @@ public:
     /// stands between that and the delimiter is kept as text of the value.
     TKvTextFields(char Delimiter, char Qualifier, bool DoubledQualifiers = false);
 
+    static constexpr std::size_t MaxLineSize = 0xFFFFFFFE; ///< Of a line, so that positions fit.
+
     /// Keeps a view of `Line` until the next call. An empty line has no value.
     void Split(std::string_view Line);
 
@@ -41,8 +51,8 @@ public:
     std::string_view Value(std::size_t Index)
     {
         const auto& Field = Fields[Index];
-        if (Field.Rewritten)
-            return WithoutQualifiers(Index);
+        if (Field.Place != tpInLine)
+            return WithoutQualifiers(Fields[Index]);
         return Field.Start < Field.Stop ? Line.substr(Field.Start, Field.Stop - Field.Start)
                                         : std::string_view();
     }
@@ -53,8 +63,9 @@ private:
     const char* FindQualifier(const char* From) const;
     void AddTrimmed(const char* First, const char* Last);
     const char* AddQualified(const char* Open);
-    void Add(const char* First, const char* Last, bool Rewritten);
-    std::string_view WithoutQualifiers(std::size_t Index);
+    void Add(const char* First, const char* Last, TKvTextPlace Place);
+    std::string_view WithoutQualifiers(TKvTextField& Field);
+    void Rewrite(const char* First, const char* Last);
     bool IsQualifier(char Value) const { return Qualifier != '\0' && Value == Qualifier; }
     const char* Begin() const { return Line.data(); }
     const char* End() const { return Line.data() + Line.size(); }
@@ -65,7 +76,7 @@ private:
     std::string_view Line;
     std::size_t FCount = 0;
     std::vector<TKvTextField> Fields;               // the first FCount; the rest waits for longer lines
-    std::vector<std::string> Texts;                 // of rewritten values, by index
+    std::string Texts;                              // of rewritten values, with room for all
 };
 
 } // namespace kv

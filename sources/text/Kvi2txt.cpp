@@ -2,10 +2,12 @@
 
 #include <algorithm>
 
+#include "KvCodePage.h"
 #include "KvNumberText.h"
 #include "KvPublish.h"
 #include "KvTextLayout.h"
-#include "KvTextLoader.h"
+#include "KvTextRecords.h"
+#include "KvUtf8.h"
 #include "Kvi2txtLine.h"
 #include "Kvi2txtState.h"
 
@@ -17,8 +19,11 @@ constexpr std::string_view FieldDelimiterNames[] = {"fdNone",  "fdCustom", "fdTa
                                                     "fdComma", "fdSpace"};
 constexpr std::string_view TextQualifierNames[] = {"tqNone", "tqCustom", "tqQuot", "tqApos"};
 constexpr std::string_view RecordSeparatorNames[] = {"rsCustom", "rsCRLF", "rsCR", "rsLF"};
-constexpr std::string_view ExtensionNames[] = {"xtDoubledQualifiers", "xtLongLines", "xtByteOrderMark",
-                                               "xtFixedPadding"};
+constexpr std::string_view UnitNames[] = {"tuBytes", "tuCharacters"};
+constexpr std::string_view ExtensionNames[] = {"xtDoubledQualifiers", "xtLongLines",
+                                               "xtByteOrderMark",     "xtFixedPadding",
+                                               "xtWholeSeparator",    "xtDelimiterLine",
+                                               "xtEndOfFileMark"};
 
 constexpr std::string_view TextPrefix = "Text";
 constexpr std::string_view FieldPrefix = "Field";
@@ -50,6 +55,7 @@ TPublishedProperties TKvImportFromText::PublishedProperties() const
         Publish<T>("TextQualifierCustom", &T::GetTextQualifierCustom, &T::SetTextQualifierCustom),
         Publish<T>("RecordSeparator", &T::GetRecordSeparator, &T::SetRecordSeparator, RecordSeparatorNames),
         Publish<T>("RecordSeparatorCustom", &T::GetRecordSeparatorCustom, &T::SetRecordSeparatorCustom),
+        AsPlace(Publish("FixedUnit", &T::FixedUnit, UnitNames)),
         Publish("Extensions", &T::Extensions, ExtensionNames)});
 }
 
@@ -80,83 +86,108 @@ void TKvImportFromText::AfterImport()
 
 void TKvImportFromText::LoadLines(const TKvWantedLines& Wanted)
 {
-    State->Restart();
-    const auto Layout = LayoutOf(*this);
-    State->Text.Load(SourceFileName, Layout, Wanted, [this] { return KeepsRunning(); });
-    State->Text.RequireClosed();
+    auto& S = *State;
+    S.Restart();
+    S.WideLines = S.FirstWide = 0;
+    S.Delimiter = GetFieldDelimiterCustom();
+    S.Text.Load(SourceFileName, LayoutOf(*this), Wanted, [this] { return KeepsRunning(); });
+    S.Text.RequireClosed();
+    S.Delimiter = S.Text.Delimiter();
+    S.EmptyLines = S.Text.EmptyLines();
     if (!Fixed)
-        State->Fields.emplace(Layout.FieldCutter());
+        S.Fields.emplace(S.Text.FieldCutter());
+    else if (AnsiIsUtf8() && (FixedUnit == tuCharacters || S.Text.IsUtf16()))
+        S.Characters.emplace();
+}
+
+bool TKvImportFromText::IsOemText() const
+{
+    return TKvImportFromFile::IsOemText() && !State->Text.TellsEncoding();
 }
 
 /// A header among the lines that are imported is none.
 std::string_view TKvImportFromText::LineToCompare() const
 {
-    const auto& Text = State->Text;
-    if (HeaderLine == 0)
-        return Text.Lines().empty() ? std::string_view() : Text.Lines().front();
-    return HeaderLine < RowFirst ? Text.Header() : std::string_view();
+    auto& Text = State->Text;
+    if (HeaderLine == 0) {
+        Text.GoFirst();
+        return Text.HasRecord() ? Text.Line() : std::string_view();
+    }
+    return HeaderLine < RowFirst ? std::string_view(Text.Header()) : std::string_view();
 }
 
 // The records.
 
-std::size_t TKvImportFromText::LineNumber() const
-{
-    return static_cast<std::size_t>(std::max(RowFirst, 1)) + State->CurrentRow;
-}
-
 TKvISourcePosition TKvImportFromText::SourcePosition() const
 {
-    if (!State->HasRecord())
+    const auto& Text = State->Text;
+    if (!Text.HasRecord())
         return {.Unit = PositionUnit()};
     return {.Unit = PositionUnit(),
-            .Number = static_cast<std::int64_t>(LineNumber()),
-            .Offset = State->Text.OffsetOf(State->Line())};
+            .Number = static_cast<std::int64_t>(Text.Number()),
+            .Offset = Text.Offset(),
+            .FileLine = static_cast<std::int64_t>(Text.PlainNumber())};
 }
 
 TVariant TKvImportFromText::SourceRecord()
 {
-    return State->HasRecord() ? TVariant(State->Line()) : TVariant(Null);
+    return State->Text.HasRecord() ? TVariant(State->Text.Line()) : TVariant(Null);
 }
 
 int TKvImportFromText::GetTotalCount()
 {
-    return static_cast<int>(std::min(State->Text.Lines().size(), static_cast<std::size_t>(RowLastMax)));
+    return static_cast<int>(std::min(State->Text.Count(), static_cast<std::size_t>(RowLastMax)));
 }
 
 void TKvImportFromText::GoFirst()
 {
-    State->CurrentRow = 0;
+    State->Text.GoFirst();
 }
 
 void TKvImportFromText::GoNext()
 {
-    ++State->CurrentRow;
+    State->Text.GoNext();
 }
 
 bool TKvImportFromText::NeedMore()
 {
-    return State->HasRecord() && WantsMoreThan(static_cast<std::int64_t>(State->CurrentRow));
+    return State->Text.HasRecord() && WantsMoreThan(static_cast<std::int64_t>(State->Text.Index()));
 }
 
 bool TKvImportFromText::LoadRecord()
 {
     auto& S = *State;
-    S.CurrentLine = S.Line();
+    S.CurrentLine = S.Text.Line();
     if (S.Fields) {
-        CheckLength(S.CurrentLine, LineNumber());
+        CheckLength(S.CurrentLine, S.Text.Number(), S.Text.PlainNumber());
         S.Fields->Split(S.CurrentLine);
         if (S.ComparedFields > 0 && S.Fields->Count() != S.ComparedFields)
             CountFields();
     }
+    else {
+        LoadCharacters();
+    }
     return TKvImportFromFile::LoadRecord();
 }
 
-void TKvImportFromText::CheckLength(std::string_view Line, std::size_t Number) const
+void TKvImportFromText::CheckLength(std::string_view Line, std::size_t Number, std::size_t PlainNumber) const
 {
     if (Line.size() > MaxLineSize && !Extensions.Contains(xtLongLines))
         throw Exception(
-            FileAndLine(SourceFileName, Number) + MsgLineTooLong,
-            {.FileName = SourceFileName, .Place = "line " + std::to_string(Number), .Rule = erLength});
+            FileAndLine(SourceFileName, Number, PlainNumber) + MsgLineTooLong,
+            {.FileName = SourceFileName, .Place = LinePlace(Number, PlainNumber), .Rule = erLength});
+}
+
+/// Of a fixed line, which by the columns' bounds is cut elsewhere than its maker meant when they are wide.
+void TKvImportFromText::LoadCharacters()
+{
+    auto& S = *State;
+    if (S.Characters)
+        return S.Characters->Split(S.CurrentLine);
+    if (IsAscii(S.CurrentLine) || !AnsiIsUtf8() || IsOemText() || !IsValidUtf8(S.CurrentLine))
+        return;
+    if (++S.WideLines == 1)
+        S.FirstWide = static_cast<std::int64_t>(S.Text.Number());
 }
 
 /// For a line that holds not as many values as the one to compare with.
@@ -165,7 +196,7 @@ void TKvImportFromText::CountFields()
     auto& Counts = FFieldCounts;
     const bool Fewer = State->Fields->Count() < State->ComparedFields;
     if (++(Fewer ? Counts.FewerLines : Counts.MoreLines) == 1)
-        (Fewer ? Counts.FirstFewer : Counts.FirstMore) = static_cast<int>(LineNumber());
+        (Fewer ? Counts.FirstFewer : Counts.FirstMore) = static_cast<int>(State->Text.Number());
 }
 
 // The values.
@@ -202,14 +233,16 @@ std::string_view TKvImportFromText::TextOf(const TColumn& Column, std::string_vi
     if (!Fixed && Column.First - 1 < State->Fields->Count()) // for no position the highest of all numbers
         return ValueAt(Column.First - 1);
     if (Fixed && Column.First > 0)
-        return BytesAt(Column);
+        return TextAt(Column);
     return Column.NamesField ? std::string_view() : WithoutDelimiter(Source);
 }
 
-std::string_view TKvImportFromText::BytesAt(const TColumn& Column) const
+std::string_view TKvImportFromText::TextAt(const TColumn& Column) const
 {
-    const auto Bytes = WithoutDelimiter(Slice(State->CurrentLine, Column.First, Column.Last));
-    return Extensions.Contains(xtFixedPadding) ? Bytes.substr(0, Bytes.find_last_not_of(' ') + 1) : Bytes;
+    const auto& S = *State;
+    const auto Text = WithoutDelimiter(S.Characters ? S.Characters->Slice(Column.First, Column.Last)
+                                                    : Slice(S.CurrentLine, Column.First, Column.Last));
+    return Extensions.Contains(xtFixedPadding) ? Text.substr(0, Text.find_last_not_of(' ') + 1) : Text;
 }
 
 } // namespace kv

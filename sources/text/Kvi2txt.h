@@ -16,6 +16,12 @@ namespace kv {
 
 struct TKvWantedLines;
 
+/// What positions of fixed lines count.
+enum TKvITextUnit {
+    tuBytes,                                        ///< Bytes of the file, but of UTF-16 its characters.
+    tuCharacters                                    ///< Characters of UTF-8.
+};
+
 /// Lines of a run that hold more or fewer values than the one to compare with, usually the header. Line
 /// numbers count every line of the file from 1; 0 means none.
 struct TKvITextFieldCounts
@@ -26,7 +32,8 @@ struct TKvITextFieldCounts
 
 /// Imports a text file. Source columns are "Field1", "Field2", ... of a delimited line and "Text1-10",
 /// "Text11-20", ... (first and last byte, from 1) of a fixed one. A column of another name is a
-/// constant that imports itself. Rows are lines; every line of the file counts.
+/// constant that imports itself. Rows are lines; every line of the file counts. With rxNoEmptyRecords a line
+/// is no record that holds blanks and delimiters alone.
 class TKvImportFromText : public TKvImportFromFile
 {
 public:
@@ -52,6 +59,7 @@ public:
     using TKvImportBaseComponent::SetTextQualifier;
     using TKvImportBaseComponent::SetTextQualifierCustom;
 
+    TKvITextUnit FixedUnit = tuBytes;
     TKvITextExtensions Extensions;
     /// The line whose values FieldCounts compares with; 0: the first that is imported.
     int HeaderLine = 1;
@@ -62,11 +70,13 @@ public:
     std::string_view PositionUnit() const override { return "line"; }
     TKvISourcePosition SourcePosition() const override;
     TVariant SourceRecord() override;               ///< The bytes of the line without its end.
-    std::vector<TKvISourceRemark> SourceRemarks() const override; ///< FieldCounts() in their words.
+    /// FieldCounts() in their words; empty lines and wide characters of the last look or run.
+    std::vector<TKvISourceRemark> SourceRemarks() const override;
     TKvISourceName ResolveName(const std::string& Wanted,
                                const std::vector<TKvISourceColumn>& Shown) const override;
     void EndLook() override;
-    /// The first of `Candidates` that delimits values in line `HeaderRow`, cut as it would be with that one.
+    /// The character that a first line "sep=;" names, else the first of `Candidates` that delimits values in
+    /// line `HeaderRow`, cut as it would be with that one.
     /// None when no one does, for fixed lines, and without a header. What is read for it is kept for looks.
     /// Raises EFileError, and EConvertError as a look does.
     std::optional<char> FindDelimiter(int HeaderRow, std::string_view Candidates);
@@ -89,6 +99,7 @@ protected:
     std::vector<TKvISourceColumn> SourceColumns(int HeaderRow) override;
     int RecordWidth() const override;
     void AfterLook() override;
+    bool IsOemText() const override;                ///< Not where a byte order mark says otherwise.
 
 private:
     struct TColumn;                                 // what a source column's name says
@@ -96,13 +107,13 @@ private:
 
     void LoadLines(const TKvWantedLines& Wanted);
     std::string_view LineToCompare() const;
-    bool Delimits(char Delimiter, int LineNumber);
-    void CheckLength(std::string_view Line, std::size_t Number) const;
+    std::optional<char> FindDelimiter(int Number, char Candidate);
+    void CheckLength(std::string_view Line, std::size_t Number, std::size_t PlainNumber) const;
     void CountFields();
-    std::size_t LineNumber() const;
+    void LoadCharacters();
     std::string_view TextOf(const TColumn& Column, std::string_view Source) const;
     std::string_view ValueAt(std::size_t Index) const; // of a delimited line, from 0
-    std::string_view BytesAt(const TColumn& Column) const; // of a fixed line
+    std::string_view TextAt(const TColumn& Column) const; // of a fixed line
     std::string_view WithoutDelimiter(std::string_view Value) const;
     void MapHeaderFields();
     void MapHeaderBreaks();

@@ -2,18 +2,32 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
+
+#include "KviSource.h"
 
 namespace kv {
 
 inline constexpr std::size_t MaxLineSize = 9999;    // two positions share one number
 inline constexpr char MsgLineTooLong[] = "is longer than 9999 characters";
 
-/// The beginning of a message: "Line 3 of orders.csv ".
-inline std::string FileAndLine(const std::string& FileName, std::size_t Number)
+/// Where a record stands, for messages: "line 3", or "line 3 (line 5 of the file)" for programs that know no
+/// qualifiers.
+inline std::string LinePlace(std::size_t Number, std::size_t PlainNumber)
 {
-    return "Line " + std::to_string(Number) + " of " + FileName + " ";
+    return TKvISourcePosition{.Unit = "line",
+                              .Number = static_cast<std::int64_t>(Number),
+                              .FileLine = static_cast<std::int64_t>(PlainNumber)}
+        .Text();
+}
+
+/// The beginning of a message: "Line 3 of orders.csv ".
+inline std::string FileAndLine(const std::string& FileName, std::size_t Number, std::size_t PlainNumber)
+{
+    const auto Plain = " (" + std::to_string(PlainNumber) + " in the file)";
+    return "Line " + std::to_string(Number) + (Number == PlainNumber ? "" : Plain) + " of " + FileName + " ";
 }
 
 /// `Text` from byte `First` to byte `Last`, both from 1, as far as it reaches.

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "KvTextLayout.h"
-#include "KvTextLoader.h"
+#include "KvTextRecords.h"
 #include "Kvi2txt.h"
 #include "Kvi2txtState.h"
 
@@ -33,23 +33,22 @@ private:
 /// One line more than is shown tells whether there are more.
 void TKvImportFromText::BeforeLook(const TKvISourceLook& What)
 {
-    const auto Next = std::int64_t{std::max(RowFirst, 1)} + What.Rows;
     LoadLines({.First = RowFirst,
-               .Last = static_cast<int>(std::min<std::int64_t>(Next, RowLast)),
+               .Last = RowLast,
                .Header = What.HeaderRow,
-               .Bytes = BytesToLookAt,
-               .Grows = true});
+               .MaxCount = std::int64_t{What.Rows} + 1});
 }
 
 std::vector<TKvISourceColumn> TKvImportFromText::SourceColumns(int HeaderRow)
 {
     if (Fixed)
         return {};
-    const auto& Text = State->Text;
+    auto& Text = State->Text;
     const bool HasTitles = HeaderRow > 0;
-    if (!HasTitles && Text.Lines().empty())
+    Text.GoFirst();
+    if (!HasTitles && !Text.HasRecord())
         return {};
-    State->Fields->Split(HasTitles ? Text.Header() : Text.Lines().front());
+    State->Fields->Split(HasTitles ? std::string_view(Text.Header()) : Text.Line());
     std::vector<TKvISourceColumn> Columns;
     for (std::size_t I = 0; I < State->Fields->Count(); ++I)
         Columns.push_back({.Name = "Field" + std::to_string(I + 1),
@@ -77,21 +76,24 @@ std::optional<char> TKvImportFromText::FindDelimiter(int HeaderRow, std::string_
 {
     if (Fixed || HeaderRow < 1)
         return std::nullopt;
-    const auto Found = std::ranges::find_if(Candidates, [&](char Each) { return Delimits(Each, HeaderRow); });
-    return Found == Candidates.end() ? std::nullopt : std::optional(*Found);
+    for (const char Each : Candidates)
+        if (const auto Found = FindDelimiter(HeaderRow, Each))
+            return Found;
+    return std::nullopt;
 }
 
-/// True when line `Number` holds more values than one with it. A value that is never closed delimits nothing.
-bool TKvImportFromText::Delimits(char Delimiter, int Number)
+/// `Candidate` when line `Number` holds more values than one with it; a value that is never closed delimits
+/// nothing.
+std::optional<char> TKvImportFromText::FindDelimiter(int Number, char Candidate)
 {
     auto Layout = LayoutOf(*this);
-    Layout.Delimiter = Delimiter;
-    auto Fields = Layout.FieldCutter();
+    Layout.Delimiter = Candidate;
     auto& Text = State->Text;
-    Text.Load(SourceFileName, Layout, {.Header = Number, .Bytes = BytesToLookAt, .Grows = true},
-              [this] { return KeepsRunning(); });
+    Text.Load(SourceFileName, Layout, {.Header = Number}, [this] { return KeepsRunning(); });
+    auto Fields = Text.FieldCutter();
     Fields.Split(Text.Header());
-    const bool Result = Text.IsClosed() && Fields.Count() > 1;
+    const bool IsFound = Text.NamesDelimiter() || (Text.IsClosed() && Fields.Count() > 1);
+    const auto Result = IsFound ? std::optional(Text.Delimiter()) : std::nullopt;
     Text.Keep();
     return Result;
 }
@@ -111,6 +113,11 @@ std::vector<TKvISourceRemark> TKvImportFromText::SourceRemarks() const
     };
     Add(srMoreValues, Counts.MoreLines, Counts.FirstMore);
     Add(srFewerValues, Counts.FewerLines, Counts.FirstFewer);
+    const auto& S = *State;
+    if (S.EmptyLines.Count > 0)
+        Remarks.push_back({.Kind = srEmptyRows, .Count = S.EmptyLines.Count, .First = S.EmptyLines.First});
+    if (S.WideLines > 0)
+        Remarks.push_back({.Kind = srWideCharacters, .Count = S.WideLines, .First = S.FirstWide});
     return Remarks;
 }
 
@@ -129,7 +136,7 @@ void LoadTextFile(bool IsPreview, std::string& FirstLine, TStrings& Lines, const
                                .Separator = RecordSeparator,
                                .Extensions = Extensions};
     const bool ReadsStart = IsPreview && RowFirst <= PreviewRowFirstMax;
-    TKvTextLoader Text;
+    TKvTextRecords Text;
     Text.Load(FileName, Layout,
               {.First = RowFirst,
                .Last = IsPreview ? std::min(RowLast, PreviewRows) : RowLast,
@@ -137,8 +144,8 @@ void LoadTextFile(bool IsPreview, std::string& FirstLine, TStrings& Lines, const
               {});
     Text.RequireClosed();
     FirstLine = Text.Header();
-    for (const auto Line : Text.Lines())
-        Lines.Add(Line);
+    for (Text.GoFirst(); Text.HasRecord(); Text.GoNext())
+        Lines.Add(Text.Line());
 }
 
 } // namespace kv

@@ -72,7 +72,7 @@ void TKvImportFromText::DetectAutoMapping()
 {
     // the figures of the run before are gone too, should this fail
     FFieldCounts = {};
-    LoadLines({.Header = 1, .Bytes = BytesToLookAt, .Grows = true});
+    LoadLines({.Header = 1});
     if (RowFirst > 1)
         Fixed ? MapHeaderBreaks() : MapHeaderFields();
     else
@@ -83,8 +83,8 @@ void TKvImportFromText::DetectAutoMapping()
 /// By the names in line 1. A field whose name is not there gets no mapping.
 void TKvImportFromText::MapHeaderFields()
 {
-    const auto Header = State->Text.Header();
-    CheckLength(Header, 1);
+    const auto& Header = State->Text.Header();
+    CheckLength(Header, 1, 1);
     auto& Names = *State->Fields;
     Names.Split(Header);
     MapFields([&Names](const TField& Field) {
@@ -100,7 +100,7 @@ void TKvImportFromText::MapHeaderFields()
 /// that is mapped is the one byte at the break: programs know the result as it is.
 void TKvImportFromText::MapHeaderBreaks()
 {
-    const auto Header = State->Text.Header();
+    const auto& Header = State->Text.Header();
     std::vector<int> Breaks;
     FillFields(GetDataSet(), true, GetFieldDelimiterCustom(), GetTextQualifierCustom(), Header, Breaks);
     std::size_t Pos = 0;

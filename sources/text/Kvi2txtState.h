@@ -5,15 +5,13 @@
 #include <optional>
 #include <string_view>
 
+#include "KvTextCharacters.h"
 #include "KvTextFields.h"
-#include "KvTextLoader.h"
+#include "KvTextRecords.h"
 #include "Kvi2txt.h"
 #include "KviSourceColumns.h"
 
 namespace kv {
-
-/// To read of a file that is looked at; it holds the first lines of nearly all.
-inline constexpr std::size_t BytesToLookAt = std::size_t{1} << 20;
 
 struct TKvImportFromText::TColumn
 {
@@ -28,28 +26,31 @@ struct TKvImportFromText::TColumn
 /// One run, one look, or one automatic mapping.
 struct TKvImportFromText::TState
 {
-    bool HasRecord() const { return CurrentRow < Text.Lines().size(); }
-    std::string_view Line() const { return Text.Lines()[CurrentRow]; }
     void Restart()
     {
         Fields.reset();
-        CurrentRow = 0;
+        Characters.reset();
         CurrentLine = {};
         Columns.Clear();
         ComparedFields = 0;
     }
 
-    TKvTextLoader Text;                             // its lines from RowFirst to RowLast; all below view it
+    TKvTextRecords Text;                            // lines from RowFirst to RowLast; all below view it
     std::optional<TKvTextFields> Fields;            // of the current line; none for fixed lines
-    std::size_t CurrentRow = 0;                     // into the lines
+    std::optional<TKvTextCharacters> Characters;    // of a fixed line; none where bytes count
     std::string_view CurrentLine;
     TKvSourceColumns<TColumn> Columns;
     std::size_t ComparedFields = 0;                 // values of LineToCompare(); 0: not counted
+    char Delimiter = '\0';                          // in force: that of the setting, or of the file
+
+    // What the last look or run has met.
+    TKvEmptyLines EmptyLines;
+    std::int64_t WideLines = 0, FirstWide = 0;      // with characters of several bytes, where bytes count
 };
 
 inline std::string_view TKvImportFromText::WithoutDelimiter(std::string_view Value) const
 {
-    if (!Value.empty() && Value.back() == GetFieldDelimiterCustom())
+    if (!Value.empty() && Value.back() == State->Delimiter)
         Value.remove_suffix(1);
     return Value;
 }

@@ -195,6 +195,22 @@ TEST(KvTextFieldsRfc4180, SeveralRewrittenValuesStandAtTheSameTime)
     EXPECT_EQ(Second, "b\"");
 }
 
+TEST(KvTextFieldsRfc4180, ARewrittenValueStaysWhereItIsWhenItIsAskedForAgain)
+{
+    TKvTextFields Fields(',', '"', true);
+    const auto* const Long = "\"a\"\"\",\"b\"\"b\"\"b\"\"b\"\"b\"\"b\"\"b\"\"b\"\"b\"\"b\"\"b\"\"b\",c";
+    for (const auto* const Line : {Long, "\"x\"\"y\",z"}) {
+        Fields.Split(Line);
+        const auto First = Fields.Value(0);
+        const std::string Copy(First);
+        for (int Round = 0; Round < 100; ++Round)
+            for (std::size_t I = 0; I < Fields.Count(); ++I)
+                Fields.Value(I);
+        EXPECT_EQ(Fields.Value(0).data(), First.data());
+        EXPECT_EQ(First, Copy);
+    }
+}
+
 TEST(KvTextFieldsRfc4180, AgreeWithTheRfcReadCharacterByCharacter)
 {
     TRandomText Random;

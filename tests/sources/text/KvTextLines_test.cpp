@@ -156,6 +156,53 @@ TEST(KvTextLines, LineEndsAreFoundAtAnyPlaceOfALongLine)
     }
 }
 
+TEST(KvTextLines, GoOnInTheTextThatFollows)
+{
+    TKvTextLines Lines({.Separator = "\r\n", .Qualifier = "\""});
+    EXPECT_FALSE(Lines.Next());
+    Lines.GoOnIn("one\r", false);
+    EXPECT_FALSE(Lines.Next()) << "a line feed may follow";
+    EXPECT_EQ(Lines.Rest(), "one\r");
+    Lines.GoOnIn("one\r\n\"two\r\n", false);
+    ASSERT_TRUE(Lines.Next());
+    EXPECT_EQ(Lines.Line(), "one");
+    EXPECT_FALSE(Lines.Next());
+    Lines.GoOnIn("\"two\r\n\"\r\nthree", true);
+    ASSERT_TRUE(Lines.Next());
+    EXPECT_EQ(Lines.Line(), "\"two\r\n\"");
+    EXPECT_EQ(Lines.Number(), 2u);
+    ASSERT_TRUE(Lines.Next());
+    EXPECT_EQ(Lines.Line(), "three");
+    EXPECT_EQ(Lines.PlainNumber(), 4u);
+    EXPECT_FALSE(Lines.Next());
+}
+
+TEST(KvTextLines, ASeparatorMayHaveToBeWhole)
+{
+    const TKvTextLineRules Whole{.Separator = "aab", .Qualifier = "\"", .WholeSeparator = true};
+    EXPECT_THAT(Cut("1aab2aaab3aa", Whole), ElementsAre("1", "2a", "3aa"));
+    EXPECT_THAT(Cut("\"1aab\"aab2", Whole), ElementsAre("\"1aab\"", "2"));
+    EXPECT_THAT(Cut("aab", Whole), ElementsAre(""));
+}
+
+TEST(KvTextLines, CountTheLineEndsThatAreHidden)
+{
+    const auto PlainNumbers = [](std::string_view Text, const TKvTextLineRules& Rules) {
+        std::vector<std::size_t> Result;
+        for (TKvTextLines Lines(Text, Rules); Lines.Next();)
+            Result.push_back(Lines.PlainNumber());
+        return Result;
+    };
+    const TKvTextLineRules Classic{.Separator = "\r\n", .Qualifier = "\""};
+    for (const auto& Rules : {Classic, Rfc4180}) {
+        EXPECT_THAT(PlainNumbers("\"a\r\nb\"\r\nc\r\nd", Rules), ElementsAre(1u, 3u, 4u));
+        EXPECT_THAT(PlainNumbers("\"a\rb\n\rc\"\r\nc", Rules), ElementsAre(1u, 5u));
+        EXPECT_THAT(PlainNumbers("\"\"\"\n\"\"\"\nc", Rules), ElementsAre(1u, 3u));
+    }
+    EXPECT_THAT(PlainNumbers("\"a|~b|\"|~c", {.Separator = "|~", .Qualifier = "\"", .WholeSeparator = true}),
+                ElementsAre(1u, 3u));
+}
+
 TEST(KvTextLinesRfc4180, AQualifiedLineEndIsText)
 {
     EXPECT_THAT(Cut("1,\"a\r\nb\",2\r\n3", Rfc4180), ElementsAre("1,\"a\r\nb\",2", "3"));

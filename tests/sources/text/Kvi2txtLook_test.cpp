@@ -452,7 +452,7 @@ TEST(Kvi2txtLook, TheRecordOfARunIsItsLine)
                        Sender.SourceRecord().ToText());
     };
     Import.Run();
-    EXPECT_THAT(Seen, ElementsAre("line 2 at 3: 1,\"2\r\n3\"", "line 3 at 13: "));
+    EXPECT_THAT(Seen, ElementsAre("line 2 at 3: 1,\"2\r\n3\"", "line 3 (line 4 of the file) at 13: "));
     EXPECT_EQ(Import.SourcePosition().Number, 0);
     EXPECT_TRUE(Import.SourceRecord().IsNull());
 }

@@ -49,7 +49,7 @@ TEST(Kvi2txt, PublishesItsPropertiesAfterThoseOfEveryImport)
     Names.erase(Names.begin(), Names.begin() + static_cast<std::ptrdiff_t>(Inherited));
     EXPECT_THAT(Names, ElementsAre("SourceFileName", "RowFirst", "RowLast", "Fixed", "FieldDelimiter",
                                    "FieldDelimiterCustom", "TextQualifier", "TextQualifierCustom",
-                                   "RecordSeparator", "RecordSeparatorCustom", "Extensions"));
+                                   "RecordSeparator", "RecordSeparatorCustom", "FixedUnit", "Extensions"));
 }
 
 TEST(Kvi2txt, PublishedPairsStayInStep)
