@@ -94,6 +94,7 @@ struct TKvISourcePart
     int Rows = 0, Columns = 0;                      ///< As far as a run would read; -1: not counted.
     std::vector<TKvISourceColumn> Fields = {};      ///< Where the source declares them.
     bool IsSystem = false;                          ///< The source keeps it for itself.
+    bool IsHidden = false;                          ///< Its own program does not show it.
     /// Why it cannot be opened; the figures then mean nothing.
     std::string Error = {};
 };
@@ -114,7 +115,12 @@ enum TKvISourceRemarkKind {
     /// Count rows without values, the first being First, were left out.
     srEmptyRows,
     /// Count rows, the first being First, hold characters of several bytes, which positions do not count.
-    srWideCharacters
+    srWideCharacters,
+    /// Count values are 8-bit text, not ASCII, of which the source does not name the code page.
+    srOldText,
+    /// The file holds its table twice, and only the older form, which may lack characters, can be read:
+    /// Reason tells why.
+    srOlderWorkbook
 };
 
 struct TKvISourceRemark
@@ -125,6 +131,7 @@ struct TKvISourceRemark
     /// With srFewerValues and srMoreValues the row that is compared with.
     std::int64_t Limit = 0;
     bool HasHeader = false;                         ///< That row is a header.
+    std::string Reason = {};
 };
 
 /// What to look at.
