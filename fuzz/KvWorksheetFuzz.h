@@ -57,7 +57,8 @@ template <class TReader> TWorksheetFigures CountEvents(const std::string& Name,
 template <class TReader> void FuzzWorksheet(TFuzzInput Input)
 {
     TReader Reader;
-    Reader.Extensions = TSpreadSheetExtensions::FromBits(Input.Take<std::uint8_t>() & 0x7Fu);
+    const unsigned Bits = Input.Take<std::uint8_t>();
+    Reader.Extensions = TSpreadSheetExtensions::FromBits(Bits | (Bits & 0x80u) << 1);
     const auto Bytes = Input.TakeRest();
     const TMemoryFile File(Bytes);
     try {
@@ -67,7 +68,7 @@ template <class TReader> void FuzzWorksheet(TFuzzInput Input)
         Require(!Error.Message.empty());
     }
     const auto Figures = CountEvents<TReader>(File.Name(), Reader.Extensions);
-    Require(Figures.TextBytes <= Bytes.size());
+    Require(Figures.TextBytes <= 2 * Bytes.size()); // a time may be longer as text
     Require(Reader.Sheets.Count() <= 1);
     if (Reader.Sheets.Count() == 1) {
         const auto& Cells = Reader.Sheets[0].Cells;

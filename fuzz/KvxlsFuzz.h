@@ -1,7 +1,8 @@
 // KvxlsFuzz - any bytes as a stream of Excel, read into the model under any extensions; sheets may be
 // skipped. What the model holds can be read, and the events count up as they should.
 //
-//   input := extensions:u8 skipped:u8 stream            sheet n of the first 8 is skipped by bit n
+//   input := extensions:u8 skipped:u8 stream            sheet n of the first 8 is skipped by bit n; the top bit
+//                                                       of the extensions stands for all from the eighth on
 #pragma once
 
 #include <functional>
@@ -43,7 +44,8 @@ inline std::size_t WeighSheets(const TSpreadSheets& Sheets)
 template <class TRead> void FuzzExcel(TFuzzInput Input, TRead Read)
 {
     TMSExcel Excel;
-    Excel.Extensions = TSpreadSheetExtensions::FromBits(Input.Take<std::uint8_t>());
+    const unsigned Bits = Input.Take<std::uint8_t>();
+    Excel.Extensions = TSpreadSheetExtensions::FromBits(Bits | (Bits & 0x80u) << 1);
     const unsigned Skipped = Input.Take<std::uint8_t>();
     int Announced = 0;
     Excel.OnSheet = [&](auto& Sender, const std::string& Caption, int Index, bool& Skip) {

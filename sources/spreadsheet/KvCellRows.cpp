@@ -52,17 +52,36 @@ TAlignment TSpreadSheetRow::Alignment(int Col) const
     return Cell ? Cell->Alignment : taLeftJustify;
 }
 
-void TSpreadSheetRow::Set(int Col, const TVariant& Value, TAlignment Alignment)
+TCellFault TSpreadSheetRow::Fault(int Col) const
+{
+    const auto* const Cell = Find(Col);
+    return Cell ? Cell->Fault : cfNone;
+}
+
+void TSpreadSheetRow::SetFault(int Col, TCellFault Fault)
+{
+    assert(Find(Col) != nullptr);
+    Cells[PositionOf(Col)].Fault = Fault;
+    FHasFaults = FHasFaults || Fault != cfNone;
+}
+
+bool TSpreadSheetRow::IsBlank() const
+{
+    return std::ranges::all_of(Cells, [](const TCell& Cell) {
+        return Cell.Value.IsBlank() && Cell.Fault == cfNone;
+    });
+}
+
+void TSpreadSheetRow::Set(int Col, TVariant&& Value, TAlignment Alignment)
 {
     assert(Col >= 0 && Col < MaxColumns);
     const auto Position = PositionOf(Col);
     if (Position == Cells.size()) {
-        Cells.emplace_back(Value, Col, Alignment);
+        Cells.emplace_back(std::move(Value), Col, Alignment);
     } else if (Cells[Position].Col == Col) {
-        Cells[Position].Value = Value;
-        Cells[Position].Alignment = Alignment;
+        Cells[Position] = TCell(std::move(Value), Col, Alignment);
     } else {
-        Cells.emplace(Cells.begin() + static_cast<std::ptrdiff_t>(Position), Value, Col, Alignment);
+        Cells.emplace(Cells.begin() + static_cast<std::ptrdiff_t>(Position), std::move(Value), Col, Alignment);
     }
 }
 
@@ -148,21 +167,28 @@ TAlignment TSpreadSheetCells::GetAlignment(int Col, int Row) const
     return Position < 0 ? taLeftJustify : Rows[static_cast<std::size_t>(Position)].Alignment(Col);
 }
 
-void TSpreadSheetCells::SetValue(int Col, int Row, const TVariant& Value, TAlignment Alignment)
+void TSpreadSheetCells::SetFault(int Col, int Row, TCellFault Fault)
+{
+    if (Col >= 0 && Col < TSpreadSheetRow::MaxColumns)
+        Rows[static_cast<std::size_t>(GetRow(Row, false))].SetFault(Col, Fault);
+}
+
+void TSpreadSheetCells::Store(int Col, int Row, TVariant&& Value, TAlignment Alignment)
 {
     if (Col < 0 || Col >= TSpreadSheetRow::MaxColumns) {
         FCellsBeyond += Value.HasValue();
         return;
     }
-    const int Position = GetRow(Row, Value.HasValue());
+    const bool HasValue = Value.HasValue();
+    const int Position = GetRow(Row, HasValue);
     if (Position < 0)
         return;
-    Rows[static_cast<std::size_t>(Position)].Set(Col, Value, Alignment);
+    Rows[static_cast<std::size_t>(Position)].Set(Col, std::move(Value), Alignment);
     if (Col >= ColCount)
         ColCount = static_cast<std::uint16_t>(Col + 1);
     if (Row >= RowCount)
         RowCount = static_cast<std::uint16_t>(Row + 1);
-    if (Value.HasValue())
+    if (HasValue)
         CountCell(Col, Row);
 }
 

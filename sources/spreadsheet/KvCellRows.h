@@ -7,7 +7,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "KvVariant.h"
@@ -16,6 +18,14 @@ namespace kv {
 
 /// How a cell's text stands in its column.
 enum TAlignment : std::uint8_t { taLeftJustify, taRightJustify, taCenter };
+
+/// Why a cell cannot be imported, although the model holds what stands in for its value.
+enum TCellFault : std::uint8_t {
+    cfNone,
+    cfNoDay,                                        ///< A number shown as a date that no calendar has.
+    cfLeapDay,                                      ///< 29 February 1900, which only spreadsheets have.
+    cfCodePage                                      ///< The process's code page lacks characters of it.
+};
 
 /// The values of one row.
 class TSpreadSheetRow
@@ -31,8 +41,13 @@ public:
     /// until the row changes.
     const TVariant& Value(int Col) const;
     TAlignment Alignment(int Col) const;            ///< taLeftJustify where nothing was set.
-    /// `Col` must have a slot.
-    void Set(int Col, const TVariant& Value, TAlignment Alignment);
+    /// `Col` must have a slot. A loan stays one; the cell is without a fault then.
+    void Set(int Col, TVariant&& Value, TAlignment Alignment);
+
+    bool HasFaults() const { return FHasFaults; }   ///< False: no cell has one.
+    TCellFault Fault(int Col) const;                ///< cfNone where nothing was set.
+    void SetFault(int Col, TCellFault Fault);       ///< Of a cell that was set.
+    bool IsBlank() const;                           ///< No cell holds more than blanks, and none has a fault.
 
     std::size_t CellCount() const { return Cells.size(); } ///< Slots that were set.
     /// Makes room for `Count` cells in one go.
@@ -41,19 +56,21 @@ public:
 private:
     struct TCell
     {
-        TCell(const TVariant& Given, int Column, TAlignment Justify)
-            : Value(Given), Col(static_cast<std::uint8_t>(Column)), Alignment(Justify)
+        TCell(TVariant&& Given, int Column, TAlignment Justify)
+            : Value(std::move(Given)), Col(static_cast<std::uint8_t>(Column)), Alignment(Justify)
         {
         }
 
         TVariant Value;
         std::uint8_t Col;
         TAlignment Alignment;
+        TCellFault Fault = cfNone;
     };
 
     std::size_t PositionOf(int Col) const;
     const TCell* Find(int Col) const;
 
+    bool FHasFaults = false;                        // beside the number: rows are many
     std::vector<TCell> Cells;                       // by column
 };
 
@@ -88,7 +105,16 @@ public:
     TAlignment GetAlignment(int Col, int Row) const; ///< taLeftJustify where nothing was set.
     /// Null and empty are stored only into a row that exists. A column without a slot is counted in
     /// CellsBeyond and otherwise left out.
-    void SetValue(int Col, int Row, const TVariant& Value, TAlignment Alignment);
+    void SetValue(int Col, int Row, const TVariant& Value, TAlignment Alignment)
+    {
+        Store(Col, Row, TVariant(Value), Alignment);
+    }
+    /// The same for a text that stays where it is as long as the sheet: many cells may share it.
+    void SetSharedText(int Col, int Row, std::string_view Text, TAlignment Alignment)
+    {
+        Store(Col, Row, TVariant::Borrow(Text), Alignment);
+    }
+    void SetFault(int Col, int Row, TCellFault Fault); ///< Of a cell that was set, if it has a slot.
 
     // The extent of what was stored, where 65536 is 65536.
     int CellRows() const { return FCellRows; }      ///< One more than the highest row with a value.
@@ -96,6 +122,7 @@ public:
     std::size_t CellsBeyond() const { return FCellsBeyond; } ///< Values left out for want of a slot.
 
 private:
+    void Store(int Col, int Row, TVariant&& Value, TAlignment Alignment);
     int FindRow(int Row) const;
     void IndexRows();
     void CountCell(int Col, int Row);

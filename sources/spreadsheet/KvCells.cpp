@@ -9,6 +9,7 @@
 #include "KvException.h"
 #include "KvFile.h"
 #include "KvFileAlias.h"
+#include "KvForeignFile.h"
 #include "KvPublish.h"
 #include "KvText.h"
 
@@ -74,6 +75,7 @@ TPublishedProperties TCustomSpreadSheetFile::PublishedProperties() const
 void TSpreadSheetFile::LoadFromFile(const std::string& Path)
 {
     Sheets.Clear();
+    Remarks.clear();
     if (IsBlank(Path))
         throw Exception(MsgNotDefined, {.Rule = erMissing});
     if (!Exists(Path))
@@ -85,9 +87,11 @@ void TSpreadSheetFile::LoadFromFile(const std::string& Path)
     OnCellValue = std::bind_front(&TSpreadSheetFile::CellEvent, this);
 }
 
-void TSpreadSheetFile::SheetEvent(TCustomSpreadSheetFile&, const std::string& Caption, int, bool&)
+void TSpreadSheetFile::SheetEvent(TCustomSpreadSheetFile& Sender, const std::string& Caption, int, bool&)
 {
-    Sheets[static_cast<std::size_t>(Sheets.Add())].Caption = Caption;
+    auto& Sheet = Sheets[static_cast<std::size_t>(Sheets.Add())];
+    Sheet.Caption = Caption;
+    Sheet.Hidden = Sender.SheetHidden;
 }
 
 void TSpreadSheetFile::DimsEvent(TCustomSpreadSheetFile&, int SheetIndex, int, int LastRow, int,
@@ -98,14 +102,26 @@ void TSpreadSheetFile::DimsEvent(TCustomSpreadSheetFile&, int SheetIndex, int, i
     Cells.LastColumn = static_cast<std::uint16_t>(LastColumn);
 }
 
-void TSpreadSheetFile::CellEvent(TCustomSpreadSheetFile&, int SheetIndex, int Row, int Column,
+void TSpreadSheetFile::CellEvent(TCustomSpreadSheetFile& Sender, int SheetIndex, int Row, int Column,
                                  const TVariant& Value, TAlignment Alignment)
 {
     if (++CellEvents % CellsBetweenPolls == 0)
         RequireContinue();
     auto& Cells = Sheets.Spreadsheet(SheetIndex).Cells;
-    if (Value.HasValue())
+    if (!Value.HasValue())
+        return;
+    if (Value.IsString() && Value.Text().size() > TVariant::ShortTextMax && KeepsText(Value.Text()))
+        Cells.SetSharedText(Column, Row, Value.Text(), Alignment);
+    else
         Cells.SetValue(Column, Row, Value, Alignment);
+    if (Sender.CellFault != cfNone && Extensions.Contains(seTellingErrors))
+        Cells.SetFault(Column, Row, Sender.CellFault);
+}
+
+void TSpreadSheetFile::RaiseNotThisFormat(std::string_view Message, std::string_view Bytes) const
+{
+    const auto Kind = Extensions.Contains(seTellingErrors) ? ForeignKind(Bytes) : std::string_view();
+    throw Exception(std::string(Message) + (Kind.empty() ? "" : ", but " + std::string(Kind)));
 }
 
 TKvFileBytes TSpreadSheetFile::ReadBytes() const

@@ -13,6 +13,7 @@
 #include "KvCellRows.h"
 #include "KvComponent.h"
 #include "KvSpreadSheetExtensions.h"
+#include "KviSource.h"
 
 namespace kv {
 
@@ -36,6 +37,7 @@ public:
 
     TSpreadSheetCells Cells;
     std::string Caption;                            ///< The sheet's name.
+    bool Hidden = false;                            ///< Users do not see it.
 };
 
 /// The sheets of a workbook, in the order in which they were added.
@@ -88,6 +90,10 @@ public:
 
     std::string FileName;                           ///< Of the last load.
 
+    // What a reader knows of that which an event tells, while it raises it.
+    bool SheetHidden = false;                       ///< The sheet of OnSheet.
+    TCellFault CellFault = cfNone;                  ///< The cell of OnCellValue.
+
     TOnColumnWidth OnColumnWidth;
     TOnRowHeight OnRowHeight;
     TOnDimensions OnDimensions;
@@ -112,6 +118,8 @@ public:
     /// Asked now and then while a file is loaded, when it is set; false ends that by an Exception with the
     /// rule erCancelled.
     std::function<bool()> Continue;
+    /// What is odd about the file that was loaded last.
+    std::vector<TKvISourceRemark> Remarks;
 
     /// Empties Sheets and binds OnSheet, OnDimensions and OnCellValue to the handlers below, whatever
     /// they were bound to. Raises Exception "File is not defined." for a blank name and "File is not
@@ -124,7 +132,12 @@ public:
     void CellEvent(TCustomSpreadSheetFile& Sender, int SheetIndex, int Row, int Column, const TVariant& Value,
                    TAlignment Alignment);
 
+    /// Raises Exception `Message`; with seTellingErrors it says too what the file is, whose bytes these are.
+    [[noreturn]] void RaiseNotThisFormat(std::string_view Message, std::string_view Bytes) const;
+
 protected:
+    /// True for the text of a cell that the reader keeps as long as the sheets: it need not be copied.
+    virtual bool KeepsText(std::string_view) { return false; }
     TKvFileBytes ReadBytes() const;                 ///< All of the file FileName. Raises EFileError.
 
 private:

@@ -30,6 +30,20 @@ void TKvRecord::RaiseTooShort(std::size_t Needed) const
                                    std::to_string(Needed)}));
 }
 
+std::optional<TKvRecord> TKvRecords::At(std::size_t Offset) const
+{
+    TKvRecords There(Bytes());
+    const auto Size = There.Remaining();
+    if (Offset > Size || Size - Offset < TKvRecord::HeaderSize)
+        return {};
+    There.Seek(Offset);
+    const auto Body = There.In.At<std::uint16_t>(Offset + 2);
+    if (Size - Offset - TKvRecord::HeaderSize < Body)
+        return {};
+    There.Next();
+    return There.FRecord;
+}
+
 void TKvRecords::RequirePadding() const
 {
     if (In.BytesAt(In.Position(), In.Remaining()).find_first_not_of('\0') == std::string_view::npos)

@@ -93,6 +93,9 @@ public:
     }
     bool IsNext(std::uint16_t Id) const { return NextId() == Id; }
     std::size_t Remaining() const { return In.Remaining(); }    ///< Bytes after the current record.
+    std::string_view Bytes() const { return In.Bytes(); }   ///< All of the stream.
+    /// The record at `Offset` from the first byte of the stream; none where no whole one is.
+    std::optional<TKvRecord> At(std::size_t Offset) const;
     /// Makes the record at `Offset` from the first byte of the stream the next one. Raises EFormatError
     /// when that is past the end.
     void Seek(std::size_t Offset) { In.Seek(Offset); }

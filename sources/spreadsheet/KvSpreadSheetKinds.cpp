@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "KvForeignFile.h"
 #include "Kvi2wks.h"
 #include "Kvi2wq.h"
 #include "Kvi2xls.h"
@@ -19,10 +20,12 @@ constexpr std::string_view ExcelBeginnings[] = {
     "\x09\x00\x04\x00"sv, "\x09\x02\x06\x00"sv, "\x09\x04\x06\x00"sv, // sheets of Excel 2 to 4
     "\x09\x08\x08\x00"sv, "\x09\x08\x10\x00"sv};    // of 5 and 8, without a document
 
+/// Workbooks that are not read are taken too: the reader refuses them in words.
 bool BeginsWorkbook(std::string_view Beginning)
 {
     return std::ranges::any_of(ExcelBeginnings,
-                               [Beginning](auto Begin) { return Beginning.starts_with(Begin); });
+                               [Beginning](auto Begin) { return Beginning.starts_with(Begin); }) ||
+           BeginsNewerWorkbook(Beginning);
 }
 
 /// A record that begins a worksheet: id 0, 2 bytes or more, the version. Versions that are not read are

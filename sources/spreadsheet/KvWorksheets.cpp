@@ -5,6 +5,7 @@
 
 #include "KvException.h"
 #include "KvFile.h"
+#include "KvUtf8.h"
 
 namespace kv {
 
@@ -26,13 +27,18 @@ TAlignment AlignmentOf(const TKvRecord& Record)
 }
 
 /// The format of a cell: bit 7 protection, bits 4 to 6 the kind, bits 0 to 3 decimals or the variety.
-bool IsDateFormat(std::uint8_t Format)
+TSerialKind KindOfFormat(std::uint8_t Format)
 {
     constexpr unsigned SpecialKind = 7;
-    // day-month-year, day-month, month-year; two times; two international dates, two times
-    constexpr unsigned DateVarieties = 1u << 2 | 1u << 3 | 1u << 4 | 1u << 7 | 1u << 8 | 1u << 9 | 1u << 10 |
-                                       1u << 11 | 1u << 12;
-    return (Format >> 4 & 7u) == SpecialKind && (DateVarieties >> (Format & 15u) & 1u) != 0;
+    if ((Format >> 4 & 7u) != SpecialKind)
+        return skNumber;
+    switch (Format & 15u) {
+    case 2: case 3: case 4:                         // day-month-year, day-month, month-year
+    case 9: case 10: return skMoment;               // the international ones
+    case 7: case 8:                                 // with seconds and without
+    case 11: case 12: return skTime;
+    default:          return skNumber;
+    }
 }
 
 bool IsFollowedByRecord(const TKvRecord& Record, std::string_view Stream)
@@ -55,16 +61,20 @@ void TWorksheetFile::ImportFromStream()
     const auto Bytes = ReadBytes();
     CellRows = 0;
     CellColumns = 0;
+    OldText = {.Kind = srOldText};
     ReadRecords(Bytes.View());
     if (Extensions.Contains(seCellExtent) && CellRows > 0)
         RaiseDimensions(0, CellRows, 0, CellColumns);
+    if (OldText.Count > 0)
+        Remarks.push_back(OldText);
 }
 
 void TWorksheetFile::ReadRecords(std::string_view Stream)
 {
     TKvRecords Records(Stream);
     const bool HasBegin = Records.IsNext(wrBegin) && Records.Next() && Records.Record().Size() > 0;
-    RequireVersion(HasBegin ? Records.Record().At<std::uint16_t>(0) : NoVersion);
+    if (!ReadVersion(HasBegin ? Records.Record().At<std::uint16_t>(0) : NoVersion))
+        RaiseNotThisFormat(NotThisFormat(), Stream);
     bool HasEnded = false;
     // What fills the last block of a disk or of a transfer behind the end is no record that was cut short.
     while ((!HasEnded || IsFollowedByRecord(Records.Record(), Stream)) && Records.Next()) {
@@ -109,9 +119,9 @@ void TWorksheetFile::ReadCell(const TKvRecord& Record)
 {
     switch (Record.Id) {
     case wrBlank:   RaiseCell(Record, Null); break;
-    case wrInteger: RaiseCell(Record, IntegerOf(Record)); break;
-    case wrNumber:  RaiseCell(Record, NumberOf(Record)); break;
-    case wrLabel:   RaiseCell(Record, TVariant::Borrow(LabelOf(Record))); break;
+    case wrInteger: RaiseInteger(Record); break;
+    case wrNumber:  RaiseNumber(Record); break;
+    case wrLabel:   RaiseText(Record, LabelOf(Record)); break;
     case wrFormula:
     case wrString:
         if (Extensions.Contains(seFormulaResults))
@@ -125,18 +135,19 @@ void TWorksheetFile::ReadCell(const TKvRecord& Record)
 void TWorksheetFile::ReadResult(const TKvRecord& Record)
 {
     if (Record.Id == wrFormula)
-        RaiseCell(Record, NumberOf(Record));
+        RaiseNumber(Record);
     else
-        RaiseCell(Record, TVariant::Borrow(StringOf(Record)));
+        RaiseText(Record, StringOf(Record));
 }
 
-void TWorksheetFile::RaiseCell(const TKvRecord& Record, const TVariant& Value)
+void TWorksheetFile::RaiseCell(const TKvRecord& Record, const TVariant& Value, TCellFault Fault)
 {
     const auto Place = PlaceOf(Record);
     if (Value.HasValue()) {
         CellRows = std::max(CellRows, Place.Row + 1);
         CellColumns = std::max(CellColumns, Place.Column + 1);
     }
+    CellFault = Fault;
     OnCellValue(*this, 0, Place.Row, Place.Column, Value, AlignmentOf(Record));
 }
 
@@ -146,24 +157,44 @@ void TWorksheetFile::RaiseDimensions(int FirstRow, int LastRow, int FirstColumn,
         OnDimensions(*this, 0, FirstRow, LastRow, FirstColumn, LastColumn);
 }
 
-TVariant TWorksheetFile::IntegerOf(const TKvRecord& Cell) const
+void TWorksheetFile::RaiseText(const TKvRecord& Record, std::string_view Text)
+{
+    if (!IsAscii(Text) && OldText.Count++ == 0)
+        OldText.First = PlaceOf(Record).Row + 1;
+    RaiseCell(Record, TVariant::Borrow(Text));
+}
+
+void TWorksheetFile::RaiseInteger(const TKvRecord& Cell)
 {
     const auto Unsigned = Cell.At<std::uint16_t>(ValueAt);
     const int Value = Extensions.Contains(seSignedIntegers) ? static_cast<std::int16_t>(Unsigned) : Unsigned;
-    return IsDate(Cell) ? TVariant(TDateTime{static_cast<double>(Value)}) : TVariant(Value);
+    if (const auto Kind = KindOf(Cell); Kind == skNumber)
+        RaiseCell(Cell, Value);
+    else
+        RaiseSerial(Cell, Value, Kind);
 }
 
-TVariant TWorksheetFile::NumberOf(const TKvRecord& Cell) const
+void TWorksheetFile::RaiseNumber(const TKvRecord& Cell)
 {
     const auto Value = Cell.At<double>(ValueAt);
     if (!std::isfinite(Value) && Extensions.Contains(seFormulaResults))
-        return Value > 0 ? "NA" : "ERR";            // infinite is "not available", all else an error
-    return IsDate(Cell) ? TVariant(TDateTime{Value}) : TVariant(Value);
+        RaiseCell(Cell, Value > 0 ? "NA" : "ERR");  // infinite is "not available", all else an error
+    else if (const auto Kind = KindOf(Cell); Kind == skNumber)
+        RaiseCell(Cell, Value);
+    else
+        RaiseSerial(Cell, Value, Kind);
 }
 
-bool TWorksheetFile::IsDate(const TKvRecord& Cell) const
+void TWorksheetFile::RaiseSerial(const TKvRecord& Cell, double Serial, TSerialKind Kind)
 {
-    return Extensions.Contains(seCustomDates) && IsDateFormat(Cell.At<std::uint8_t>(0));
+    TCellFault Fault = cfNone;
+    const auto Value = TSerialCalendar(Days, Extensions).ValueOf(Serial, Kind, Fault);
+    RaiseCell(Cell, Value, Fault);
+}
+
+TSerialKind TWorksheetFile::KindOf(const TKvRecord& Cell) const
+{
+    return Extensions.Contains(seCustomDates) ? KindOfFormat(Cell.At<std::uint8_t>(0)) : skNumber;
 }
 
 } // namespace kv

@@ -12,6 +12,7 @@
 
 #include "KvCells.h"
 #include "KvRecords.h"
+#include "KvSerials.h"
 
 namespace kv {
 
@@ -38,7 +39,8 @@ struct TCellPlace
 /// Reads a worksheet. Events carry sheet 0; OnSheet is not raised, so that the model names the sheet Sheet1.
 /// OnDimensions has the extent of the range record, whose last row and column are numbers and not counts;
 /// with seCellExtent it comes once more at the end, as counts. A record may have all of the 65535 bytes that
-/// its length can tell; one of length 0 is only a header.
+/// its length can tell; one of length 0 is only a header. Text passes as it stands, in a code page of DOS that no
+/// record tells; a remark says how much of it is not ASCII.
 class TWorksheetFile : public TSpreadSheetFile
 {
 public:
@@ -49,9 +51,10 @@ public:
     void ImportFromStream();
 
 protected:
-    TWorksheetFile(TComponent* TheOwner, std::uint16_t ColumnWidthsId)
+    TWorksheetFile(TComponent* TheOwner, std::uint16_t ColumnWidthsId, TSerialDays TheDays)
         : TSpreadSheetFile(TheOwner),
-          ColumnWidthsRecord(ColumnWidthsId)
+          ColumnWidthsRecord(ColumnWidthsId),
+          Days(TheDays)
     {
     }
 
@@ -73,12 +76,16 @@ private:
     void ReadColumnWidths(const TKvRecord& Record);
     void ReadCell(const TKvRecord& Record);
     void ReadResult(const TKvRecord& Record);
-    void RaiseCell(const TKvRecord& Record, const TVariant& Value);
-    TVariant IntegerOf(const TKvRecord& Cell) const;
-    TVariant NumberOf(const TKvRecord& Cell) const;
-    bool IsDate(const TKvRecord& Cell) const;
+    void RaiseCell(const TKvRecord& Record, const TVariant& Value, TCellFault Fault = cfNone);
+    void RaiseText(const TKvRecord& Record, std::string_view Text);
+    void RaiseInteger(const TKvRecord& Cell);
+    void RaiseNumber(const TKvRecord& Cell);
+    void RaiseSerial(const TKvRecord& Cell, double Serial, TSerialKind Kind);
+    TSerialKind KindOf(const TKvRecord& Cell) const;
 
     const std::uint16_t ColumnWidthsRecord;         // its number
+    const TSerialDays Days;
+    TKvISourceRemark OldText{.Kind = srOldText};    // of this load
     int CellRows = 0;                               // one more than the highest with a value
     int CellColumns = 0;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "KvCellText.h"
 #include "KvCells.h"
 #include "KvColumnLetters.h"
 #include "KvException.h"
@@ -15,7 +16,7 @@ namespace {
 
 constexpr std::string_view ExtensionNames[] = {"seFormulaResults", "seCustomDates",  "seDateMode",
                                                "seCellExtent",     "seWideRows",     "seFileCodePage",
-                                               "seSignedIntegers", "seCellRecords"};
+                                               "seSignedIntegers", "seCellRecords",  "seTellingErrors"};
 
 constexpr int HeaderRow = 0;
 
@@ -23,6 +24,25 @@ constexpr int HeaderRow = 0;
 TVariant Lend(const TVariant& Value)
 {
     return Value.IsString() ? TVariant::Borrow(Value.Text()) : Value;
+}
+
+/// A cell that has a fault.
+class EBadCell : public EConvertError
+{
+public:
+    using EConvertError::EConvertError;
+};
+
+/// Its text, and where it stands.
+const char* MessageOf(TCellFault Fault)
+{
+    switch (Fault) {
+    case cfNone:
+    case cfNoDay:    break;
+    case cfLeapDay:  return "'%s' in %s is 29 February 1900, a day that never was";
+    case cfCodePage: return "'%s' in %s stands for characters that the code page in use lacks";
+    }
+    return "'%s' in %s is formatted as a date and is none";
 }
 
 /// Messages of readers do not name the file, but for those that say that it cannot be read as a file or as a
@@ -136,6 +156,29 @@ void TKvImportFromCell::GoFirst()
 {
     CurrentRow = std::max(RowFirst, -RowLastMax) - 1;
     LookAtExtent();
+    SkipEmptyRows();
+}
+
+void TKvImportFromCell::GoNext()
+{
+    ++CurrentRow;
+    SkipEmptyRows();
+}
+
+bool TKvImportFromCell::IsEmptyRow(int Row) const
+{
+    const auto& Cells = *Sheet();
+    const int Position = Cells.GetRow(Row);
+    return Position < 0 || Cells[static_cast<std::size_t>(Position)].IsBlank();
+}
+
+void TKvImportFromCell::SkipEmptyRows()
+{
+    if (!SkipsEmptyRows())
+        return;
+    CurrentRow = std::max(CurrentRow, 0);
+    while (HasRow() && IsEmptyRow(CurrentRow))
+        ++CurrentRow;
 }
 
 int TKvImportFromCell::GetTotalCount()
@@ -161,14 +204,38 @@ bool TKvImportFromCell::LoadRecord()
     if (auto* const Cells = Sheet())
         if (const int Position = Cells->GetRow(CurrentRow, false); Position >= 0)
             Record = &(*Cells)[static_cast<std::size_t>(Position)];
-    return TKvImportFromFile::LoadRecord();
+    try {
+        return TKvImportFromFile::LoadRecord();
+    }
+    catch (const EBadCell& Error) {
+        RecordFailed(Error);
+        return false;
+    }
 }
 
 TVariant TKvImportFromCell::GetFieldValue(const TVariant& Source)
 {
     if (!Record)
         return Null;
-    return Lend(Record->Value(Columns.Find(Source, ColumnOfLetters)));
+    const int Column = Columns.Find(Source, ColumnOfLetters);
+    if (Record->HasFaults() || IsLooking())
+        RequireSound(Column);
+    return Lend(Record->Value(Column));
+}
+
+/// A look shows nothing that cannot be shown, whatever a run makes of it.
+void TKvImportFromCell::RequireSound(int Column) const
+{
+    auto Fault = Record->Fault(Column);
+    const auto& Value = Record->Value(Column);
+    if (IsLooking() && !HasText(Value))
+        Fault = cfNoDay;
+    if (Fault == cfNone)
+        return;
+    const auto Place = "cell " + SpreadSheetLetters(Column + 1) + std::to_string(CurrentRow + 1);
+    const auto Text = CellText(Value);
+    throw EBadCell(FormatText(MessageOf(Fault), {Text, Place}),
+                   {.Place = RecordPlace(), .Value = Text, .Rule = erRange});
 }
 
 TVariant TKvImportFromCell::SourceRecord()
@@ -212,7 +279,7 @@ std::vector<std::string> TKvImportFromCell::HeaderTexts() const
     std::vector<std::string> Result;
     const auto* const Cells = Sheet();
     for (int Col = 0; Cells && Col < ColumnExtent(*Cells, Extensions); ++Col)
-        Result.push_back(Cells->GetValue(Col, HeaderRow).ToText());
+        Result.push_back(CellText(Cells->GetValue(Col, HeaderRow)));
     return Result;
 }
 

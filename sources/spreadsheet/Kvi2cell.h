@@ -19,7 +19,7 @@ class TSpreadSheetFile;
 class TSpreadSheetRow;
 
 /// Imports a sheet of the workbook that a subclass reads. Source columns are column letters: A is the first
-/// column, AA the 27th. A row without values is a record without values. This class itself has no reader:
+/// column, AA the 27th. A row without values is a record without values, with rxNoEmptyRecords it is none. This class itself has no reader:
 /// a run of it fails.
 ///
 /// Errors of readers whose messages do not name the file say so in their facts.
@@ -65,7 +65,7 @@ protected:
     bool NeedMore() override;
     bool LoadRecord() override;
     TVariant GetFieldValue(const TVariant& Source) override;
-    void GoNext() override { ++CurrentRow; }
+    void GoNext() override;
     void AfterImport() override;
     void BeforeLook(const TKvISourceLook& What) override;
     /// Columns with a title or with values in rows that are imported. The values propose the type.
@@ -75,6 +75,11 @@ protected:
 private:
     TSpreadSheetCells* Sheet() const;
     bool HasRow() const;
+    bool SkipsEmptyRows() const { return RunExtensions.Contains(rxNoEmptyRecords); }
+    bool IsEmptyRow(int Row) const;
+    void SkipEmptyRows();
+    void RemarkEmptyRows(const TSpreadSheetCells& Cells);
+    void RequireSound(int Column) const;
     bool IsKept() const;
     void LoadOnce();
     void LookAtExtent();

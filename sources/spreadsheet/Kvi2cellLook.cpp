@@ -3,7 +3,9 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
+#include "KvCellText.h"
 #include "KvCells.h"
 #include "KvCodePage.h"
 #include "KvColumnLetters.h"
@@ -94,7 +96,8 @@ std::vector<TKvISourcePart> TKvImportFromCell::SourceParts()
     for (std::size_t I = 0; I < Sheets.Count(); ++I)
         Parts.push_back({.Name = Sheets[I].Caption,
                          .Rows = RowExtent(Sheets[I].Cells, Extensions),
-                         .Columns = ColumnExtent(Sheets[I].Cells, Extensions)});
+                         .Columns = ColumnExtent(Sheets[I].Cells, Extensions),
+                         .IsHidden = Sheets[I].Hidden});
     return Parts;
 }
 
@@ -116,6 +119,22 @@ void TKvImportFromCell::LookAtExtent()
     Add(srRowsBeyondExtent, Cells->CellRows(), RowExtent(*Cells, Extensions));
     Add(srColumnsBeyondExtent, Cells->CellColumns(), ColumnExtent(*Cells, Extensions));
     Add(srCellsBeyondLastColumn, static_cast<std::int64_t>(Cells->CellsBeyond()), 0);
+    if (SkipsEmptyRows())
+        RemarkEmptyRows(*Cells);
+    for (const auto& Remark : WorkBook->Remarks)
+        if (Remark.Kind != srOldText || CharacterSet != csiASCII_MSDOS)
+            Remarks.push_back(Remark);
+}
+
+void TKvImportFromCell::RemarkEmptyRows(const TSpreadSheetCells& Cells)
+{
+    TKvISourceRemark Remark{.Kind = srEmptyRecords};
+    const int End = std::min(RowLast, RowExtent(Cells, Extensions));
+    for (int Row = std::max(RowFirst, 1) - 1; Row < End; ++Row)
+        if (IsEmptyRow(Row) && Remark.Count++ == 0)
+            Remark.First = std::int64_t{Row} + 1;
+    if (Remark.Count > 0)
+        Remarks.push_back(Remark);
 }
 
 // A look.
@@ -147,8 +166,9 @@ std::vector<TKvISourceColumn> TKvImportFromCell::SourceColumns(int HeaderRow)
         return {};
     std::vector<TColumnContent> Contents(static_cast<std::size_t>(ColumnExtent(*Sheet(), Extensions)));
     ForImportedRows([&Contents](const TSpreadSheetRow& Row) {
-        for (std::size_t Column = 0; Column < Contents.size(); ++Column)
-            Contents[Column].Add(Row.Value(static_cast<int>(Column)));
+        for (int Column = 0; std::cmp_less(Column, Contents.size()); ++Column)
+            if (!Row.HasFaults() || Row.Fault(Column) == cfNone) // its record will be refused
+                Contents[static_cast<std::size_t>(Column)].Add(Row.Value(Column));
     });
     std::vector<TKvISourceColumn> Result;
     for (std::size_t I = 0; I < Contents.size(); ++I) {
@@ -170,7 +190,7 @@ std::string TKvImportFromCell::TitleOf(int Column, int HeaderRow) const
     if (HeaderRow < 1)
         return {};
     const auto& Value = Sheet()->GetValue(Column, HeaderRow - 1);
-    return Value.IsString() ? TitleText(Value.Text()) : std::string(Trim(Value.ToText()));
+    return Value.IsString() ? TitleText(Value.Text()) : std::string(Trim(CellText(Value)));
 }
 
 /// In characters, of rows that are imported.
@@ -180,7 +200,7 @@ int TKvImportFromCell::LongestText(int Column) const
     ForImportedRows([&, this](const TSpreadSheetRow& Row) {
         const auto& Value = Row.Value(Column);
         const bool IsOem = CharacterSet == csiASCII_MSDOS && Value.IsString();
-        Result = std::max(Result, LengthOf(UECode(IsOem, Value.ToText())));
+        Result = std::max(Result, LengthOf(UECode(IsOem, CellText(Value))));
     });
     return static_cast<int>(Result);
 }

@@ -23,7 +23,7 @@ enum TWKSVersion { wvUnknown, wvWKS1, wvWKS2, wvWR1 };
 class TLotus123 final : public TWorksheetFile
 {
 public:
-    explicit TLotus123(TComponent* TheOwner = nullptr) : TWorksheetFile(TheOwner, 0x24) {}
+    explicit TLotus123(TComponent* TheOwner = nullptr) : TWorksheetFile(TheOwner, 0x24, sdExcel) {}
 
     std::string_view ClassName() const override { return "TLotus123"; }
     TPublishedProperties PublishedProperties() const override;

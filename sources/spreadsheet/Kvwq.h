@@ -25,7 +25,7 @@ enum TWQVersion { qvUnknown, qvWQ1, qvWQ2 };
 class TQuattroPro final : public TWorksheetFile
 {
 public:
-    explicit TQuattroPro(TComponent* TheOwner = nullptr) : TWorksheetFile(TheOwner, 0x08) {}
+    explicit TQuattroPro(TComponent* TheOwner = nullptr) : TWorksheetFile(TheOwner, 0x08, sdQuattro) {}
 
     std::string_view ClassName() const override { return "TQuattroPro"; }
     TPublishedProperties PublishedProperties() const override;

@@ -34,6 +34,25 @@ const TKvStorageElement& FindWorkbook(const TKvStorage& Storage)
     return *Found;
 }
 
+const TKvStorageElement* FindStream(const TKvStorage& Storage, std::string_view Name)
+{
+    const auto Found = std::ranges::find_if(Storage.Elements(), [Name](const TKvStorageElement& Element) {
+        return Element.Kind == skStream && SameText(Element.Name, Name);
+    });
+    return Found == Storage.Elements().end() ? nullptr : &*Found;
+}
+
+/// Newer workbooks are compound documents too when they have a password.
+[[noreturn]] void RaiseNoWorkbook(const TKvStorage& Storage, TSpreadSheetExtensions Extensions)
+{
+    std::string Message = MsgNoWorkbook;
+    if (Extensions.Contains(seTellingErrors) && FindStream(Storage, "EncryptedPackage"))
+        Message += ", but a newer one with a password";
+    else if (Extensions.Contains(seTellingErrors) && FindStream(Storage, "WordDocument"))
+        Message += ", but a document of Word";
+    throw Exception(Message);
+}
+
 /// The version that the name of a stream tells. With `FirstRecordTells` rather the one that stands there: not
 /// all programs chose the name by what they wrote.
 TExcelVersion VersionOf(std::string_view StreamName, std::string_view Stream, bool FirstRecordTells)
@@ -57,12 +76,18 @@ TPublishedProperties TMSExcel::PublishedProperties() const
 void TMSExcel::LoadFromFile(const std::string& Path)
 {
     TSpreadSheetFile::LoadFromFile(Path);
+    SharedStrings.clear();
+    LendsStrings = false;
     Restart();                                      // a file that is refused leaves nothing of the one before
     const auto Bytes = ReadBytes();
     if (IsStorage(Bytes.View()))
         ReadDocument(Bytes.View());
     else
         ReadPlainStream(Bytes.View());
+    if (!LendsStrings) {
+        SharedStrings.clear();
+        NewStrings();
+    }
 }
 
 void TMSExcel::ImportFromStream()
@@ -80,7 +105,36 @@ void TMSExcel::ImportFromOLEStream()
 void TMSExcel::ReadDocument(std::string_view DocumentBytes)
 {
     const TKvStorage Storage(DocumentBytes, FileName);
-    const auto& StreamName = FindWorkbook(Storage).Name;
+    if (Extensions.Contains(seFileCodePage))
+        ReadNewest(Storage);
+    else
+        ReadStream(Storage, FindWorkbook(Storage).Name);
+}
+
+/// Programs wrote the older workbook too for the sake of older programs, with what its code page holds of the
+/// text.
+void TMSExcel::ReadNewest(const TKvStorage& Storage)
+{
+    const auto* const Newer = FindStream(Storage, Excel8Stream);
+    const auto* const Older = FindStream(Storage, Excel5Stream);
+    if (!Newer && !Older)
+        RaiseNoWorkbook(Storage, Extensions);
+    if (!Newer || !Older)
+        return ReadStream(Storage, Newer ? Newer->Name : Older->Name);
+    try {
+        ReadStream(Storage, Newer->Name);
+    }
+    catch (const Exception& Error) {
+        if (Error.Facts.Rule == erCancelled)
+            throw;
+        Sheets.Clear();
+        ReadStream(Storage, Older->Name);
+        Remarks.push_back({.Kind = srOlderWorkbook, .Reason = Error.Message});
+    }
+}
+
+void TMSExcel::ReadStream(const TKvStorage& Storage, const std::string& StreamName)
+{
     const auto Stream = Storage.OpenStream(StreamName);
     const auto Bytes = Stream.ReadAll();
     try {
@@ -114,8 +168,21 @@ bool TMSExcel::ReadWorkbookStream(std::string_view Stream, TExcelVersion TheVers
 void TMSExcel::Restart()
 {
     Formats = TKvxlsFormats(Extensions.Contains(seCustomDates));
+    NewStrings();
     SheetIndex = -1;
     Version = evUnknown;
+}
+
+TKvxlsSharedStrings& TMSExcel::NewStrings()
+{
+    return SharedStrings.emplace_back();
+}
+
+bool TMSExcel::KeepsText(std::string_view Text)
+{
+    const bool Keeps = Strings().Holds(Text);
+    LendsStrings = LendsStrings || Keeps;
+    return Keeps;
 }
 
 bool TMSExcel::FormatIsDateTime(int XFIndex) const

@@ -6,19 +6,25 @@
 // dates from numbers.
 #pragma once
 
+#include <list>
 #include <string>
 #include <string_view>
 
 #include "KvCells.h"
 #include "KvxlsFormats.h"
+#include "KvxlsStrings.h"
 
 namespace kv {
+
+class TKvStorage;
 
 enum TExcelVersion { evUnknown, evExcel2, evExcel3, evExcel4, evExcel5, evExcel7, evExcel8 };
 
 /// The reader of Excel files. Its errors end the load; what was raised before stays in the sheets:
 /// "File is not a Excel file", "File is not a Excel Workbook", "Can not read: file is encrypted", those of
-/// the shared strings (KvxlsStrings), and EFormatError for records that are damaged or cut short.
+/// the shared strings (KvxlsStrings), and EFormatError for records that are damaged or cut short. Of two
+/// workbooks in a document that of Excel 5 is read by the extension only when the other cannot be; a remark
+/// says so.
 ///
 /// Date-times are the serial numbers of the file. 8-bit text is passed as it stands, UTF-16 as process text.
 /// A column from 256 on is raised like any other; the model counts its values and keeps none.
@@ -49,11 +55,22 @@ public:
     bool FormatIsDateTime(int XFIndex) const;
     void ClearFormats() { Formats.ClearXfs(); }
 
+    // For its readers: the shared strings of the stream that is read.
+    TKvxlsSharedStrings& NewStrings();
+    const TKvxlsSharedStrings& Strings() const { return SharedStrings.back(); }
+
+protected:
+    bool KeepsText(std::string_view Text) override;
+
 private:
     void ReadDocument(std::string_view Bytes);
+    void ReadStream(const TKvStorage& Storage, const std::string& StreamName);
+    void ReadNewest(const TKvStorage& Storage);
     void Restart();
 
     TKvxlsFormats Formats;
+    std::list<TKvxlsSharedStrings> SharedStrings{1}; // long ones are lent to the cells: none of a load dies
+    bool LendsStrings = false;
 };
 
 } // namespace kv

@@ -2,20 +2,23 @@
 #pragma once
 
 #include <array>
-#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
+
+#include "KvSerials.h"
 
 namespace kv {
 
 /// The built-in formats by their index; empty where there is none.
 extern const std::array<std::string_view, 50> BuiltInFormats;
 
-/// True for a pattern that shows a date, a time or a duration: one of the letters d, m, y, h, s outside of
-/// quotes, colours, escapes and "General".
-bool IsDatePattern(std::string_view Pattern);
+/// What a pattern shows, by its letters outside of quotes, colours, escapes and "General": d, m and y, h and s,
+/// and those of East Asia, e and g for years of an emperor, b for those of Buddha, aaa for the day of the week.
+/// [h], [m] and [s] show durations; m is minutes beside hours or seconds.
+TSerialKind KindOfPattern(std::string_view Pattern);
+inline bool IsDatePattern(std::string_view Pattern) { return KindOfPattern(Pattern) != skNumber; }
 
 /// The formats of one workbook. A cell names an XF record, from 0, and that record a format.
 class TKvxlsFormats
@@ -32,18 +35,28 @@ public:
 
     /// The workbook defines the format `Format`.
     void SetPattern(std::uint16_t Format, std::string_view Pattern);
-    /// The workbook defines its next format, from 0: Excel 2 to 4 do not number them.
-    void AddPattern(std::string_view Pattern) { SetPattern(PatternCount++, Pattern); }
+    /// The workbook defines its next format, from 0: Excel 2 to 4 do not number them. The first is "General"
+    /// in the user's language.
+    void AddPattern(std::string_view Pattern);
 
-    /// True when cells of this XF record are dates. The number of a record that is not there counts as
-    /// that of a format.
-    bool IsDate(std::uint16_t Xf) const { return IsDateFormat(Xf < XfFormats.size() ? XfFormats[Xf] : Xf); }
-    bool IsDateFormat(std::uint16_t Format) const { return DateFormats[Format]; }
+    /// What cells of this XF record show. The number of a record that is not there counts as that of a format.
+    TSerialKind KindOf(std::uint16_t Xf) const
+    {
+        return KindOfFormat(Xf < XfFormats.size() ? XfFormats[Xf] : Xf);
+    }
+    TSerialKind KindOfFormat(std::uint16_t Format) const
+    {
+        return Format < Kinds.size() ? Kinds[Format] : skNumber;
+    }
+    bool IsDate(std::uint16_t Xf) const { return KindOf(Xf) != skNumber; }
+    bool IsDateFormat(std::uint16_t Format) const { return KindOfFormat(Format) != skNumber; }
 
 private:
+    void SetKind(std::uint16_t Format, TSerialKind Kind);
+
     bool PatternsDecide;
     std::vector<std::uint16_t> XfFormats;
-    std::bitset<0x10000> DateFormats;
+    std::vector<TSerialKind> Kinds;                 // by format; numbers past the last
     std::uint16_t PatternCount = 0;
 };
 

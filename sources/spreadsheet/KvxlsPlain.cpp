@@ -15,9 +15,7 @@ enum TPlainRecordId : std::uint16_t {
     rcXf2 = 0x0043,
     rcIxfe = 0x0044,
     rcSheetHeader = 0x008F,
-    rcFormula3 = 0x0206,
     rcXf3 = 0x0243,
-    rcFormula4 = 0x0406,
     rcXf4 = 0x0443
 };
 
@@ -41,7 +39,7 @@ void TKvxlsPlain::Read()
     // Any text begins with some id and size: what begins with no BOF is not worth another message.
     const auto FirstId = Records.NextId();
     if (!FirstId || VersionOfBof(*FirstId) == evUnknown)
-        throw Exception(MsgNoExcelFile);
+        File.RaiseNotThisFormat(MsgNoExcelFile, Records.Bytes());
     while (Records.Next())
         ReadRecord(Records.Record());
     EndTextResult();
@@ -138,11 +136,11 @@ void TKvxlsPlain::ReadCell(const TKvRecord& Cell)
 {
     switch (Cell.Id) {
     case rcBlank2:   Raise(NextPlace(Cell), Null); break;
-    case rcInteger2: RaiseInteger(NextPlace(Cell), Cell.At<std::uint16_t>(7), IsDate(Cell)); break;
-    case rcNumber2:  RaiseNumber(NextPlace(Cell), Cell.At<double>(7), IsDate(Cell)); break;
+    case rcInteger2: RaiseInteger(NextPlace(Cell), Cell.At<std::uint16_t>(7), KindOf(Cell)); break;
+    case rcNumber2:  RaiseNumber(NextPlace(Cell), Cell.At<double>(7), KindOf(Cell)); break;
     case rcLabel2:   RaiseText(NextPlace(Cell), Cell.Text(8, Cell.At<std::uint8_t>(7))); break;
     case rcLabel:    RaiseText(NextPlace(Cell), Cell.Text(8, Cell.At<std::uint16_t>(6))); break;
-    case rcRk:       RaiseNumber(NextPlace(Cell), RkNumber(Cell.At<std::uint32_t>(6)), IsDate(Cell)); break;
+    case rcRk:       RaiseNumber(NextPlace(Cell), RkNumber(Cell.At<std::uint32_t>(6)), KindOf(Cell)); break;
     case rcBoolErr2:
     case rcBoolErr: {
         const std::size_t Position = AllCells && Cell.Id == rcBoolErr2 ? 7 : 6;
@@ -171,7 +169,7 @@ void TKvxlsPlain::ReadCell(const TKvRecord& Cell)
 void TKvxlsPlain::ReadLaterCell(const TKvRecord& Cell)
 {
     switch (Cell.Id) {
-    case rcNumber:  RaiseNumber(NextPlace(Cell), Cell.At<double>(6), IsDate(Cell)); break;
+    case rcNumber:  RaiseNumber(NextPlace(Cell), Cell.At<double>(6), KindOf(Cell)); break;
     case rcRString: RaiseText(NextPlace(Cell), Cell.Text(8, Cell.At<std::uint16_t>(6))); break;
     case rcMulRk:   RaiseMulRk(Cell); break;
     }
@@ -180,7 +178,7 @@ void TKvxlsPlain::ReadLaterCell(const TKvRecord& Cell)
 void TKvxlsPlain::ReadFormula(const TKvRecord& Cell)
 {
     const std::size_t Position = Cell.Id == rcFormula && File.Version == evExcel2 ? 7 : 6;
-    RaiseResult(NextPlace(Cell), Cell, Position, IsDate(Cell));
+    RaiseResult(NextPlace(Cell), Cell, Position, KindOf(Cell));
 }
 
 void TKvxlsPlain::ReadFormulaText(const TKvRecord& Record)
@@ -220,14 +218,14 @@ TKvxlsStream::TPlace TKvxlsPlain::NextPlace(const TKvRecord& Cell)
     return Place;
 }
 
-bool TKvxlsPlain::IsDate(const TKvRecord& Cell) const
+TSerialKind TKvxlsPlain::KindOf(const TKvRecord& Cell) const
 {
     if (!Extends(seCustomDates) || Cell.Id > 0xFF || File.Version != evExcel2)
-        return Formats.IsDate(Cell.At<std::uint16_t>(4));
+        return Formats.KindOf(Cell.At<std::uint16_t>(4));
     if (!Formats.HasXfs())
-        return Formats.IsDateFormat(Cell.At<std::uint8_t>(5) & AttributeNumber);
+        return Formats.KindOfFormat(Cell.At<std::uint8_t>(5) & AttributeNumber);
     const std::uint8_t Xf = Cell.At<std::uint8_t>(4) & AttributeNumber;
-    return Formats.IsDate(Xf == NumberInIxfe ? LongXf : Xf);
+    return Formats.KindOf(Xf == NumberInIxfe ? LongXf : Xf);
 }
 
 } // namespace kv

@@ -42,7 +42,7 @@ public:
     TKvxlsPlain(TMSExcel& TheFile, TKvxlsFormats& TheFormats, std::string_view Stream);
 
     /// Raises what the stream holds. Raises Exception "File is not a Excel file" when it does not begin with
-    /// a BOF or has one of an unknown version, and "Can not read: file is encrypted".
+    /// a BOF (see TSpreadSheetFile::RaiseNotThisFormat) or has one of an unknown version, and "Can not read: file is encrypted".
     void Read();
 
 private:
@@ -59,7 +59,7 @@ private:
     void BeginSheet();
 
     TPlace NextPlace(const TKvRecord& Cell);
-    bool IsDate(const TKvRecord& Cell) const;
+    TSerialKind KindOf(const TKvRecord& Cell) const;
 
     int LastRow = 0, LastColumn = 0;                // as declared, counts
     bool HasDimensions = false;

@@ -9,8 +9,6 @@ namespace {
 
 constexpr char MsgEncrypted[] = "Can not read: file is encrypted";
 
-constexpr double DaysFrom1900To1904 = 1462;
-
 /// What the first of the 8 bytes of a result says when the last two are FF: they are no number then.
 enum TResultKind : std::uint8_t { rkText, rkBoolean, rkError, rkEmptyText };
 constexpr std::uint16_t NoNumber = 0xFFFF;
@@ -32,16 +30,24 @@ TKvxlsStream::TKvxlsStream(TMSExcel& TheFile, TKvxlsFormats& TheFormats, std::st
     : File(TheFile),
       AllCells(Extends(seCellRecords)),
       Formats(TheFormats),
-      Records(Stream)
+      Records(Stream),
+      Calendar(sdExcel, TheFile.Extensions)
 {
 }
 
-void TKvxlsStream::RaiseInteger(const TPlace& Place, std::uint16_t Number, bool IsDate)
+void TKvxlsStream::RaiseInteger(const TPlace& Place, std::uint16_t Number, TSerialKind Kind)
 {
-    if (IsDate && Extends(seCustomDates))
-        RaiseNumber(Place, Number, IsDate);
+    if (Kind != skNumber && Extends(seCustomDates))
+        RaiseSerial(Place, Number, Kind);
     else
         Raise(Place, Number);
+}
+
+void TKvxlsStream::RaiseSerial(const TPlace& Place, double Number, TSerialKind Kind)
+{
+    TCellFault Fault = cfNone;
+    const auto Value = Calendar.ValueOf(Number, Kind, Fault);
+    Raise(Place, Value, Fault);
 }
 
 void TKvxlsStream::RaiseBoolErr(const TPlace& Place, std::uint8_t Value, bool IsError)
@@ -60,15 +66,15 @@ void TKvxlsStream::RaiseMulRk(const TKvRecord& Cells)
     for (std::size_t Position = 4; Position + EntrySize + 2 <= Cells.Size();
          Position += EntrySize, ++Place.Column)
         RaiseAligned(Place, RkNumber(Cells.At<std::uint32_t>(Position + 2)),
-                     Formats.IsDate(Cells.At<std::uint16_t>(Position)));
+                     Formats.KindOf(Cells.At<std::uint16_t>(Position)));
 }
 
 void TKvxlsStream::RaiseResult(const TPlace& Place, const TKvRecord& Formula, std::size_t Position,
-                               bool IsDate)
+                               TSerialKind Kind)
 {
     EndTextResult();
     if (!Extends(seFormulaResults) || Formula.At<std::uint16_t>(Position + 6) != NoNumber) {
-        RaiseNumber(Place, Formula.At<double>(Position), IsDate);
+        RaiseNumber(Place, Formula.At<double>(Position), Kind);
         return;
     }
     const auto Value = Formula.At<std::uint8_t>(Position + 2);
@@ -92,7 +98,7 @@ void TKvxlsStream::RaiseTextResult(std::string_view Bytes)
 void TKvxlsStream::ReadDateMode(const TKvRecord& Record)
 {
     if (Extends(seDateMode))
-        DateShift = Record.At<std::uint16_t>(0) == 1 ? DaysFrom1900To1904 : 0;
+        Calendar.SetIs1904(Record.At<std::uint16_t>(0) == 1);
 }
 
 void TKvxlsStream::ReadCodePage(const TKvRecord& Record)

@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "KvRecords.h"
+#include "KvSerials.h"
 #include "Kvxls.h"
 #include "KvxlsFormats.h"
 #include "KvxlsText.h"
@@ -27,6 +28,8 @@ enum TKvxlsRecordId : std::uint16_t {
     rcLabel2 = 0x0004,
     rcBoolErr2 = 0x0005,
     rcFormula = 0x0006,
+    rcFormula3 = 0x0206,
+    rcFormula4 = 0x0406,
     rcString2 = 0x0007,
     rcEof = 0x000A,
     rcDateMode = 0x0022,
@@ -80,35 +83,37 @@ protected:
         return {Cell.At<std::uint16_t>(0), Cell.At<std::uint16_t>(2), Alignment};
     }
 
-    void Raise(const TPlace& Place, const TVariant& Value)
+    void Raise(const TPlace& Place, const TVariant& Value, TCellFault Fault = cfNone)
     {
+        File.CellFault = Fault;
         File.OnCellValue(File, File.SheetIndex, Place.Row, Place.Column, Value, Place.Alignment);
     }
     void RaiseText(const TPlace& Place, std::string_view Bytes)
     {
-        Raise(Place, TVariant::Borrow(ByteText.Convert(Bytes)));
+        const auto Text = TVariant::Borrow(ByteText.Convert(Bytes));
+        Raise(Place, Text, ByteText.HasReplaced() ? cfCodePage : cfNone);
     }
-    /// A date-time or a number.
-    void RaiseNumber(const TPlace& Place, double Number, bool IsDate)
+    /// A number, or what it counts.
+    void RaiseNumber(const TPlace& Place, double Number, TSerialKind Kind)
     {
-        if (IsDate)
-            Raise(Place, TDateTime{Number + DateShift});
-        else
+        if (Kind == skNumber)
             Raise(Place, Number);
+        else
+            RaiseSerial(Place, Number, Kind);
     }
     /// The same, dates to the left and numbers to the right.
-    void RaiseAligned(TPlace Place, double Number, bool IsDate)
+    void RaiseAligned(TPlace Place, double Number, TSerialKind Kind)
     {
-        Place.Alignment = IsDate ? taLeftJustify : taRightJustify;
-        RaiseNumber(Place, Number, IsDate);
+        Place.Alignment = Kind == skNumber ? taRightJustify : taLeftJustify;
+        RaiseNumber(Place, Number, Kind);
     }
     /// An integer, which is never a date by the older reading.
-    void RaiseInteger(const TPlace& Place, std::uint16_t Number, bool IsDate);
+    void RaiseInteger(const TPlace& Place, std::uint16_t Number, TSerialKind Kind);
     void RaiseBoolErr(const TPlace& Place, std::uint8_t Value, bool IsError);
     /// The number of a cell from Excel 3 on, whose XF stands at 4.
     void RaiseNumberRecord(const TKvRecord& Cell, double Number)
     {
-        RaiseAligned(PlaceOf(Cell), Number, Formats.IsDate(Cell.At<std::uint16_t>(4)));
+        RaiseAligned(PlaceOf(Cell), Number, Formats.KindOf(Cell.At<std::uint16_t>(4)));
     }
     /// MULRK: row, first column, then XF and RK for each column, and the last column.
     void RaiseMulRk(const TKvRecord& Cells);
@@ -116,7 +121,8 @@ protected:
     /// Raises the result of a formula that stands in 8 bytes at `Position`, unless it is a text: that
     /// follows in a record of its own. By the older reading they are a number whatever they say.
     /// A formula whose text does not come has an empty one.
-    void RaiseResult(const TPlace& Place, const TKvRecord& Formula, std::size_t Position, bool IsDate);
+    void RaiseResult(const TPlace& Place, const TKvRecord& Formula, std::size_t Position,
+                     TSerialKind Kind);
     /// The text of the last formula, if it asked for one.
     void RaiseTextResult(std::string_view Bytes);
     /// Before the next formula, the next sheet and at the end: the text is not to come any more.
@@ -138,7 +144,9 @@ protected:
     std::optional<TPlace> TextResult;               // the formula whose text is to come
 
 private:
-    double DateShift = 0;
+    void RaiseSerial(const TPlace& Place, double Number, TSerialKind Kind);
+
+    TSerialCalendar Calendar;
 };
 
 } // namespace kv

@@ -61,10 +61,11 @@ void TKvxlsStringReader::NextRecord()
 
 void TKvxlsStringReader::TakeCharacters(std::size_t Count, bool AreWide, std::string& Text)
 {
+    Replaced = false;
     if (In.Remaining() < (AreWide ? 2 * Count : Count))
         TakeBrokenCharacters(Count, AreWide, Text);
     else if (AreWide)
-        AppendWide(In.TakeBytes(2 * Count), Text);
+        Append(In.TakeBytes(2 * Count), Text);
     else
         AppendCompressed(In.TakeBytes(Count), Text);
 }
@@ -88,7 +89,7 @@ void TKvxlsStringReader::TakeBrokenCharacters(std::size_t Count, bool AreWide, s
         if (AreWide && !AreNextWide) {
             if (Wide.size() % 2 != 0)
                 Records.Record().Raise("half a character is missing");
-            AppendWide(Wide, Text);
+            Append(Wide, Text);
             Wide.clear();
             Needed /= 2;
         } else if (!AreWide && AreNextWide) {
@@ -96,7 +97,12 @@ void TKvxlsStringReader::TakeBrokenCharacters(std::size_t Count, bool AreWide, s
         }
         AreWide = AreNextWide;
     }
-    AppendWide(Wide, Text);
+    Append(Wide, Text);
+}
+
+void TKvxlsStringReader::Append(std::string_view Wide, std::string& Text)
+{
+    Replaced = !AppendWide(Wide, Text) || Replaced;
 }
 
 /// True when what follows has 16 bits a character.
@@ -123,6 +129,7 @@ void TKvxlsSharedStrings::Read(TKvRecords& Records, bool AllStrings)
 {
     Characters.clear();
     Ends.clear();
+    Replaced.clear();
     TKvxlsStringReader In(Records, 0);
     const auto Unique = LoadLittleEndian<std::uint32_t>(In.TakeBytes(HeaderSize).data() + 4);
     // The count is only a promise: no more strings than the bytes of the file can hold.
@@ -143,6 +150,8 @@ void TKvxlsSharedStrings::ReadString(TKvxlsStringReader& In, bool AllStrings)
     const std::size_t Runs = IsRich ? In.Take<std::uint16_t>() : 0;
     const std::size_t Extra = HasPhonetic ? In.Take<std::uint32_t>() : 0;
     In.TakeCharacters(Count, (Options & soWide) != 0, Characters);
+    if (In.HasReplaced())
+        Replaced.push_back(Ends.size());
     if (AllStrings)
         In.Skip(Runs * RunSize + Extra);
     else

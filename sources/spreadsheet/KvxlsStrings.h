@@ -9,8 +9,10 @@
 // Nothing but characters is kept.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -45,13 +47,18 @@ public:
     void TakeCharacters(std::size_t Count, bool AreWide, std::string& Text);
     void Skip(std::size_t Count);
 
+    /// The process's code page lacks some of the characters last taken, which became "?".
+    bool HasReplaced() const { return Replaced; }
+
 private:
     void NextRecord();
+    void Append(std::string_view Wide, std::string& Text);
     void TakeBrokenCharacters(std::size_t Count, bool AreWide, std::string& Text);
     bool TakeOptionOfRest();
 
     TKvRecords& Records;
     TKvByteCursor In;                               // over the body of the current record
+    bool Replaced = false;
 };
 
 /// The shared strings of a workbook, by their index.
@@ -65,6 +72,18 @@ public:
     void Read(TKvRecords& Records, bool AllStrings);
 
     std::size_t Count() const { return Ends.size(); }
+    /// True when `Text` is one of them, or a part of it.
+    bool Holds(std::string_view Text) const
+    {
+        const std::less_equal<> IsUpTo;
+        return IsUpTo(Characters.data(), Text.data()) &&
+               IsUpTo(Text.data() + Text.size(), Characters.data() + Characters.size());
+    }
+    /// The process's code page lacked characters of this one, which became "?".
+    bool IsReplaced(std::size_t Index) const
+    {
+        return !Replaced.empty() && std::binary_search(Replaced.begin(), Replaced.end(), Index);
+    }
     /// Process text, valid until the next Read.
     std::string_view operator[](std::size_t Index) const
     {
@@ -77,6 +96,7 @@ private:
 
     std::string Characters;                         // of all strings, one after the other
     std::vector<std::size_t> Ends;
+    std::vector<std::size_t> Replaced;              // indexes, ascending
 };
 
 } // namespace kv

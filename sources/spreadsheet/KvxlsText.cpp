@@ -1,6 +1,7 @@
 #include "KvxlsText.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "KvCodePageCatalog.h"
 #include "KvException.h"
@@ -31,17 +32,47 @@ constexpr std::uint16_t NumberedPages[] = {437,  737,  775,  850,  852,  855,  8
                                            863,  864,  865,  866,  869,  874,  932,  936,  949,  950,  1250,
                                            1251, 1252, 1253, 1254, 1255, 1256, 1257, 1258, 1361};
 
+constexpr std::uint16_t Utf16Number = 1200;
+
+/// False when a character had to become "?".
+bool AppendAsAnsi(std::string_view Utf8, std::string& Text)
+{
+    const auto& Page = CodePageNamed(AnsiCodePage());
+    std::string Encoded;
+    if (Page.Encode(Utf8, Encoded)) {
+        Text += Encoded;
+        return true;
+    }
+    while (!Utf8.empty()) {
+        const auto Size = std::max<std::size_t>(Utf8SequenceSize(Utf8), 1);
+        Encoded.clear();
+        if (Page.Encode(Utf8.substr(0, Size), Encoded))
+            Text += Encoded;
+        else
+            Text += '?';
+        Utf8.remove_prefix(Size);
+    }
+    return false;
+}
+
+/// Controls and all beyond ASCII, which one byte of two of UTF-16 is where a text is not ASCII throughout.
+bool IsNoAsciiText(char Char)
+{
+    const auto Byte = static_cast<unsigned char>(Char);
+    return Byte > 0x7E || (Byte < ' ' && Char != '\t' && Char != '\n' && Char != '\r');
+}
+
 } // namespace
 
-void AppendWide(std::string_view Bytes, std::string& Text)
+bool AppendWide(std::string_view Bytes, std::string& Text)
 {
     if (AnsiIsUtf8()) {
         AppendUtf16AsUtf8(Bytes, Text);
-        return;
+        return true;
     }
     std::string Utf8;
     AppendUtf16AsUtf8(Bytes, Utf8);
-    Text.append(Utf8ToAnsi(Utf8));
+    return AppendAsAnsi(Utf8, Text);
 }
 
 std::string CodePageName(std::uint16_t Number)
@@ -54,6 +85,7 @@ std::string CodePageName(std::uint16_t Number)
 
 void TKvxlsByteText::SetCodePage(std::uint16_t Number)
 {
+    IsUtf16 = Number == Utf16Number;
     const auto Name = CodePageName(Number);
     if (Name.empty())
         return;
@@ -67,6 +99,12 @@ void TKvxlsByteText::SetCodePage(std::uint16_t Number)
 
 std::string_view TKvxlsByteText::Convert(std::string_view Bytes)
 {
+    Replaced = false;
+    if (IsUtf16 && Bytes.size() % 2 == 0 && std::ranges::any_of(Bytes, IsNoAsciiText)) {
+        Buffer.clear();
+        Replaced = !AppendWide(Bytes, Buffer);
+        return Buffer;
+    }
     if (!Page || IsAscii(Bytes))
         return Bytes;
     Buffer.clear();
@@ -74,13 +112,10 @@ std::string_view TKvxlsByteText::Convert(std::string_view Bytes)
         return Bytes;
     if (AnsiIsUtf8())
         return Buffer;
-    try {
-        Buffer = Utf8ToAnsi(Buffer);
-        return Buffer;
-    }
-    catch (const EConvertError&) {                  // a character that the process's page lacks
-        return Bytes;
-    }
+    std::string Text;
+    Replaced = !AppendAsAnsi(Buffer, Text);
+    Buffer = std::move(Text);
+    return Buffer;
 }
 
 } // namespace kv

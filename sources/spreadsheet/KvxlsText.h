@@ -15,9 +15,9 @@ namespace kv {
 
 class TCodePage;
 
-/// Appends UTF-16, low byte first. Nothing is lost as long as the process's page is UTF-8; else raises
-/// EConvertError for a character that its page lacks.
-void AppendWide(std::string_view Bytes, std::string& Text);
+/// Appends UTF-16, low byte first. Nothing is lost as long as the process's page is UTF-8; else a character
+/// that its page lacks becomes "?", and the answer is false.
+bool AppendWide(std::string_view Bytes, std::string& Text);
 
 /// Appends compressed UTF-16. Where the process's page is not UTF-8 the bytes pass as its text.
 inline void AppendCompressed(std::string_view Bytes, std::string& Text)
@@ -35,15 +35,20 @@ std::string CodePageName(std::uint16_t Number);
 class TKvxlsByteText
 {
 public:
-    /// From here on text is converted from this page. A number that is unknown changes nothing.
+    /// From here on text is converted from this page. A number that is unknown changes nothing. 1200, UTF-16,
+    /// is none of the old files', but some writers put what is not ASCII into them so.
     void SetCodePage(std::uint16_t Number);
 
     /// `Bytes` as process text: themselves when no page is set or they are no text of it, else a view of a
     /// buffer that holds until the next call.
     std::string_view Convert(std::string_view Bytes);
+    /// The process's page lacks characters of the text last converted, which became "?".
+    bool HasReplaced() const { return Replaced; }
 
 private:
     const TCodePage* Page = nullptr;                // none: bytes stay as they are
+    bool IsUtf16 = false;
+    bool Replaced = false;
     std::string Buffer;
 };
 

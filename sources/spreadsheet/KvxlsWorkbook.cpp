@@ -26,7 +26,14 @@ constexpr std::uint16_t Excel8Number = 0x0600;      // in a BOF
 constexpr std::size_t MaxBody = 2080, MaxBodyOfExcel8 = 8224, AnySize = 0xFFFF;
 
 constexpr std::uint8_t ekWorksheet = 0;             // kind of a sheet entry
+constexpr std::uint8_t StateMask = 3;               // of its state: 0 shown, 1 and 2 hidden
 constexpr std::uint8_t soWide = 1;                  // options of a text: 16 bits a character
+
+bool IsWorksheet(const TKvRecord& Record)
+{
+    return VersionOfBof(Record.Id) != evUnknown && Record.Size() >= 4 &&
+           Record.At<std::uint16_t>(2) == xpWorksheet;
+}
 
 } // namespace
 
@@ -70,8 +77,51 @@ bool TKvxlsWorkbook::ReadRecords()
         const auto& Record = Records.Record();
         if (Record.Size() > MaxSize && Record.Id != rcSharedStrings)
             continue;
+        if (AllCells && EndsGlobals(Record) && EntriesLead())
+            return ReadSheetsByEntry();
         if (!ReadRecord(Record))
             return true;
+    }
+    return false;
+}
+
+bool TKvxlsWorkbook::EndsGlobals(const TKvRecord& Record) const
+{
+    return File.SheetIndex < 0 && OtherParts == 0 && (Record.Id == rcEof || IsWorksheet(Record));
+}
+
+/// Each entry leads to a sheet of its own.
+bool TKvxlsWorkbook::EntriesLead() const
+{
+    return !Sheets.empty() && SheetsByOffset.size() == Sheets.size() &&
+           std::ranges::all_of(Sheets, [this](const TSheetEntry& Entry) {
+               const auto Record = Records.At(Entry.Offset);
+               return Record && IsWorksheet(*Record);
+           });
+}
+
+/// In the order of the tabs. False when the end of a sheet is missing.
+bool TKvxlsWorkbook::ReadSheetsByEntry()
+{
+    bool HaveEnds = true;
+    for (std::size_t I = 0; I < Sheets.size(); ++I) {
+        Records.Seek(Sheets[I].Offset);
+        Records.Next();                             // its BOF
+        OtherParts = 0;
+        if (AnnounceSheet(I))
+            HaveEnds = ReadSheet() && HaveEnds;
+    }
+    return HaveEnds;
+}
+
+/// Up to its end or the next sheet.
+bool TKvxlsWorkbook::ReadSheet()
+{
+    while (Records.Next()) {
+        const auto& Record = Records.Record();
+        if ((Record.Id == rcEof && OtherParts == 0) || IsWorksheet(Record))
+            return true;
+        ReadRecord(Record);
     }
     return false;
 }
@@ -88,7 +138,7 @@ bool TKvxlsWorkbook::ReadRecord(const TKvRecord& Record)
     switch (Record.Id) {
     case rcFilePass:      RefuseEncrypted();
     case rcSheetEntry:    ReadSheetEntry(Record); break;
-    case rcSharedStrings: Strings.Read(Records, AllCells); break;
+    case rcSharedStrings: File.NewStrings().Read(Records, AllCells); break;
     case rcXf:            Formats.AddXf(Record.At<std::uint16_t>(2)); break;
     case rcFormat:        ReadFormat(Record); break;
     case rcDateMode:      ReadDateMode(Record); break;
@@ -131,12 +181,7 @@ bool TKvxlsWorkbook::IsLastSheet() const
 
 bool TKvxlsWorkbook::BeginSheet(const TKvRecord& Bof)
 {
-    EndTextResult();
-    ++File.SheetIndex;
-    bool Skip = false;
-    if (File.OnSheet)
-        File.OnSheet(File, SheetName(Bof.Offset), File.SheetIndex, Skip);
-    if (!Skip)
+    if (AnnounceSheet(EntryOf(Bof)))
         return true;
     if (IsLastSheet())
         return false;
@@ -145,6 +190,19 @@ bool TKvxlsWorkbook::BeginSheet(const TKvRecord& Bof)
     else
         SeekSheet(static_cast<std::size_t>(File.SheetIndex) + 1, Bof);
     return true;
+}
+
+/// `Index` is that of its entry. False when it is to be left out.
+bool TKvxlsWorkbook::AnnounceSheet(std::size_t Index)
+{
+    EndTextResult();
+    ++File.SheetIndex;
+    bool Skip = false;
+    File.SheetHidden = Index < Sheets.size() && Sheets[Index].IsHidden;
+    if (File.OnSheet)
+        File.OnSheet(File, Index < Sheets.size() ? Sheets[Index].Name : "Sheet" + std::to_string(Index + 1),
+                     File.SheetIndex, Skip);
+    return !Skip;
 }
 
 /// Goes on with sheet `Index`, which must begin after the current one: else reading might never end.
@@ -157,14 +215,13 @@ void TKvxlsWorkbook::SeekSheet(std::size_t Index, const TKvRecord& Bof)
     Records.Seek(Offset);
 }
 
-/// The name in the entry with the number of the sheet. Under the extension rather that of the entry that
-/// tells where it begins: sheets stand in any order.
-std::string TKvxlsWorkbook::SheetName(std::size_t BofOffset) const
+/// That with the number of the sheet. Under the extension rather the one that tells where it begins: sheets
+/// stand in any order.
+std::size_t TKvxlsWorkbook::EntryOf(const TKvRecord& Bof) const
 {
-    auto Index = static_cast<std::size_t>(File.SheetIndex);
-    if (const auto Found = SheetsByOffset.find(BofOffset); AllCells && Found != SheetsByOffset.end())
-        Index = Found->second;
-    return Index < Sheets.size() ? Sheets[Index].Name : "Sheet" + std::to_string(Index + 1);
+    const auto Found = SheetsByOffset.find(Bof.Offset);
+    return AllCells && Found != SheetsByOffset.end() ? Found->second
+                                                     : static_cast<std::size_t>(File.SheetIndex) + 1;
 }
 
 void TKvxlsWorkbook::ReadSheetEntry(const TKvRecord& Record)
@@ -173,7 +230,8 @@ void TKvxlsWorkbook::ReadSheetEntry(const TKvRecord& Record)
     if (AllCells && Record.At<std::uint8_t>(5) != ekWorksheet)
         return;
     SheetsByOffset.try_emplace(Offset, Sheets.size());
-    Sheets.push_back({EntryName(Record), Offset});  // last: the name may run on into other records
+    const bool IsHidden = (Record.At<std::uint8_t>(4) & StateMask) != 0;
+    Sheets.push_back({EntryName(Record), IsHidden, Offset}); // last: the name may run on into other records
 }
 
 std::string TKvxlsWorkbook::EntryName(const TKvRecord& Record)
@@ -241,6 +299,11 @@ void TKvxlsWorkbook::ReadCell(const TKvRecord& Cell)
         RaiseBoolErr(PlaceOf(Cell), Cell.At<std::uint8_t>(6), Cell.At<std::uint8_t>(7) != 0);
         break;
     case rcFormula:      ReadFormula(Cell); break;
+    case rcFormula3:
+    case rcFormula4:
+        if (AllCells)
+            ReadFormula(Cell);
+        break;
     case rcOldRk:
     case rcRk:           RaiseNumberRecord(Cell, RkNumber(Cell.At<std::uint32_t>(6))); break;
     case rcMulRk:        RaiseMulRk(Cell); break;
@@ -253,7 +316,7 @@ void TKvxlsWorkbook::ReadCell(const TKvRecord& Cell)
             ReadLabel(Cell);
         break;
     case rcString2:
-    case rcString: ReadFormulaText(Cell); break;
+    case rcString: ReadFormulaText(); break;
     }
 }
 
@@ -264,18 +327,18 @@ void TKvxlsWorkbook::ReadOldCell(const TKvRecord& Cell)
     if (Cell.Id == rcBlank2)
         return Raise(Place, Null);
     Place.Column &= 0xFF;
-    const bool IsDate = Formats.IsDate(Cell.At<std::uint16_t>(4));
+    const auto Kind = Formats.KindOf(Cell.At<std::uint16_t>(4));
     switch (Cell.Id) {
-    case rcInteger2: RaiseInteger(Place, Cell.At<std::uint16_t>(7), IsDate); break;
-    case rcNumber2:  RaiseNumber(Place, Cell.At<double>(7), IsDate); break;
+    case rcInteger2: RaiseInteger(Place, Cell.At<std::uint16_t>(7), Kind); break;
+    case rcNumber2:  RaiseNumber(Place, Cell.At<double>(7), Kind); break;
     default:         RaiseText(Place, Cell.Text(8, Cell.At<std::uint8_t>(7)));
     }
 }
 
 void TKvxlsWorkbook::ReadFormula(const TKvRecord& Cell)
 {
-    const bool IsDate = Formats.IsDate(Cell.At<std::uint16_t>(4));
-    RaiseResult(PlaceOf(Cell, IsDate ? taLeftJustify : taRightJustify), Cell, 6, IsDate);
+    const auto Kind = Formats.KindOf(Cell.At<std::uint16_t>(4));
+    RaiseResult(PlaceOf(Cell, Kind == skNumber ? taRightJustify : taLeftJustify), Cell, 6, Kind);
 }
 
 void TKvxlsWorkbook::ReadBlanks(const TKvRecord& Cells)
@@ -290,28 +353,48 @@ void TKvxlsWorkbook::ReadLabel(const TKvRecord& Cell)
 {
     const auto Place = PlaceOf(Cell);
     if (AllCells && IsExcel8())
-        Raise(Place, TVariant::Borrow(TakeText(6)));
+        RaiseTaken(Place, TakeText(6));
     else
-        RaiseText(Place, Cell.Text(8, Cell.At<std::uint16_t>(6)));
+        RaiseText(Place, TakeBytes(6));
 }
 
 void TKvxlsWorkbook::ReadSharedString(const TKvRecord& Cell)
 {
+    const auto& Strings = File.Strings();
     const auto Index = Cell.At<std::uint32_t>(6);
     if (Index >= Strings.Count())
         Cell.Raise(FormatText("there is no shared string %d, only %d",
                               {std::to_string(Index), std::to_string(Strings.Count())}));
-    Raise(PlaceOf(Cell), TVariant::Borrow(Strings[Index]));
+    Raise(PlaceOf(Cell), TVariant::Borrow(Strings[Index]), Strings.IsReplaced(Index) ? cfCodePage : cfNone);
 }
 
-void TKvxlsWorkbook::ReadFormulaText(const TKvRecord& Record)
+void TKvxlsWorkbook::ReadFormulaText()
 {
     if (!TextResult)
         return;
     if (!IsExcel8())
-        return RaiseTextResult(Record.Text(2, Record.At<std::uint16_t>(0)));
-    Raise(*TextResult, TVariant::Borrow(TakeText(0)));
+        return RaiseTextResult(TakeBytes(0));
+    RaiseTaken(*TextResult, TakeText(0));
     TextResult.reset();
+}
+
+/// The 8-bit text whose count of bytes stands at `Position` of the current record. Under the extension it may
+/// go on in others, of which the last is current then.
+std::string_view TKvxlsWorkbook::TakeBytes(std::size_t Position)
+{
+    const auto Record = Records.Record();
+    const std::size_t Count = Record.At<std::uint16_t>(Position);
+    const auto Begin = Record.From(Position + 2).Bytes();
+    if (!AllCells || Begin.size() >= Count || !Records.IsNext(rcContinue))
+        return Record.Text(Position + 2, Count);
+    Text = Begin;
+    while (Text.size() < Count && Records.IsNext(rcContinue)) {
+        Records.Next();
+        Text.append(Records.Record().Body.substr(0, Count - Text.size()));
+    }
+    if (Text.size() < Count)
+        Record.Text(Position + 2, Count);           // says what is missing
+    return Text;
 }
 
 /// The text of Excel 8 whose count of characters stands at `Position` of the current record.
@@ -330,7 +413,9 @@ std::string_view TKvxlsWorkbook::TakeCharacters(std::size_t Position, std::size_
     if (!Records.IsNext(rcContinue))
         Records.Record().Text(Position, AreWide ? 2 * Count : Count);
     Text.clear();
-    TKvxlsStringReader(Records, Position).TakeCharacters(Count, AreWide, Text);
+    TKvxlsStringReader In(Records, Position);
+    In.TakeCharacters(Count, AreWide, Text);
+    TextReplaced = In.HasReplaced();
     return Text;
 }
 

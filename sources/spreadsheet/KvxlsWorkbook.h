@@ -19,7 +19,7 @@
 //   label            0004        row:u16 column:u16 attributes:u8[3] length:u8 text     ... but for blanks
 //
 //   boolean, error   0005 0205   cell xf:u16 value:u8 iserror:u8                    cell := row:u16 col:u16
-//   formula          0006        cell xf:u16 result:f64 ...
+//   formula          0006        cell xf:u16 result:f64 ...                         also 0206 and 0406
 //   RK               007E 027E   cell xf:u16 rk:u32
 //   RK's             00BD        row:u16 first:u16 (xf:u16 rk:u32)* last:u16
 //   blanks           00BE        row:u16 first:u16 (xf:u16)* last:u16
@@ -30,8 +30,8 @@
 // Records but the shared strings that are longer than any of their version, 2080 bytes and 8224 in Excel 8,
 // are passed over. Parts that are no worksheets are not told from them: a chart's copies of the cells that it
 // shows are cells of the sheet before it, and its end may be taken for that of the last sheet. With
-// seCellRecords records of any size are read, such parts are passed over, and a stream that lacks sheets is
-// truncated. Only with the extensions:
+// seCellRecords records of any size are read, such parts are passed over, sheets are read in the order of their
+// entries, and a stream that lacks sheets is truncated. Only with the extensions:
 //
 //   string           0007 0207   length:u16 [options:u8] text                       a formula's result
 //   rich text        00D6        cell xf:u16 length:u16 text runs
@@ -70,6 +70,7 @@ private:
     struct TSheetEntry
     {
         std::string Name;
+        bool IsHidden;
         std::uint32_t Offset;                       // of its BOF
     };
 
@@ -77,11 +78,16 @@ private:
     bool ReadRecords();
     void RequireSheets() const;
     bool ReadRecord(const TKvRecord& Record);
+    bool EndsGlobals(const TKvRecord& Record) const;
+    bool EntriesLead() const;
+    bool ReadSheetsByEntry();
+    bool ReadSheet();
+    bool AnnounceSheet(std::size_t Index);
     bool ReadBof(const TKvRecord& Record);
     bool ReadEof();
     bool BeginSheet(const TKvRecord& Bof);
     void SeekSheet(std::size_t Index, const TKvRecord& Bof);
-    std::string SheetName(std::size_t BofOffset) const;
+    std::size_t EntryOf(const TKvRecord& Bof) const;
     bool IsLastSheet() const;
     void ReadSheetEntry(const TKvRecord& Record);
     std::string EntryName(const TKvRecord& Record);
@@ -96,15 +102,21 @@ private:
     void ReadBlanks(const TKvRecord& Cells);
     void ReadLabel(const TKvRecord& Cell);
     void ReadSharedString(const TKvRecord& Cell);
-    void ReadFormulaText(const TKvRecord& Record);
+    void ReadFormulaText();
+    /// A text that TakeText has given.
+    void RaiseTaken(const TPlace& Place, std::string_view Taken)
+    {
+        Raise(Place, TVariant::Borrow(Taken), TextReplaced ? cfCodePage : cfNone);
+    }
     std::string_view TakeText(std::size_t Position);
+    std::string_view TakeBytes(std::size_t Position);
     std::string_view TakeCharacters(std::size_t Position, std::size_t Count, std::uint8_t Options);
 
     std::vector<TSheetEntry> Sheets;
     std::unordered_map<std::size_t, std::size_t> SheetsByOffset; // their positions
-    TKvxlsSharedStrings Strings;
     int OtherParts = 0;                             // how many parts that are passed over are open
     std::string Text;                               // of one cell
+    bool TextReplaced = false;                      // characters of it
 };
 
 } // namespace kv

@@ -284,4 +284,44 @@ TEST(TSpreadSheetCells, RowsOfAnyNumberAreKept)
         EXPECT_EQ(Cells.GetValue(0, Row), TVariant(Row));
 }
 
+TEST(TSpreadSheetCells, RowCountAndColCountGrowIndependently)
+{
+    TSpreadSheetCells Cells;
+    Cells.SetValue(9, 0, 1, taLeftJustify);
+    EXPECT_EQ(Cells.ColCount, 10);
+    EXPECT_EQ(Cells.RowCount, 1);
+    Cells.SetValue(0, 7, 1, taLeftJustify);
+    EXPECT_EQ(Cells.ColCount, 10);
+    EXPECT_EQ(Cells.RowCount, 8);
+    Cells.SetValue(3, 7, 1, taLeftJustify);
+    Cells.SetValue(3, 2, 1, taLeftJustify);
+    EXPECT_EQ(Cells.ColCount, 10);
+    EXPECT_EQ(Cells.RowCount, 8);
+}
+
+TEST(TSpreadSheetCells, ATextMayBeSharedByManyCells)
+{
+    const std::string Text(100, 'x');
+    TSpreadSheetCells Cells;
+    Cells.SetSharedText(0, 0, Text, taCenter);
+    Cells.SetSharedText(1, 0, Text, taLeftJustify);
+    EXPECT_EQ(Cells.GetValue(0, 0).Text().data(), Text.data());
+    EXPECT_EQ(Cells.GetValue(1, 0).Text().data(), Text.data());
+    EXPECT_EQ(Cells.GetAlignment(0, 0), taCenter);
+    EXPECT_EQ(Cells.CellColumns(), 2);
+}
+
+TEST(TSpreadSheetRow, IsBlankWhenNothingCanBeSeenInIt)
+{
+    TSpreadSheetRow Row(0);
+    EXPECT_TRUE(Row.IsBlank());
+    Row.Set(0, "  ", taLeftJustify);
+    Row.Set(5, "", taLeftJustify);
+    EXPECT_TRUE(Row.IsBlank());
+    Row.SetFault(5, cfCodePage);
+    EXPECT_FALSE(Row.IsBlank());
+    Row.Set(5, 0, taLeftJustify);
+    EXPECT_FALSE(Row.IsBlank());
+}
+
 } // namespace kv

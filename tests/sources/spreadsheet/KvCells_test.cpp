@@ -238,4 +238,47 @@ TEST_F(KvCells, HasNoExtensionsUnlessAsked)
     EXPECT_TRUE(File.Extensions.IsEmpty());
 }
 
+TEST_F(KvCells, ACellWithoutAValueInASheetThatWasNotAnnouncedCreatesTheSheet)
+{
+    for (const auto& Value : {TVariant(Null), TVariant()}) {
+        Load();
+        Cell(0, 4, 5, Value);
+        EXPECT_THAT(Captions(File.Sheets), ElementsAre("Sheet1"));
+        EXPECT_EQ(File.Sheets[0].Cells.Count(), 0u);
+    }
+}
+
+TEST_F(KvCells, ASheetKnowsWhetherItIsHidden)
+{
+    Load();
+    bool Skip = false;
+    File.SheetHidden = true;
+    File.OnSheet(File, "Hidden", 0, Skip);
+    File.SheetHidden = false;
+    File.OnSheet(File, "Shown", 1, Skip);
+    EXPECT_TRUE(File.Sheets[0].Hidden);
+    EXPECT_FALSE(File.Sheets[1].Hidden);
+}
+
+TEST_F(KvCells, ACellKnowsItsFaultUnderTheExtension)
+{
+    for (const TSpreadSheetExtensions Extensions : {TSpreadSheetExtensions(), {seTellingErrors}}) {
+        Load();
+        File.Extensions = Extensions;
+        File.CellFault = cfNoDay;
+        Cell(0, 4, 5, 1e9);
+        Cell(0, 4, 300, 1e9);                       // no slot
+        Cell(0, 9, 5, Null);
+        File.CellFault = cfNone;
+        Cell(0, 4, 6, 7);
+        const auto& Row = File.Sheets[0].Cells[0];
+        EXPECT_EQ(Row.HasFaults(), !Extensions.IsEmpty());
+        EXPECT_EQ(Row.Fault(5), Extensions.IsEmpty() ? cfNone : cfNoDay);
+        EXPECT_EQ(Row.Fault(6), cfNone);
+        EXPECT_EQ(Row.Fault(7), cfNone);
+        Cell(0, 4, 5, 8);                           // written anew
+        EXPECT_EQ(Row.Fault(5), cfNone);
+    }
+}
+
 } // namespace kv

@@ -169,4 +169,17 @@ TEST(Kvi2cellPreview, HandsSenderAndFlagOn)
     EXPECT_TRUE(SeenFlag);
 }
 
+TEST(Kvi2cellPreview, TheLettersOfColumn52LeadToIt)
+{
+    const auto Book = TWorksheetBuilder(wfLotus).Range(53, 1).Label(50, 0, "AY").Label(51, 0, "AZ")
+                                                .Label(52, 0, "BA").End();
+    const auto Result = Preview(Book.Build(), 1, 9);
+    ASSERT_EQ(Result.Columns.size(), 53u);
+    EXPECT_EQ(Result.Columns[50], "AY 51");
+    EXPECT_EQ(Result.Columns[51], "B@ 52");
+    EXPECT_EQ(Result.Columns[52], "BA 53");
+    ASSERT_EQ(Result.Rows.size(), 1u);
+    EXPECT_TRUE(Result.Rows[0].ends_with(" AY=AY B@=AZ BA=BA")) << Result.Rows[0];
+}
+
 } // namespace kv

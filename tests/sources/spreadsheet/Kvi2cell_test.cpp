@@ -409,4 +409,16 @@ TEST(Kvi2cell, AutomaticMappingKeepsNoWorkbook)
     EXPECT_EQ(Import.Readers, 0);
 }
 
+TEST(Kvi2cell, TheRecordsAvailableAreThoseOfTheSheetWhateverRowComesFirst)
+{
+    TCellImport Import(TSheetRows{{"1"}, {"2"}, {"3"}, {"4"}});
+    Import.RowFirst = 3;
+    Import.BeforeImport();
+    EXPECT_EQ(Import.GetTotalCount(), 4);
+    Import.AfterImport();
+    EXPECT_EQ(Import.GetTotalCount(), 0);
+    EXPECT_THAT(Import.Run(), ElementsAre("3||", "4||"));
+    EXPECT_EQ(Import.Statistic.TotalCount, 2);
+}
+
 } // namespace kv

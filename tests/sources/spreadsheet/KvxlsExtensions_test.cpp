@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <string>
 
 #include "KvBiffBuilder.h"
@@ -150,7 +151,7 @@ TEST(KvxlsExtensions, TheDateModeShiftsDatesOnly)
     EXPECT_THAT(Read(Globals, Sheet, {seDateMode}),
                 ElementsAre(SheetLine, "cell 0: 0 0 date 1462 left", "cell 0: 0 1 double 0 right"));
     EXPECT_THAT(Read(TBiffBuilder().DateMode(0).Xf(0).Xf(14), Sheet, {seDateMode}),
-                ElementsAre(SheetLine, "cell 0: 0 0 date 0 left", "cell 0: 0 1 double 0 right"));
+                ElementsAre(SheetLine, "cell 0: 0 0 date 1 left", "cell 0: 0 1 double 0 right"));
 }
 
 TEST(KvxlsExtensions, TheCodePageOfAFileIsUsed)
@@ -275,31 +276,6 @@ TEST(KvxlsExtensions, ASheetAfterAChartWithoutEndIsRead)
                 ElementsAre("sheet 0 \"Sheet1\"", "cell 0: 0 0 double 1 right"));
 }
 
-TEST(KvxlsExtensions, SheetsAreNamedByWhereTheyBegin)
-{
-    auto Builder = TWorkbookBuilder().Sheet("One", {}).Sheet("Two", {});
-    auto Stream = Builder.Build();
-    const auto FirstEntry = TBiffBuilder().Bof().Size() + 4, SecondEntry = FirstEntry + 11 + 4;
-    std::swap_ranges(Stream.begin() + static_cast<std::ptrdiff_t>(FirstEntry),
-                     Stream.begin() + static_cast<std::ptrdiff_t>(FirstEntry) + 4,
-                     Stream.begin() + static_cast<std::ptrdiff_t>(SecondEntry));
-    EXPECT_THAT(TRecordingExcel({seCellRecords}).Workbook(Stream),
-                ElementsAre("sheet 0 \"Two\"", "sheet 1 \"One\""));
-    EXPECT_THAT(TRecordingExcel().Workbook(Stream), ElementsAre("sheet 0 \"One\"", "sheet 1 \"Two\""));
-}
-
-TEST(KvxlsExtensions, SheetsInAnotherOrderThanTheirEntriesMayBeSkipped)
-{
-    auto Builder = TWorkbookBuilder();
-    Builder.Sheet("One", TBiffBuilder().Rk(0, 0, 6)).Sheet("Two", TBiffBuilder().Rk(1, 1, 6));
-    auto Stream = Builder.Build();
-    const auto FirstEntry = TBiffBuilder().Bof().Size() + 4, SecondEntry = FirstEntry + 11 + 4;
-    Stream.replace(FirstEntry, 4, TBytes().U32(static_cast<std::uint32_t>(Builder.OffsetOfSheet(1))).Str());
-    Stream.replace(SecondEntry, 4, TBytes().U32(static_cast<std::uint32_t>(Builder.OffsetOfSheet(0))).Str());
-    EXPECT_THAT(TRecordingExcel({seCellRecords}).Skipping(0).Workbook(Stream),
-                ElementsAre("sheet 0 \"Two\"", "sheet 1 \"One\"", "cell 1: 1 1 double 1 right"));
-}
-
 TEST(KvxlsExtensions, WhatStandsInASkippedSheetIsNoCell)
 {
     const auto Chart = TBiffBuilder().Bof(bpChart).Number(0, 0, 8).Eof();
@@ -361,6 +337,59 @@ TEST(KvxlsExtensions, AWorkbookMayStandOutsideACompoundDocument)
                                 "sheet 1 \"Two\"", "dimensions 1: 0 1 0 1", "cell 1: 0 0 double 1.5 right"));
         EXPECT_EQ(Excel.Reader.Version, Version == bv8 ? evExcel8 : evExcel7);
     }
+}
+
+TEST(KvxlsExtensions, FormulasInTheRecordsOfExcel3And4AreCells)
+{
+    for (const auto Version : {bv5, bv8})
+        for (const auto Id : std::initializer_list<std::uint16_t>{0x0206, 0x0406}) {
+            const auto Cell = TBytes().U16(1).U16(2).U16(0).F64(2.5).Zeros(8);
+            const auto Date = TBytes().U16(1).U16(3).U16(1).F64(36526).Zeros(8);
+            const auto Globals = TBiffBuilder(Version).Xf(0).Xf(14);
+            const auto Sheet = TBiffBuilder(Version).Record(Id, Cell).Record(Id, Date);
+            EXPECT_THAT(Read(Globals, Sheet, {seCellRecords}),
+                        ElementsAre(SheetLine, "cell 0: 1 2 double 2.5 right",
+                                    "cell 0: 1 3 date 36526 left"));
+            EXPECT_THAT(Read(Globals, Sheet, {}), ElementsAre(SheetLine));
+        }
+}
+
+TEST(KvxlsExtensions, ALabelOfExcel5MayRunOnFromRecordToRecord)
+{
+    const auto First = TBytes().U16(7).U16(8).U16(0).U16(6).Text("ab");
+    TBiffBuilder Sheet(bv5);
+    Sheet.Record(0x0204, First).Record(0x003C, "cd").Record(0x003C, "efgh").Number(9, 9, 1);
+    EXPECT_THAT(Read(TBiffBuilder(bv5), Sheet, {seCellRecords}),
+                ElementsAre(SheetLine, "cell 0: 7 8 string abcdef left", "cell 0: 9 9 double 1 right"));
+    for (const bool HasMore : {false, true}) {
+        TBiffBuilder Cut(bv5);
+        Cut.Record(0x0204, First);
+        if (HasMore)
+            Cut.Record(0x003C, "c");
+        EXPECT_THAT(Read(TBiffBuilder(bv5), Cut, {seCellRecords}),
+                    ElementsAre(SheetLine,
+                                "error: Record 0x0204 at offset 40 is too short: 10 bytes, 14 are needed"));
+    }
+    EXPECT_THAT(Read(TBiffBuilder(bv5), Sheet, {}),
+                ElementsAre(SheetLine,
+                            "error: Record 0x0204 at offset 40 is too short: 10 bytes, 14 are needed"));
+}
+
+TEST(KvxlsExtensions, TheTextOfAFormulaOfExcel5MayRunOnToo)
+{
+    TBiffBuilder Sheet(bv5);
+    Sheet.Formula(0, 0, TextResult()).Record(0x0207, TBytes().U16(4).Text("ab")).Record(0x003C, "cd");
+    EXPECT_THAT(Read(TBiffBuilder(bv5), Sheet, {seFormulaResults, seCellRecords}),
+                ElementsAre(SheetLine, "cell 0: 0 0 string abcd left"));
+}
+
+TEST(KvxlsExtensions, TimesOfDayAreTheSameInThe1904Mode)
+{
+    const auto Globals = TBiffBuilder().DateMode(1).Xf(20).Xf(14).Xf(46);
+    const auto Sheet = TBiffBuilder().Number(0, 0, 0.25, 0).Number(0, 1, 0.25, 1).Number(0, 2, 1.5, 2);
+    EXPECT_THAT(Read(Globals, Sheet, {seDateMode, seCustomDates}),
+                ElementsAre(SheetLine, "cell 0: 0 0 date 0.25 left", "cell 0: 0 1 date 1462.25 left",
+                            "cell 0: 0 2 string 36:00:00 left"));
 }
 
 } // namespace kv

@@ -128,4 +128,51 @@ TEST(KvxlsFormats, PatternsThatAreNoDates)
         EXPECT_FALSE(IsDatePattern(Pattern)) << Pattern;
 }
 
+TEST(KvxlsFormats, PatternsTellDaysFromTimesAndDurations)
+{
+    for (const auto* const Pattern : {"d", "m", "mm/yy", "mmm", "mmmm", "m/d/yy h:mm", "[h]:mm d", "h:mm mmm"})
+        EXPECT_EQ(KindOfPattern(Pattern), skMoment) << Pattern;
+    for (const auto* const Pattern : {"h", "s.0", "h:mm", "mm:ss", "h:mm AM/PM", "hh:mm:ss A/P", "h;@"})
+        EXPECT_EQ(KindOfPattern(Pattern), skTime) << Pattern;
+    for (const auto* const Pattern : {"[h]", "[h]:mm", "[mm]:ss", "[ss]", "[Red][hh]:mm"})
+        EXPECT_EQ(KindOfPattern(Pattern), skDuration) << Pattern;
+    EXPECT_EQ(KindOfPattern("0.00"), skNumber);
+}
+
+TEST(KvxlsFormats, YearsOfErasAndDaysOfTheWeekAreDates)
+{
+    for (const auto* const Pattern : {"e", "ge", "ggge\"x\"", "[$-411]gge", "G.E", "b", "bbbb", "aaa", "[$-411]aaaa",
+                                      "ge-"})
+        EXPECT_EQ(KindOfPattern(Pattern), skMoment) << Pattern;
+    for (const auto* const Pattern : {"0.00E+00", "#e-0", "0E0", "Geral", "A/P", "aa", "Generelt"})
+        EXPECT_EQ(KindOfPattern(Pattern), skNumber) << Pattern;
+}
+
+TEST(KvxlsFormats, TheFirstUnnumberedFormatIsNoDateWhateverItsWord)
+{
+    for (const auto* const Word : {"Norm\xE1l", "Standaard", "Est\xE1ndar", "V\xB9" "eobecn\xFD", "d.m.yy"}) {
+        TKvxlsFormats Formats(true);
+        Formats.AddPattern(Word);
+        Formats.AddPattern("d");
+        EXPECT_EQ(DatesAmong(Formats, 0, 3), std::vector<int>{1}) << Word;
+    }
+}
+
+TEST(KvxlsFormats, BuiltInKinds)
+{
+    for (const bool Patterns : {false, true}) {
+        const TKvxlsFormats Formats(Patterns);
+        for (const auto Format : std::initializer_list<std::uint16_t>{14, 15, 16, 17, 22})
+            EXPECT_EQ(Formats.KindOfFormat(Format), skMoment) << Format;
+        for (const auto Format : std::initializer_list<std::uint16_t>{18, 19, 20, 21})
+            EXPECT_EQ(Formats.KindOfFormat(Format), skTime) << Format;
+    }
+    const TKvxlsFormats Formats(true);
+    for (const auto Format : std::initializer_list<std::uint16_t>{45, 47, 32, 33})
+        EXPECT_EQ(Formats.KindOfFormat(Format), skTime) << Format;
+    EXPECT_EQ(Formats.KindOfFormat(46), skDuration);
+    EXPECT_EQ(Formats.KindOfFormat(31), skMoment);
+    EXPECT_EQ(Formats.KindOfFormat(34), skMoment);
+}
+
 } // namespace kv

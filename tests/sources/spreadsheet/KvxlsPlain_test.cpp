@@ -366,7 +366,7 @@ TEST(KvxlsPlain, TheDateModeIsAppliedUnderTheExtension)
     EXPECT_THAT(Read(Stream(1), {seDateMode}),
                 ElementsAre(DeclaredLine, "cell -1: 0 0 double 1 centre", "cell -1: 0 1 date 1463 centre"));
     EXPECT_THAT(Read(Stream(0), {seDateMode}),
-                ElementsAre(DeclaredLine, "cell -1: 0 0 double 1 centre", "cell -1: 0 1 date 1 centre"));
+                ElementsAre(DeclaredLine, "cell -1: 0 0 double 1 centre", "cell -1: 0 1 date 2 centre"));
 }
 
 TEST(KvxlsPlain, TheCodePageIsAppliedUnderTheExtension)

@@ -5,7 +5,6 @@
 #include <string>
 #include <string_view>
 
-#include "KvException.h"
 
 using namespace std::string_view_literals;
 
@@ -56,7 +55,10 @@ TEST_F(KvxlsText, AnotherPageTakesItsCharactersOfWideText)
 {
     SetAnsiCodePage("windows-1251");
     EXPECT_EQ(Wide("a\0\x16\x04"sv), "a\xC6");
-    EXPECT_THROW(Wide("\xE9\0"sv), EConvertError);
+    std::string Text = "<";
+    EXPECT_TRUE(AppendWide("a\0"sv, Text));
+    EXPECT_FALSE(AppendWide("\xE9\0\x16\x04\x3D\xD8\0\xDE"sv, Text));
+    EXPECT_EQ(Text, "<a?\xC6?");
 }
 
 TEST_F(KvxlsText, CompressedTextPassesAsTextOfAnotherPage)
@@ -116,8 +118,26 @@ TEST_F(KvxlsText, AsciiPassesWithoutACopy)
 TEST_F(KvxlsText, BytesThatThePageLacksPass)
 {
     EXPECT_EQ(Converted(1253, "\xFF"), "\xFF");
+}
+
+TEST_F(KvxlsText, ACharacterThatTheProcessPageLacksIsReplacedAndToldOf)
+{
     SetAnsiCodePage("windows-1252");
-    EXPECT_EQ(Converted(1251, "\xC6"), "\xC6");     // a letter that the process's page lacks
+    TKvxlsByteText Text;
+    Text.SetCodePage(1251);
+    EXPECT_EQ(Text.Convert("a\xC6\x85"), "a?\x85"); // dots are in both
+    EXPECT_TRUE(Text.HasReplaced());
+    EXPECT_EQ(Text.Convert("a"), "a");
+    EXPECT_FALSE(Text.HasReplaced());
+}
+
+TEST_F(KvxlsText, OldTextMayBeWideWhereItIsNotAscii)
+{
+    EXPECT_EQ(Converted(1200, "plain text!\r\n\t"), "plain text!\r\n\t");
+    EXPECT_EQ(Converted(1200, "G\0r\0\xFC\0"sv), "Gr\xC3\xBC");
+    EXPECT_EQ(Converted(1200, "\x16\x04\x43\x04"), "\xD0\x96\xD1\x83");
+    EXPECT_EQ(Converted(1200, "\x16\x04\x43"), "\x16\x04\x43"); // half a character is none
+    EXPECT_EQ(Converted(1252, "G\0r\0"sv), "G\0r\0"sv);
 }
 
 } // namespace kv

@@ -245,4 +245,111 @@ TEST_F(Kvxls, CellsBeyondTheLastColumnAreCounted)
     EXPECT_EQ(Reader.Sheets[0].Cells.CellsBeyond(), 1u);
 }
 
+namespace {
+
+/// A document with a workbook of Excel 5 and one of Excel 8, in the order of the directory.
+std::string TwoWorkbooks(std::string_view Newer)
+{
+    const auto Older = TWorkbookBuilder(bv5).Sheet("Old", TBiffBuilder(bv5).Number(0, 0, 5)).Build();
+    return TCompoundBuilder().Stream(u"Book", Older).Stream(u"Workbook", Newer).Build();
+}
+
+} // namespace
+
+TEST_F(Kvxls, OfTwoWorkbooksTheFirstIsRead)
+{
+    EXPECT_EQ(Load(FileOf(TwoWorkbooks(OneSheet(bv8)))), "");
+    EXPECT_EQ(CellText(0, 0, 0), "double 5");
+}
+
+TEST_F(Kvxls, OfTwoWorkbooksTheNewerIsReadUnderTheExtension)
+{
+    Reader.Extensions = {seFileCodePage};
+    EXPECT_EQ(Load(FileOf(TwoWorkbooks(OneSheet(bv8)))), "");
+    EXPECT_EQ(CellText(0, 0, 0), "double 1.5");
+    EXPECT_EQ(Reader.Version, evExcel8);
+    EXPECT_TRUE(Reader.Remarks.empty());
+}
+
+TEST_F(Kvxls, TheOlderWorkbookIsReadWhenTheNewerCannotBe)
+{
+    Reader.Extensions = {seFileCodePage};
+    const auto Encrypted = TBiffBuilder().Bof(bpGlobals).FilePass();
+    EXPECT_EQ(Load(FileOf(TwoWorkbooks(Encrypted.Str()))), "");
+    ASSERT_EQ(Reader.Sheets.Count(), 1u);
+    EXPECT_EQ(Reader.Sheets[0].Caption, "Old");
+    EXPECT_EQ(CellText(0, 0, 0), "double 5");
+    ASSERT_EQ(Reader.Remarks.size(), 1u);
+    EXPECT_EQ(Reader.Remarks[0].Kind, srOlderWorkbook);
+    EXPECT_EQ(Reader.Remarks[0].Reason, "Can not read: file is encrypted");
+    EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", OneSheet(bv8)))), "");
+    EXPECT_TRUE(Reader.Remarks.empty());
+}
+
+TEST_F(Kvxls, AStorageThatIsNamedLikeAWorkbookIsNone)
+{
+    const auto Document = [](std::u16string_view Name) {
+        return TCompoundBuilder().Storage(Name).Stream(u"X", "x").Build();
+    };
+    for (const auto* const Name : {u"Book", u"Workbook"}) {
+        const auto File = FileOf(Document(Name));
+        Reader.Extensions = {};
+        EXPECT_EQ(Load(File), "File \"" + File + "\" has no stream \"" +
+                                  (Name[0] == u'B' ? "Book" : "Workbook") + "\"");
+        Reader.Extensions = {seFileCodePage};
+        EXPECT_EQ(Load(File), "File is not a Excel Workbook");
+    }
+    EXPECT_EQ(Load(FileOf(TCompoundBuilder().Storage(u"Book").Stream(u"Workbook", OneSheet(bv8)).Build())),
+              "");
+    EXPECT_EQ(CellText(0, 0, 0), "double 1.5");
+}
+
+TEST_F(Kvxls, WhatIsNoWorkbookIsNamedUnderTheExtension)
+{
+    const auto Page = FileOf("<table border=1><tr><td>A</td></tr></table>");
+    EXPECT_EQ(Load(Page), "File is not a Excel file");
+    Reader.Extensions = {seTellingErrors, seFileCodePage};
+    EXPECT_EQ(Load(Page), "File is not a Excel file, but a page of HTML");
+    EXPECT_EQ(Load(FileOf("\x01\x02\x03\x04\x05")), "File is not a Excel file");
+    EXPECT_EQ(Load(FileOf(TCompoundBuilder().Stream(u"EncryptedPackage", "x").Build())),
+              "File is not a Excel Workbook, but a newer one with a password");
+    EXPECT_EQ(Load(FileOf(TCompoundBuilder().Stream(u"WordDocument", "x").Build())),
+              "File is not a Excel Workbook, but a document of Word");
+    EXPECT_EQ(Load(FileOf(TCompoundBuilder().Stream(u"X", "x").Build())), "File is not a Excel Workbook");
+}
+
+TEST_F(Kvxls, ALongSharedTextIsHeldOnce)
+{
+    const std::u16string Long(1000, u'x'), Other(40, u'y');
+    const auto Strings = BiffSharedStrings({{.Text = Long}, {.Text = u"short"}, {.Text = Other}});
+    TBiffBuilder Sheet;
+    for (unsigned Row = 0; Row < 100; ++Row)
+        Sheet.LabelSst(Row, 0, 0).LabelSst(Row, 1, 1).LabelSst(Row, 2, 2);
+    const auto Stream = TBiffBuilder().Bof(bpGlobals).Str() + Strings + TBiffBuilder().Eof().Str() +
+                        TBiffBuilder().Bof().Add(Sheet).Eof().Str();
+    EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", Stream))), "");
+    auto& Cells = Reader.Sheets.Spreadsheet(0).Cells;
+    for (int Row = 0; Row < 100; ++Row) {
+        EXPECT_EQ(Cells.GetValue(0, Row).Text(), std::string(1000, 'x'));
+        EXPECT_EQ(Cells.GetValue(0, Row).Text().data(), Cells.GetValue(0, 0).Text().data());
+        EXPECT_EQ(Cells.GetValue(1, Row).Text(), "short");
+        EXPECT_EQ(Cells.GetValue(2, Row).Text(), std::string(40, 'y'));
+    }
+    const TVariant Copy = Cells.GetValue(0, 99);
+    EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", OneSheet(bv8)))), "");
+    EXPECT_EQ(Copy.Text(), std::string(1000, 'x'));
+}
+
+TEST_F(Kvxls, ASecondTableOfSharedTextsLeavesTheFirst)
+{
+    const std::u16string One(1000, u'x'), Two(5000, u'y');
+    const auto Stream = TBiffBuilder().Bof(bpGlobals).Str() + BiffSharedStrings({{.Text = One}}) +
+                        TBiffBuilder().Eof().Bof().LabelSst(0, 0, 0).Str() +
+                        BiffSharedStrings({{.Text = Two}}) + TBiffBuilder().LabelSst(1, 0, 0).Eof().Str();
+    EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", Stream))), "");
+    auto& Cells = Reader.Sheets.Spreadsheet(0).Cells;
+    EXPECT_EQ(Cells.GetValue(0, 0).Text(), std::string(1000, 'x'));
+    EXPECT_EQ(Cells.GetValue(0, 1).Text(), std::string(5000, 'y'));
+}
+
 } // namespace kv
