@@ -109,7 +109,10 @@ enum TJobFindingKind {
     /// Count rows without values, from row Number on, were left out.
     jfEmptyRows,
     /// Count rows, from row Number on, hold characters of several bytes; positions count bytes.
-    jfWideCharacters
+    jfWideCharacters,
+    /// Count values, the first in row Number, are 8-bit text of an unknown code page. Unit
+    jfOldText,
+    jfOlderWorkbook                                 ///< An older copy was read: the newer cannot be. Value is why.
 };
 
 /// One of them with its facts. Texts are UTF-8.

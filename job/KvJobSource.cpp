@@ -45,11 +45,14 @@ TJobFinding FindingOf(const TKvISourceRemark& Remark)
         case srCellsBeyondLastColumn: return jfCellsBeyond;
         case srEmptyRows:             return jfEmptyRows;
         case srWideCharacters:        return jfWideCharacters;
+        case srOldText:               return jfOldText;
+        case srOlderWorkbook:         return jfOlderWorkbook;
         case srSeveralTables:         break;
         }
         return jfSeveralTables;
     };
     return {.Kind = Kind(),
+            .Value = Remark.Reason,
             .Number = Remark.First,
             .Count = Remark.Count,
             .Limit = Remark.Limit,
@@ -270,7 +273,10 @@ void TJobSource::SelectSheet()
     const auto IsNamed = [&Sheet](const TKvISourcePart& Each) {
         return SameText(ToDisplay(Each.Name), Sheet);
     };
-    std::ptrdiff_t Index = 0;
+    // A sheet that its program hides is imported only when it is named.
+    auto Index = std::ranges::find(FParts, false, &TKvISourcePart::IsHidden) - FParts.begin();
+    if (Index == std::ssize(FParts))
+        Index = 0;
     if (const auto Number = TryTextToInt(Sheet); Number && *Number >= 1 && *Number <= std::ssize(FParts))
         Index = static_cast<std::ptrdiff_t>(*Number) - 1;
     else if (!Sheet.empty())

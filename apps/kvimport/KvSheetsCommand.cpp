@@ -1,5 +1,6 @@
 #include "KvCommands.h"
 
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -42,21 +43,32 @@ void AddOptions(CLI::App& Command, TSheetsOptions& Options)
 void PrintTable(const std::vector<TKvISourcePart>& Sheets)
 {
     TTextTable Table;
-    Table.AddHeading({"sheet", "name", "rows", "columns"});
-    for (std::size_t I = 0; I < Sheets.size(); ++I)
-        Table.AddRow({std::to_string(I + 1), ToDisplay(Sheets[I].Name), std::to_string(Sheets[I].Rows),
-                      std::to_string(Sheets[I].Columns)});
+    const bool HasHidden = std::ranges::count(Sheets, true, &TKvISourcePart::IsHidden) > 0;
+    std::vector<std::string> Heading = {"sheet", "name", "rows", "columns"};
+    if (HasHidden)
+        Heading.push_back("");
+    Table.AddHeading(Heading);
+    for (std::size_t I = 0; I < Sheets.size(); ++I) {
+        std::vector<std::string> Row = {std::to_string(I + 1), ToDisplay(Sheets[I].Name),
+                                        std::to_string(Sheets[I].Rows), std::to_string(Sheets[I].Columns)};
+        if (HasHidden)
+            Row.push_back(Sheets[I].IsHidden ? "hidden" : "");
+        Table.AddRow(Row);
+    }
     Table.Print(std::cout, 0);
 }
 
 void PrintJson(const TJobSource& Source)
 {
     auto List = TJson::array();
-    for (const auto& Sheet : Source.Parts())
+    for (const auto& Sheet : Source.Parts()) {
         List.push_back({{"sheet", List.size() + 1},
                         {"name", ToDisplay(Sheet.Name)},
                         {"rows", Sheet.Rows},
                         {"columns", Sheet.Columns}});
+        if (Sheet.IsHidden)
+            List.back()["hidden"] = true;
+    }
     const TJson Object = {{"source", Source.Title()}, {"sheets", List}};
     PrintJsonLine(std::cout, Object);
 }

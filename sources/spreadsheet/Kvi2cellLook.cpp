@@ -128,7 +128,7 @@ void TKvImportFromCell::LookAtExtent()
 
 void TKvImportFromCell::RemarkEmptyRows(const TSpreadSheetCells& Cells)
 {
-    TKvISourceRemark Remark{.Kind = srEmptyRecords};
+    TKvISourceRemark Remark{.Kind = srEmptyRows};
     const int End = std::min(RowLast, RowExtent(Cells, Extensions));
     for (int Row = std::max(RowFirst, 1) - 1; Row < End; ++Row)
         if (IsEmptyRow(Row) && Remark.Count++ == 0)

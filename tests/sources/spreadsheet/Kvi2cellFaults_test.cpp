@@ -193,12 +193,12 @@ TEST(Kvi2cellFaults, WithTheExtensionAnEmptyRowIsNoRecord)
     Import.RunExtensions = {rxNoEmptyRecords};
     EXPECT_THAT(Import.Run(), ElementsAre("2||", "5||"));
     EXPECT_EQ(Import.Statistic.TotalImported, 2);
-    EXPECT_THAT(RemarksOf(Import), ElementsAre(std::tuple(srEmptyRecords, 4, 1)));
+    EXPECT_THAT(RemarksOf(Import), ElementsAre(std::tuple(srEmptyRows, 4, 1)));
     Import.Mode = imCopy;
     Import.RowFirst = 3;
     Import.RowLast = 4;
     EXPECT_THAT(Import.Run(), IsEmpty());
-    EXPECT_THAT(RemarksOf(Import), ElementsAre(std::tuple(srEmptyRecords, 2, 3)));
+    EXPECT_THAT(RemarksOf(Import), ElementsAre(std::tuple(srEmptyRows, 2, 3)));
     Import.RowFirst = -RowLastMax;                  // rows above the sheet are empty too
     EXPECT_THAT(Import.Run(), ElementsAre("2||"));
 }
@@ -226,7 +226,7 @@ TEST(Kvi2cellFaults, WithTheExtensionALookShowsRecordsOnly)
     const auto View = Import.Look({.Rows = 2, .HeaderRow = 1});
     EXPECT_THAT(RowsOf(View), ElementsAre("3: 1", "5: 2"));
     EXPECT_FALSE(View.HasMore);
-    EXPECT_THAT(RemarksOf(Import), ElementsAre(std::tuple(srEmptyRecords, 3, 2)));
+    EXPECT_THAT(RemarksOf(Import), ElementsAre(std::tuple(srEmptyRows, 3, 2)));
 }
 
 TEST(Kvi2cellFaults, FormulasThatGiveNoTextMakeNoRecord)
@@ -236,7 +236,7 @@ TEST(Kvi2cellFaults, FormulasThatGiveNoTextMakeNoRecord)
          .Formula(2, 0, EmptyResult());
     TExtended<TKvImportFromXLS> Import(Workbook({}, Sheet));
     EXPECT_THAT(Import.Run(), ElementsAre("1||"));
-    EXPECT_THAT(RemarksOf(Import), ElementsAre(std::tuple(srEmptyRecords, 2, 2)));
+    EXPECT_THAT(RemarksOf(Import), ElementsAre(std::tuple(srEmptyRows, 2, 2)));
 }
 
 // Text of unknown code pages.
