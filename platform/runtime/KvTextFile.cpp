@@ -1,6 +1,7 @@
 #include "KvTextFile.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "KvCodePage.h"
 #include "KvException.h"
@@ -36,6 +37,29 @@ constexpr TKvMark Marks[] = {{"\xEF\xBB\xBF", Utf8, WholeUtf8},
                            {"\xFF\xFE", "UTF-16LE", WholeUtf16<1>},
                            {"\xFE\xFF", "UTF-16BE", WholeUtf16<0>}};
 
+/// Process text. `HasStandIns` tells whether bytes without a meaning were replaced.
+std::string Convert(const std::string& FileName, std::string_view Text, std::string_view CodePage,
+                    TUndefinedBytes Undefined, bool& HasStandIns)
+{
+    try {
+        std::string Utf8;
+        const auto& Page = CodePageNamed(CodePage);
+        if (!Page.Decode(Text, ubRefuse, Utf8)) {
+            if (Undefined == ubRefuse)
+                throw EConvertError(std::string());
+            Utf8.clear();
+            HasStandIns = true;
+            Page.Decode(Text, ubStandIn, Utf8);
+        }
+        return AnsiIsUtf8() ? Utf8 : Utf8ToAnsi(Utf8);
+    }
+    catch (const EConvertError&) {                  // its message may hold the whole text
+        throw EConvertError(FormatText("Cannot convert the text of file \"%s\" from %s to %s",
+                                       {FileName, CodePage, AnsiCodePage()}),
+                            {.FileName = FileName, .Rule = erFormat});
+    }
+}
+
 } // namespace
 
 const TKvMark* FindByteOrderMark(std::string_view Text)
@@ -51,6 +75,12 @@ std::string_view WithoutByteOrderMark(std::string_view Text)
     return Found ? Text.substr(Found->Bytes.size()) : Text;
 }
 
+std::string DecodeText(const std::string& FileName, std::string_view Text, std::string_view CodePage)
+{
+    bool HasStandIns = false;
+    return Convert(FileName, Text, CodePage, ubRefuse, HasStandIns);
+}
+
 TKvTextFile::TKvTextFile(const std::string& FileName, TKvByteOrderMark Mark, std::size_t MaxSize,
                          const std::function<bool()>& Continue)
 {
@@ -61,19 +91,19 @@ TKvTextFile::TKvTextFile(const std::string& FileName, TKvByteOrderMark Mark, std
     DropMark(Found->Bytes.size());
     if (!FIsWhole)
         FText = Found->WholeCharacters(FText);
-    Decode(FileName, std::string(Found->CodePage));
+    Decode(FileName, Found->CodePage, ubRefuse);
 }
 
-TKvTextFile::TKvTextFile(const std::string& FileName, TKvFindEncoding Declared,
+TKvTextFile::TKvTextFile(const std::string& FileName, const TKvFindEncoding& Declared,
                          const std::function<bool()>& Continue)
 {
     Read(FileName, WholeFile, Continue);
     if (const auto* const Found = FindByteOrderMark(FText)) {
         DropMark(Found->Bytes.size());
-        Decode(FileName, std::string(Found->CodePage));
+        Decode(FileName, Found->CodePage, ubStandIn);
     }
     else if (const auto Name = Declared(FText); !Name.empty()) {
-        Decode(FileName, std::string(Name));
+        Decode(FileName, Name, ubStandIn);
     }
 }
 
@@ -91,26 +121,15 @@ void TKvTextFile::DropMark(std::size_t Size)
     FOffset = static_cast<std::int64_t>(Size);
 }
 
-void TKvTextFile::Decode(const std::string& FileName, const std::string& CodePage)
+void TKvTextFile::Decode(const std::string& FileName, std::string_view CodePage, TUndefinedBytes Undefined)
 {
+    FEncoding = CodePage;
     if (SameText(CodePage, AnsiCodePage()))
         return;
-    Decoded = DecodeText(FileName, FText, CodePage);
+    Decoded = Convert(FileName, FText, CodePage, Undefined, FHasStandIns);
     FText = Decoded;
     FOffset = -1;
     Bytes = {};
-}
-
-std::string DecodeText(const std::string& FileName, std::string_view Text, const std::string& CodePage)
-{
-    try {
-        return Utf8ToAnsi(CodePageToUtf8(Text, CodePage));
-    }
-    catch (const EConvertError&) {                  // its message may hold the whole text
-        throw EConvertError(FormatText("Cannot convert the text of file \"%s\" from %s to %s",
-                                       {FileName, CodePage, AnsiCodePage()}),
-                            {.FileName = FileName, .Rule = erFormat});
-    }
 }
 
 } // namespace kv

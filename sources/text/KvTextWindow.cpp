@@ -143,7 +143,7 @@ bool TKvTextWindow::ReadRaw(const std::function<bool()>& Continue)
 void TKvTextWindow::Decode()
 {
     const auto Whole = Ended && IsWhole() ? std::string_view(Raw) : FMark->WholeCharacters(Raw);
-    const auto Text = DecodeText(File.Name(), Whole, std::string(FMark->CodePage));
+    const auto Text = DecodeText(File.Name(), Whole, FMark->CodePage);
     MakeRoom(Text.size());
     std::memcpy(Bytes.get() + Last, Text.data(), Text.size());
     Last += Text.size();

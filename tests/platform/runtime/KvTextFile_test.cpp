@@ -129,6 +129,20 @@ TEST(KvTextFile, AByteOrderMarkComesBeforeADeclaredEncoding)
     EXPECT_EQ(TKvTextFile(Folder.Write("utf16", "\xFE\xFF\0\xE4"s), Latin).Text(), "\xC3\xA4");
 }
 
+TEST(KvTextFile, BytesThatAreNoTextOfADeclaredEncodingAreReplaced)
+{
+    const TTempFolder Folder;
+    const auto Declared = [](std::string_view) { return std::string_view("windows-1252"); };
+    const TKvTextFile Text(Folder.Write("file", "\xE4\x81"), Declared);
+    EXPECT_EQ(Text.Text(), "\u00E4\u0081");
+    EXPECT_TRUE(Text.HasStandIns());
+    EXPECT_EQ(Text.Encoding(), "windows-1252");
+    const TKvTextFile Whole(Folder.Write("whole", "\xE4"), Declared);
+    EXPECT_FALSE(Whole.HasStandIns());
+    const TKvTextFile None(Folder.Write("none", "\xE4"), [](std::string_view) { return std::string_view(); });
+    EXPECT_EQ(None.Encoding(), "");
+}
+
 TEST(KvTextFile, AnUnknownEncodingIsRefused)
 {
     const TTempFolder Folder;
