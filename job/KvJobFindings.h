@@ -112,7 +112,14 @@ enum TJobFindingKind {
     jfWideCharacters,
     /// Count values, the first in row Number, are 8-bit text of an unknown code page. Unit
     jfOldText,
-    jfOlderWorkbook                                 ///< An older copy was read: the newer cannot be. Value is why.
+    jfOlderWorkbook,                                ///< An older copy was read: the newer cannot be. Value is why.
+    jfUnknownEncoding,                              ///< Nobody knows the encoding Value that the file names.
+    /// Not all of the text is of encoding Value; what is none is taken for code page Was.
+    jfForeignBytes,
+    jfUndefinedBytes,                               ///< Bytes have no meaning in encoding Value.
+    jfCutOff,                                       ///< The file ends inside a table.
+    jfReplacedRecords,                              ///< Count records are deleted, or replaced by others.
+    jfElementsLeftOut                               ///< Count elements inside records are no values.
 };
 
 /// One of them with its facts. Texts are UTF-8.

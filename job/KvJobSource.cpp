@@ -48,11 +48,18 @@ TJobFinding FindingOf(const TKvISourceRemark& Remark)
         case srOldText:               return jfOldText;
         case srOlderWorkbook:         return jfOlderWorkbook;
         case srSeveralTables:         break;
+        case srUnknownEncoding:       return jfUnknownEncoding;
+        case srForeignText:           return jfForeignBytes;
+        case srUndefinedBytes:        return jfUndefinedBytes;
+        case srCutOff:                return jfCutOff;
+        case srReplacedRecords:       return jfReplacedRecords;
+        case srElementsLeftOut:       return jfElementsLeftOut;
         }
         return jfSeveralTables;
     };
     return {.Kind = Kind(),
-            .Value = Remark.Reason,
+            .Value = ToDisplay(Remark.Text),
+            .Was = Remark.Kind == srForeignText ? LegacyCodePage() : std::string(),
             .Number = Remark.First,
             .Count = Remark.Count,
             .Limit = Remark.Limit,
@@ -408,6 +415,9 @@ std::unique_ptr<TJobSource> OpenSource(TJobFile* Saved, const TJobSettings& Sett
     auto Source = Saved ? std::make_unique<TJobSource>(*Saved, Settings.Source, Continue)
                         : std::make_unique<TJobSource>(Settings.Source, Continue);
     SetFormats(Settings.Formats, Source->Component().DataFormats);
+    if (!Settings.Formats.CodePage.empty() &&
+        FindProperty(Source->Component().PublishedProperties(), "CodePage"))
+        SetPropValue(Source->Component(), "CodePage", Settings.Formats.CodePage);
     Source->Look({.FindTitles = Settings.Plan.Mapping == jmByName});
     return Source;
 }

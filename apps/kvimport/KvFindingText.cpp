@@ -266,6 +266,21 @@ std::string FindingText(const TJobFinding& Found)
     case jfWideCharacters:
         return RowsFrom(Found) +
                " characters of several bytes: columns count bytes, so what follows those is cut too early";
+    case jfUnknownEncoding:
+        return "it calls its encoding '" + Found.Value + "', which is not known; --code-page says what it is";
+    case jfForeignBytes:
+        return "not all of its text is " + Found.Value + ": what is none is taken for " + Found.Was +
+               "; --code-page takes it for another";
+    case jfUndefinedBytes:
+        return "it has bytes without a meaning in " + Found.Value +
+               ", records with them are refused; --code-page takes it for another";
+    case jfCutOff: return "it ends inside a table: it may have been cut off";
+    case jfReplacedRecords:
+        return Plural(Found.Count, " record that is", " records that are") +
+               " deleted or replaced by others in its log of changes were left out";
+    case jfElementsLeftOut:
+        return Plural(Found.Count, " element", " elements") +
+               " inside records were left out: they hold elements, or come twice in a record";
     default:                return RefusalText(Found);
     }
 }

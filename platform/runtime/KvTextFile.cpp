@@ -42,16 +42,16 @@ std::string Convert(const std::string& FileName, std::string_view Text, std::str
                     TUndefinedBytes Undefined, bool& HasStandIns)
 {
     try {
-        std::string Utf8;
+        std::string Result;
         const auto& Page = CodePageNamed(CodePage);
-        if (!Page.Decode(Text, ubRefuse, Utf8)) {
+        if (!Page.Decode(Text, ubRefuse, Result)) {
             if (Undefined == ubRefuse)
                 throw EConvertError(std::string());
-            Utf8.clear();
+            Result.clear();
             HasStandIns = true;
-            Page.Decode(Text, ubStandIn, Utf8);
+            Page.Decode(Text, ubStandIn, Result);
         }
-        return AnsiIsUtf8() ? Utf8 : Utf8ToAnsi(Utf8);
+        return AnsiIsUtf8() ? Result : Utf8ToAnsi(Result);
     }
     catch (const EConvertError&) {                  // its message may hold the whole text
         throw EConvertError(FormatText("Cannot convert the text of file \"%s\" from %s to %s",
