@@ -28,7 +28,7 @@ void CutRowsAndCells(benchmark::State& State)
     const auto File = ReadFileBytes(Orders().FileName());
     std::size_t Bytes = 0;
     for (auto _ : State) {
-        TKvHtmlRows Table(File.View(), State.range(0) != 0 ? AllExtensions : TKvIHTMLExtensions());
+        TKvHtmlRows Table(File.View(), State.range(0) != 0 ? AllExtensions : TKvIHTMLExtensions(), hfHtml);
         while (Table.Next())
             for (std::size_t Column = 0; Column < Table.Columns(); ++Column)
                 Bytes += Table.Text(Column).size();

@@ -13,8 +13,8 @@ namespace kv {
 namespace {
 
 constexpr std::int64_t Rows = 200000;
-constexpr TKvIXMLExtensions AllExtensions{xxTagSyntax, xxWholeNames, xxReferences, xxEncoding,
-                                          xxMissingIsNull};
+constexpr TKvIXMLExtensions AllExtensions{xxTagSyntax,     xxWholeNames, xxReferences,    xxEncoding,
+                                          xxMissingIsNull, xxRowState,   xxElementValues, xxFieldTypes};
 
 const bench::TOrdersFile& Orders()
 {

@@ -55,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size
     TFuzzInput Input(Data, Size);
     Import.SetDataSet(&Table);
     Import.AnimatedStatus = false;
-    Import.Extensions = TKvIXMLExtensions::FromBits(Input.Take<std::uint8_t>() & 31);
+    Import.Extensions = TKvIXMLExtensions::FromBits(Input.Take<std::uint8_t>());
     Import.RowFirst = Input.TakeOneOf({1, 2, 0, 5});
     Import.TableName = Input.TakeOneOf({"", "Orders"});
     const bool AutoMapping = Input.TakeOneOf({false, true});
@@ -68,7 +68,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size
     const auto& S = Import.Statistic;
     Require(S.Result == irExecuted || !Import.ErrorMessage().empty());
     if (S.Result == irExecuted) {
-        Require(S.TotalImported == S.TotalAdded && Table.RecordCount() == S.TotalAdded - S.TotalErrors);
+        const int Unread = S.TotalImported - S.TotalAdded; // with a value that cannot be read
+        Require(Unread >= 0 && Table.RecordCount() == S.TotalAdded - (S.TotalErrors - Unread));
+        Require(Unread == 0 || !Import.Extensions.IsEmpty());
         if (Import.Extensions.IsEmpty())
             CheckPreview(Import);
     }

@@ -1,12 +1,12 @@
 #include "KvCharacterReferences.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <iterator>
 
 #include "KvCodePage.h"
 #include "KvException.h"
+#include "KvHtmlReferences.h"
 #include "KvUtf8.h"
 
 namespace kv {
@@ -14,61 +14,14 @@ namespace kv {
 namespace {
 
 constexpr std::uint32_t CodeMax = 0x10FFFF;
-constexpr std::uint32_t Latin1Max = 255;
-constexpr std::size_t MaxDigits = 16;               // many zeros may stand before a number, but not any
+constexpr std::uint32_t Replacement = 0xFFFD;
 
-struct TName
+struct TXmlName
 {
     std::string_view Name;
     std::uint32_t Code;
 };
-
-/// The character entities of HTML 4.01, section 24, and "apos" of XHTML; sorted by their bytes.
-constexpr TName HtmlNames[] = {
-    {"AElig", 198}, {"Aacute", 193}, {"Acirc", 194}, {"Agrave", 192}, {"Alpha", 913}, {"Aring", 197},
-    {"Atilde", 195}, {"Auml", 196}, {"Beta", 914}, {"Ccedil", 199}, {"Chi", 935}, {"Dagger", 8225},
-    {"Delta", 916}, {"ETH", 208}, {"Eacute", 201}, {"Ecirc", 202}, {"Egrave", 200}, {"Epsilon", 917},
-    {"Eta", 919}, {"Euml", 203}, {"Gamma", 915}, {"Iacute", 205}, {"Icirc", 206}, {"Igrave", 204},
-    {"Iota", 921}, {"Iuml", 207}, {"Kappa", 922}, {"Lambda", 923}, {"Mu", 924}, {"Ntilde", 209}, {"Nu", 925},
-    {"OElig", 338}, {"Oacute", 211}, {"Ocirc", 212}, {"Ograve", 210}, {"Omega", 937}, {"Omicron", 927},
-    {"Oslash", 216}, {"Otilde", 213}, {"Ouml", 214}, {"Phi", 934}, {"Pi", 928}, {"Prime", 8243}, {"Psi", 936},
-    {"Rho", 929}, {"Scaron", 352}, {"Sigma", 931}, {"THORN", 222}, {"Tau", 932}, {"Theta", 920},
-    {"Uacute", 218}, {"Ucirc", 219}, {"Ugrave", 217}, {"Upsilon", 933}, {"Uuml", 220}, {"Xi", 926},
-    {"Yacute", 221}, {"Yuml", 376}, {"Zeta", 918}, {"aacute", 225}, {"acirc", 226}, {"acute", 180},
-    {"aelig", 230}, {"agrave", 224}, {"alefsym", 8501}, {"alpha", 945}, {"amp", 38}, {"and", 8743},
-    {"ang", 8736}, {"apos", 39}, {"aring", 229}, {"asymp", 8776}, {"atilde", 227}, {"auml", 228},
-    {"bdquo", 8222}, {"beta", 946}, {"brvbar", 166}, {"bull", 8226}, {"cap", 8745}, {"ccedil", 231},
-    {"cedil", 184}, {"cent", 162}, {"chi", 967}, {"circ", 710}, {"clubs", 9827}, {"cong", 8773},
-    {"copy", 169},
-    {"crarr", 8629}, {"cup", 8746}, {"curren", 164}, {"dArr", 8659}, {"dagger", 8224}, {"darr", 8595},
-    {"deg", 176}, {"delta", 948}, {"diams", 9830}, {"divide", 247}, {"eacute", 233}, {"ecirc", 234},
-    {"egrave", 232}, {"empty", 8709}, {"emsp", 8195}, {"ensp", 8194}, {"epsilon", 949}, {"equiv", 8801},
-    {"eta", 951}, {"eth", 240}, {"euml", 235}, {"euro", 8364}, {"exist", 8707}, {"fnof", 402},
-    {"forall", 8704}, {"frac12", 189}, {"frac14", 188}, {"frac34", 190}, {"frasl", 8260}, {"gamma", 947},
-    {"ge", 8805}, {"gt", 62}, {"hArr", 8660}, {"harr", 8596}, {"hearts", 9829}, {"hellip", 8230},
-    {"iacute", 237}, {"icirc", 238}, {"iexcl", 161}, {"igrave", 236}, {"image", 8465}, {"infin", 8734},
-    {"int", 8747}, {"iota", 953}, {"iquest", 191}, {"isin", 8712}, {"iuml", 239}, {"kappa", 954},
-    {"lArr", 8656}, {"lambda", 955}, {"lang", 9001}, {"laquo", 171}, {"larr", 8592}, {"lceil", 8968},
-    {"ldquo", 8220}, {"le", 8804}, {"lfloor", 8970}, {"lowast", 8727}, {"loz", 9674}, {"lrm", 8206},
-    {"lsaquo", 8249}, {"lsquo", 8216}, {"lt", 60}, {"macr", 175}, {"mdash", 8212}, {"micro", 181},
-    {"middot", 183}, {"minus", 8722}, {"mu", 956}, {"nabla", 8711}, {"nbsp", 160}, {"ndash", 8211},
-    {"ne", 8800}, {"ni", 8715}, {"not", 172}, {"notin", 8713}, {"nsub", 8836}, {"ntilde", 241}, {"nu", 957},
-    {"oacute", 243}, {"ocirc", 244}, {"oelig", 339}, {"ograve", 242}, {"oline", 8254}, {"omega", 969},
-    {"omicron", 959}, {"oplus", 8853}, {"or", 8744}, {"ordf", 170}, {"ordm", 186}, {"oslash", 248},
-    {"otilde", 245}, {"otimes", 8855}, {"ouml", 246}, {"para", 182}, {"part", 8706}, {"permil", 8240},
-    {"perp", 8869}, {"phi", 966}, {"pi", 960}, {"piv", 982}, {"plusmn", 177}, {"pound", 163}, {"prime", 8242},
-    {"prod", 8719}, {"prop", 8733}, {"psi", 968}, {"quot", 34}, {"rArr", 8658}, {"radic", 8730},
-    {"rang", 9002}, {"raquo", 187}, {"rarr", 8594}, {"rceil", 8969}, {"rdquo", 8221}, {"real", 8476},
-    {"reg", 174}, {"rfloor", 8971}, {"rho", 961}, {"rlm", 8207}, {"rsaquo", 8250}, {"rsquo", 8217},
-    {"sbquo", 8218}, {"scaron", 353}, {"sdot", 8901}, {"sect", 167}, {"shy", 173}, {"sigma", 963},
-    {"sigmaf", 962}, {"sim", 8764}, {"spades", 9824}, {"sub", 8834}, {"sube", 8838}, {"sum", 8721},
-    {"sup", 8835}, {"sup1", 185}, {"sup2", 178}, {"sup3", 179}, {"supe", 8839}, {"szlig", 223}, {"tau", 964},
-    {"there4", 8756}, {"theta", 952}, {"thetasym", 977}, {"thinsp", 8201}, {"thorn", 254}, {"tilde", 732},
-    {"times", 215}, {"trade", 8482}, {"uArr", 8657}, {"uacute", 250}, {"uarr", 8593}, {"ucirc", 251},
-    {"ugrave", 249}, {"uml", 168}, {"upsih", 978}, {"upsilon", 965}, {"uuml", 252}, {"weierp", 8472},
-    {"xi", 958}, {"yacute", 253}, {"yen", 165}, {"yuml", 255}, {"zeta", 950}, {"zwj", 8205}, {"zwnj", 8204},
-};
-constexpr TName XmlNames[] = {{"amp", '&'}, {"apos", '\''}, {"gt", '>'}, {"lt", '<'}, {"quot", '"'}};
+constexpr TXmlName XmlNames[] = {{"amp", '&'}, {"apos", '\''}, {"gt", '>'}, {"lt", '<'}, {"quot", '"'}};
 
 /// What the numbers 128 to 159 have meant in pages since windows-1252 was the usual encoding; 0 where it
 /// has no character.
@@ -83,17 +36,58 @@ bool IsLetterOrDigit(char Char)
     return (Char >= 'a' && Char <= 'z') || (Char >= 'A' && Char <= 'Z') || (Char >= '0' && Char <= '9');
 }
 
-/// A reference as it was understood: its character and its length in bytes, 0 when it is none.
+/// The value of a digit in either case; 16 for what is none.
+unsigned DigitOf(char Char)
+{
+    if (Char >= '0' && Char <= '9')
+        return static_cast<unsigned>(Char - '0');
+    const char Letter = static_cast<char>(Char | 0x20);
+    return Letter >= 'a' && Letter <= 'f' ? static_cast<unsigned>(Letter - 'a') + 10 : 16;
+}
+
+/// A reference as it was understood: its characters, and its length in bytes, 0 when it is none.
 struct TReference
 {
-    std::uint32_t Code = 0;
+    std::uint32_t Codes[2] = {};
+    std::size_t Count = 0;
     std::size_t Size = 0;
 };
 
-template <std::size_t N> const TName* FindName(const TName (&Names)[N], std::string_view Name)
+TReference OneCharacter(std::uint32_t Code, std::size_t Size)
 {
-    const auto Found = std::ranges::lower_bound(Names, Name, {}, &TName::Name);
-    return Found != std::end(Names) && Found->Name == Name ? Found : nullptr;
+    TReference Result;
+    Result.Codes[0] = Code;
+    Result.Count = 1;
+    Result.Size = Size;
+    return Result;
+}
+
+TReference Named(const TKvHtmlReference& Found, std::size_t Size)
+{
+    TReference Result;
+    std::ranges::copy(Found.Codes, Result.Codes);
+    Result.Count = Found.Count;
+    Result.Size = Size;
+    return Result;
+}
+
+TReference ReadXmlName(std::string_view Name, std::size_t Size)
+{
+    const auto Found = std::ranges::find(XmlNames, Name, &TXmlName::Name);
+    return Found != std::end(XmlNames) ? OneCharacter(Found->Code, Size) : TReference();
+}
+
+/// Of a name that is none itself the beginning may be one that needs no semicolon.
+TReference ReadHtmlName(std::string_view Name, bool HasSemicolon)
+{
+    if (HasSemicolon)
+        if (const auto* const Found = FindHtmlReference(Name))
+            return Named(*Found, Name.size() + 2);
+    for (auto Size = std::min(Name.size(), TKvHtmlReference::MaxLegacyName); Size > 1; --Size)
+        if (const auto* const Found = FindHtmlReference(Name.substr(0, Size));
+            Found && !Found->NeedsSemicolon)
+            return Named(*Found, Size + 1);
+    return {};
 }
 
 TReference ReadName(std::string_view Text, TKvReferences Kind)
@@ -102,28 +96,10 @@ TReference ReadName(std::string_view Text, TKvReferences Kind)
     while (Last < Text.size() && IsLetterOrDigit(Text[Last]))
         ++Last;
     const auto Name = Text.substr(1, Last - 1);
-    const auto* const Found = Kind == crHtml ? FindName(HtmlNames, Name) : FindName(XmlNames, Name);
-    if (!Found)
-        return {};
-    if (Last < Text.size() && Text[Last] == ';')
-        return {Found->Code, Last + 1};
-    const bool NeedsNone = Kind == crHtml && Found->Code <= Latin1Max && Name != "apos";
-    return NeedsNone ? TReference{Found->Code, Last} : TReference{};
-}
-
-TReference ReadNumber(std::string_view Text, TKvReferences Kind)
-{
-    const bool IsHex = Text.size() > 2 && (Text[2] == 'x' || (Kind == crHtml && Text[2] == 'X'));
-    const auto* const First = Text.data() + (IsHex ? 3 : 2);
-    const auto* const End = Text.data() + Text.size();
-    std::uint32_t Code = 0;
-    const auto [Last, Error] = std::from_chars(First, End, Code, IsHex ? 16 : 10);
-    if (Error != std::errc() || Last - First > static_cast<std::ptrdiff_t>(MaxDigits))
-        return {};
-    const auto Size = static_cast<std::size_t>(Last - Text.data());
-    if (Last != End && *Last == ';')
-        return {Code, Size + 1};
-    return Kind == crHtml ? TReference{Code, Size} : TReference{};
+    const bool HasSemicolon = Last < Text.size() && Text[Last] == ';';
+    if (Kind == crHtml)
+        return ReadHtmlName(Name, HasSemicolon);
+    return HasSemicolon ? ReadXmlName(Name, Last + 1) : TReference();
 }
 
 bool IsCharacter(std::uint32_t Code)
@@ -131,17 +107,38 @@ bool IsCharacter(std::uint32_t Code)
     return Code != 0 && Code <= CodeMax && !(Code >= 0xD800 && Code <= 0xDFFF);
 }
 
-/// False when the process's code page has no such character.
-bool AppendCharacter(std::uint32_t Code, std::string& Out)
+/// What HTML makes of a number: every one is a character.
+std::uint32_t HtmlCharacter(std::uint32_t Code)
 {
-    if (Code < 0x80 || AnsiIsUtf8()) {
-        AppendUtf8(Out, Code);
-        return true;
-    }
+    // A number below the first wraps far past the last.
+    if (const auto Index = Code - Windows1252First; Index < std::size(Windows1252) && Windows1252[Index] != 0)
+        return Windows1252[Index];
+    return IsCharacter(Code) ? Code : Replacement;
+}
+
+TReference ReadNumber(std::string_view Text, TKvReferences Kind)
+{
+    const bool IsHex = Text.size() > 2 && (Text[2] == 'x' || (Kind == crHtml && Text[2] == 'X'));
+    const unsigned Base = IsHex ? 16 : 10;
+    const std::size_t First = IsHex ? 3 : 2;
+    std::uint32_t Code = 0;
+    std::size_t Last = First;
+    for (; Last < Text.size() && DigitOf(Text[Last]) < Base; ++Last)
+        Code = std::min(Code * Base + DigitOf(Text[Last]), CodeMax + 1);
+    const bool HasSemicolon = Last < Text.size() && Text[Last] == ';';
+    if (Last == First || (Kind == crXml && (!HasSemicolon || !IsCharacter(Code))))
+        return {};
+    return OneCharacter(Kind == crHtml ? HtmlCharacter(Code) : Code, Last + (HasSemicolon ? 1 : 0));
+}
+
+/// False when the process's code page has no such character.
+bool AppendCharacters(const TReference& Reference, std::string& Out)
+{
     std::string Utf8;
-    AppendUtf8(Utf8, Code);
+    for (std::size_t I = 0; I < Reference.Count; ++I)
+        AppendUtf8(Utf8, Reference.Codes[I]);
     try {
-        Out += Utf8ToAnsi(Utf8);
+        Out += AnsiIsUtf8() ? Utf8 : Utf8ToAnsi(Utf8);
         return true;
     }
     catch (const EConvertError&) {
@@ -155,14 +152,8 @@ std::size_t DecodeReference(std::string_view Text, TKvReferences Kind, std::stri
 {
     if (Text.size() < 3 || Text[0] != '&')
         return 0;
-    auto Reference = Text[1] == '#' ? ReadNumber(Text, Kind) : ReadName(Text, Kind);
-    if (Reference.Size == 0)
-        return 0;
-    // A number below the first wraps far past the last.
-    if (const auto Index = Reference.Code - Windows1252First;
-        Kind == crHtml && Index < std::size(Windows1252))
-        Reference.Code = Windows1252[Index];
-    return IsCharacter(Reference.Code) && AppendCharacter(Reference.Code, Out) ? Reference.Size : 0;
+    const auto Reference = Text[1] == '#' ? ReadNumber(Text, Kind) : ReadName(Text, Kind);
+    return Reference.Size > 0 && AppendCharacters(Reference, Out) ? Reference.Size : 0;
 }
 
 } // namespace kv

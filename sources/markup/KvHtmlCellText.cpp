@@ -5,17 +5,11 @@
 #include "KvCharacterReferences.h"
 #include "KvCodePage.h"
 #include "KvException.h"
-#include "KvHtmlTags.h"
+#include "KvHtmlSpace.h"
 
 namespace kv {
 
 namespace {
-
-/// White space that folds: a no-break space does not.
-bool IsSpace(char Char)
-{
-    return Char == ' ' || Char == '\n' || Char == '\t' || Char == '\r' || Char == '\f';
-}
 
 std::string FindNoBreakSpace()
 {
@@ -25,6 +19,14 @@ std::string FindNoBreakSpace()
     catch (const EConvertError&) {
         return {};
     }
+}
+
+/// The first line break of a block whose white space stays does not count.
+const char* SkipLineBreak(const char* From, const char* End)
+{
+    if (From != End && *From == '\r')
+        ++From;
+    return From != End && *From == '\n' ? From + 1 : From;
 }
 
 } // namespace
@@ -48,15 +50,23 @@ public:
             Text.remove_prefix(WriteNext(Text));
     }
 
+    /// As it stands in a block whose white space stays.
+    void WriteKept(std::string_view Text)
+    {
+        Keeps = true;
+        Write(Text);
+        Keeps = false;
+    }
+
     void BreakLine()                                // <BR>: each one counts
     {
         ++Breaks;
-        Blanks = 0;
+        Blanks = Indent = 0;
     }
     void BreakBlock()                               // two that meet are one
     {
         Breaks = std::max<std::size_t>(Breaks, 1);
-        Blanks = 0;
+        Blanks = Indent = 0;
     }
 
 private:
@@ -93,10 +103,26 @@ private:
             Out += Text;
         else if (StartsNoBreak(Text))
             ++Blanks;
-        else if (Text.size() == 1 && IsSpace(Text.front()))
+        else if (Keeps && Text.size() == 1 && IsHtmlSpace(Text.front()))
+            WriteKeptSpace(Text.front());
+        else if (Text.size() == 1 && IsHtmlSpace(Text.front()))
             Folds = true;
         else
             WriteWord(Text);
+    }
+
+    void WriteKeptSpace(char Char)
+    {
+        const bool IsSecondHalf = Char == '\n' && AfterReturn;
+        AfterReturn = Char == '\r';
+        if (IsSecondHalf)
+            return;
+        if (Char == '\r' || Char == '\n')
+            BreakLine();
+        else if (Breaks > 0)
+            ++Indent;
+        else
+            ++Blanks;
     }
 
     /// Text that is no white space, behind the white space before it.
@@ -104,25 +130,29 @@ private:
     {
         const bool AtStart = Out.empty();
         if (!AtStart && Breaks > 0)
-            Out.append(Breaks, '\n');
+            Out.append(Breaks, '\n').append(Indent, ' ');
         else if (!AtStart && (Blanks > 0 || Folds))
             Out.append(std::max<std::size_t>(Blanks, 1), ' ');
-        Blanks = Breaks = 0;
-        Folds = false;
+        Blanks = Breaks = Indent = 0;
+        Folds = AfterReturn = false;
         Out += Text;
     }
 
     const TKvHtmlCellText& Rules;
     std::string& Out;
     std::string Character;
+    bool Keeps = false;                             // white space as it stands
+    bool AfterReturn = false;                       // and the last was a "\r"
     // White space that waits for a word to follow it:
     bool Folds = false;                             // some that folds
     std::size_t Blanks = 0;                         // no-break spaces
     std::size_t Breaks = 0;                         // line breaks
+    std::size_t Indent = 0;                         // blanks that stay behind these
 };
 
-TKvHtmlCellText::TKvHtmlCellText(TKvIHTMLExtensions TheExtensions)
+TKvHtmlCellText::TKvHtmlCellText(TKvIHTMLExtensions TheExtensions, TKvHtmlFlavour TheFlavour)
     : Extensions(TheExtensions),
+      Flavour(TheFlavour),
       References(Extensions.Contains(xhReferences)),
       Folded(Extensions.Contains(xhFoldedSpace)),
       NoBreakSpace(Folded ? FindNoBreakSpace() : std::string()),
@@ -151,17 +181,28 @@ bool TKvHtmlCellText::IsPlain(const TKvHtmlCell& Cell, const char* PageEnd) cons
 void TKvHtmlCellText::Write(const TKvHtmlCell& Cell, std::string& Text) const
 {
     TWriter Out(*this, Text);
-    TKvHtmlTags Tags(Cell.Content, Extensions);
+    TKvHtmlTags Tags(Cell.Content, Extensions, Flavour);
     const char* First = Cell.Content.data();
+    std::size_t Kept = 0;                           // blocks that are open whose white space stays
     for (TKvHtmlTag Tag = htOther; Tag != htNone; First = Tags.Pos()) {
+        const bool BeginsKept = Tag == htPre;
         Tag = Tags.Next();
-        Out.Write({First, static_cast<std::size_t>(Tags.TextEnd() - First)});
-        if (!Folded)
-            continue;
-        if (Tag == htLineBreak)
+        if (BeginsKept)
+            First = SkipLineBreak(First, Tags.TextEnd());
+        const std::string_view Before(First, static_cast<std::size_t>(Tags.TextEnd() - First));
+        Kept > 0 ? Out.WriteKept(Before) : Out.Write(Before);
+        if (Tag == htRawText) {
+            const auto* const Raw = SkipLineBreak(Tags.Current().data() + Tags.Current().size(), Tags.Pos());
+            Out.WriteKept({Raw, static_cast<std::size_t>(Tags.Pos() - Raw)});
+        }
+        else if (Folded && Tag == htLineBreak) {
             Out.BreakLine();
-        else if (Tag != htOther && Tag != htNone)
+        }
+        else if (Folded && Tag != htOther && Tag != htNone) {
             Out.BreakBlock();                       // paragraphs, and rows and cells of tables inside
+            Kept += Tag == htPre ? 1 : 0;
+            Kept -= Tag == htPreEnd && Kept > 0 ? 1 : 0;
+        }
     }
 }
 

@@ -7,6 +7,7 @@
 #include "KvByteScan.h"
 #include "KvHTMLExtensions.h"
 #include "KvHtmlCell.h"
+#include "KvHtmlTags.h"
 
 namespace kv {
 
@@ -14,7 +15,7 @@ namespace kv {
 class TKvHtmlCellText
 {
 public:
-    explicit TKvHtmlCellText(TKvIHTMLExtensions Extensions);
+    TKvHtmlCellText(TKvIHTMLExtensions Extensions, TKvHtmlFlavour Flavour);
 
     /// True when the text of `Cell` is its content as it stands. `PageEnd` is the end of the text around it.
     bool IsPlain(const TKvHtmlCell& Cell, const char* PageEnd) const;
@@ -27,6 +28,7 @@ private:
     bool IsSpecial(char Char) const { return Special.Contains(Char); }
 
     const TKvIHTMLExtensions Extensions;
+    const TKvHtmlFlavour Flavour;
     const bool References;
     const bool Folded;
     const std::string NoBreakSpace;                 // in the process's code page; empty when it has none

@@ -4,12 +4,24 @@
 
 namespace kv {
 
-TKvHtmlRows::TKvHtmlRows(std::string_view Text, TKvIHTMLExtensions Extensions, int TheTableNumber)
+namespace {
+
+/// The letter by which names of tags differ: "<THEAD" and "</THEAD", "<TD" and "</TD".
+char LetterOf(std::string_view Tag)
+{
+    const char Letter = Tag[Tag[1] == '/' ? 3 : 2];
+    return Letter >= 'a' && Letter <= 'z' ? static_cast<char>(Letter - 'a' + 'A') : Letter;
+}
+
+} // namespace
+
+TKvHtmlRows::TKvHtmlRows(std::string_view Text, TKvIHTMLExtensions Extensions, TKvHtmlFlavour Flavour,
+                         int TheTableNumber)
     : Syntax(Extensions.Contains(xhTagSyntax)),
       Spanned(Extensions.Contains(xhSpans)),
       TableNumber(TheTableNumber),
-      CellText(Extensions),
-      Tags(Text, Extensions),
+      CellText(Extensions, Flavour),
+      Tags(Text, Extensions, Flavour),
       FBegin(Text.data())
 {
 }
@@ -20,6 +32,10 @@ bool TKvHtmlRows::Next()
     if (!FindRow())
         return false;
     FBegin = Tags.Current().data();
+    if (Section == '\0') {
+        Spans.Clear();
+        Section = 'B';
+    }
     ReadRow();
     if (Spanned)
         Spans.AddRow(Cells);
@@ -32,17 +48,23 @@ bool TKvHtmlRows::FindRow()
     for (;;) {
         switch (Tags.Next()) {
         case htNone:
+            FIsCutOff = InTable;
             return false;
         case htTable:
-            if (!InTable)
-                Spans.Clear();
-            ++FTables;
-            InTable = InTable || TableNumber == 0 || FTables == TableNumber;
+            if (!BeginTable())
+                return false;
             break;
         case htTableEnd:
             InTable = false;
             if (TableNumber != 0 && FTables >= TableNumber)
                 return false;
+            break;
+        case htSection:
+            BeginSection();
+            break;
+        case htSectionEnd:
+            if (EndsSection())
+                Section = '\0';
             break;
         case htRow:
             if (InTable)
@@ -58,6 +80,32 @@ bool TKvHtmlRows::FindRow()
             break;
         }
     }
+}
+
+/// By the syntax of tags a table that begins outside of a cell ends the one before it. False when that was
+/// the last to read.
+bool TKvHtmlRows::BeginTable()
+{
+    if (Syntax && InTable && TableNumber != 0)
+        return false;
+    if (Syntax || !InTable)
+        Section = '\0';
+    ++FTables;
+    InTable = InTable || TableNumber == 0 || FTables == TableNumber;
+    return true;
+}
+
+/// Cells do not reach into another group of rows.
+void TKvHtmlRows::BeginSection()
+{
+    Spans.Clear();
+    Section = LetterOf(Tags.Current());
+}
+
+/// The tag ends the group of rows that is open, and not one that is not.
+bool TKvHtmlRows::EndsSection() const
+{
+    return LetterOf(Tags.Current()) == Section;
 }
 
 /// The end of the text ends the row, too.
@@ -77,18 +125,26 @@ void TKvHtmlRows::ReadRow()
 /// A tag other than </TR> after which a row cannot go on.
 bool TKvHtmlRows::EndsRow(TKvHtmlTag Tag) const
 {
-    return Tag == htRow || Tag == htTableEnd || Tag == htSection;
+    switch (Tag) {
+    case htRow:
+    case htTable:
+    case htTableEnd:
+    case htSection:    return true;
+    case htSectionEnd: return EndsSection();
+    default:           return false;
+    }
 }
 
 void TKvHtmlRows::ReadCell()
 {
     auto& Cell = Cells.emplace_back();
-    Cell.Tag = Tags.Current();
+    const auto CellTag = Tags.Current();
+    Cell.Tag = CellTag;
     const auto* const First = Tags.Pos();
     TablesInCell = 0;
     auto Tag = Tags.Next();
     bool HasTags = false;
-    for (; !EndsCell(Tag); Tag = Tags.Next())
+    for (; !EndsCell(Tag, CellTag); Tag = Tags.Next())
         HasTags = true;
     const auto* const Last = Tags.Current().data();
     Cell.HasTags = HasTags || Tags.TextEnd() != Last; // a comment
@@ -99,19 +155,45 @@ void TKvHtmlRows::ReadCell()
 
 /// The end of the text ends the cell, too. By the syntax of tags a cell also ends where another thing of
 /// its own table begins or ends.
-bool TKvHtmlRows::EndsCell(TKvHtmlTag Tag)
+bool TKvHtmlRows::EndsCell(TKvHtmlTag Tag, std::string_view CellTag)
 {
     if (Tag == htNone)
         return true;
     if (!Syntax)
         return Tag == htCellEnd;
-    if (Tag == htTable)
-        ++TablesInCell;
-    if (TablesInCell == 0)
-        return Tag == htCellEnd || Tag == htCell || Tag == htRowEnd || EndsRow(Tag);
-    if (Tag == htTableEnd)
+    if (TablesInCell > 0 || Tag == htTable) {
+        FollowTableInside(Tag);
+        return false;
+    }
+    if (Tag == htCellEnd)                           // </TH> ends no TD
+        return LetterOf(Tags.Current()) == LetterOf(CellTag);
+    return Tag == htCell || Tag == htRowEnd || EndsRow(Tag);
+}
+
+/// One that begins outside of the cells of the innermost table takes its place.
+void TKvHtmlRows::FollowTableInside(TKvHtmlTag Tag)
+{
+    switch (Tag) {
+    case htTable:
+        TablesInCell += TablesInCell == 0 || InCellInside ? 1 : 0;
+        InCellInside = false;
+        break;
+    case htTableEnd:
         --TablesInCell;
-    return false;
+        InCellInside = true;                        // where that table stood
+        break;
+    case htCell:
+        InCellInside = true;
+        break;
+    case htCellEnd:
+    case htRow:
+    case htRowEnd:
+    case htSection:
+        InCellInside = false;
+        break;
+    default:
+        break;
+    }
 }
 
 std::string_view TKvHtmlRows::Text(std::size_t Column)

@@ -21,7 +21,8 @@ class TKvHtmlRows
 public:
     /// Keeps a view of `Text`, which must outlive the object and the texts of cells. `TableNumber` is that
     /// of the table to read, from 1 in the order in which they begin, those inside others too; 0: all.
-    TKvHtmlRows(std::string_view Text, TKvIHTMLExtensions Extensions, int TableNumber = 0);
+    TKvHtmlRows(std::string_view Text, TKvIHTMLExtensions Extensions, TKvHtmlFlavour Flavour,
+                int TableNumber = 0);
 
     /// Moves to the next row. False past the last one, and on every later call. Raises Exception for a
     /// span that reaches too far.
@@ -29,6 +30,8 @@ public:
 
     /// Tables begun up to the current row; those inside a cell that is read do not count.
     int Tables() const { return FTables; }
+    /// After Next() was false: the text has ended inside a table.
+    bool IsCutOff() const { return FIsCutOff; }
     /// Where the current row begins in the text: at its tag, or at the cell that begins a row by itself.
     const char* Begin() const { return FBegin; }
     const char* Pos() const { return Tags.Pos(); }  ///< How far the text was passed over.
@@ -41,7 +44,11 @@ private:
     bool FindRow();
     void ReadRow();
     void ReadCell();
-    bool EndsCell(TKvHtmlTag Tag);
+    bool BeginTable();
+    void BeginSection();
+    bool EndsSection() const;
+    bool EndsCell(TKvHtmlTag Tag, std::string_view CellTag);
+    void FollowTableInside(TKvHtmlTag Tag);
     bool EndsRow(TKvHtmlTag Tag) const;
 
     const bool Syntax;
@@ -51,8 +58,11 @@ private:
     TKvHtmlTags Tags;
     int FTables = 0;
     const char* FBegin;
+    bool FIsCutOff = false;
     bool InTable = false;
+    char Section = '\0';                            // that is open: 'H', 'B' or 'F'; rows alone are a body
     std::size_t TablesInCell = 0;                   // open inside the current cell
+    bool InCellInside = false;                      // in a cell of the innermost of these
     std::vector<TKvHtmlCell> Cells;                 // of the current row
     TKvHtmlSpans Spans;
     std::deque<std::string> Texts;                  // by column, of cells that are not views of the page

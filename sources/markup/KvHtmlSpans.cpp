@@ -5,36 +5,24 @@
 #include <string_view>
 
 #include "KvException.h"
+#include "KvHtmlAttributes.h"
+#include "KvHtmlSpace.h"
 #include "KvText.h"
 
 namespace kv {
 
 namespace {
 
-bool IsSpace(char Char)
-{
-    return static_cast<unsigned char>(Char) <= ' ';
-}
-
-void SkipSpace(std::string_view& Text)
-{
-    while (!Text.empty() && IsSpace(Text.front()))
-        Text.remove_prefix(1);
-}
-
-/// The number after "=" and perhaps a quote; `Usual` where there is none.
+/// As HTML reads a number that is not negative: blanks and a "+" may stand before it, anything behind it.
+/// `Usual` where there is none.
 std::size_t NumberIn(std::string_view Text, std::size_t Usual)
 {
-    SkipSpace(Text);
-    if (!Text.starts_with('='))
-        return Usual;
-    Text.remove_prefix(1);
-    SkipSpace(Text);
-    if (Text.starts_with('"') || Text.starts_with('\''))
-        Text.remove_prefix(1);
-    SkipSpace(Text);
+    const auto* First = SkipHtmlSpace(Text.data(), Text.data() + Text.size());
+    const auto* const End = Text.data() + Text.size();
+    if (First != End && *First == '+')
+        ++First;
     std::size_t Number = 0;
-    const auto [Last, Error] = std::from_chars(Text.data(), Text.data() + Text.size(), Number);
+    const auto [Last, Error] = std::from_chars(First, End, Number);
     if (Error == std::errc::result_out_of_range)
         return static_cast<std::size_t>(-1);
     return Error == std::errc() ? Number : Usual;
@@ -43,9 +31,10 @@ std::size_t NumberIn(std::string_view Text, std::size_t Usual)
 /// The number in the attribute `Name` of a tag; `Usual` without one.
 std::size_t AttributeNumber(std::string_view Tag, std::string_view Name, std::size_t Usual)
 {
-    for (std::size_t Pos = 1; Pos + Name.size() < Tag.size(); ++Pos)
-        if (IsSpace(Tag[Pos - 1]) && SameText(Tag.substr(Pos, Name.size()), Name))
-            return NumberIn(Tag.substr(Pos + Name.size()), Usual);
+    TKvHtmlAttributes Attributes(Tag.data(), Tag.data() + Tag.size());
+    while (Attributes.Next())
+        if (SameText(Attributes.Name(), Name))
+            return NumberIn(Attributes.Value(), Usual);
     return Usual;
 }
 
@@ -63,67 +52,67 @@ std::size_t RowSpan(std::string_view Tag)
 bool HasAttributes(const TKvHtmlCell& Cell)
 {
     constexpr std::size_t PlainSize = 4;            // "<TD>"
-    return Cell.Tag.size() > PlainSize && std::ranges::any_of(Cell.Tag, IsSpace);
+    return Cell.Tag.size() > PlainSize && Cell.Tag.find('=') != Cell.Tag.npos;
 }
 
 } // namespace
 
-void TKvHtmlSpans::Place(const TPlaced& Placed)
-{
-    Row.push_back(Placed);
-    FColumns = std::max(FColumns, Placed.Column + Placed.Width);
-}
-
 void TKvHtmlSpans::AddRow(std::span<const TKvHtmlCell> Cells)
 {
-    Row.clear();
-    Plain = Cells;
-    FColumns = Cells.size();
-    if (!Above.empty() || std::ranges::any_of(Cells, HasAttributes))
-        PlaceAll();
+    if (Above.empty() && std::ranges::none_of(Cells, HasAttributes)) {
+        Plain = Cells;
+        Row.clear();
+        FColumns = Cells.size();
+        return;
+    }
+    Plain = {};
+    Row.swap(Above);
+    Above.clear();
+    FColumns = Row.size();
+    std::size_t Column = 0;
+    for (const auto& Cell : Cells)
+        Place(Cell, Column);
+    KeepForBelow();
 }
 
-void TKvHtmlSpans::PlaceAll()
+/// At the first column from `Column` on that nothing from above covers; behind the cell it is left.
+void TKvHtmlSpans::Place(const TKvHtmlCell& Cell, std::size_t& Column)
 {
-    FColumns = 0;
-    auto Covered = Above.begin();
-    for (const auto& Cell : Plain) {
-        while (Covered != Above.end() && Covered->Column <= FColumns)
-            Place(*Covered++);
-        TPlaced New{.Column = FColumns, .Width = 1, .RowsBelow = 0, .Cell = Cell};
-        if (HasAttributes(Cell)) {
-            New.RowsBelow = RowSpan(Cell.Tag) - 1;
-            const auto Reach = Covered != Above.end() ? Covered->Column
-                                                      : std::max(MaxColumns, New.Column + 1);
-            New.Width = std::min(ColumnSpan(Cell.Tag), Reach - New.Column);
-        }
-        if (New.RowsBelow > 0 && New.Column >= MaxRowSpanColumn)
-            throw Exception("A cell in column " + std::to_string(New.Column + 1) +
-                            " covers several rows; column " +
-                            std::to_string(MaxRowSpanColumn) + " is the last that may");
-        Place(New);
+    while (Column < Row.size() && Row[Column].IsCovered)
+        ++Column;
+    std::size_t Width = 1, RowsBelow = 0;
+    if (HasAttributes(Cell)) {
+        RowsBelow = RowSpan(Cell.Tag) - 1;
+        Width = std::min(ColumnSpan(Cell.Tag), std::max(MaxColumns, Column + 1) - Column);
     }
-    while (Covered != Above.end())
-        Place(*Covered++);
-    Plain = {};
+    if (RowsBelow > 0 && Column >= MaxRowSpanColumn)
+        throw Exception("A cell in column " + std::to_string(Column + 1) + " covers several rows; column " +
+                        std::to_string(MaxRowSpanColumn) + " is the last that may");
+    const auto Last = Column + Width;
+    if (Row.size() < Last)
+        Row.resize(Last);
+    for (; Column < Last; ++Column)
+        if (auto& Slot = Row[Column]; !Slot.IsCovered || Slot.RowsBelow <= RowsBelow)
+            Slot = {.IsCovered = true, .RowsBelow = RowsBelow, .Cell = Cell};
+    FColumns = Row.size();
+}
 
-    Above.clear();
-    for (const auto& Placed : Row)
-        if (Placed.RowsBelow > 0) {
-            Above.push_back(Placed);
-            --Above.back().RowsBelow;
-        }
+void TKvHtmlSpans::KeepForBelow()
+{
+    std::size_t Reach = Row.size();
+    while (Reach > 0 && Row[Reach - 1].RowsBelow == 0)
+        --Reach;
+    Above.resize(Reach);
+    for (std::size_t Column = 0; Column < Reach; ++Column)
+        if (const auto& Slot = Row[Column]; Slot.RowsBelow > 0)
+            Above[Column] = {.IsCovered = true, .RowsBelow = Slot.RowsBelow - 1, .Cell = Slot.Cell};
 }
 
 const TKvHtmlCell* TKvHtmlSpans::CellAt(std::size_t Column) const
 {
     if (Column < Plain.size())
         return &Plain[Column];
-    const auto Behind = std::ranges::upper_bound(Row, Column, {}, &TPlaced::Column);
-    if (Behind == Row.begin())
-        return nullptr;
-    const auto& Placed = *std::prev(Behind);
-    return Column < Placed.Column + Placed.Width ? &Placed.Cell : nullptr;
+    return Plain.empty() && Column < Row.size() && Row[Column].IsCovered ? &Row[Column].Cell : nullptr;
 }
 
 } // namespace kv

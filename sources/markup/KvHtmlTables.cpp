@@ -19,8 +19,8 @@ constexpr std::uint32_t PollSteps = 16384;
 class TTableCounter
 {
 public:
-    TTableCounter(std::size_t PageSize, TKvIHTMLExtensions TheRules, const std::function<bool()>& Asked)
-        : Rules(TheRules), Continue(Asked), BytesLeft(PageSize * MaxPasses)
+    TTableCounter(std::string_view Page, TKvIHTMLExtensions TheRules, const std::function<bool()>& Asked)
+        : Rules(TheRules), Flavour(FlavourOf(Page)), Continue(Asked), BytesLeft(Page.size() * MaxPasses)
     {
     }
 
@@ -30,14 +30,14 @@ public:
         TKvHtmlTable Table;
         if (BytesLeft == 0)
             return Table;
-        TKvHtmlRows Rows(Page, Rules, 1);
+        TKvHtmlRows Reader(Page, Rules, Flavour, 1);
         try {
-            CountRows(Rows, Table);
+            CountRows(Reader, Table);
         }
         catch (const Exception& Error) {
             Table = {.Error = Error.Message};
         }
-        BytesLeft -= std::min(BytesLeft, static_cast<std::size_t>(Rows.Pos() - Page.data()));
+        BytesLeft -= std::min(BytesLeft, static_cast<std::size_t>(Reader.Pos() - Page.data()));
         return Table;
     }
 
@@ -50,16 +50,17 @@ public:
     }
 
 private:
-    void CountRows(TKvHtmlRows& Rows, TKvHtmlTable& Table)
+    void CountRows(TKvHtmlRows& Reader, TKvHtmlTable& Table)
     {
         Table.Rows = Table.Columns = 0;
-        while (Rows.Next() && Step()) {
+        while (Reader.Next() && Step()) {
             ++Table.Rows;
-            Table.Columns = std::max(Table.Columns, static_cast<int>(Rows.Columns()));
+            Table.Columns = std::max(Table.Columns, static_cast<int>(Reader.Columns()));
         }
     }
 
     const TKvIHTMLExtensions Rules;
+    const TKvHtmlFlavour Flavour;
     const std::function<bool()>& Continue;
     std::size_t BytesLeft;                          // to pass over
     std::uint32_t Steps = 0;
@@ -72,8 +73,8 @@ std::vector<TKvHtmlTable> FindHtmlTables(std::string_view Page, TKvIHTMLExtensio
                                          const std::function<bool()>& Continue)
 {
     std::vector<TKvHtmlTable> Tables;
-    TTableCounter Counter(Page.size(), Extensions, Continue);
-    TKvHtmlTags Tags(Page, Extensions);
+    TTableCounter Counter(Page, Extensions, Continue);
+    TKvHtmlTags Tags(Page, Extensions, FlavourOf(Page));
     for (auto Tag = Tags.Next(); Tag != htNone && Counter.Step(); Tag = Tags.Next())
         if (Tag == htTable)
             Tables.push_back(Counter.Count({Tags.Current().data(), Tags.TextLast()}));

@@ -2,14 +2,15 @@
 
 #include <algorithm>
 
+#include "KvHtmlAttributes.h"
+#include "KvHtmlSpace.h"
+
 namespace kv {
 
 namespace {
 
 constexpr std::string_view CommentOpen = "<!--";
 constexpr std::string_view CommentClose = "-->";
-
-const TKvByteSet TagEndOrQuote(">\"'");
 
 constexpr char Upper(char Char)
 {
@@ -21,24 +22,22 @@ bool IsLetter(char Char)
     return Upper(Char) >= 'A' && Upper(Char) <= 'Z';
 }
 
-bool IsSpace(char Char)
-{
-    return Char == ' ' || Char == '\n' || Char == '\t' || Char == '\r' || Char == '\f';
-}
-
-/// What a quote must follow to be the start of a value, blanks aside.
-bool FollowsEqualsSign(const char* First, const char* Quote)
-{
-    do
-        --Quote;
-    while (Quote > First && IsSpace(*Quote));
-    return *Quote == '=';
-}
+/// Elements whose text holds no tags and is not shown in the page ...
+constexpr std::string_view HiddenTexts[] = {"SCRIPT", "STYLE", "TITLE", "IFRAME", "NOEMBED", "NOFRAMES"};
+/// ... and those in which it is.
+constexpr std::string_view RawTexts[] = {"TEXTAREA", "XMP"};
+constexpr std::string_view FirstOfThese = "STINX";  // letters with which their names begin
 
 } // namespace
 
-TKvHtmlTags::TKvHtmlTags(std::string_view Text, TKvIHTMLExtensions Extensions)
+TKvHtmlFlavour FlavourOf(std::string_view Page)
+{
+    return Page.starts_with("<?xml") ? hfXhtml : hfHtml;
+}
+
+TKvHtmlTags::TKvHtmlTags(std::string_view Text, TKvIHTMLExtensions Extensions, TKvHtmlFlavour Flavour)
     : Syntax(Extensions.Contains(xhTagSyntax)),
+      IsXhtml(Flavour == hfXhtml),
       HeaderCells(Extensions.Contains(xhHeaderCells)),
       Breaks(Extensions.Contains(xhFoldedSpace)),
       End(Text.data() + Text.size()),
@@ -78,17 +77,29 @@ TKvHtmlTag TKvHtmlTags::NextBySyntax()
         return Set(End, End, htNone);
     const auto Rest = std::string_view(First, static_cast<std::size_t>(End - First));
     if (Rest.starts_with(CommentOpen))
-        return Set(First, FindBehind(First + 2, CommentClose), htOther);
+        return Set(First, SkipComment(First), htOther);
     const bool IsElement = IsLetter(First[First[1] == '/' ? 2 : 1]);
     if (!IsElement)
         return Set(First, FindBehind(First, ">"), htOther);
     const auto Kind = Classify(First + 1);
-    const auto* Last = FindTagEnd(First + 1);
-    if (Kind == htOther)
-        for (const std::string_view Raw : {"SCRIPT", "STYLE"})
-            if (IsName(First + 1, Raw, true))
-                Last = SkipRawText(Last, Raw);
-    return Set(First, Last, Kind);
+    const auto* const Last = FindTagEnd(First + 1);
+    return Kind == htOther ? SetRaw(First, Last, Kind) : Set(First, Last, Kind);
+}
+
+/// Behind "-->" or "--!>"; "<!-->" and "<!--->" are comments, too.
+const char* TKvHtmlTags::SkipComment(const char* From) const
+{
+    constexpr std::ptrdiff_t OpenSize = 4;
+    for (const auto* Pos = From + 2;;) {
+        Pos = FindBehind(Pos, "--");
+        if (Pos == End)
+            return End;
+        if (*Pos == '>')
+            return Pos + 1;
+        if (*Pos == '!' && End - Pos > 1 && Pos[1] == '>' && Pos - From >= OpenSize + 2)
+            return Pos + 2;
+        --Pos;                                      // the second hyphen may be the first of two
+    }
 }
 
 /// A "<" before anything but a letter, "/" and a letter, "!" or "?" is text.
@@ -102,25 +113,36 @@ const char* TKvHtmlTags::FindTag() const
     }
 }
 
-/// Behind the ">" that ends a tag, outside of its quoted values. A value that nothing closes is none: such
-/// a quote is the last of the text, so that the search for its like is made once.
+/// Behind the ">" that ends a tag, outside of its quoted values.
 const char* TKvHtmlTags::FindTagEnd(const char* From) const
 {
-    for (const auto* Pos = From;; ++Pos) {
-        Pos = TagEndOrQuote.FindIn(Pos, End);
-        if (Pos == End)
-            return End;
-        if (*Pos == '>')
-            return Pos + 1;
-        if (!FollowsEqualsSign(From, Pos))
-            continue;
-        if (const auto* const Close = FindNear(Pos + 1, End, *Pos); Close != End)
-            Pos = Close;
-    }
+    TKvHtmlAttributes Attributes(From, End);
+    while (Attributes.Next())
+        continue;
+    return Attributes.Pos() == End ? End : Attributes.Pos() + 1;
 }
 
-/// Scripts and styles end at their own end tag; what looks like a tag in them is none.
-const char* TKvHtmlTags::SkipRawText(const char* From, std::string_view Name) const
+/// Makes the tag the current one, together with what follows it as far as that holds no tags.
+TKvHtmlTag TKvHtmlTags::SetRaw(const char* First, const char* Last, TKvHtmlTag Kind)
+{
+    const bool IsEmpty = IsXhtml && Last - First > 2 && Last[-2] == '/';
+    const auto* const Name = First + 1;
+    if (IsEmpty || FirstOfThese.find(Upper(*Name)) == FirstOfThese.npos)
+        return Set(First, Last, Kind);
+    for (const auto Hidden : HiddenTexts)
+        if (IsName(Name, Hidden, true))
+            return Set(First, FindEndTag(Last, Hidden), Kind);
+    for (const auto Raw : RawTexts)
+        if (IsName(Name, Raw, true)) {
+            Set(First, Last, htRawText);
+            FPos = FindEndTag(Last, Raw);
+            return htRawText;
+        }
+    return Set(First, Last, Kind);
+}
+
+/// Where the end tag of an element begins; what looks like another tag before it is none.
+const char* TKvHtmlTags::FindEndTag(const char* From, std::string_view Name) const
 {
     for (const auto* Pos = From;; ++Pos) {
         Pos = FindNear(Pos, End, '<');
@@ -135,7 +157,7 @@ bool TKvHtmlTags::EndsName(const char* Pos, bool BySyntax) const
 {
     if (Pos == End || *Pos == '>' || *Pos == ' ')
         return true;
-    return BySyntax && (IsSpace(*Pos) || *Pos == '/');
+    return BySyntax && (IsHtmlSpace(*Pos) || *Pos == '/');
 }
 
 bool TKvHtmlTags::IsName(const char* Name, std::string_view UpperName, bool BySyntax) const
@@ -170,26 +192,35 @@ TKvHtmlTag TKvHtmlTags::ClassifyTable(const char* Name, bool IsEnd) const
     case 'H':
         if (HeaderCells && EndsName(Name + 2, Syntax))
             return IsEnd ? htCellEnd : htCell;
-        return Syntax && IsName(Name, "THEAD", Syntax) ? htSection : htOther;
+        return ClassifySection(Name, "THEAD", IsEnd);
     case 'A':
         return !IsName(Name, "TABLE", Syntax) ? htOther : IsEnd ? htTableEnd : htTable;
     case 'B':
-        return Syntax && IsName(Name, "TBODY", Syntax) ? htSection : htOther;
+        return ClassifySection(Name, "TBODY", IsEnd);
     case 'F':
-        return Syntax && IsName(Name, "TFOOT", Syntax) ? htSection : htOther;
+        return ClassifySection(Name, "TFOOT", IsEnd);
     default:
         return htOther;
     }
 }
 
+TKvHtmlTag TKvHtmlTags::ClassifySection(const char* Name, std::string_view Upper, bool IsEnd) const
+{
+    if (!Syntax || !IsName(Name, Upper, true))
+        return htOther;
+    return IsEnd ? htSectionEnd : htSection;
+}
+
 TKvHtmlTag TKvHtmlTags::ClassifyText(const char* Name, bool IsEnd) const
 {
     static constexpr std::string_view Blocks[] = {"P",  "DIV", "LI", "UL", "OL", "DL", "DT",  "DD",
-                                                  "H1", "H2",  "H3", "H4", "H5", "H6", "HR",  "PRE",
+                                                  "H1", "H2",  "H3", "H4", "H5", "H6", "HR",
                                                   "BLOCKQUOTE", "CAPTION"};
     const auto IsThis = [this, Name](std::string_view Each) { return IsName(Name, Each, true); };
     if (IsThis("BR") && !IsEnd)
         return htLineBreak;
+    if (IsThis("PRE"))
+        return IsEnd ? htPreEnd : htPre;
     return std::ranges::any_of(Blocks, IsThis) ? htBlock : htOther;
 }
 

@@ -14,15 +14,28 @@ enum TKvHtmlTag {
     htNone,                                         ///< The text has ended.
     htTable,
     htTableEnd,
-    htSection,                                      ///< Begins or ends THEAD, TBODY or TFOOT.
+    htSection,                                      ///< Begins THEAD, TBODY or TFOOT.
+    htSectionEnd,
     htRow,
     htRowEnd,
     htCell,
     htCellEnd,
     htLineBreak,
     htBlock,                                        ///< Begins or ends a paragraph or the like.
+    htPre,                                          ///< Begins a block whose white space stays.
+    htPreEnd,
+    htRawText,                                      ///< The text between it and Pos() has no tags.
     htOther
 };
+
+/// What a "/" before the ">" of a tag means.
+enum TKvHtmlFlavour {
+    hfHtml,                                         ///< Nothing.
+    hfXhtml                                         ///< The tag ends its element, too.
+};
+
+/// A page that begins with an XML declaration is XHTML.
+TKvHtmlFlavour FlavourOf(std::string_view Page);
 
 /// The tags of a text, first to last.
 ///
@@ -32,7 +45,7 @@ class TKvHtmlTags
 {
 public:
     /// Keeps a view of `Text`, which must outlive the object.
-    TKvHtmlTags(std::string_view Text, TKvIHTMLExtensions Extensions);
+    TKvHtmlTags(std::string_view Text, TKvIHTMLExtensions Extensions, TKvHtmlFlavour Flavour);
 
     /// Moves behind the next tag. htNone at the end, and on every later call.
     TKvHtmlTag Next()
@@ -61,9 +74,12 @@ private:
     const char* FindBehind(const char* From, std::string_view Mark) const;
     const char* FindTag() const;
     const char* FindTagEnd(const char* From) const;
-    const char* SkipRawText(const char* From, std::string_view Name) const;
+    const char* SkipComment(const char* From) const;
+    TKvHtmlTag SetRaw(const char* First, const char* Last, TKvHtmlTag Kind);
+    const char* FindEndTag(const char* From, std::string_view Name) const;
     TKvHtmlTag Classify(const char* Name) const;
     TKvHtmlTag ClassifyTable(const char* Name, bool IsEnd) const;
+    TKvHtmlTag ClassifySection(const char* Name, std::string_view Upper, bool IsEnd) const;
     TKvHtmlTag ClassifyText(const char* Name, bool IsEnd) const;
     bool IsName(const char* Name, std::string_view Upper, bool BySyntax) const;
     bool EndsName(const char* Pos, bool BySyntax) const;
@@ -84,6 +100,7 @@ private:
     }
 
     const bool Syntax;
+    const bool IsXhtml;
     const bool HeaderCells;
     const bool Breaks;                              // tells line breaks and blocks from other tags
     const char* const End;

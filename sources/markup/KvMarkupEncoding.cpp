@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "KvHtmlAttributes.h"
 #include "KvText.h"
 
 namespace kv {
@@ -58,6 +59,26 @@ std::string_view UnlessWide(std::string_view Name)
     return IsWide(Name) ? std::string_view() : Name;
 }
 
+/// What a META tag says whose attributes are `Tag`:  charset="name"  or
+/// http-equiv="content-type" content="...; charset=name".
+std::string_view CharsetOfMeta(std::string_view Tag)
+{
+    std::string_view Charset, Content;
+    bool IsContentType = false;
+    TKvHtmlAttributes Attributes(Tag.data(), Tag.data() + Tag.size());
+    while (Attributes.Next()) {
+        if (SameText(Attributes.Name(), "charset"))
+            Charset = Attributes.Value();
+        else if (SameText(Attributes.Name(), "content"))
+            Content = Attributes.Value();
+        else if (SameText(Attributes.Name(), "http-equiv"))
+            IsContentType = SameText(Attributes.Value(), "content-type");
+    }
+    if (Charset.empty() && IsContentType)
+        Charset = ValueOf(Behind(Content, "charset"));
+    return Trim(Charset);
+}
+
 } // namespace
 
 std::string_view FindWideEncoding(std::string_view Text)
@@ -77,11 +98,15 @@ std::string_view FindXmlEncoding(std::string_view Text)
 
 std::string_view FindMetaCharset(std::string_view Text)
 {
-    auto Head = Text.substr(0, HeadSize);
-    while (!(Head = Behind(Head, "<meta")).empty()) {
-        const auto Tag = Head.substr(0, Head.find('>'));
-        if (const auto Name = ValueOf(Behind(Tag, "charset")); !Name.empty())
-            return UnlessWide(Name);
+    constexpr std::string_view Meta = "<meta";
+    const auto Head = Text.substr(0, HeadSize);
+    for (auto Pos = Head.find('<'); Pos != Head.npos; Pos = Head.find('<', Pos + 1)) {
+        const auto Rest = Head.substr(Pos);
+        if (Rest.starts_with("<!--"))
+            Pos += std::min(Rest.find("-->", 2), Rest.size() - 1);
+        else if (SameText(Rest.substr(0, Meta.size()), Meta))
+            if (const auto Name = CharsetOfMeta(Rest.substr(Meta.size())); !Name.empty())
+                return UnlessWide(Name);
     }
     return {};
 }

@@ -12,7 +12,7 @@ std::string_view FindWideEncoding(std::string_view Text);
 /// The encoding in the XML declaration that `Text` begins with. None of 16 or 32 bits: the declaration
 /// could not have been read then.
 std::string_view FindXmlEncoding(std::string_view Text);
-/// The "charset" of the first META tag near the start that has one; the same.
+/// The encoding that the first META tag near the start names which does, outside of comments; the same.
 std::string_view FindMetaCharset(std::string_view Text);
 
 } // namespace kv

@@ -4,8 +4,12 @@
 #include <functional>
 #include <optional>
 
+#include "KvCodePage.h"
+#include "KvEncodingLabels.h"
+#include "KvPublish.h"
 #include "KvText.h"
 #include "KvTextFile.h"
+#include "KvUtf8.h"
 
 namespace kv {
 
@@ -19,16 +23,28 @@ std::int64_t OffsetInFile(const TKvTextFile& File, std::size_t Index)
     return File.Offset() < 0 ? -1 : File.Offset() + static_cast<std::int64_t>(Index);
 }
 
+/// One of the characters that stand for bytes without a meaning: U+0080 to U+009F, U+F7A0 to U+F7FF.
+bool IsStandIn(std::string_view Utf8)
+{
+    const auto Byte = [Utf8](std::size_t I) { return static_cast<unsigned char>(Utf8[I]); };
+    if (Utf8.size() > 1 && Byte(0) == 0xC2)
+        return Byte(1) < 0xA0;
+    return Utf8.size() > 2 && Byte(0) == 0xEF && ((Byte(1) == 0x9E && Byte(2) >= 0xA0) || Byte(1) == 0x9F);
+}
+
 } // namespace
 
 /// The file in memory.
 struct TKvImportFromMarkup::TLoaded
 {
     std::string FileName;
+    std::string CodePage;
     TEncodingFinder Finder = nullptr;
     std::optional<TKvTextFile> File;
     std::string_view Text;
     bool IsForLook = false;                         // and was read to its end
+    std::optional<std::int64_t> Count;              // of the rows that are imported ...
+    std::string CountSettings;                      // ... by these settings
 };
 
 TKvImportFromMarkup::TKvImportFromMarkup(TComponent* Owner, TTableTypeImport Type, std::string_view Extension)
@@ -37,6 +53,12 @@ TKvImportFromMarkup::TKvImportFromMarkup(TComponent* Owner, TTableTypeImport Typ
 }
 
 TKvImportFromMarkup::~TKvImportFromMarkup() = default;
+
+TPublishedProperties TKvImportFromMarkup::PublishedProperties() const
+{
+    return PublishAfter(TKvImportFromFile::PublishedProperties(),
+                        {Publish("CodePage", &TKvImportFromMarkup::CodePage)});
+}
 
 TKvISourcePosition TKvImportFromMarkup::SourcePosition() const
 {
@@ -56,9 +78,25 @@ void TKvImportFromMarkup::BeforeImport()
 {
     RowCount = CurrentRow = 0;
     RowIsThere = false;
-    Load();
+    if (!IsKept())
+        Load();
+    Loaded->IsForLook = false;                      // it is taken
     StartRows(Text());
-    CountRows();
+    if (HasCount())
+        RowCount = *Loaded->Count;
+    else
+        CountRows();
+}
+
+bool TKvImportFromMarkup::LoadRecord()
+{
+    try {
+        return TKvImportFromFile::LoadRecord();
+    }
+    catch (const EFormatError& Error) {
+        RecordFailed(Error);
+        return false;
+    }
 }
 
 void TKvImportFromMarkup::AfterImport()
@@ -73,22 +111,78 @@ bool TKvImportFromMarkup::Load()
     Loaded.reset();                                 // a run that an exception ended left its file behind
     auto New = std::make_unique<TLoaded>();
     New->FileName = SourceFileName;
+    New->CodePage = CodePage;
     New->Finder = EncodingFinder();
     bool GoesOn = true;
     const std::function<bool()> Continue = [&] { return GoesOn = KeepsRunning(); };
+    std::string Label;
+    const auto Declared = [&](std::string_view Start) {
+        if (!New->CodePage.empty())
+            return std::string_view(New->CodePage);
+        Label = New->Finder(Start);
+        return Label.empty() ? std::string_view() : EncodingOfLabel(Label);
+    };
     if (New->Finder)
-        New->File.emplace(SourceFileName, New->Finder, Continue);
+        New->File.emplace(SourceFileName, Declared, Continue);
     else
         New->File.emplace(SourceFileName, bmIsText, TKvTextFile::WholeFile, Continue);
     New->Text = MarkupText(*New->File, SourceFileName, New->Finder != nullptr);
     Loaded = std::move(New);
+    RemarkEncoding(Label);
     return GoesOn;
+}
+
+/// `Label` is what the file says of its encoding, empty when it does not or is not asked.
+void TKvImportFromMarkup::RemarkEncoding(std::string_view Label)
+{
+    EncodingRemarks.clear();
+    const auto& File = *Loaded->File;
+    HasStandIns = File.HasStandIns() && AnsiIsUtf8();
+    if (!Loaded->Finder)
+        return;
+    const auto Add = [this](TKvISourceRemarkKind Kind, std::string_view Encoding) {
+        EncodingRemarks.push_back({.Kind = Kind, .Text = std::string(Encoding)});
+    };
+    if (!Label.empty() && File.Encoding().empty())
+        Add(srUnknownEncoding, Label);
+    if (File.HasStandIns())
+        Add(srUndefinedBytes, File.Encoding());
+    else if (File.Offset() >= 0 && AnsiIsUtf8() && !IsValidUtf8(Loaded->Text))
+        Add(srForeignText, AnsiCodePage());
+}
+
+/// Such characters are nobody's text: pages that have them are no pages of the web.
+void TKvImportFromMarkup::CheckStandIns(std::string_view Value) const
+{
+    for (auto Rest = Value; !Rest.empty(); Rest.remove_prefix(1))
+        if (IsStandIn(Rest))
+            throw EFormatError(FormatText("\"%s\" has bytes that have no meaning in %s",
+                                          {Value, Loaded->File->Encoding()}),
+                               {.FileName = SourceFileName,
+                                .Value = std::string(Value),
+                                .Rule = erConversion});
+}
+
+std::string TKvImportFromMarkup::CountSettings() const
+{
+    return std::to_string(RowFirst) + " " + std::to_string(RowLast) + " " + RowSettings();
+}
+
+void TKvImportFromMarkup::KeepCount(std::int64_t Count)
+{
+    Loaded->Count = Count;
+    Loaded->CountSettings = CountSettings();
+}
+
+bool TKvImportFromMarkup::HasCount() const
+{
+    return Loaded && Loaded->Count && Loaded->CountSettings == CountSettings();
 }
 
 void TKvImportFromMarkup::CountRows()
 {
     for (std::int64_t Number = 1; SkipRow(); ++Number) {
-        if (RowFirst <= Number && Number <= RowLast)
+        if (IsImported(Number))
             ++RowCount;
         if (!GoesOnAfter(Number)) {
             RowCount = 0;                           // cancelled: nothing of the file is imported
@@ -130,7 +224,7 @@ std::string_view MarkupText(const TKvTextFile& File, const std::string& FileName
 bool TKvImportFromMarkup::IsKept() const
 {
     return Loaded && Loaded->IsForLook && Loaded->FileName == SourceFileName &&
-           Loaded->Finder == EncodingFinder();
+           Loaded->CodePage == CodePage && Loaded->Finder == EncodingFinder();
 }
 
 bool TKvImportFromMarkup::LoadForLook()
@@ -156,6 +250,14 @@ void TKvImportFromMarkup::AfterLook()
     RowIsThere = false;
     if (!IsKept())
         Loaded.reset();
+}
+
+void TKvImportFromMarkup::EndDetecting(bool Keep)
+{
+    if (Keep)
+        Loaded->IsForLook = true;
+    else
+        AfterImport();
 }
 
 void TKvImportFromMarkup::EndLook()

@@ -15,13 +15,23 @@ enum TKvIXMLExtension {
     xxTagSyntax,
     /// The name of an attribute is that of its column. Without it it only has to end so.
     xxWholeNames,
-    /// "&amp;" and its like stand for their characters. Without it they are text.
+    /// "&amp;" and its like stand for their characters, and the names of entities that the file declares in
+    /// itself for their texts. Without it they are text.
     xxReferences,
     /// The file says how it is encoded: by a byte order mark or its XML declaration. Without it bytes are
     /// taken as they are, up to the first zero byte.
     xxEncoding,
     /// A record without the attribute has no value. Without it the attribute's name is imported.
-    xxMissingIsNull
+    xxMissingIsNull,
+    /// Records that are kept only as a log of changes, by their attribute RowState deleted or replaced by
+    /// others, are none, and RowState is no column. Without it they are records. Needs xxTagSyntax.
+    xxRowState,
+    /// Elements inside a record that hold text alone are values, as attributes of their names. Without it
+    /// they are no part of it. Needs xxTagSyntax.
+    xxElementValues,
+    /// The "fieldtype" of a column says how its values are written: "20220614", "19:22:37425", "1234.5",
+    /// "TRUE", bytes in base64. Without it they are written as in all other sources.
+    xxFieldTypes
 };
 using TKvIXMLExtensions = TSet<TKvIXMLExtension>;
 

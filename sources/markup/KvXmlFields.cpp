@@ -45,7 +45,10 @@ constexpr TTypeRow Types[] = {
     {"string", "Guid", ftGuid},
     {"string", "", ftString},
     {"string.uni", "", ftString},
-    {"bin.hex", "", ftMemo},                        // bytes stand there in base64, which stays text
+    {"bin.hex", "Text", ftMemo},
+    {"bin.hex", "WideText", ftMemo},
+    {"bin.hex", "Formatted", ftMemo},
+    {"bin.hex", "", ftBlob},                        // in base64
 };
 
 TFieldType TypeNamed(std::string_view Name, std::string_view SubType)

@@ -16,6 +16,15 @@ bool IsBlank(char Char)
     return Char == '\r' || Char == '\n' || Char == '\t';
 }
 
+/// `Text` up to `Mark`, which is taken off it as well; all of it when there is none.
+std::string_view TakeUpTo(std::string_view& Text, std::string_view Mark)
+{
+    const auto Found = Text.find(Mark);
+    const auto Taken = Text.substr(0, Found);
+    Text.remove_prefix(Found == Text.npos ? Text.size() : Found + Mark.size());
+    return Taken;
+}
+
 } // namespace
 
 TKvXmlRows::TKvXmlRows(std::string_view Text, TKvIXMLExtensions TheExtensions, std::string_view RowTag,
@@ -24,7 +33,7 @@ TKvXmlRows::TKvXmlRows(std::string_view Text, TKvIXMLExtensions TheExtensions, s
       Syntax(Extensions.Contains(xxTagSyntax)),
       References(Extensions.Contains(xxReferences)),
       Tokens(Text, RowTag),
-      Elements(Text, RowTag, FileName, TextOffset),
+      Elements(Text, Extensions, RowTag, FileName, TextOffset),
       TextEnd(Text.data() + Text.size())
 {
 }
@@ -93,32 +102,55 @@ std::optional<std::string_view> TKvXmlRows::Value(std::size_t Column)
         return {};
     if (!Syntax && !References)
         return Found->Value;
+    if (Syntax && TKvXmlElements::IsContent(Found->Value))
+        return ContentText(Found->Value, Buffers[Column]);
     const char* const Last = Found->Value.data() + Found->Value.size();
     if (Stops.FindIn(Found->Value.data(), TextEnd) >= Last)
         return Found->Value;
-    Decode(Found->Value, Buffers[Column]);
+    Buffers[Column].clear();
+    Decode(Found->Value, true, Buffers[Column]);
     return Buffers[Column];
 }
 
-/// As XML 1.0 normalises values: a line break or tab reads as a blank, one that is written as a reference
-/// stays what it is.
-void TKvXmlRows::Decode(std::string_view Value, std::string& Text) const
+/// The text of an element, past comments and instructions; character data holds no references.
+std::string_view TKvXmlRows::ContentText(std::string_view Content, std::string& Buffer) const
+{
+    Buffer.clear();
+    while (!Content.empty()) {
+        Decode(TakeUpTo(Content, "<"), false, Buffer);
+        if (Content.starts_with("![CDATA[")) {
+            TakeUpTo(Content, "[CDATA[");
+            Buffer += TakeUpTo(Content, "]]>");
+        }
+        else {
+            TakeUpTo(Content, Content.starts_with("!--") ? "-->" : "?>");
+        }
+    }
+    return Buffer;
+}
+
+/// As XML 1.0 normalises texts: a line break of two characters is one, and in the value of an attribute it
+/// reads as a blank, as does a tab; one that is written as a reference stays what it is.
+void TKvXmlRows::Decode(std::string_view Value, bool IsAttribute, std::string& Text) const
 {
     const char* Pos = Value.data();
     const char* const End = Pos + Value.size();
-    Text.clear();
+    auto StepsLeft = TKvXmlEntities::MaxSteps;
     for (const char* Stop; (Stop = Stops.FindIn(Pos, End)) != End;) {
         Text.append(Pos, Stop);
         Pos = Stop + 1;
         if (*Stop == '&' && References) {
             const std::string_view Rest(Stop, static_cast<std::size_t>(End - Stop));
-            if (const auto Size = DecodeReference(Rest, crXml, Text); Size > 0)
+            if (const auto Size = DecodeReferenceIn(Rest, StepsLeft, Text); Size > 0)
                 Pos = Stop + Size;
             else
                 Text += *Stop;
         }
         else if (Syntax && IsBlank(*Stop)) {
-            Text += ' ';
+            if (IsAttribute)
+                Text += ' ';
+            else
+                Text += *Stop == '\r' ? '\n' : *Stop;
             if (*Stop == '\r' && Pos != End && *Pos == '\n')
                 ++Pos;                              // both are one line break
         }
@@ -127,6 +159,15 @@ void TKvXmlRows::Decode(std::string_view Value, std::string& Text) const
         }
     }
     Text.append(Pos, End);
+}
+
+std::size_t TKvXmlRows::DecodeReferenceIn(std::string_view Value, std::size_t& StepsLeft,
+                                          std::string& Text) const
+{
+    const auto Size = DecodeReference(Value, crXml, Text);
+    if (Size > 0 || Elements.Entities().IsEmpty())
+        return Size;
+    return Elements.Entities().Decode(Value, StepsLeft, Text);
 }
 
 } // namespace kv

@@ -19,7 +19,6 @@ namespace {
 constexpr std::string_view ExtensionNames[] = {"xhTagSyntax",   "xhHeaderCells", "xhReferences",
                                                "xhFoldedSpace", "xhSpans",       "xhEncoding",
                                                "xhHeaderNames", "xhEmptyIsNull"};
-constexpr std::string_view NamesOf1252[] = {"ISO-8859-1", "latin1", "US-ASCII"};
 constexpr char MsgNoColumn[] = "%s has no column \"%s\"";
 constexpr char MsgNoTable[] = "%s has no table %d: it has tables 1 to %d";
 constexpr char MsgNoTables[] = "%s has no table";
@@ -87,20 +86,38 @@ void TKvImportFromHTML::BeforeImport()
 {
     Columns.Clear();
     Header.clear();
+    const bool IsSeen = IsKept() && HasCount();     // by a look, which has taken the facts
     TKvImportFromMarkup::BeforeImport();
-    FTablesRead = TableNumber == 0 ? Rows->Tables() : 1;
+    if (!IsSeen)
+        TakeFacts(*Rows);
     ReadHeader();
+}
+
+void TKvImportFromHTML::TakeFacts(const TKvHtmlRows& Page)
+{
+    PageFacts.Tables = TableNumber == 0 ? Page.Tables() : 1;
+    PageFacts.IsCutOff = Page.IsCutOff();
 }
 
 void TKvImportFromHTML::ReadHeader()
 {
     if (Extensions.Contains(xhHeaderNames) && RowFirst > 1)
-        Header = ReadHtmlHeader(TKvHtmlRows(Text(), Extensions, TableNumber));
+        Header = ReadHtmlHeader(*MakeRows(Text()));
+}
+
+std::unique_ptr<TKvHtmlRows> TKvImportFromHTML::MakeRows(std::string_view Text) const
+{
+    return std::make_unique<TKvHtmlRows>(Text, Extensions, FlavourOf(Text), TableNumber);
 }
 
 void TKvImportFromHTML::StartRows(std::string_view Text)
 {
-    Rows = std::make_unique<TKvHtmlRows>(Text, Extensions, TableNumber);
+    Rows = MakeRows(Text);
+}
+
+std::string TKvImportFromHTML::RowSettings() const
+{
+    return std::to_string(TableNumber) + " " + std::to_string(Extensions.Bits());
 }
 
 bool TKvImportFromHTML::NextRow()
@@ -143,8 +160,9 @@ void TKvImportFromHTML::BeforeLook(const TKvISourceLook& What)
 {
     Columns.Clear();
     Header.clear();
-    FTablesRead = 0;
     TKvImportFromMarkup::BeforeLook(What);
+    if (!HasCount())
+        PageFacts = {};
     if (!IsKept())
         return;                                     // cancelled
     CheckTableNumber();
@@ -155,12 +173,12 @@ void TKvImportFromHTML::CheckTableNumber() const
 {
     if (TableNumber < 1)
         return;
-    TKvHtmlRows Page(Text(), Extensions, TableNumber);
-    MoveOn(Page);
-    if (Page.Tables() >= TableNumber)
+    const auto Page = MakeRows(Text());
+    MoveOn(*Page);
+    if (Page->Tables() >= TableNumber)
         return;
-    const auto Number = std::to_string(TableNumber), Last = std::to_string(Page.Tables());
-    throw Exception(Page.Tables() == 0 ? FormatText(MsgNoTables, {SourceFileName})
+    const auto Number = std::to_string(TableNumber), Last = std::to_string(Page->Tables());
+    throw Exception(Page->Tables() == 0 ? FormatText(MsgNoTables, {SourceFileName})
                                        : FormatText(MsgNoTable, {SourceFileName, Number, Last}),
                     {.FileName = SourceFileName,
                      .Place = "table " + Number,
@@ -168,27 +186,40 @@ void TKvImportFromHTML::CheckTableNumber() const
                      .Rule = erMissing});
 }
 
-/// False when there are fewer, or the user has cancelled.
-bool TKvImportFromHTML::PassRows(TKvHtmlRows& Page, int Count) const
+/// Passes over all rows, counts those that are imported and finds the width of the widest, the header
+/// included. Answers the texts of the header's cells.
+std::vector<std::string> TKvImportFromHTML::PassRows(int HeaderRow, std::size_t& Width)
 {
-    for (int Row = 1; Row <= Count; ++Row)
-        if (!MoveOn(Page) || !GoesOnAfter(Row))
-            return false;
-    return true;
+    std::vector<std::string> Titles;
+    const auto Page = MakeRows(Text());
+    std::int64_t Count = 0;
+    try {
+        for (std::int64_t Number = 1; MoveOn(*Page); ++Number) {
+            if (Number == HeaderRow || IsImported(Number))
+                Width = std::max(Width, Page->Columns());
+            Count += IsImported(Number) ? 1 : 0;
+            for (std::size_t I = 0; Number == HeaderRow && I < Page->Columns(); ++I)
+                Titles.push_back(OnOneLine(TitleText(Page->Text(I))));
+            if (!GoesOnAfter(Number))
+                return Titles;
+        }
+        KeepCount(Count);
+        TakeFacts(*Page);
+    }
+    catch (const Exception&) {                      // the rows before it can be shown; a run ends by it
+    }
+    return Titles;
 }
 
-/// As wide as the header or, without one, as the first row that is imported.
 std::vector<TKvISourceColumn> TKvImportFromHTML::SourceColumns(int HeaderRow)
 {
-    std::vector<TKvISourceColumn> Result;
-    TKvHtmlRows Page(Text(), Extensions, TableNumber);
-    if (!PassRows(Page, HeaderRow > 0 ? HeaderRow : std::max(RowFirst, 1)))
-        return Result;
-    for (std::size_t I = 0; I < Page.Columns(); ++I) {
-        auto& Column = Result.emplace_back();
-        Column.Name = ColumnName(static_cast<std::ptrdiff_t>(I));
-        if (HeaderRow > 0)
-            Column.Title = OnOneLine(TitleText(Page.Text(I)));
+    std::size_t Width = 0;
+    const auto Titles = PassRows(HeaderRow, Width);
+    std::vector<TKvISourceColumn> Result(Width);
+    for (std::size_t I = 0; I < Width; ++I) {
+        Result[I].Name = ColumnName(static_cast<std::ptrdiff_t>(I));
+        if (I < Titles.size())
+            Result[I].Title = Titles[I];
     }
     return Result;
 }
@@ -200,8 +231,8 @@ int TKvImportFromHTML::RecordWidth() const
 
 void TKvImportFromHTML::AfterLook()
 {
-    if (Rows)
-        FTablesRead = TableNumber == 0 ? Rows->Tables() : 1;
+    if (Rows && !HasCount())
+        TakeFacts(*Rows);                           // as far as it was looked at
     Rows.reset();
     TKvImportFromMarkup::AfterLook();
 }
@@ -237,9 +268,12 @@ void TKvImportFromHTML::SelectPart(int Index, const TKvISourcePart&)
 
 std::vector<TKvISourceRemark> TKvImportFromHTML::SourceRemarks() const
 {
-    if (FTablesRead < 2)
-        return {};
-    return {{.Kind = srSeveralTables, .Count = FTablesRead}};
+    auto Remarks = TKvImportFromMarkup::SourceRemarks();
+    if (PageFacts.Tables > 1)
+        Remarks.push_back({.Kind = srSeveralTables, .Count = PageFacts.Tables});
+    if (PageFacts.IsCutOff)
+        Remarks.push_back({.Kind = srCutOff});
+    return Remarks;
 }
 
 /// A column goes by the text above it, too.
@@ -273,6 +307,7 @@ TVariant TKvImportFromHTML::GetFieldValue(const TVariant& Source)
     const auto Column =
         Columns.Find(Source, [this](std::string_view Each) { return ResolveColumn(Each); });
     const auto Text = Rows->Text(Column);
+    CheckValue(Text);
     return Text.empty() ? EmptyCell(Source) : TVariant::Borrow(Text);
 }
 
@@ -308,6 +343,7 @@ std::size_t TKvImportFromHTML::ResolveColumn(std::string_view Source) const
 /// gets a mapping then, as programs know it.
 void TKvImportFromHTML::DetectAutoMapping()
 {
+    const bool WasKept = IsKept();
     BeforeImport();
     MapFields([this](const TField& Field) {
         if (RowFirst <= 1)
@@ -315,20 +351,16 @@ void TKvImportFromHTML::DetectAutoMapping()
         const auto Found = FindHeader(Field.FieldName());
         return Found != Header.end() ? ColumnName(Found - Header.begin()) : std::string();
     });
-    AfterImport();
+    EndDetecting(WasKept);
 }
 
 // Routines without a component.
 
 std::string_view FindHtmlEncoding(std::string_view Text)
 {
-    for (const auto Find : {FindWideEncoding, FindXmlEncoding, FindMetaCharset}) {
-        const auto Name = Find(Text);
-        if (Name.empty())
-            continue;
-        const auto Means1252 = [Name](std::string_view Each) { return SameText(Name, Each); };
-        return std::ranges::any_of(NamesOf1252, Means1252) ? "windows-1252" : Name;
-    }
+    for (const auto Find : {FindWideEncoding, FindXmlEncoding, FindMetaCharset})
+        if (const auto Name = Find(Text); !Name.empty())
+            return Name;
     return {};
 }
 

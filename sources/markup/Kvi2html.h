@@ -21,8 +21,9 @@ class TKvHtmlRows;
 /// row and so on, a line whose source another one has named before gets the same cell as that, and an
 /// empty cell imports the line's source.
 ///
-/// A look names the columns "Field1", "Field2", ... and raises Exception, with the rule erMissing, when the
-/// page has fewer than TableNumber tables. The parts of a page are all of its tables, which have no names.
+/// A look names the columns "Field1", "Field2", ..., as many as the widest row that is imported has, and
+/// raises Exception, with the rule erMissing, when the page has fewer than TableNumber tables. The parts of a
+/// page are all of its tables, which have no names.
 class TKvImportFromHTML : public TKvImportFromMarkup
 {
 public:
@@ -36,7 +37,7 @@ public:
     int TableNumber = 0;                            ///< The table to import, from 1; 0: all of them.
 
     /// How many tables the rows of the last run or look came from, those inside others not counted.
-    int TablesRead() const { return FTablesRead; }
+    int TablesRead() const { return PageFacts.Tables; }
 
     /// The texts of the row's cells.
     TVariant SourceRecord() override;
@@ -65,28 +66,36 @@ protected:
     void StartRows(std::string_view Text) override;
     bool NextRow() override;
     const char* RowBegin() const override;
+    std::string RowSettings() const override;
 
     /// What the column `Source` imports where its cell is empty or not there.
     virtual TVariant EmptyCell(const TVariant& Source) const;
 
 private:
+    struct TPageFacts
+    {
+        int Tables = 0;                             // whose rows were read
+        bool IsCutOff = false;                      // in one of them
+    };
+
+    std::unique_ptr<TKvHtmlRows> MakeRows(std::string_view Text) const;
     void ReadHeader();
+    void TakeFacts(const TKvHtmlRows& Page);
     std::vector<std::string>::const_iterator FindHeader(std::string_view Source) const;
     std::size_t ResolveColumn(std::string_view Source) const;
     void CheckTableNumber() const;
     bool MoveOn(TKvHtmlRows& Page) const;
     void AddFacts(Exception& Error, const char* Place) const;
-    bool PassRows(TKvHtmlRows& Page, int Count) const;
+    std::vector<std::string> PassRows(int HeaderRow, std::size_t& Width);
 
     std::unique_ptr<TKvHtmlRows> Rows;              // from BeforeImport to AfterImport, and in a look
     std::vector<std::string> Header;                // names of columns; none without xhHeaderNames
     TKvSourceColumns<std::size_t> Columns;          // from 0
-    int FTablesRead = 0;
+    TPageFacts PageFacts;                           // of the last run or look
 };
 
 /// How an HTML file says that it is encoded, empty when it does not: UTF-16 shows in its first tag, other
-/// encodings stand in a META tag or an XML declaration near the start. "ISO-8859-1" and "US-ASCII" mean
-/// windows-1252, as they do to browsers.
+/// encodings stand in a META tag or an XML declaration near the start. See EncodingOfLabel.
 std::string_view FindHtmlEncoding(std::string_view Text);
 
 /// Calls `Callback` once for each of the rows `RowFirst` to `RowLast`, at most to row 20, of the tables of

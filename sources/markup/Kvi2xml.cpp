@@ -7,7 +7,9 @@
 #include "KvMarkupPreview.h"
 #include "KvPublish.h"
 #include "KvText.h"
+#include "KvXmlNames.h"
 #include "KvXmlRows.h"
+#include "KvXmlValues.h"
 
 namespace kv {
 
@@ -15,8 +17,23 @@ namespace {
 
 constexpr int NamingRecords = 100;                  // that are looked at when no FIELDS section names columns
 
-constexpr std::string_view ExtensionNames[] = {"xxTagSyntax", "xxWholeNames", "xxReferences", "xxEncoding",
-                                               "xxMissingIsNull"};
+constexpr std::size_t MaxShownBytes = 40;           // of a value that is no text, in messages
+constexpr std::size_t MaxColumns = TKvXmlElements::MaxFields;
+
+constexpr std::string_view ExtensionNames[] = {"xxTagSyntax",     "xxWholeNames", "xxReferences",
+                                               "xxEncoding",      "xxMissingIsNull", "xxRowState",
+                                               "xxElementValues", "xxFieldTypes"};
+constexpr std::string_view RowState = "RowState";
+
+void AddField(std::vector<TKvXmlField>& Fields, std::string_view Name)
+{
+    Fields.push_back({.Name = std::string(Name), .TypeName = {}});
+}
+
+bool HasField(const std::vector<TKvXmlField>& Fields, std::string_view Name)
+{
+    return std::ranges::find(Fields, Name, &TKvXmlField::Name) != Fields.end();
+}
 
 } // namespace
 
@@ -46,11 +63,22 @@ TKvImportFromXML::TEncodingFinder TKvImportFromXML::EncodingFinder() const
 
 void TKvImportFromXML::BeforeImport()
 {
-    Known.reset();
+    const bool IsSeen = IsKept() && HasCount() && Known; // by a look, which has passed over all records
+    if (!IsSeen)
+        Known.reset();
+    WantedType = ftUnknown;
     FieldNames.clear();
     TKvImportFromMarkup::BeforeImport();
-    for (const auto& Field : Rows->Fields())
+    if (!IsSeen)
+        TakeFacts(*Rows);
+    for (const auto& Field : IsSeen ? Known->Declared : Rows->Fields())
         FieldNames.push_back(Field.Name);
+}
+
+void TKvImportFromXML::TakeFacts(const TKvXmlRows& Packet)
+{
+    Replaced = Packet.Dropped();
+    LeftOut = Packet.LeftOut();
 }
 
 std::unique_ptr<TKvXmlRows> TKvImportFromXML::MakeRows(std::string_view Text) const
@@ -80,8 +108,15 @@ const char* TKvImportFromXML::RowBegin() const
     return Rows->Begin();
 }
 
+std::string TKvImportFromXML::RowSettings() const
+{
+    return std::to_string(Extensions.Bits()) + " " + TableName;
+}
+
 void TKvImportFromXML::AfterImport()
 {
+    if (Rows)                                       // what only counts is not looked into
+        LeftOut = std::max(LeftOut, Rows->LeftOut());
     Rows.reset();
     FieldNames.clear();
     TKvImportFromMarkup::AfterImport();
@@ -89,14 +124,71 @@ void TKvImportFromXML::AfterImport()
 
 // The values.
 
+TVariant TKvImportFromXML::GetParsedValue(const TVariant& Source, int FieldIndex)
+{
+    WantedType = FieldIndex >= 0 ? GetDataSet()->Fields(FieldIndex).DataType() : ftUnknown;
+    return TKvImportFromMarkup::GetParsedValue(Source, FieldIndex);
+}
+
 TVariant TKvImportFromXML::GetFieldValue(const TVariant& Source)
 {
-    const auto Column = Columns.Find(Source, [this](std::string_view Each) { return Rows->AddColumn(Each); });
-    if (const auto Value = Rows->Value(Column))
-        return TVariant::Borrow(*Value);
+    const auto& Column =
+        Columns.Find(Source, [this](std::string_view Each) { return ResolveColumn(Each); });
+    if (const auto Value = Rows->Value(Column.Index)) {
+        CheckValue(*Value);
+        return Column.Type == ftUnknown ? TVariant::Borrow(*Value) : TypedValue(*Value, Column.Type);
+    }
     if (Extensions.Contains(xxMissingIsNull))
         return Null;
     return TVariant::Borrow(Source.Text());
+}
+
+/// With the type of its values where those are written in a way of their own.
+TKvImportFromXML::TColumn TKvImportFromXML::ResolveColumn(std::string_view Source) const
+{
+    const TColumn Untyped{.Index = Rows->AddColumn(Source), .Type = ftUnknown};
+    if (!Extensions.Contains(xxFieldTypes) || !TableName.empty())
+        return Untyped;
+    const auto IsNamed = [Source](const TKvXmlField& Each) { return SameText(Each.Name, Source); };
+    const auto Found = std::ranges::find_if(Rows->Fields(), IsNamed);
+    return Found == Rows->Fields().end() ? Untyped : TColumn{Untyped.Index, Found->DataType};
+}
+
+/// A text that is written otherwise than packets have it stays what it is.
+TVariant TKvImportFromXML::TypedValue(std::string_view Text, TFieldType Type)
+{
+    switch (Type) {
+    case ftDate:
+    case ftTime:
+    case ftDateTime:
+        if (const auto Point = PacketDateTime(Text, Type))
+            return *Point;
+        break;
+    case ftBoolean:
+        if (const auto Truth = PacketBoolean(Text); Truth && !IsTextField(WantedType))
+            return *Truth;
+        break;
+    case ftFloat:
+    case ftCurrency:
+    case ftBCD:
+        if (DataFormats.DecimalSeparator != '.' && (WantedType == ftUnknown || IsNumericField(WantedType))) {
+            std::string Number(Text);
+            std::ranges::replace(Number, '.', DataFormats.DecimalSeparator);
+            return Number;
+        }
+        break;
+    case ftBlob:
+        if (IsBinaryField(WantedType)) {
+            std::string Bytes;
+            if (!PacketBytes(Text, Bytes))
+                throw EFormatError("\"" + std::string(Text.substr(0, MaxShownBytes)) + "\" is no base64",
+                                   {.FileName = SourceFileName, .Rule = erConversion});
+            return Bytes;
+        }
+        break;
+    default: break;
+    }
+    return TVariant::Borrow(Text);
 }
 
 TVariant TKvImportFromXML::SourceRecord()
@@ -119,34 +211,90 @@ TVariant TKvImportFromXML::SourceRecord()
 
 void TKvImportFromXML::BeforeLook(const TKvISourceLook& What)
 {
-    Known.reset();
+    WantedType = ftUnknown;
+    if (!IsKept() || !HasCount())
+        Known.reset();
     TKvImportFromMarkup::BeforeLook(What);
+}
+
+std::vector<TKvISourceRemark> TKvImportFromXML::SourceRemarks() const
+{
+    auto Remarks = TKvImportFromMarkup::SourceRemarks();
+    if (Replaced > 0)
+        Remarks.push_back({.Kind = srReplacedRecords, .Count = Replaced});
+    if (LeftOut > 0)
+        Remarks.push_back({.Kind = srElementsLeftOut, .Count = LeftOut});
+    return Remarks;
 }
 
 const TKvImportFromXML::TKnownColumns& TKvImportFromXML::KnownColumns()
 {
-    if (Known)
-        return *Known;
-    std::vector<TKvXmlField> Fields;
-    const auto Packet = MakeRows(Text());
-    const auto IsDeclared = [&] { return TableName.empty() && !Packet->Fields().empty(); };
-    bool HasMore = true;
-    for (int I = 0; I < NamingRecords && !IsDeclared() && (HasMore = Packet->Next(ruValues)); ++I)
-        for (const auto Attribute : Packet->AttributeNames())
-            if (std::ranges::find(Fields, Attribute, &TKvXmlField::Name) == Fields.end())
-                Fields.push_back({.Name = std::string(Attribute), .TypeName = {}});
-    if (IsDeclared())
-        Fields = Packet->Fields();
+    if (!Known)
+        Known = FindColumns();
+    return *Known;
+}
+
+TKvImportFromXML::TKnownColumns TKvImportFromXML::FindColumns()
+{
     TKnownColumns Seen;
-    Seen.AreAll = IsDeclared() || !HasMore;
-    for (const auto& Field : Fields)
+    const auto Packet = MakeRows(Text());
+    const auto Fields = Extensions.Contains(xxTagSyntax) ? AllFields(*Packet, Seen.AreAll)
+                                                         : FirstFields(*Packet, Seen.AreAll);
+    if (Fields.size() > MaxColumns)
+        throw Exception(SourceFileName + " has more than " + std::to_string(MaxColumns) + " columns",
+                        {.FileName = SourceFileName, .Rule = erFormat});
+    Seen.Declared = Packet->Fields();
+    for (const auto& Field : Fields) {
+        const bool IsBytes = Field.DataType == ftBlob && !Extensions.Contains(xxFieldTypes);
         Seen.Columns.push_back({.Name = Field.Name,
                                 .Title = TitleText(Field.Name),
-                                .DataType = Field.DataType,
+                                .DataType = IsBytes ? ftMemo : Field.DataType,
                                 .Size = Field.Size,
                                 .TypeName = Field.TypeName});
-    Known = std::move(Seen);
-    return *Known;
+    }
+    return Seen;
+}
+
+/// By the older rules: those that are declared, else those of the first records.
+std::vector<TKvXmlField> TKvImportFromXML::FirstFields(TKvXmlRows& Packet, bool& AreAll) const
+{
+    std::vector<TKvXmlField> Fields;
+    const auto IsDeclared = [&] { return TableName.empty() && !Packet.Fields().empty(); };
+    bool HasMore = true;
+    for (int I = 0; I < NamingRecords && !IsDeclared() && (HasMore = Packet.Next(ruValues)); ++I)
+        for (const auto Attribute : Packet.AttributeNames())
+            if (!HasField(Fields, Attribute))
+                AddField(Fields, Attribute);
+    AreAll = IsDeclared() || !HasMore;
+    return IsDeclared() ? Packet.Fields() : Fields;
+}
+
+/// Those that are declared and then all others that records have. What is no XML ends the search: the records
+/// before it can be shown, and a run fails by it.
+std::vector<TKvXmlField> TKvImportFromXML::AllFields(TKvXmlRows& Packet, bool& AreAll)
+{
+    TKvXmlNames Names;
+    try {
+        std::int64_t Number = 0, Count = 0;
+        bool GoesOn = true;
+        for (; GoesOn && Names.Names().size() <= MaxColumns && Packet.Next(ruValues);
+             GoesOn = GoesOnAfter(Number)) {
+            Packet.AddNames(Names);
+            Count += IsImported(++Number) ? 1 : 0;
+        }
+        AreAll = GoesOn && Names.Names().size() <= MaxColumns;
+        if (AreAll) {
+            KeepCount(Count);
+            TakeFacts(Packet);
+        }
+    }
+    catch (const Exception&) {
+    }
+    auto Fields = TableName.empty() ? Packet.Fields() : std::vector<TKvXmlField>();
+    for (const auto Attribute : Names.Names())
+        if (!HasField(Fields, Attribute) && !(Attribute == RowState && Extensions.Contains(xxRowState)))
+            AddField(Fields, Attribute);
+    return Fields;
 }
 
 std::vector<TKvISourceColumn> TKvImportFromXML::SourceColumns(int)
@@ -156,6 +304,8 @@ std::vector<TKvISourceColumn> TKvImportFromXML::SourceColumns(int)
 
 void TKvImportFromXML::AfterLook()
 {
+    if (Rows && !HasCount())
+        TakeFacts(*Rows);                           // as far as it was looked at
     Rows.reset();
     TKvImportFromMarkup::AfterLook();
 }
@@ -185,10 +335,10 @@ std::optional<bool> TKvImportFromXML::NamesColumn(const std::string& Source)
 {
     if (!IsKept())
         return {};
-    const auto& [All, AreAll] = KnownColumns();
-    if (IsOneOf(All, Source))
+    const auto& All = KnownColumns();
+    if (IsOneOf(All.Columns, Source))
         return true;
-    return AreAll ? std::optional(false) : std::nullopt;
+    return All.AreAll ? std::optional(false) : std::nullopt;
 }
 
 // Automatic mapping.
@@ -196,6 +346,7 @@ std::optional<bool> TKvImportFromXML::NamesColumn(const std::string& Source)
 /// With RowFirst above 1 by the names in the FIELDS section: a field whose name is not there gets no mapping.
 void TKvImportFromXML::DetectAutoMapping()
 {
+    const bool WasKept = IsKept();
     BeforeImport();
     MapFields([this](const TField& Field) {
         if (RowFirst <= 1)
@@ -204,7 +355,7 @@ void TKvImportFromXML::DetectAutoMapping()
         const auto Found = std::ranges::find_if(FieldNames, NamesField);
         return Found != FieldNames.end() ? *Found : std::string();
     });
-    AfterImport();
+    EndDetecting(WasKept);
 }
 
 // Routines without a component.

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,6 +13,7 @@
 
 #include "KvMarkupImport.h"
 #include "KvXMLExtensions.h"
+#include "KvXmlFields.h"
 #include "KviSourceColumns.h"
 
 namespace kv {
@@ -20,8 +22,9 @@ class TKvXmlRows;
 
 /// Imports the records of a packet. Source columns are names of attributes.
 ///
-/// A look shows the columns that the FIELDS section before the first record declares. Where there is none,
-/// and for records of another tag, which it does not describe, they are those of the first 100 records.
+/// A look shows the columns that the FIELDS section before the first record declares, and behind them all
+/// others that records have. By the older rules the others are not shown, nor those that the first 100
+/// records lack where no section declares any. The section does not describe records of another tag.
 class TKvImportFromXML : public TKvImportFromMarkup
 {
 public:
@@ -41,6 +44,7 @@ public:
                                const std::vector<TKvISourceColumn>& Shown) const override;
     /// Cannot be told of an attribute that the records looked at lack where others follow them.
     std::optional<bool> NamesColumn(const std::string& Source) override;
+    std::vector<TKvISourceRemark> SourceRemarks() const override;
 
     static std::string Extension() { return ".XML"; }
     static std::string FillFileFilters();
@@ -48,6 +52,8 @@ public:
 protected:
     void DetectAutoMapping() override;
     void BeforeImport() override;
+    /// Numbers are written as the formats of the run have them, bytes only for fields of bytes decoded.
+    TVariant GetParsedValue(const TVariant& Source, int FieldIndex) override;
     TVariant GetFieldValue(const TVariant& Source) override;
     void AfterImport() override;
     void BeforeLook(const TKvISourceLook& What) override;
@@ -59,21 +65,38 @@ protected:
     bool NextRow() override;
     bool SkipRow() override;
     const char* RowBegin() const override;
+    std::string RowSettings() const override;
 
 private:
     struct TKnownColumns
     {
         std::vector<TKvISourceColumn> Columns;
+        std::vector<TKvXmlField> Declared;          // by FIELDS sections, as far as they were met
         bool AreAll = false;                        // no record has others, or the file says so
+    };
+
+    struct TColumn
+    {
+        std::size_t Index;                          // of Rows
+        TFieldType Type;                            // as it is declared; ftUnknown: text
     };
 
     std::unique_ptr<TKvXmlRows> MakeRows(std::string_view Text) const;
     const TKnownColumns& KnownColumns();
+    TKnownColumns FindColumns();
+    std::vector<TKvXmlField> FirstFields(TKvXmlRows& Packet, bool& AreAll) const;
+    std::vector<TKvXmlField> AllFields(TKvXmlRows& Packet, bool& AreAll);
+    void TakeFacts(const TKvXmlRows& Packet);
+    TColumn ResolveColumn(std::string_view Source) const;
+    TVariant TypedValue(std::string_view Text, TFieldType Type);
     bool IsOneOf(const std::vector<TKvISourceColumn>& Shown, std::string_view Attribute) const;
 
     std::unique_ptr<TKvXmlRows> Rows;               // from BeforeImport to AfterImport, and in a look
     std::vector<std::string> FieldNames;            // of the FIELDS sections, in a run
-    TKvSourceColumns<std::size_t> Columns;          // of Rows
+    TKvSourceColumns<TColumn> Columns;
+    TFieldType WantedType = ftUnknown;                  // of the field that the next value is for
+    std::int64_t Replaced = 0;                      // records, of the last run or look
+    std::int64_t LeftOut = 0;                       // elements inside records, the same
     std::vector<std::size_t> ShownColumns;          // the same of SourceRecord
     std::optional<TKnownColumns> Known;             // of the file, once somebody has asked
 };

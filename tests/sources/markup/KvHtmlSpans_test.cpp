@@ -65,6 +65,18 @@ TEST(KvHtmlSpans, AWrongSpanIsOne)
                                        "<td datacolspan=3>"})
         EXPECT_EQ(OneRow({Tag, "<td>"}), "ab") << Tag;
     EXPECT_EQ(OneRow({"<td colspan='3\"'>", "<td>"}), "aaab"); // as far as it is a number
+    EXPECT_EQ(OneRow({"<td colspan=' +3.5'>", "<td>"}), "aaab");
+}
+
+TEST(KvHtmlSpans, AttributesAreCutAsBrowsersDo)
+{
+    for (const std::string_view Tag :
+         {"<td class=\"a\"colspan=\"2\">", "<td/colspan=2>", "<td x colspan=2>", "<td colspan=2/>",
+          "<td title='>' ColSpan=2 colspan=3>", "<td =x colspan=2>"})
+        EXPECT_EQ(OneRow({Tag, "<td>"}), "aab") << Tag;
+    for (const std::string_view Tag :
+         {"<td title=\"see colspan=3 here\">", "<td x=colspan=3>", "<td acolspan=3>", "<td colspan x=3>"})
+        EXPECT_EQ(OneRow({Tag, "<td>"}), "ab") << Tag;
 }
 
 TEST(KvHtmlSpans, ACellReachesIntoTheRowsThatItSpans)
@@ -79,8 +91,17 @@ TEST(KvHtmlSpans, SpansOfColumnsAndRowsPushOthersToTheRight)
 {
     TPlacedRows Rows;
     EXPECT_EQ(Rows.Add({"<td>", "<td rowspan=3 colspan=2>", "<td rowspan=2>"}), "abbc");
-    EXPECT_EQ(Rows.Add({"<td colspan=9>", "<td>"}), "dbbce"); // no wider than the room that there is
+    EXPECT_EQ(Rows.Add({"<td>", "<td>"}), "dbbce");
     EXPECT_EQ(Rows.Add({"<td>", "<td>"}), "fbbg");
+}
+
+TEST(KvHtmlSpans, OfTwoCellsInOneColumnThatCountsWhichReachesFurtherDown)
+{
+    TPlacedRows Rows;
+    EXPECT_EQ(Rows.Add({"<td>", "<td rowspan=4>", "<td rowspan=2>"}), "abc");
+    EXPECT_EQ(Rows.Add({"<td colspan=4 rowspan=2>", "<td>"}), "dbdde") << "else the later one";
+    EXPECT_EQ(Rows.Add({"<td>"}), "dbddf");
+    EXPECT_EQ(Rows.Add({"<td>"}), "gb");
 }
 
 TEST(KvHtmlSpans, ARowWithoutCellsHasThoseThatReachIntoIt)
@@ -113,7 +134,7 @@ TEST(KvHtmlSpans, NoSpanReachesPastTheLastColumn)
     TKvHtmlSpans Spans;
     const std::vector<TKvHtmlCell> Wide(20, {.Tag = "<td colspan=1000>", .Content = "a"});
     Spans.AddRow(Wide);
-    EXPECT_EQ(Spans.Columns(), 16384u + 3);         // the cells themselves always do
+    EXPECT_EQ(Spans.Columns(), 4096u + 15);         // the cells themselves always do
 }
 
 TEST(KvHtmlSpans, ACellFarToTheRightMayNotSpanRows)

@@ -42,7 +42,7 @@ TEST_P(KvMarkupTime, IsThatOfTheSize)
     const auto& [Name, Before, Unit, After] = GetParam();
     const auto Text = std::string(Before) + Repeated(Unit, Many) + std::string(After);
     for (const auto Extensions : {TKvIHTMLExtensions(), AllOfHtml}) {
-        TKvHtmlRows Rows(Text, Extensions);
+        TKvHtmlRows Rows(Text, Extensions, hfHtml);
         for (std::size_t Bytes = 0; Rows.Next();)
             Bytes += Rows.Text(0).size() + Rows.Text(1).size() + Rows.Text(5000).size();
     }
@@ -50,7 +50,7 @@ TEST_P(KvMarkupTime, IsThatOfTheSize)
     Tokens.AddColumn("a");
     while (Tokens.Next())
         Tokens.Value(0);
-    TKvXmlRows Elements(Text, {xxTagSyntax, xxReferences}, "row", "FILE");
+    TKvXmlRows Elements(Text, {xxTagSyntax, xxReferences, xxRowState, xxElementValues}, "row", "FILE");
     Elements.AddColumn("a");
     try {
         while (Elements.Next())
@@ -85,12 +85,64 @@ INSTANTIATE_TEST_SUITE_P(, KvMarkupTime, testing::Values(
     TNasty{"Elements", "<row>", "<a>", ""},
     TNasty{"EmptyElements", "<row>", "<a a='&'/>", "</row>"},
     TNasty{"Attributes", "<row><b", " a='1'", "/></row>"},
-    TNasty{"Brackets", "<!DOCTYPE ", "[", ""}), NameOfRow);
+    TNasty{"Brackets", "<!DOCTYPE ", "[", ""},
+    TNasty{"Declarations", "<!DOCTYPE a [", "<!ENTITY a 'b'>", "]><row><a a='&a;'/></row>"},
+    TNasty{"NamesOfEntities", "<!DOCTYPE a [<!ENTITY a 'b'>]><row><a a='", "&a", "'/></row>"},
+    TNasty{"ElementsOfARecord", "<row><r>", "<a>1</a>", "</r></row>"},
+    TNasty{"RecordsOfElements", "<row>", "<r><b>1</b><a>1</a></r>", "</row>"},
+    TNasty{"HyphensInAComment", "<table><tr><td><!--", "-", ""},
+    TNasty{"SelfClosedScripts", "<?xml?><table><tr><td>", "<script/>", ""}), NameOfRow);
+
+// Entities that refer to each other ten times over would be gigabytes.
+TEST(KvMarkupLimits, EntitiesExpandToLittleText)
+{
+    std::string Packet = "<!DOCTYPE p [<!ENTITY e0 \"0123456789\">";
+    for (int I = 1; I < 10; ++I)
+        Packet += "<!ENTITY e" + std::to_string(I) + " \"" +
+                  Repeated("&e" + std::to_string(I - 1) + ";", 10) + "\">";
+    Packet += "<!ENTITY loop \"&loop;\">]><ROWDATA><R a=\"&e2;\"/><R a=\"&e9;\"/><R a=\"&loop;\"/>"
+              "<R a=\"" + Repeated("&e4;", 2) + "\"/></ROWDATA>";
+    TXmlRun Import(Packet, {xxTagSyntax, xxReferences});
+    EXPECT_THAT(Import.RunAndRefuse(),
+                testing::ElementsAre("The entity \"e0\" expands to too much text",
+                                     "The entity \"loop\" expands to too much text",
+                                     "The entity \"e0\" expands to too much text"));
+    EXPECT_THAT(Import.FirstValues(), testing::ElementsAre(Repeated("0123456789", 100)));
+}
+
+TEST(KvMarkupLimits, APacketOfMoreColumnsThanAnyTableIsRefused)
+{
+    std::string Fields, Values;
+    for (int I = 1; I <= 2049; ++I) {
+        Fields += "<FIELD attrname=\"F" + std::to_string(I) + "\"/>";
+        Values += " F" + std::to_string(I) + "=\"1\"";
+    }
+    const auto Shown = [](const std::string& Packet, TKvIXMLExtensions Extensions) {
+        try {
+            return std::to_string(TXmlRun(Packet, Extensions).Look({}).Columns.size());
+        }
+        catch (const Exception& Error) {
+            return Error.Message;
+        }
+    };
+    const auto Declared = [&](const std::string& All) {
+        return "<P><FIELDS>\n" + All + "</FIELDS><ROWDATA/></P>";
+    };
+    const auto Less = Fields.substr(0, Fields.rfind("<FIELD"));
+    EXPECT_EQ(Shown(Declared(Less), {xxTagSyntax}), "2048");
+    EXPECT_EQ(Shown(Declared(Less), {}), "2048");
+    EXPECT_THAT(Shown(Declared(Fields), {xxTagSyntax}),
+                testing::HasSubstr("it declares more than 2048 fields"));
+    EXPECT_THAT(Shown(Declared(Fields), {}), testing::HasSubstr(" has more than 2048 columns"));
+    EXPECT_THAT(Shown("<ROWDATA><R" + Values + "/></ROWDATA>", {xxTagSyntax}),
+                testing::HasSubstr(" has more than 2048 columns"));
+}
+
 
 TEST(KvMarkupLimits, ManyCellsThatReachIntoManyRowsTakeTheirTimeOnly)
 {
     const auto Text = "<table><tr>" + Repeated("<td rowspan=65534>1", 1000) + Repeated("<tr>", 20000);
-    TKvHtmlRows Rows(Text, AllOfHtml);
+    TKvHtmlRows Rows(Text, AllOfHtml, hfHtml);
     int Count = 0;
     while (Rows.Next()) {
         EXPECT_EQ(Rows.Columns(), 1000u);

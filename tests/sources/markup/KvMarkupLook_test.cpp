@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "KvImpatientUser.h"
@@ -19,7 +20,8 @@ namespace {
 
 constexpr TKvIHTMLExtensions AllOfHtml{xhTagSyntax, xhHeaderCells, xhReferences,  xhFoldedSpace,
                                        xhSpans,     xhEncoding,    xhHeaderNames, xhEmptyIsNull};
-constexpr TKvIXMLExtensions AllOfXml{xxTagSyntax, xxWholeNames, xxReferences, xxEncoding, xxMissingIsNull};
+constexpr TKvIXMLExtensions AllOfXml{xxTagSyntax,     xxWholeNames, xxReferences,    xxEncoding,
+                                     xxMissingIsNull, xxRowState,   xxElementValues, xxFieldTypes};
 
 TRows NamesIn(const TKvISourceView& View)
 {
@@ -160,6 +162,38 @@ TEST(Kvi2htmlLook, AWiderRowMakesMoreColumnsAndANarrowerOneHasFewerValues)
     }
 }
 
+TEST(Kvi2htmlLook, ColumnsAreThoseOfAllRowsThatAreImported)
+{
+    const auto File =
+        "<table><tr><th>A</th></tr>" + NumberedHtmlRows(300) +
+        "<tr><td>1</td><td>2</td><td>3</td><td>4</td></tr><tr><td colspan=9>no</td></tr></table>";
+    THtmlRun Import(File, AllOfHtml);
+    Import.RowFirst = 2;
+    Import.RowLast = 302;
+    const auto View = Import.Look({.Rows = 1, .HeaderRow = 1, .Columns = {}});
+    EXPECT_THAT(NamesIn(View), ElementsAre("Field1", "Field2", "Field3", "Field4"));
+    EXPECT_THAT(TitlesIn(View), ElementsAre("A", "", "", ""));
+    EXPECT_EQ(View.Offered, 4U);
+}
+
+TEST(Kvi2htmlLook, APageThatEndsInsideATableIsWorthARemark)
+{
+    for (const auto& [File, IsCut] : {std::pair("<table><tr><td>1</td></tr></table>", false),
+                                      std::pair("<table><tr><td>1</td></tr>", true),
+                                      std::pair("<table><tr><td>1</td></tr><tr><td>67", true),
+                                      std::pair("<table><tr><td>1<table></table>", true)}) {
+        THtmlRun Import(File, AllOfHtml);
+        Import.Look({});
+        EXPECT_EQ(Import.SourceRemarks().size(), IsCut ? 1U : 0U) << File;
+        Import.MapTo({"Field1"});
+        Import.Run();
+        ASSERT_EQ(Import.SourceRemarks().size(), IsCut ? 1U : 0U) << File;
+        if (IsCut) {
+            EXPECT_EQ(Import.SourceRemarks()[0].Kind, srCutOff);
+        }
+    }
+}
+
 TEST(Kvi2htmlLook, ByTheOlderRulesCellsGoToTheColumnsInTheirOrderAndAnEmptyOneIsItsColumnsName)
 {
     THtmlRun Import("<table><tr><td>1</td><td></td><td>3</td></tr></table>");
@@ -246,6 +280,9 @@ TEST(Kvi2htmlLook, RowsOfSeveralTablesAreWorthARemark)
     EXPECT_EQ(Import.SourceRemarks()[0].Kind, srSeveralTables);
     EXPECT_EQ(Import.SourceRemarks()[0].Count, 3);
     Import.Look({.Rows = 4, .Columns = {}});
+    EXPECT_EQ(Import.SourceRemarks()[0].Count, 3) << "all columns are those of all rows";
+    Import.EndLook();
+    Import.Look({.Rows = 4, .Columns = {"Field1"}});
     EXPECT_EQ(Import.SourceRemarks()[0].Count, 2) << "as far as it was looked at";
     Import.TableNumber = 2;
     Import.Look({});
@@ -318,14 +355,15 @@ TEST(Kvi2xmlLook, ShowsTheColumnsThatTheFieldsSectionDeclares)
                        "<ROWDATA><ROW ID=\"1\" Name=\"Ada\" y=\"2\"/></ROWDATA></P>",
                        Rules);
         const auto View = Import.Look({});
-        EXPECT_THAT(NamesIn(View), ElementsAre("ID", "Name", "x"));
-        EXPECT_THAT(TitlesIn(View), ElementsAre("ID", "Name", "x"));
+        const TRows Names{"ID", "Name", "x", "y"};
+        EXPECT_EQ(NamesIn(View), TRows(Names.begin(), Names.end() - (Rules.IsEmpty() ? 1 : 0)));
+        EXPECT_EQ(TitlesIn(View), NamesIn(View));
         EXPECT_EQ(View.Columns[0].DataType, ftAutoInc);
         EXPECT_EQ(View.Columns[0].TypeName, "i4");
         EXPECT_EQ(View.Columns[1].DataType, ftString);
         EXPECT_EQ(View.Columns[1].Size, 20);
         EXPECT_EQ(View.Columns[2].DataType, ftUnknown);
-        EXPECT_THAT(RowsIn(View), ElementsAre(Rules.IsEmpty() ? "1|Ada|x" : "1|Ada|-"));
+        EXPECT_THAT(RowsIn(View), ElementsAre(Rules.IsEmpty() ? "1|Ada|x" : "1|Ada|-|2"));
     }
 }
 
@@ -335,12 +373,70 @@ TEST(Kvi2xmlLook, WithoutASectionItShowsTheAttributesOfTheFirstRecords)
     EXPECT_THAT(NamesIn(Import.Look({.Rows = 1, .Columns = {}})), ElementsAre("a", "b"));
 }
 
-TEST(Kvi2xmlLook, OfAHundredRecords)
+TEST(Kvi2xmlLook, OfAHundredRecordsByTheOlderRulesAndElseOfAll)
 {
     for (const int Before : {99, 100}) {
-        TXmlRun Import("<ROWDATA>" + NumberedXmlRows(Before) + "<ROW late=\"1\"/></ROWDATA>", AllOfXml);
-        EXPECT_EQ(NamesIn(Import.Look({.Rows = 1, .Columns = {}})).size(), Before == 99 ? 4U : 3U);
+        const auto Packet = "<ROWDATA>" + NumberedXmlRows(Before) + "<ROW late=\"1\"/></ROWDATA>";
+        EXPECT_EQ(NamesIn(TXmlRun(Packet).Look({.Rows = 1, .Columns = {}})).size(), Before == 99 ? 4U : 3U);
+        EXPECT_EQ(NamesIn(TXmlRun(Packet, AllOfXml).Look({.Rows = 1, .Columns = {}})).size(), 4U);
     }
+}
+
+TEST(Kvi2xmlLook, ElementsOfRecordsAreColumnsAndRowStateIsNone)
+{
+    TXmlRun Import("<ROWDATA><ROW RowState=\"4\" a=\"1\"><B>2</B></ROW><ROW><D>3</D><B/></ROW></ROWDATA>",
+                   AllOfXml);
+    const auto View = Import.Look({});
+    EXPECT_THAT(NamesIn(View), ElementsAre("a", "B", "D"));
+    EXPECT_THAT(RowsIn(View), ElementsAre("1|2|-", "-||3"));
+}
+
+TEST(Kvi2xmlLook, TellsWhatIsLeftOut)
+{
+    TXmlRun Import("<ROWDATA><R a='1' RowState='1'/><R a='2' RowState='12'/><R RowState='2'/>"
+                   "<R><a>1</a><n><x/></n><a>2</a></R><R a='3'><a>4</a></R></ROWDATA>", AllOfXml);
+    const auto Told = [&] {
+        std::vector<std::pair<TKvISourceRemarkKind, std::int64_t>> Result;
+        for (const auto& Remark : Import.SourceRemarks())
+            Result.emplace_back(Remark.Kind, Remark.Count);
+        return Result;
+    };
+    const auto All = ElementsAre(std::pair(srReplacedRecords, 2), std::pair(srElementsLeftOut, 3));
+    EXPECT_EQ(Import.Look({.Rows = 1, .Columns = {}}).Rows.size(), 1U);
+    EXPECT_THAT(Told(), All);
+    const auto Run = [&] {
+        Import.SetFields({{.Name = "A"}});
+        Import.MapTo({"a"});
+        return Import.Run().size();
+    };
+    EXPECT_EQ(Run(), 3U);
+    EXPECT_THAT(Told(), All);
+    EXPECT_EQ(Run(), 3U);
+    EXPECT_THAT(Told(), All) << "of a run before which nobody has looked";
+    Import.Folder.Write("file", "<ROWDATA/>");
+    Run();
+    EXPECT_THAT(Told(), IsEmpty());
+}
+
+TEST(Kvi2xmlLook, ShowsTheRecordsBeforeWhatIsNoXml)
+{
+    TXmlRun Import("<ROWDATA><R a='1'/><R b='2'/><R", AllOfXml);
+    const auto View = Import.Look({.Rows = 1, .Columns = {}});
+    EXPECT_THAT(NamesIn(View), ElementsAre("a", "b"));
+    EXPECT_THAT(RowsIn(View), ElementsAre("1|-"));
+    EXPECT_THAT(Import.RunAndFail(), testing::HasSubstr("the tag \"R\" does not end"));
+    EXPECT_EQ(Import.Destination.RecordCount(), 0);
+}
+
+TEST(Kvi2xmlLook, NumbersAreWrittenAsTheFormatsHaveThem)
+{
+    TXmlRun Import(
+        "<P><FIELDS><FIELD attrname='N' fieldtype='r8'/></FIELDS><ROWDATA><R N='1.5'/></ROWDATA></P>",
+        AllOfXml);
+    Import.DataFormats.DecimalSeparator = ',';
+    EXPECT_THAT(RowsIn(Import.Look({})), ElementsAre("1,5"));
+    Import.DataFormats.DecimalSeparator = '.';
+    EXPECT_THAT(RowsIn(Import.Look({})), ElementsAre("1.5"));
 }
 
 TEST(Kvi2xmlLook, TheSectionDoesNotDescribeRecordsOfAnotherTag)
@@ -423,7 +519,7 @@ TEST(Kvi2xmlLook, WhatIsNoXmlSaysWhereAsFacts)
     TXmlRun Import("\xEF\xBB\xBF<ROWDATA>\n<ROW a=1/></ROWDATA>", AllOfXml);
     const auto Error = Raised([&] { Import.Look({}); });
     EXPECT_EQ(Error.Message, "Line 2 of " + Import.SourceFileName +
-                                 " is no XML: the attribute \"a\" has a value without quotes");
+                                 " is no XML: the attribute \"a\" has a value without quotes (offset 18)");
     EXPECT_EQ(Error.Facts.FileName, Import.SourceFileName);
     EXPECT_EQ(Error.Facts.Place, "line 2");
     EXPECT_EQ(Error.Facts.Rule, erFormat);
@@ -498,14 +594,31 @@ TYPED_TEST(KvMarkupLook, ReadsAnotherFileWhenItIsNamed)
     EXPECT_EQ(Import.Look({}).Rows.size(), 3U);
 }
 
-TYPED_TEST(KvMarkupLook, ARunReadsTheFileAnew)
+TYPED_TEST(KvMarkupLook, ARunTakesWhatTheLookHasKept)
 {
     TypeParam Import(this->File(2));
     Import.Look({});
     Import.Folder.Write("file", this->File(3));
-    EXPECT_EQ(Import.Run().size(), 3U);
+    EXPECT_EQ(Import.Run().size(), 2U);
+    Import.SetFields({{.Name = "A"}, {.Name = "B"}, {.Name = "C"}});
+    EXPECT_EQ(Import.Run().size(), 3U) << "a run keeps nothing";
+    EXPECT_EQ(Import.Look({}).Rows.size(), 3U);
+    Import.DetectedMappings();
     Import.Folder.Write("file", this->File(4));
-    EXPECT_EQ(Import.Look({}).Rows.size(), 4U) << "a run keeps nothing";
+    EXPECT_EQ(Import.Look({}).Rows.size(), 3U) << "mappings that were detected do not lose it";
+}
+
+TYPED_TEST(KvMarkupLook, ARunCountsAnewWhenOtherRowsAreImported)
+{
+    TypeParam Import(this->File(4));
+    Import.RowFirst = 2;
+    Import.Look({});
+    EXPECT_EQ(Import.Run().size(), 3U);
+    Import.Look({});
+    Import.RowFirst = 1;
+    Import.RowLast = 2;
+    Import.SetFields({{.Name = "A"}, {.Name = "B"}, {.Name = "C"}});
+    EXPECT_EQ(Import.Run().size(), 2U);
 }
 
 TYPED_TEST(KvMarkupLook, LeavesNothingOfAMissingFile)

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "KvException.h"
 #include "KvFileRun.h"
 #include "Kvi2html.h"
 #include "Kvi2xml.h"
@@ -26,6 +27,29 @@ public:
     TMarkupRun(std::string_view Text, decltype(TImport::Extensions) Rules) : TMarkupRun(Text)
     {
         this->Extensions = Rules;
+    }
+
+    /// Executes a run that refuses records, and gives its messages. The others are in Destination.
+    TRows RunAndRefuse()
+    {
+        TRows Messages;
+        this->OnErrorEvent = [&Messages](TKvImportBaseComponent&, const Exception& Error, bool&) {
+            Messages.push_back(Error.Message);
+        };
+        this->Execute();
+        this->OnErrorEvent = {};
+        EXPECT_EQ(this->Statistic.Result, irExecuted) << this->ErrorMessage();
+        EXPECT_EQ(this->Statistic.TotalErrors, static_cast<int>(Messages.size()));
+        return Messages;
+    }
+
+    /// What the first field of the destination holds.
+    TRows FirstValues()
+    {
+        TRows Values;
+        for (this->Destination.First(); !this->Destination.Eof(); this->Destination.Next())
+            Values.push_back(this->Destination.Fields(0).AsString());
+        return Values;
     }
 };
 

@@ -24,6 +24,8 @@ TEST(KvXmlFields, ATypeThatIsKnownHasItsField)
     EXPECT_EQ(Declared("<FIELD fieldtype=\"r8\" SUBTYPE=\"other\"/>").DataType, ftFloat);
     EXPECT_EQ(Declared("<FIELD fieldtype=\"datetime\"/>").DataType, ftDateTime);
     EXPECT_EQ(Declared("<FIELD fieldtype=\"bin.hex\" SUBTYPE=\"Text\" WIDTH=\"1\"/>").DataType, ftMemo);
+    EXPECT_EQ(Declared("<FIELD fieldtype=\"bin.hex\" SUBTYPE=\"Graphics\"/>").DataType, ftBlob);
+    EXPECT_EQ(Declared("<FIELD fieldtype=\"bin.hex\"/>").DataType, ftBlob);
 }
 
 TEST(KvXmlFields, ATypeThatIsNotKnownKeepsItsName)

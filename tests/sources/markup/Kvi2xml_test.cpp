@@ -207,10 +207,11 @@ TEST(Kvi2xml, PublishesItsProperties)
 {
     TKvImportFromXML Import;
     const auto Properties = Import.PublishedProperties();
-    for (const std::string_view Name : {"SourceFileName", "RowFirst", "RowLast", "TableName", "Extensions"})
+    for (const std::string_view Name :
+         {"SourceFileName", "RowFirst", "RowLast", "TableName", "CodePage", "Extensions"})
         EXPECT_NE(FindProperty(Properties, Name), nullptr) << Name;
     const auto* const Set = FindProperty(Properties, "Extensions");
-    EXPECT_EQ(Set->Names.size(), std::size_t{xxMissingIsNull} + 1);
+    EXPECT_EQ(Set->Names.size(), std::size_t{xxFieldTypes} + 1);
     EXPECT_EQ(Set->Names[xxEncoding], "xxEncoding");
 }
 
