@@ -6,9 +6,11 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <span>
 #include <utility>
 #include <vector>
 
+#include "KvCodePageTables.h"
 #include "KvException.h"
 #include "KvIconv.h"
 #include "KvText.h"
@@ -51,12 +53,15 @@ class TTablePage final : public TCodePage
 {
 public:
     /// Nothing when some byte does not stand for a character of its own.
-    static std::unique_ptr<TTablePage> Create(const TIconv& ToUtf8)
+    static std::unique_ptr<TTablePage> Create(const TIconv& ToUtf8,
+                                              std::span<const TKvPageChange> Changes = {})
     {
         auto Page = std::make_unique<TTablePage>();
         for (int Byte = 0; Byte < 256; ++Byte)
             if (!Page->Fill(static_cast<unsigned char>(Byte), ToUtf8))
                 return nullptr;
+        for (const auto& Change : Changes)
+            Page->Put(Change);
         Page->SortBytes();
         return Page;
     }
@@ -120,6 +125,14 @@ private:
         return Error != EINVAL && !Utf8.empty() && Utf8.size() == Utf8SequenceSize(Utf8);
     }
 
+    void Put(const TKvPageChange& Change)
+    {
+        auto& [Utf8, IsDefined] = Characters[Change.Byte];
+        IsDefined = Change.Character != 0;
+        Utf8.clear();
+        AppendUtf8(Utf8, IsDefined ? char32_t{Change.Character} : StandInFor(Change.Byte));
+    }
+
     void SortBytes()
     {
         for (std::size_t Byte = 0; Byte < Characters.size(); ++Byte)
@@ -169,6 +182,9 @@ std::unique_ptr<TCodePage> CreatePage(std::string_view Name)
 {
     if (NamesUtf8(Name))
         return std::make_unique<TUtf8Page>();
+    if (const auto* const Own = FindOwnPage(Name))
+        if (const TIconv Base("UTF-8", Own->Base); Base.IsOpen())
+            return TTablePage::Create(Base, Own->Changes);
     for (const auto& IconvName : IconvNames(Name)) {
         TIconv ToUtf8("UTF-8", IconvName), FromUtf8(IconvName, "UTF-8");
         if (!ToUtf8.IsOpen() || !FromUtf8.IsOpen())

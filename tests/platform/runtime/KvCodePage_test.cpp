@@ -55,6 +55,22 @@ TEST_F(KvCodePage, RefusesUnknownPages)
     EXPECT_EQ(AnsiCodePage(), "UTF-8");
 }
 
+TEST_F(KvCodePage, KnowsPagesThatIconvLacks)
+{
+    EXPECT_EQ(CodePageToUtf8("P\xA9\xA1li\xA8 \x91lu\x9Fou\x87k\x98 k\x96\xA4 \xAD\xC9", "895"),
+              "Příliš žluťoučký kůň §╔");
+    EXPECT_EQ(CodePageToUtf8("Za\xA7\xA2\x92\x8D g\x91\x9El\x86 ja\xA6\xA4 \x8F\x90\x9C\xC9", "Mazovia"),
+              "Zażółć gęślą jaźń ĄĘŁ╔");
+    EXPECT_EQ(CodePageToUtf8("\xA8\x9F\xEE\xA0\xEF \xC9\xFB", "720"), "\u0630\u0627\u0649\u0628\u064A ╔√");
+    EXPECT_EQ(CodePageToUtf8("\xA1\xDB\xE9\xDC \xE7\xF7 \x9C", "mac-greek"), "Γέιή γς €");
+    EXPECT_EQ(CodePageToUtf8("\xDD\xDC\xDF\xDE\xDB\xDA", "10081"), "ıİşŞğĞ");
+    EXPECT_EQ(MessageOf<EConvertError>([] { CodePageToUtf8("\x80", "cp720"); }),
+              "Text is not valid in code page 'cp720'")
+        << "a byte that stands for nothing there";
+    SetAnsiCodePage("kamenicky");
+    EXPECT_EQ(Utf8ToAnsi("Příliš"), "P\xA9\xA1li\xA8") << "and back";
+}
+
 TEST_F(KvCodePage, KnowsPagesByNameAndNumber)
 {
     for (const auto* const Name :
