@@ -1,13 +1,16 @@
-// Any bytes as a file of memos: the memo that begins with a block stands in the
-// file, or an error tells why not.
+// Any bytes as a file of memos: the memo that begins with a block is a part of
+// the file, or an error tells why not.
 //
 //   input := kind:u8 block:u32 file
 #include "KvDbaseMemo.h"
 
+#include <string>
 #include <string_view>
 
 #include "KvException.h"
+#include "KvFileWindow.h"
 #include "KvFuzz.h"
+#include "KvMemoryFile.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size)
 {
@@ -16,10 +19,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size
     TFuzzInput Input(Data, Size);
     const auto Kind = Input.TakeOneOf(Kinds);
     const auto Block = Input.Take<std::uint32_t>();
-    const auto File = Input.TakeRest();
+    const auto Bytes = Input.TakeRest();
+    const TMemoryFile File(Bytes);
+    TKvFileWindow Window(File.Name());
+    std::string Memo;
     try {
-        const auto Memo = DbaseMemo(File, Kind, Block);
-        Require(Memo.data() >= File.data() + 512 && Memo.data() + Memo.size() <= File.data() + File.size());
+        DbaseMemo(Window, Kind, Block, Memo);
+        Require(Bytes.find(Memo) != Bytes.npos);
+        JoinSoftLines(Memo);
+        Require(!HasSoftLines(Memo) || Memo.find("\x8D\x8D") != Memo.npos);
     }
     catch (const EFormatError& Error) {
         Require(!Error.Message.empty());

@@ -1,14 +1,16 @@
 // Any bytes as a field of a record and the file of blobs that it refers to: the value has the size that the
-// field tells and stands in the file, or an error tells why not. Any value as a formatted memo.
+// field tells and is a part of the file, or an error tells why not. Any value as a formatted memo.
 //
 //   input := leader size:u8 field:u8[leader size + 10] file
 #include "KvParadoxBlobs.h"
 
-#include <algorithm>
+#include <string>
 #include <string_view>
 
 #include "KvException.h"
+#include "KvFileWindow.h"
 #include "KvFuzz.h"
+#include "KvMemoryFile.h"
 
 namespace {
 
@@ -19,12 +21,14 @@ bool IsPartOf(std::string_view Part, std::string_view Whole)
     return Part.data() >= Whole.data() && Part.data() + Part.size() <= Whole.data() + Whole.size();
 }
 
-std::string_view BytesOf(const TKvParadoxBlob& Blob, std::string_view File)
+std::string_view BytesOf(const TKvParadoxBlob& Blob, std::string_view File, std::string& Buffer)
 {
     if (Blob.IsInLeader())
         return Blob.Leader.substr(0, Blob.Size);
-    const auto Bytes = ParadoxBlobBytes(File, Blob);
-    Require(IsPartOf(Bytes, File));
+    const TMemoryFile Named(File);
+    TKvFileWindow Window(Named.Name());
+    const auto Bytes = ParadoxBlobBytes(Window, Blob, Buffer);
+    Require(File.find(Bytes) != File.npos);
     return Bytes;
 }
 
@@ -37,9 +41,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size
     const auto Rest = Input.TakeRest();
     if (Rest.size() < FieldSize)
         return 0;
+    std::string Buffer;
     try {
         const auto Blob = ParadoxBlob(Rest.substr(0, FieldSize));
-        const auto Bytes = BytesOf(Blob, Rest.substr(FieldSize));
+        const auto Bytes = BytesOf(Blob, Rest.substr(FieldSize), Buffer);
         Require(Bytes.size() == Blob.Size);
         Require(IsPartOf(FormattedMemoText(Bytes), Bytes));
     }

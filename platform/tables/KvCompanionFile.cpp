@@ -13,6 +13,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr std::size_t CompanionWindow = 16 << 10;   // small, as long values may stand in any order
+
 bool IsLowerCase(char Char) { return Char >= 'a' && Char <= 'z'; }
 
 std::string LowerCase(std::string_view Text)
@@ -29,6 +31,11 @@ std::string InCaseOf(const fs::path& Path, std::string_view Extension)
 {
     const auto Own = Path.extension().string();
     return std::ranges::any_of(Own, IsLowerCase) ? LowerCase(Extension) : UpperCase(Extension);
+}
+
+[[noreturn]] void RaiseEnd(const TKvFileWindow& File)
+{
+    throw EFormatError("Unexpected end of data at offset " + std::to_string(File.FileSize()));
 }
 
 } // namespace
@@ -55,20 +62,35 @@ std::string CompanionFileName(const std::string& FileName, std::string_view Exte
     return Expected.string();
 }
 
-std::string_view TKvCompanionFile::Bytes()
+TKvFileWindow& TKvCompanionFile::File()
 {
-    if (!IsRead) {
-        IsRead = true;
+    if (Fault)
+        std::rethrow_exception(Fault);
+    if (!Window) {
         try {
-            File = ReadFileBytes(CompanionFileName(TableName, OwnExtension));
+            Window.emplace(CompanionFileName(TableName, OwnExtension), CompanionWindow);
         }
         catch (const EFileError&) {
             Fault = std::current_exception();
+            throw;
         }
     }
-    if (Fault)
-        std::rethrow_exception(Fault);
-    return File.View();
+    return *Window;
+}
+
+std::string_view CopyBytes(TKvFileWindow& File, std::uint64_t Offset, std::size_t Size, std::string& Buffer)
+{
+    if (Offset > File.FileSize() || Size > File.FileSize() - Offset)
+        RaiseEnd(File);                             // no memory is asked for that a damaged size invents
+    Buffer.clear();
+    while (Buffer.size() < Size) {
+        const auto Piece = File.At(Offset, std::min(Size - Buffer.size(), CompanionWindow));
+        if (Piece.empty())                          // it has become shorter
+            RaiseEnd(File);
+        Buffer += Piece;
+        Offset += Piece.size();
+    }
+    return Buffer;
 }
 
 } // namespace kv

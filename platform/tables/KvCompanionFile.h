@@ -2,11 +2,14 @@
 // extension. Programs that took names for equal whatever their case wrote them in any.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <exception>
+#include <optional>
 #include <string>
 #include <string_view>
 
-#include "KvFile.h"
+#include "KvFileWindow.h"
 
 namespace kv {
 
@@ -15,7 +18,8 @@ namespace kv {
 /// When there is none, the former.
 std::string CompanionFileName(const std::string& FileName, std::string_view Extension);
 
-/// What such a file holds, read when somebody first asks for it: many tables have one that nobody needs.
+/// Such a file, opened when somebody first asks for it: many tables have one that nobody needs. However large
+/// it is, only a small window of it is held.
 class TKvCompanionFile
 {
 public:
@@ -25,14 +29,17 @@ public:
     {
     }
 
-    /// All of it; views hold as long as the object. Raises the EFileError of the first try at every call.
-    std::string_view Bytes();
+    /// Raises the EFileError of the first try at every call.
+    TKvFileWindow& File();
 
 private:
     const std::string TableName, OwnExtension;
-    TKvFileBytes File;
-    bool IsRead = false;
-    std::exception_ptr Fault;                       // why it could not be read
+    std::optional<TKvFileWindow> Window;
+    std::exception_ptr Fault;                       // why it could not be opened
 };
+
+/// The `Size` bytes at `Offset`, in `Buffer`. Raises EFormatError "Unexpected end of data at offset %d" when
+/// the file ends before.
+std::string_view CopyBytes(TKvFileWindow& File, std::uint64_t Offset, std::size_t Size, std::string& Buffer);
 
 } // namespace kv

@@ -60,7 +60,8 @@ TListedField TakeField(TKvByteCursor Entry, TKvDbaseDialect Dialect)
             .Flags = Dialect == ddVisualFoxPro ? Entry.At<std::uint8_t>(FlagsOffset) : 0u};
 }
 
-std::vector<TListedField> TakeFields(TKvByteCursor Header, TKvDbaseDialect Dialect)
+/// Leaves `Header` behind the list's end, or where that is missing.
+std::vector<TListedField> TakeFields(TKvByteCursor& Header, TKvDbaseDialect Dialect)
 {
     const auto EntrySize = ListingOf(Dialect).Size;
     const auto Most = Dialect == ddDbase2 ? Dbase2MaxFields : Header.Size() / EntrySize;
@@ -119,7 +120,8 @@ TMeaning MeaningOf(const TListedField& Field, TKvDbaseDialect Dialect)
     const bool CountsUp = (Field.Flags & ffAutoIncrement) != 0;
     switch (Field.Letter) {
     case 'C':
-        return IsBinary ? TMeaning{ftBytes, dvBytes, 1, MaxSize} : TMeaning{ftString, dvText, 1, MaxTextSize};
+        return IsBinary ? TMeaning{ftString, dvRawText, 1, MaxSize} // not to be translated
+                        : TMeaning{ftString, dvText, 1, MaxTextSize};
     case 'N': return {Field.Decimals == 0 ? IntegerTypeOf(Field.Size) : ftBCD, dvNumber, 1, MaxSize};
     case 'F': return {ftFloat, dvFloat, 1, MaxSize};
     case 'L': return {ftBoolean, dvLogical, 1, 1};
@@ -139,7 +141,7 @@ TMeaning MeaningOf(const TListedField& Field, TKvDbaseDialect Dialect)
     case 'P': return MeaningOfMemo(ftGraphic, Field.Size);
     case 'W': return MeaningOfMemo(ftBlob, Field.Size);
     case 'B': return Field.Size == 8 ? TMeaning{ftFloat, dvDouble, 8, 8} : MeaningOfMemo(ftBlob, Field.Size);
-    default:  return {ftUnknown, dvBytes, 0, 0};
+    default:  return {ftUnknown, dvRawText, 0, 0};
     }
 }
 
@@ -169,11 +171,37 @@ void CheckBits(TKvDbaseFields& Fields, std::size_t Needed)
         throw EFormatError("its records have too few bits for fields without a value");
 }
 
+/// Records may be longer than their fields where the list ends as it should: a damaged one may end too early.
+bool EndsSoundly(TKvByteCursor BehindFields, TKvDbaseDialect Dialect)
+{
+    constexpr std::size_t DatabaseNameSize = 263;   // where Visual FoxPro names its database
+    const bool HasEnd = !BehindFields.AtEnd() && BehindFields.Take<char>() == FieldsEnd;
+    const auto Rest = BehindFields.Remaining();
+    return HasEnd && (Rest < ListingOf(Dialect).Size || Rest == DatabaseNameSize);
+}
+
+/// Adds a field that can be read, else why it cannot.
+void AddField(const TListedField& Listed, TKvDbaseField Place, TKvDbaseDialect Dialect, std::size_t Number,
+              TKvDbaseFields& Fields)
+{
+    try {
+        auto Field = FieldOf(Listed, Dialect, Number);
+        Field.Offset = Place.Offset;
+        Field.NullBit = Place.NullBit;
+        Field.SizeBit = Place.SizeBit;
+        Fields.Visible.push_back(std::move(Field));
+    }
+    catch (const EFormatError& Error) {
+        Fields.LeftOut.push_back({std::string(Listed.Name), Error.Message});
+    }
+}
+
 } // namespace
 
 TKvDbaseFields ReadDbaseFields(TKvByteCursor Header, TKvDbaseDialect Dialect, std::size_t RecordSize)
 {
-    auto Listed = TakeFields(Header.TakeSlice(Header.Remaining()), Dialect);
+    auto List = Header.TakeSlice(Header.Remaining());
+    auto Listed = TakeFields(List, Dialect);
     if (Dialect == ddDbase)
         WidenTexts(Listed, RecordSize);
 
@@ -188,21 +216,23 @@ TKvDbaseFields ReadDbaseFields(TKvByteCursor Header, TKvDbaseDialect Dialect, st
             Fields.BitsOffset = Offset;
             Fields.BitsSize = Each.Size;
         } else {
-            auto Field = FieldOf(Each, Dialect, Number);
-            Field.Offset = Offset;
-            if (Field.Storage == dvVarText || Field.Storage == dvVarBytes)
-                Field.SizeBit = NextBit++;
+            TKvDbaseField Place{.Offset = Offset};
+            if (Each.Letter == 'V' || Each.Letter == 'Q')
+                Place.SizeBit = NextBit++;
             if ((Each.Flags & ffNullable) != 0)
-                Field.NullBit = NextBit++;
+                Place.NullBit = NextBit++;
             if ((Each.Flags & ffHidden) == 0)
-                Fields.Visible.push_back(std::move(Field));
+                AddField(Each, Place, Dialect, Number, Fields);
         }
         Offset += Each.Size;
     }
-    if (Offset != RecordSize)                       // a damaged list may end too early
+    if (Offset != RecordSize && !EndsSoundly(List, Dialect))
         throw EFormatError(
             FormatText("its records have %d bytes, their fields and the mark of deleted ones %d",
                        {std::to_string(RecordSize), std::to_string(Offset)}));
+    if (Fields.Visible.empty() && !Fields.LeftOut.empty())
+        throw EFormatError(Fields.LeftOut.front().Reason);
+    Fields.BytesLeftOut = RecordSize - Offset;
     CheckBits(Fields, static_cast<std::size_t>(NextBit));
     return Fields;
 }

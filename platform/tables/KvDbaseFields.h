@@ -3,7 +3,7 @@
 //   field := name:u8[11] type:u8 :u8[4] size:u8 decimals:u8 flags:u8 :u8[13]     dBase III to 5, FoxPro
 //   field := name:u8[32] type:u8 size:u8 decimals:u8 :u8[13]                     dBase 7
 //   field := name:u8[11] type:u8 size:u8 :u8[2] decimals:u8                      dBase II
-//   fields := field* 0D
+//   fields := field* 0D                                                         what follows is of other use
 //
 // A record is the mark of deleted records, one byte, and the fields one behind the other. The flags are those
 // of Visual FoxPro: 01 hidden, 02 may be null, 04 not text, 08 counts up. The hidden field of type '0' has
@@ -27,10 +27,12 @@ enum TKvDbaseDialect { ddDbase2, ddDbase, ddVisualFoxPro, ddDbase7 };
 /// How a record holds a field.
 enum TKvDbaseStorage {
     dvText,                                         ///< Text with blanks or zeros behind.
-    dvBytes,                                        ///< Bytes, all of them.
-    dvNumber,                                       ///< A decimal number in digits.
+    dvRawText,                                      ///< Text of no code page, blanks behind.
+    /// A decimal number in digits; asterisks where it had no room.
+    dvNumber,
     dvFloat,                                        ///< The same, taken for a floating point number.
-    dvLogical,                                      ///< T, t, Y, y; F, f, N, n; "?" or a blank.
+    /// T, Y, J, S or 1, F, N or 0, of either case; "?" or a blank.
+    dvLogical,
     dvDay,                                          ///< YYYYMMDD
     dvMemo,                                         ///< Number of a memo block: ten digits, or u32.
     dvLong,                                         ///< i32
@@ -48,7 +50,7 @@ struct TKvDbaseField
 {
     static constexpr int NoBit = -1;
 
-    std::string Name;                               ///< In the code page of the table.
+    std::string Name = {};                          ///< In the code page of the table.
     TFieldType Type = ftString;
     TKvDbaseStorage Storage = dvText;
     std::size_t Offset = 0;                         ///< From the first byte of the record.
@@ -57,15 +59,25 @@ struct TKvDbaseField
     int SizeBit = NoBit;                            ///< Set: the last byte is the size.
 };
 
+/// A field that cannot be read, and why.
+struct TKvDbaseLeftOut
+{
+    std::string Name;
+    std::string Reason;
+};
+
 struct TKvDbaseFields
 {
     std::vector<TKvDbaseField> Visible;
+    std::vector<TKvDbaseLeftOut> LeftOut;
+    std::size_t BytesLeftOut = 0;                   ///< At the end of a record, behind the last field.
     std::size_t BitsOffset = 0;                     ///< Of the hidden bits, from the start of the record.
     std::size_t BitsSize = 0;                       ///< In bytes; 0 when there are none.
 };
 
 /// Reads the fields at `Header`, which ends where the records begin; they fill the `RecordSize` bytes of a
-/// record. Raises EFormatError with the reason.
+/// record, or fewer where the list is sound. A field of a type or size that nobody knows is left out. Raises
+/// EFormatError with the reason when no field can be read.
 TKvDbaseFields ReadDbaseFields(TKvByteCursor Header, TKvDbaseDialect Dialect, std::size_t RecordSize);
 
 } // namespace kv

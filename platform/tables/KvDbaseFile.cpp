@@ -2,13 +2,17 @@
 
 #include <algorithm>
 #include <charconv>
+#include <filesystem>
 #include <system_error>
 
 #include "KvByteCursor.h"
+#include "KvDbaseLanguage.h"
 #include "KvDbaseMemo.h"
 #include "KvDbaseValues.h"
 #include "KvException.h"
+#include "KvFile.h"
 #include "KvText.h"
+#include "KvUtf8.h"
 
 namespace kv {
 
@@ -38,17 +42,45 @@ std::uint64_t MemoBlock(std::string_view Stored)
     return Block;
 }
 
+/// What a file beside the table says of its code page; nothing when there is none.
+std::string CodePageBeside(const std::string& TableFile)
+{
+    constexpr std::size_t MaxLabelSize = 64;
+    const auto Name = CompanionFileName(TableFile, ".CPG");
+    std::error_code Ignored;
+    if (!std::filesystem::is_regular_file(Name, Ignored))
+        return {};
+    return CodePageOfLabel(ReadFileBytes(Name, MaxLabelSize).View());
+}
+
 } // namespace
 
 TKvDbaseFile::TKvDbaseFile(const std::string& TableFile, bool Transliterate)
     : TKvTableFile(TableFile), File(TableFile), Header(ReadDbaseHeader(File.At(0, MaxHeaderSize), TableFile)),
       StoredRecords(CountStoredRecords(Header, File.FileSize())),
-      Memos(TableFile, Header.MemoKind == dmFoxPro ? ".FPT" : ".DBT")
+      Memos(TableFile, Header.MemoKind == dmFoxPro ? ".FPT" : ".DBT"),
+      MemoTexts(Header.Fields.Visible.size())
 {
-    if (Transliterate)
-        Text = TKvTableText(Header.CodePage);
+    CheckPadding();
+    if (Transliterate) {
+        const auto Told = CodePageBeside(TableFile);
+        Text = TKvTableText(Told.empty() ? Header.CodePage : Told);
+    }
     for (const auto& Field : Header.Fields.Visible)
         AddField(Field.Name, Field.Type, Field.Size);
+}
+
+/// A size of records that is damaged shows: the records that are told do not fill the file.
+void TKvDbaseFile::CheckPadding() const
+{
+    const auto End = OffsetOf(Header.RecordCount);
+    if (Header.Fields.BytesLeftOut == 0 || (File.FileSize() >= End && File.FileSize() <= End + 1))
+        return;
+    const auto Used = Header.RecordSize - Header.Fields.BytesLeftOut;
+    throw EFormatError(FormatText("File \"%s\" is no dBase table: its records have %d bytes, their fields "
+                                  "and the mark of deleted ones %d",
+                                  {FileName, std::to_string(Header.RecordSize), std::to_string(Used)}),
+                       {.FileName = FileName, .Rule = erFormat});
 }
 
 /// None where the file has become shorter.
@@ -86,22 +118,23 @@ void TKvDbaseFile::Next()
 
 void TKvDbaseFile::SkipDeleted()
 {
-    for (; RecordIndex < StoredRecords; ++RecordIndex) {
+    const auto Stored = std::min(StoredRecords, LastRecord);
+    for (; RecordIndex < Stored; ++RecordIndex) {
         Record = RecordAt(File, RecordIndex);
         if (Record == nullptr || *Record != DeletedMark)
             break;
     }
-    if (RecordIndex == StoredRecords)
+    if (RecordIndex >= Stored)
         Record = nullptr;
-    if (Record == nullptr && RecordIndex < Header.RecordCount)
+    if (Record == nullptr && RecordIndex < std::min(Header.RecordCount, LastRecord))
         RaiseEnded();
 }
 
 void TKvDbaseFile::RaiseEnded() const
 {
-    const auto Last = std::to_string(RecordIndex);
+    const auto Counted = std::to_string(Header.RecordCount);
     throw EFormatError(FormatText("File \"%s\" ends after record %d of %d",
-                                  {FileName, Last, std::to_string(Header.RecordCount)}),
+                                  {FileName, std::to_string(RecordIndex), Counted}),
                        {.FileName = FileName,
                         .Place = "record " + std::to_string(RecordIndex + 1),
                         .Rule = erFormat,
@@ -132,7 +165,13 @@ TVariant TKvDbaseFile::Decode(std::size_t Index)
     }
     case dvVarText:  return Text.Value(WithoutRest(Field, Stored));
     case dvVarBytes: return TVariant::Borrow(WithoutRest(Field, Stored));
-    case dvMemo:     return MemoValue(Field, Stored);
+    case dvNumber:
+    case dvFloat:    return NumberValue(Field, Stored);
+    case dvMemo:     return MemoValue(Index, Stored);
+    case dvRawText: {
+        const auto Filled = Stored.substr(0, Stored.find_last_not_of(' ') + 1);
+        return Filled.empty() ? TVariant(Null) : Text.Unconverted(Filled);
+    }
     default:         return DbaseValue(Field.Storage, Stored);
     }
 }
@@ -147,15 +186,62 @@ std::string_view TKvDbaseFile::WithoutRest(const TKvDbaseField& Field, std::stri
     return Stored.substr(0, Size);
 }
 
-TVariant TKvDbaseFile::MemoValue(const TKvDbaseField& Field, std::string_view Stored)
+TVariant TKvDbaseFile::NumberValue(const TKvDbaseField& Field, std::string_view Stored)
+{
+    auto Value = DbaseValue(Field.Storage, Stored);
+    if (Value.IsNull() && LastLost != Number() && IsLostNumber(Stored)) {
+        ++LostRecords;
+        LastLost = Number();
+        FirstLost = FirstLost == 0 ? LastLost : FirstLost;
+    }
+    return Value;
+}
+
+TVariant TKvDbaseFile::MemoValue(std::size_t Index, std::string_view Stored)
 {
     const auto Block = MemoBlock(Stored);
     if (Block == 0)
         return Null;
     if (Header.MemoKind == dmNone)
         throw EFormatError("memos of this kind of table cannot be read");
-    const auto Memo = DbaseMemo(Memos.Bytes(), Header.MemoKind, Block);
-    return Field.Type == ftMemo ? Text.Value(Memo) : TVariant::Borrow(Memo);
+    auto& Memo = MemoTexts[Index];
+    DbaseMemo(Memos.File(), Header.MemoKind, Block, Memo);
+    if (Header.Fields.Visible[Index].Type != ftMemo)
+        return TVariant::Borrow(Memo);
+    if (Header.MemoKind != dmFoxPro && HasSoftLines(Memo) && Text.IsSingleByte() && !IsValidUtf8(Memo))
+        JoinSoftLines(Memo);
+    return Text.Value(Memo);
+}
+
+/// Records behind those that the header counts, as a program leaves them that did not come to count them.
+std::size_t TKvDbaseFile::CountRecordsBeyond() const
+{
+    TKvFileWindow Marks(FileName);
+    auto Index = Header.RecordCount;
+    for (;; ++Index)
+        if (const auto* const Each = RecordAt(Marks, Index); !Each || (*Each != ' ' && *Each != DeletedMark))
+            return Index - Header.RecordCount;
+}
+
+std::vector<TKvTableRemark> TKvDbaseFile::Remarks() const
+{
+    const auto Number = [](std::size_t Count) { return static_cast<std::int64_t>(Count); };
+    auto Result = TKvTableFile::Remarks();
+    for (const auto& Field : Header.Fields.LeftOut)
+        Result.push_back({.Kind = trFieldLeftOut, .Name = Field.Name, .Reason = Field.Reason});
+    if (Header.Fields.BytesLeftOut > 0)
+        Result.push_back({.Kind = trBytesLeftOut, .Count = Number(Header.Fields.BytesLeftOut)});
+    if (StoredRecords < Header.RecordCount)
+        Result.push_back({.Kind = trRecordsMissing,
+                          .Count = Number(StoredRecords),
+                          .Limit = Number(Header.RecordCount),
+                          .Reason = "the file ends there"});
+    else if (const auto Beyond = CountRecordsBeyond(); Beyond > 0)
+        Result.push_back(
+            {.Kind = trRecordsBeyond, .Count = Number(Beyond), .Limit = Number(Header.RecordCount)});
+    if (LostRecords > 0)
+        Result.push_back({.Kind = trNumbersLost, .Count = Number(LostRecords), .First = Number(FirstLost)});
+    return Result;
 }
 
 } // namespace kv

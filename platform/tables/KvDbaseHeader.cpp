@@ -16,6 +16,8 @@ namespace {
 constexpr std::size_t FieldsOffset = 32, Dbase2FieldsOffset = 8;
 constexpr std::size_t Dbase2HeaderSize = 521;
 constexpr std::string_view FieldLetters = "CNFLDIMTYVQGPWB+O@";
+// Of the first field.
+constexpr std::size_t LetterOffset = 43, Dbase2LetterOffset = 19, Dbase7LetterOffset = 100;
 
 struct TVersion
 {
@@ -54,6 +56,21 @@ const TVersion* VersionOf(std::string_view Bytes)
     return Found != Last ? Found : nullptr;
 }
 
+bool IsFieldLetter(char Letter) { return FieldLetters.find(Letter) != FieldLetters.npos; }
+
+/// No letter where the bytes end before.
+char LetterAt(const TKvByteCursor& File, std::size_t Offset)
+{
+    return Offset < File.Size() ? File.At<char>(Offset) : '\0';
+}
+
+/// Of any list that a table of this version may have.
+bool HasFieldLetter(const TKvByteCursor& File, TKvDbaseDialect Dialect)
+{
+    return IsFieldLetter(LetterAt(File, Dialect == ddDbase2 ? Dbase2LetterOffset : LetterOffset)) ||
+           (Dialect == ddDbase7 && IsFieldLetter(LetterAt(File, Dbase7LetterOffset)));
+}
+
 TKvDbaseHeader ReadDbase2Header(TKvByteCursor File)
 {
     TKvDbaseHeader Header;
@@ -73,7 +90,16 @@ std::string TakeDriverName(TKvByteCursor& Header)
     return std::string(Name.substr(0, Name.find('\0')));
 }
 
-TKvDbaseHeader ReadHeader(TKvByteCursor File, const TVersion& Version)
+/// Some programs call a table one of dBase 7 and list its fields as before. No header of dBase 7 has such a
+/// size.
+bool HasShortListing(const TKvByteCursor& File, std::size_t HeaderSize)
+{
+    constexpr std::size_t ListedSize = 32;
+    return HeaderSize > FieldsOffset && HeaderSize % ListedSize == 1 &&
+           IsFieldLetter(LetterAt(File, LetterOffset)) && LetterAt(File, HeaderSize - 1) == '\x0D';
+}
+
+TKvDbaseHeader ReadHeader(TKvByteCursor File, TVersion Version)
 {
     TKvDbaseHeader Header;
     Header.RecordCount = File.At<std::uint32_t>(0x04);
@@ -81,6 +107,8 @@ TKvDbaseHeader ReadHeader(TKvByteCursor File, const TVersion& Version)
     Header.RecordSize = File.At<std::uint16_t>(0x0A);
     Header.CodePage = CodePageOfDriver(File.At<std::uint8_t>(0x1D));
     Header.MemoKind = Version.MemoKind;
+    if (Version.Dialect == ddDbase7 && HasShortListing(File, Header.HeaderSize))
+        Version.Dialect = ddDbase;
     auto Fields = File.TakeSlice(Header.HeaderSize);
     Fields.Skip(FieldsOffset);
     if (Version.Dialect == ddDbase7)
@@ -99,8 +127,7 @@ bool IsDbase(std::string_view Bytes)
         return false;
     const TKvByteCursor File(Bytes);
     const bool IsDbase2 = Version->Dialect == ddDbase2;
-    const std::size_t Letter = IsDbase2 ? 19 : Version->Dialect == ddDbase7 ? 100 : 43; // of the first field
-    if (Bytes.size() <= Letter || FieldLetters.find(Bytes[Letter]) == FieldLetters.npos)
+    if (!HasFieldLetter(File, Version->Dialect))
         return false;
     const auto Month = File.At<std::uint8_t>(IsDbase2 ? 3 : 2); // dBase II: MM DD YY, later ones YY MM DD
     const auto Day = File.At<std::uint8_t>(IsDbase2 ? 4 : 3);

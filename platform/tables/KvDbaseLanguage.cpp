@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "KvCodePageCatalog.h"
+#include "KvException.h"
 #include "KvText.h"
 
 namespace kv {
@@ -23,9 +25,9 @@ constexpr TDriver Drivers[] = {                     // sorted by Byte
     {0x1B, "437"}, {0x1C, "863"}, {0x1D, "850"}, {0x1F, "852"}, {0x22, "852"}, {0x23, "852"},
     {0x24, "860"}, {0x25, "850"}, {0x26, "866"}, {0x37, "850"}, {0x40, "852"},
     {0x4D, "936"}, {0x4E, "949"}, {0x4F, "950"}, {0x50, "874"},
-    {0x57, "1252"}, {0x58, "1252"}, {0x59, "1252"},
+    {0x58, "1252"}, {0x59, "1252"},                 // 57: that of Windows, whichever it was
     {0x64, "852"}, {0x65, "866"}, {0x66, "865"}, {0x67, "861"},
-    {0x68, "895"}, {0x69, "620"},                   // Kamenicky and Mazovia, which few systems know
+    {0x68, "895"}, {0x69, "620"},                   // Kamenicky and Mazovia
     {0x6A, "737"}, {0x6B, "857"}, {0x6C, "863"},
     {0x78, "950"}, {0x79, "949"}, {0x7A, "936"}, {0x7B, "932"}, {0x7C, "874"}, {0x7D, "1255"}, {0x7E, "1256"},
     {0x86, "737"}, {0x87, "852"}, {0x88, "857"},
@@ -44,6 +46,22 @@ constexpr TWindowsDriver WindowsDrivers[] = {
     {"CZ", "1250"}, {"HU", "1250"}, {"PL", "1250"}, {"RU", "1251"}, {"GR", "1253"}, {"TU", "1254"},
     {"HE", "1255"},
 };
+
+bool IsKnownPage(const std::string& Name)
+{
+    try {
+        CodePageNamed(Name);
+        return true;
+    }
+    catch (const EConvertError&) {
+        return false;
+    }
+}
+
+bool IsNumber(std::string_view Text)
+{
+    return !Text.empty() && Text.find_first_not_of("0123456789") == Text.npos;
+}
 
 } // namespace
 
@@ -67,6 +85,21 @@ std::string_view CodePageOfDriver(std::string_view LanguageDriver)
     const auto Language = Name.substr(Windows.size(), 2);
     const auto* const Found = std::ranges::find(WindowsDrivers, Language, &TWindowsDriver::Language);
     return Found != std::end(WindowsDrivers) ? Found->CodePage : "1252";
+}
+
+std::string CodePageOfLabel(std::string_view Label)
+{
+    constexpr std::string_view Latin = "8859";      // "88591" and "8859-15" are parts of ISO 8859
+    Label = Trim(Label.substr(0, Label.find_first_of("\r\n")));
+    for (const std::string_view Maker : {"ANSI ", "OEM ", "ISO "})
+        if (SameText(Label.substr(0, Maker.size()), Maker))
+            Label = Trim(Label.substr(Maker.size()));
+    auto Name = std::string(Label);
+    if (Name.starts_with(Latin) && Name.size() > Latin.size())
+        Name = "ISO-8859-" + Name.substr(Name[Latin.size()] == '-' ? Latin.size() + 1 : Latin.size());
+    else if (!IsNumber(Label) && SameText(Label.substr(0, 2), "CP") && IsNumber(Label.substr(2)))
+        Name = Label.substr(2);                     // in the words of KvCodePage
+    return IsKnownPage(Name) ? Name : std::string();
 }
 
 } // namespace kv

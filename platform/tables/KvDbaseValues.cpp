@@ -107,11 +107,14 @@ std::string WithSeparator(std::string_view Text)
     return Result;
 }
 
-/// Some programs store the point of a number that was left blank.
-bool IsBlankNumber(std::string_view Text) { return Text.empty() || Text == "."; }
+/// Some programs store the point of a number that was left blank, and one that had no room is all asterisks.
+bool IsBlankNumber(std::string_view Text)
+{
+    return Text.empty() || Text == "." || Text.find_first_not_of('*') == Text.npos;
+}
 
-/// A double of few digits gives the same digits back; what has more stays text.
-TVariant ExactValue(std::string_view Text)
+/// A double where it gives the same digits back, else the digits.
+TVariant FloatOrDigits(std::string_view Text)
 {
     constexpr int MaxDoubleDigits = 15;
     const auto Double = ReadDouble(Text);
@@ -134,13 +137,13 @@ TVariant NumberValue(std::string_view Bytes)
             Number->Count + MaxCurrencyDecimals - Number->Decimals <= MaxInt64Digits)
             return TCurrency{Number->Digits * Scales[Number->Decimals]};
     }
-    return ExactValue(Text);
+    return FloatOrDigits(Text);
 }
 
 TVariant FloatValue(std::string_view Bytes)
 {
     const auto Text = Filled(Bytes);
-    return IsBlankNumber(Text) ? TVariant(Null) : ExactValue(Text);
+    return IsBlankNumber(Text) ? TVariant(Null) : FloatOrDigits(Text);
 }
 
 TVariant DoubleValue(std::string_view Bytes)
@@ -157,11 +160,17 @@ TVariant LogicalValue(std::string_view Bytes)
     case 'T':
     case 't':
     case 'Y':
-    case 'y': return true;
+    case 'y':
+    case 'J':                                       // German, ...
+    case 'j':
+    case 'S':                                       // Spanish
+    case 's':
+    case '1': return true;
     case 'F':
     case 'f':
     case 'N':
-    case 'n': return false;
+    case 'n':
+    case '0': return false;
     case '?':
     case ' ':
     case '\0': return Null;
@@ -227,6 +236,12 @@ TVariant TimestampValue(std::string_view Bytes)
 }
 
 } // namespace
+
+bool IsLostNumber(std::string_view Bytes)
+{
+    const auto Text = Filled(Bytes);
+    return !Text.empty() && Text.find_first_not_of('*') == Text.npos;
+}
 
 std::string_view DbaseText(std::string_view Bytes)
 {

@@ -1,8 +1,7 @@
 #include "KvParadoxBlobs.h"
 
-#include <string>
-
 #include "KvByteCursor.h"
+#include "KvCompanionFile.h"
 #include "KvException.h"
 #include "KvText.h"
 
@@ -29,17 +28,18 @@ void CheckSize(std::size_t InRecord, std::size_t InFile)
         Refuse("its record tells of %d bytes, the file of blobs of %d", InRecord, InFile);
 }
 
-std::string_view OneBlob(TKvByteCursor Block, std::size_t Size)
+/// Where the bytes of the value begin.
+std::uint64_t OneBlob(TKvByteCursor Block, std::size_t Size)
 {
     const auto Blocks = Block.Take<std::uint16_t>();
     CheckSize(Size, Block.Take<std::uint32_t>());
     Block.Skip(2);
     if (Block.Position() + Size > Blocks * BlockSize)
         Refuse("%d bytes do not fit into %d blocks", Size, Blocks);
-    return Block.TakeBytes(Size);
+    return Block.Offset();
 }
 
-std::string_view SmallBlob(TKvByteCursor Block, unsigned Index, std::size_t Size)
+std::uint64_t SmallBlob(TKvByteCursor Block, unsigned Index, std::size_t Size)
 {
     constexpr std::size_t FirstEntry = 12, EntrySize = 5, EntryCount = 64;
     if (Index >= EntryCount)
@@ -53,7 +53,8 @@ std::string_view SmallBlob(TKvByteCursor Block, unsigned Index, std::size_t Size
         Refuse("entry %d of the block at offset %d is empty or damaged", Index,
                Block.Offset() - Block.Position());
     CheckSize(Size, (Chunks - 1) * ChunkSize + (InLast != 0 ? InLast : ChunkSize));
-    return Block.BytesAt(First * ChunkSize, Size);
+    Block.BytesAt(First * ChunkSize, Size);         // within the block
+    return Block.Offset() - Block.Position() + First * ChunkSize;
 }
 
 /// The body of part 0 when all bodies are there, nothing when the first part is another one.
@@ -84,20 +85,20 @@ TKvParadoxBlob ParadoxBlob(std::string_view Field)
             .Size = LoadLittleEndian<std::uint32_t>(Field.data() + Leader + 4)};
 }
 
-std::string_view ParadoxBlobBytes(std::string_view File, const TKvParadoxBlob& Blob)
+std::string_view ParadoxBlobBytes(TKvFileWindow& File, const TKvParadoxBlob& Blob, std::string& Buffer)
 {
     const std::size_t Offset = Blob.Place & ~IndexMask;
     const auto Index = Blob.Place & IndexMask;
     const auto IsWhole = Index == WholeBlock;
-    if (Offset >= File.size())
+    if (Offset >= File.FileSize())
         Refuse("the file of blobs ends before offset %d", Offset);
-    const auto Rest = File.substr(Offset);
-    TKvByteCursor Block(IsWhole ? Rest : Rest.substr(0, BlockSize), Offset);
+    TKvByteCursor Block(File.At(Offset, BlockSize), Offset);
     if (Block.Take<std::uint8_t>() != (IsWhole ? bkOneBlob : bkSmallBlobs))
         Refuse(IsWhole ? "the block at offset %d is none of one blob"
                        : "the block at offset %d is none of small blobs",
                Offset);
-    return IsWhole ? OneBlob(Block, Blob.Size) : SmallBlob(Block, Index, Blob.Size);
+    const auto Start = IsWhole ? OneBlob(Block, Blob.Size) : SmallBlob(Block, Index, Blob.Size);
+    return CopyBytes(File, Start, Blob.Size, Buffer);
 }
 
 std::string_view FormattedMemoText(std::string_view Memo)

@@ -17,7 +17,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
+
+#include "KvFileWindow.h"
 
 namespace kv {
 
@@ -34,9 +37,9 @@ struct TKvParadoxBlob
 /// The long value that a field of at least 10 bytes refers to; views `Field`.
 TKvParadoxBlob ParadoxBlob(std::string_view Field);
 
-/// The bytes of a value that is longer than its leader, out of those of the file of blobs.
+/// The bytes of a value that is longer than its leader, out of the file of blobs into `Buffer`.
 /// Raises EFormatError with the reason when they are not there.
-std::string_view ParadoxBlobBytes(std::string_view File, const TKvParadoxBlob& Blob);
+std::string_view ParadoxBlobBytes(TKvFileWindow& File, const TKvParadoxBlob& Blob, std::string& Buffer);
 
 /// The text of a formatted memo. Raises EFormatError "it is no formatted memo".
 std::string_view FormattedMemoText(std::string_view Memo);

@@ -43,7 +43,7 @@ TKvParadoxFile::TKvParadoxFile(const std::string& TableFile, bool Transliterate)
     : TKvTableFile(TableFile),
       Header(ReadParadoxHeader(TKvFileWindow(TableFile, MaxHeaderSize).At(0, MaxHeaderSize), TableFile)),
       File(TableFile, std::max(UsualWindow, Header.BlockSize)), Records(FollowParadoxBlocks(File, Header)),
-      Blobs(TableFile, ".MB")
+      Blobs(TableFile, ".MB"), LongValues(Header.Fields.size())
 {
     if (Transliterate)
         Text = TKvTableText(Header.CodePage);
@@ -55,13 +55,19 @@ void TKvParadoxFile::First()
 {
     Block = 0;
     RecordNumber = 0;
-    EnterBlock();
+    Record = nullptr;
+    if (LastRecord > 0)
+        EnterBlock();
 }
 
 void TKvParadoxFile::Next()
 {
     if (Record == nullptr)
         return;
+    if (RecordNumber >= LastRecord) {
+        Record = nullptr;
+        return;
+    }
     if (LeftInBlock == 0) {
         ++Block;
         EnterBlock();
@@ -98,6 +104,17 @@ void TKvParadoxFile::RaiseDamage(std::string_view Fault) const
                         .Rule = erFormat});
 }
 
+std::vector<TKvTableRemark> TKvParadoxFile::Remarks() const
+{
+    auto Result = TKvTableFile::Remarks();
+    if (!Records.Fault.empty())
+        Result.push_back({.Kind = trRecordsMissing,
+                          .Count = static_cast<std::int64_t>(Records.RecordCount),
+                          .Limit = static_cast<std::int64_t>(Header.RecordCount),
+                          .Reason = Records.Fault});
+    return Result;
+}
+
 TVariant TKvParadoxFile::Decode(std::size_t Index)
 {
     if (Record == nullptr)
@@ -105,19 +122,19 @@ TVariant TKvParadoxFile::Decode(std::size_t Index)
     const auto& Field = Header.Fields[Index];
     const std::string_view Stored(Record + Field.Offset, Field.Size);
     if (IsParadoxBlob(Field.Type))
-        return BlobValue(Field, Stored);
+        return BlobValue(Index, Stored);
     auto Value = ParadoxValue(Field.Type, Stored);
     return Field.Type == ptAlpha && Value.IsString() ? Text.Value(Value.Text()) : Value;
 }
 
-TVariant TKvParadoxFile::BlobValue(const TKvParadoxField& Field, std::string_view Stored)
+TVariant TKvParadoxFile::BlobValue(std::size_t Index, std::string_view Stored)
 {
     const auto Blob = ParadoxBlob(Stored);
     if (Blob.Size == 0)
         return Null;
     const auto Content = Blob.IsInLeader() ? Blob.Leader.substr(0, Blob.Size)
-                                           : ParadoxBlobBytes(Blobs.Bytes(), Blob);
-    switch (Field.Type) {
+                                           : ParadoxBlobBytes(Blobs.File(), Blob, LongValues[Index]);
+    switch (Header.Fields[Index].Type) {
     case ptMemo:          return Text.Value(Content);
     case ptFormattedMemo: return Text.Value(FormattedMemoText(Content));
     default:              return TVariant::Borrow(Content);

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "KvCompanionFile.h"
 #include "KvFileWindow.h"
@@ -30,13 +31,14 @@ public:
     void Next() override;
     bool Eof() const override { return Record == nullptr; }
     std::size_t Number() const override { return RecordNumber; }
+    std::vector<TKvTableRemark> Remarks() const override;
 
 protected:
     /// Formatted memos come as their text alone.
     TVariant Decode(std::size_t Field) override;
 
 private:
-    TVariant BlobValue(const TKvParadoxField& Field, std::string_view Stored);
+    TVariant BlobValue(std::size_t Index, std::string_view Stored);
     void EnterBlock();
     [[noreturn]] void RaiseDamage(std::string_view Fault) const;
 
@@ -49,6 +51,7 @@ private:
     std::size_t RecordNumber = 0;                   // from 1
     std::size_t Block = 0;                          // of Records.Blocks
     std::size_t LeftInBlock = 0;                    // records behind the current one
+    std::vector<std::string> LongValues;            // of the current record, by field: what is lent
 };
 
 } // namespace kv

@@ -118,6 +118,11 @@ int TTable::RecNo()
     return Eof() ? 0 : ClampToInt(File->Number());
 }
 
+std::vector<TKvTableRemark> TTable::Remarks() const
+{
+    return File ? File->Remarks() : std::vector<TKvTableRemark>();
+}
+
 void TTable::InternalOpen()
 {
     if (TableName.empty())
@@ -138,6 +143,8 @@ void TTable::InternalClose()
 void TTable::InternalFirst()
 {
     RecordsBefore = 0;
+    File->StopAfter(LastRecord > 0 ? static_cast<std::size_t>(LastRecord)
+                                   : std::numeric_limits<std::size_t>::max());
     File->First();
 }
 

@@ -4,8 +4,10 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "KvDataSet.h"
+#include "KvTableRemark.h"
 #include "KvTableType.h"
 
 namespace kv {
@@ -52,9 +54,13 @@ public:
     TTableType TableType = ttDefault;
     /// Texts become process text, by the code page that the file names. False: they stay as they are.
     bool Transliterate = true;
+    /// Records behind the one of that number are none, from the next First on; 0: all are read.
+    int LastRecord = 0;
 
     /// The number of the current record, from 1, 0 when there is none; deleted ones have numbers too.
     int RecNo();
+    /// What is odd about the file, as far as it has been read; nothing while it is not open.
+    std::vector<TKvTableRemark> Remarks() const;
 
 protected:
     void InternalOpen() override;

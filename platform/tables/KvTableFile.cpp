@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "KvCodePage.h"
 #include "KvException.h"
 #include "KvText.h"
 
@@ -29,10 +30,26 @@ std::string UniqueName(const std::vector<TFieldDef>& Defs, const std::string& Na
 
 } // namespace
 
+std::string TKvTableFile::NameOf(std::string_view StoredName)
+{
+    constexpr std::size_t MaxRest = 3;              // bytes of a character whose last one had no room
+    std::string Name;
+    for (std::size_t Rest = 0;; ++Rest)
+        try {
+            Name = Trim(Text.Convert(StoredName.substr(0, StoredName.size() - Rest)));
+            break;
+        }
+        catch (const EConvertError&) {
+            if (Text.IsSingleByte() || !AnsiIsUtf8() || Rest == MaxRest || Rest + 1 >= StoredName.size())
+                throw;
+        }
+    return Name.empty() ? "Field" + std::to_string(Defs.size() + 1) : Name;
+}
+
 void TKvTableFile::AddField(std::string_view StoredName, TFieldType Type, std::size_t Size)
 {
     try {
-        Defs.push_back({.Name = UniqueName(Defs, std::string(Text.Convert(StoredName))),
+        Defs.push_back({.Name = UniqueName(Defs, NameOf(StoredName)),
                         .DataType = Type,
                         .Size = HasSize(Type) ? static_cast<int>(Size) : 0});
     }
@@ -46,11 +63,21 @@ void TKvTableFile::AddField(std::string_view StoredName, TFieldType Type, std::s
 TVariant TKvTableFile::Value(std::size_t Field)
 {
     try {
-        return Decode(Field);
+        auto Result = Decode(Field);
+        if (Text.HasGuessed() && FirstGuessed == 0)
+            FirstGuessed = Number();
+        return Result;
     }
     catch (const Exception& Error) {
         RaiseUnreadable(Field, Error);
     }
+}
+
+std::vector<TKvTableRemark> TKvTableFile::Remarks() const
+{
+    if (FirstGuessed == 0)
+        return {};
+    return {{.Kind = trNoCodePage, .First = static_cast<std::int64_t>(FirstGuessed)}};
 }
 
 void TKvTableFile::RaiseUnreadable(std::size_t Field, const Exception& Error) const

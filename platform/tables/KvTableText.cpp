@@ -10,16 +10,42 @@ namespace kv {
 
 std::string_view TKvTableText::Convert(std::string_view Stored)
 {
-    if (PageName.empty() || IsAscii(Stored))
+    if (PageName.empty()) {
+        Notice(Stored);
         return Stored;
-    if (!Page)
-        Page = &CodePageNamed(PageName);
+    }
+    if (IsAscii(Stored))
+        return Stored;
     Buffer.clear();
-    if (!Page->Decode(Stored, Page->IsSingleByte() ? ubStandIn : ubRefuse, Buffer))
+    if (!OwnPage().Decode(Stored, OwnPage().IsSingleByte() ? ubStandIn : ubRefuse, Buffer))
         throw EConvertError(FormatText("Text is not valid in code page '%s'", {PageName}));
     if (!AnsiIsUtf8())
         Buffer = Utf8ToAnsi(Buffer);
     return Buffer;
+}
+
+TVariant TKvTableText::Unconverted(std::string_view Stored)
+{
+    Notice(Stored);
+    return TVariant::Borrow(Stored);
+}
+
+void TKvTableText::Notice(std::string_view Stored)
+{
+    if (Watches && !Guessed)
+        Guessed = AnsiIsUtf8() && !IsValidUtf8(Stored);
+}
+
+bool TKvTableText::IsSingleByte()
+{
+    return PageName.empty() || OwnPage().IsSingleByte();
+}
+
+const TCodePage& TKvTableText::OwnPage()
+{
+    if (!Page)
+        Page = &CodePageNamed(PageName);
+    return *Page;
 }
 
 TVariant TKvTableText::Value(std::string_view Stored)

@@ -59,14 +59,44 @@ TEST(KvCompanionFile, ATableWithoutAFolderIsLookedForInTheCurrentOne)
     EXPECT_EQ(Name, "ORDERS.MB");
 }
 
-TEST(KvCompanionFile, IsReadWhenItIsFirstAskedFor)
+TEST(KvCompanionFile, IsOpenedWhenItIsFirstAskedFor)
 {
     const TTempFolder Folder;
     TKvCompanionFile Companion(Folder / "orders.db", ".MB");
     Folder.Write("ORDERS.MB", "blobs");
-    EXPECT_EQ(Companion.Bytes(), "blobs");
-    Folder.Write("ORDERS.MB", "others");
-    EXPECT_EQ(Companion.Bytes(), "blobs");
+    EXPECT_EQ(Companion.File().At(0, 9), "blobs");
+    EXPECT_EQ(&Companion.File(), &Companion.File());
+}
+
+TEST(KvCompanionFile, BytesAreCopiedPieceByPiece)
+{
+    const TTempFolder Folder;
+    std::string Long;
+    for (int I = 0; I < 20000; ++I)
+        Long += std::to_string(I) + ' ';            // longer than the window
+    Folder.Write("orders.mb", Long);
+    TKvCompanionFile Companion(Folder / "orders.db", ".MB");
+    std::string Buffer = "what was there before";
+    EXPECT_EQ(CopyBytes(Companion.File(), 3, 100000, Buffer), Long.substr(3, 100000));
+    EXPECT_EQ(CopyBytes(Companion.File(), Long.size(), 0, Buffer), "");
+    EXPECT_EQ(CopyBytes(Companion.File(), Long.size() - 5, 5, Buffer), Long.substr(Long.size() - 5));
+}
+
+TEST(KvCompanionFile, MoreBytesThanThereAreIsAnErrorBeforeMemoryIsAskedFor)
+{
+    const TTempFolder Folder;
+    Folder.Write("orders.mb", "blobs");
+    TKvCompanionFile Companion(Folder / "orders.db", ".MB");
+    std::string Buffer;
+    for (const std::uint64_t Offset : {std::uint64_t{0}, std::uint64_t{6}, ~std::uint64_t{0}}) {
+        try {
+            CopyBytes(Companion.File(), Offset, std::size_t{1} << 60, Buffer);
+            ADD_FAILURE() << "no error";
+        }
+        catch (const EFormatError& Error) {
+            EXPECT_EQ(Error.Message, "Unexpected end of data at offset 5");
+        }
+    }
 }
 
 TEST(KvCompanionFile, OneThatIsNotThereIsTheSameErrorEveryTime)
@@ -75,7 +105,7 @@ TEST(KvCompanionFile, OneThatIsNotThereIsTheSameErrorEveryTime)
     TKvCompanionFile Companion(Folder / "orders.db", ".MB");
     for (int Try = 0; Try < 2; ++Try) {
         try {
-            Companion.Bytes();
+            Companion.File();
             ADD_FAILURE() << "no error";
         }
         catch (const EFileError& Error) {

@@ -90,6 +90,38 @@ std::vector<TVariantKind> KindsOf(const TTableFile& File)
     return Kinds;
 }
 
+std::string Shown(const TKvTableRemark& Remark)
+{
+    const auto Count = std::to_string(Remark.Count), First = std::to_string(Remark.First),
+               Limit = std::to_string(Remark.Limit);
+    switch (Remark.Kind) {
+    case trNoCodePage:     return "no code page from record " + First;
+    case trFieldLeftOut:   return Remark.Name + " left out: " + Remark.Reason;
+    case trBytesLeftOut:   return Count + " bytes left out";
+    case trRecordsBeyond:  return Count + " records beyond " + Limit;
+    case trRecordsMissing: return Count + " of " + Limit + " records: " + Remark.Reason;
+    case trNumbersLost:    return "numbers lost in " + Count + " from record " + First;
+    }
+    return "";
+}
+
+/// After all records were read, as far as they can be, with every value twice.
+std::vector<std::string> RemarksOf(const TTableFile& File, bool Transliterate = true)
+{
+    TKvDbaseFile Table(File.Name, Transliterate);
+    try {
+        for (Table.First(); !Table.Eof(); Table.Next())
+            for (std::size_t I = 0; I < 2 * Table.FieldDefs().size(); ++I)
+                Table.Value(I / 2);
+    }
+    catch (const EFormatError&) {                   // what ends the reading
+    }
+    std::vector<std::string> Remarks;
+    for (const auto& Remark : Table.Remarks())
+        Remarks.push_back(Shown(Remark));
+    return Remarks;
+}
+
 TDbaseBuilder Numbers(unsigned Count)
 {
     TDbaseBuilder Table;
@@ -225,7 +257,7 @@ TEST(KvDbaseFile, DeclaresFields)
     EXPECT_EQ(Table.FieldDefs()[0].Size, 20);
     EXPECT_EQ(Table.FieldDefs()[1].DataType, ftBCD);
     EXPECT_EQ(Table.FieldDefs()[1].Size, 0);
-    EXPECT_EQ(Table.FieldDefs()[2].DataType, ftBytes);
+    EXPECT_EQ(Table.FieldDefs()[2].DataType, ftString);
     EXPECT_EQ(Table.FieldDefs()[2].Size, 4);
 }
 
@@ -318,8 +350,8 @@ TEST(KvDbaseFile, ATextOfVariableSizeIsNoLongerThanItsField)
 TEST(KvDbaseFile, AnErrorOfAValueNamesItsPlaceAndLeavesTheOthersAlone)
 {
     const TTableFile File(TDbaseBuilder().Field("QTY", 'N', 3).Field("BORN", 'D', 8).Deleted({"  1"})
-                              .Record({"***", "20020230"}).Record({"  2", "20020228"}));
-    EXPECT_THAT(ReadAll(File), ElementsAre("File \"%a.dbf\", record 2, field 'QTY': '***' is no number|"
+                              .Record({"*1*", "20020230"}).Record({"  2", "20020228"}));
+    EXPECT_THAT(ReadAll(File), ElementsAre("File \"%a.dbf\", record 2, field 'QTY': '*1*' is no number|"
                                            "File \"%a.dbf\", record 2, field 'BORN': '20020230' is no date",
                                            "2|2002-02-28 00:00:00"));
 }
@@ -355,24 +387,124 @@ TEST(KvDbaseFile, TextsStayAsTheyAreWhenAskedTo)
 
 TEST(KvDbaseFile, TextOfACodePageThatNobodyKnowsIsAnError)
 {
-    const TTableFile File(TDbaseBuilder().Language(0x68).Field("A", 'C', 6).Record({"ascii"})
-                                         .Record({"\x84"}));
+    const TTableFile File(TDbaseBuilder(0x8C).Language("DB999XX0").Field("A", 'C', 6).Record({"ascii"})
+                                             .Record({"\x84"}));
     EXPECT_THAT(ReadAll(File),
-                ElementsAre("ascii", "File \"%a.dbf\", record 2, field 'A': Unknown code page '895'"));
+                ElementsAre("ascii", "File \"%a.dbf\", record 2, field 'A': Unknown code page '999'"));
     EXPECT_THAT(ReadAll(File, false), ElementsAre("ascii", "\x84"));
 }
 
 TEST(KvDbaseFile, ANameThatIsNoneOfItsCodePageIsAnErrorOfTheTable)
 {
-    const TTableFile File(TDbaseBuilder().Language(0x68).Field("ID", 'N', 5).Field("\x84", 'C', 6));
-    EXPECT_THAT(ReadAll(File), ElementsAre("File \"%a.dbf\", name of field 2: Unknown code page '895'"));
+    const TTableFile File(
+        TDbaseBuilder(0x8C).Language("DB999XX0").Field("ID", 'N', 5).Field("\x84", 'C', 6));
+    EXPECT_THAT(ReadAll(File), ElementsAre("File \"%a.dbf\", name of field 2: Unknown code page '999'"));
 }
 
-TEST(KvDbaseFile, BytesAreOfNoCodePage)
+TEST(KvDbaseFile, TextThatIsNotToBeTranslatedIsOfNoCodePage)
 {
-    const TTableFile File(TDbaseBuilder(0x30).Language(0x65).Field("A", 'C', 3, 0, 4)
-                                             .Record({"\x8F\xE0\xA8"}));
-    EXPECT_THAT(ReadAll(File), ElementsAre("\x8F\xE0\xA8"));
+    const TTableFile File(TDbaseBuilder(0x30).Language(0x65).Field("A", 'C', 5, 0, 4)
+                                             .Record({"\x8F\xE0\xA8"}).Record({"a b"}).Record({""}));
+    EXPECT_THAT(ReadAll(File), ElementsAre("\x8F\xE0\xA8", "a b", "-"));
+    EXPECT_THAT(RemarksOf(File), ElementsAre("no code page from record 1"));
+}
+
+TEST(KvDbaseFile, AFileBesideTheTableNamesItsCodePage)
+{
+    const TDbaseBuilder Table = TDbaseBuilder().Language(0x57).Field("A", 'C', 6).Record({"Grö\xC3\x9F"});
+    EXPECT_THAT(ReadAll(TTableFile(Table, "A.cpg", "UTF-8\r\n")), ElementsAre("Größ"));
+    const auto Russian = TDbaseBuilder().Language(0x65).Field("A", 'C', 3);
+    EXPECT_THAT(ReadAll(TTableFile(TDbaseBuilder(Russian).Record({"\x94"}), "a.cpg", "CP852")),
+                ElementsAre("ö"))
+        << "it wins";
+    const TTableFile Unknown(TDbaseBuilder(Russian).Record({"\x8F\xE0\xA8"}), "a.cpg", "no such page");
+    EXPECT_THAT(ReadAll(Unknown), ElementsAre("При"));
+}
+
+TEST(KvDbaseFile, TextOfNoNamedPageIsRemarkedOnWhereItIsMet)
+{
+    auto Table = TDbaseBuilder().Language(0x57).Field("A", 'C', 6);
+    for (int I = 0; I < 300; ++I)
+        Table.Record({"ascii"});
+    const TTableFile File(Table.Deleted({"\xCC"}).Record({"\xCC\xEE\xF1"}).Record({"\xCC"}));
+    EXPECT_THAT(RemarksOf(File), ElementsAre("no code page from record 302"));
+    TDbaseMemoBuilder Memos(TDbaseMemoBuilder::Dbase3);
+    const auto Block = std::to_string(Memos.Add("K\x94ln"));
+    const TTableFile WithMemo(TDbaseBuilder(0x83).Field("N", 'M', 10).Record({""}).Record({Block}), "a.dbt",
+                              Memos.Build());
+    EXPECT_THAT(RemarksOf(WithMemo), ElementsAre("no code page from record 2"));
+    EXPECT_THAT(RemarksOf(WithMemo, false), ElementsAre()) << "whoever says what it is need not guess";
+}
+
+// --- Remarks -----------------------------------------------------------------------------------------
+
+TEST(KvDbaseFile, NumbersThatHadNoRoomAreNullAndCounted)
+{
+    const TTableFile File(TDbaseBuilder().Field("A", 'N', 3).Field("B", 'F', 3).Record({"  1", "  2"})
+                              .Record({"***", "***"}).Record({"", "***"}).Record({"", ""}));
+    EXPECT_THAT(ReadAll(File), ElementsAre("1|2", "-|-", "-|-", "-|-"));
+    EXPECT_THAT(RemarksOf(File), ElementsAre("numbers lost in 2 from record 2"));
+}
+
+TEST(KvDbaseFile, RecordsBehindThoseThatAreCountedAreRemarkedOn)
+{
+    auto Bytes = Numbers(3).Build();
+    Bytes[4] = 1;
+    EXPECT_THAT(ReadAll(TTableFile(Bytes)), ElementsAre("1"));
+    EXPECT_THAT(RemarksOf(TTableFile(Bytes)), ElementsAre("2 records beyond 1"));
+    Bytes[4] = 0;
+    EXPECT_THAT(RemarksOf(TTableFile(Bytes)), ElementsAre("3 records beyond 0"));
+    auto WithDeleted = Numbers(2).Deleted({"3"}).Record({"4"}).Build();
+    WithDeleted[4] = 2;
+    EXPECT_THAT(RemarksOf(TTableFile(WithDeleted)), ElementsAre("2 records beyond 2"));
+    EXPECT_THAT(RemarksOf(TTableFile(Numbers(3).Build() + "    4 no record")), ElementsAre());
+    EXPECT_THAT(RemarksOf(TTableFile(Numbers(3).Build() + " ")), ElementsAre());
+}
+
+TEST(KvDbaseFile, AFileThatEndsTooEarlySaysWhatItHolds)
+{
+    const auto Bytes = Numbers(3).Build();
+    EXPECT_THAT(RemarksOf(TTableFile(std::string_view(Bytes).substr(0, Bytes.size() - 2))),
+                ElementsAre("2 of 3 records: the file ends there"));
+}
+
+TEST(KvDbaseFile, AFieldThatNobodyKnowsIsLeftOut)
+{
+    const TTableFile File(TDbaseBuilder().Field("A", 'C', 3).Field("X", 'X', 4).Field("Z", 'C', 0)
+                                         .Field("B", 'C', 3).Record({"a", "1234", "", "b"}));
+    EXPECT_THAT(ReadAll(File), ElementsAre("a|b"));
+    EXPECT_THAT(RemarksOf(File), ElementsAre("X left out: field 2 has the unknown type 'X'",
+                                             "Z left out: field 3 cannot have a size of 0"));
+}
+
+TEST(KvDbaseFile, RecordsMayBeLongerThanTheirFieldsWhereTheyFillTheFile)
+{
+    auto Table = TDbaseBuilder().Field("A", 'C', 3).Field("PAD", 'C', 2);
+    auto Bytes = Table.Record({"abc"}).Record({"def"}).Build();
+    Bytes.erase(64, 32);
+    Bytes[8] = 65;                                  // the list now ends before PAD
+    EXPECT_THAT(ReadAll(TTableFile(Bytes)), ElementsAre("abc", "def"));
+    EXPECT_THAT(RemarksOf(TTableFile(Bytes)), ElementsAre("2 bytes left out"));
+    EXPECT_THAT(ReadAll(TTableFile(Bytes + "more")),
+                ElementsAre("File \"%a.dbf\" is no dBase table: its records have 6 bytes, their fields and "
+                            "the mark of deleted ones 4"))
+        << "a size that is damaged";
+}
+
+TEST(KvDbaseFile, NamesLoseTheirBlanks)
+{
+    const TTableFile File(TDbaseBuilder().Field("NAME   ", 'C', 3).Field(" QTY", 'N', 3).Field("  ", 'C', 1));
+    const TKvDbaseFile Table(File.Name);
+    std::vector<std::string> Names;
+    for (const auto& Def : Table.FieldDefs())
+        Names.push_back(Def.Name);
+    EXPECT_THAT(Names, ElementsAre("NAME", "QTY", "Field3"));
+}
+
+TEST(KvDbaseFile, ANameThatIsCutWithinACharacterLosesIt)
+{
+    const TTableFile File(TDbaseBuilder().Field("日本国\xE5", 'C', 3), "a.cpg", "UTF-8");
+    EXPECT_EQ(TKvDbaseFile(File.Name).FieldDefs()[0].Name, "日本国");
 }
 
 TEST(KvDbaseFile, LoansOfSeveralFieldsHoldTogether)
@@ -413,6 +545,38 @@ TEST(KvDbaseFile, MemosAreReadFromTheFileOfTheirKind)
         EXPECT_THAT(ReadAll(TTableFile(Table, Row.Name, Memos.Build())),
                     ElementsAre("first", std::string(2000, 'x'), "-")) << Row.Name;
     }
+}
+
+TEST(KvDbaseFile, MemosOfOneRecordHoldTogether)
+{
+    TDbaseMemoBuilder Memos(TDbaseMemoBuilder::FoxPro);
+    const auto A = DbaseLong(static_cast<std::int32_t>(Memos.Add(std::string(40000, 'a'))));
+    const auto B = DbaseLong(static_cast<std::int32_t>(Memos.Add(std::string(50000, 'b'))));
+    const TTableFile File(TDbaseBuilder(0x30).Field("A", 'M', 4).Field("B", 'M', 4).Record({A, B}), "a.fpt",
+                          Memos.Build());
+    TKvDbaseFile Table(File.Name);
+    Table.First();
+    const auto First = Table.Value(0), Second = Table.Value(1);
+    EXPECT_EQ(First.Text(), std::string(40000, 'a'));
+    EXPECT_EQ(Second.Text(), std::string(50000, 'b'));
+}
+
+TEST(KvDbaseFile, SoftLineEndsOfMemosBecomeBlanks)
+{
+    const auto MemoOf = [](unsigned Version, TDbaseMemoBuilder::TKind Kind, unsigned Language,
+                           std::string_view Text) {
+        TDbaseMemoBuilder Memos(Kind);
+        const auto Block = std::to_string(Memos.Add(Text));
+        const auto Table = TDbaseBuilder(Version).Language(Language).Field("N", 'M', 10).Record({Block});
+        return ReadAll(TTableFile(Table, Kind == TDbaseMemoBuilder::FoxPro ? "a.fpt" : "a.dbt",
+                                  Memos.Build()))[0];
+    };
+    constexpr std::string_view Soft = "one two\x8D\nthree";
+    EXPECT_EQ(MemoOf(0x83, TDbaseMemoBuilder::Dbase3, 0x01, Soft), "one two three");
+    EXPECT_EQ(MemoOf(0x8B, TDbaseMemoBuilder::Dbase4, 0x00, Soft), "one two three");
+    EXPECT_EQ(MemoOf(0xF5, TDbaseMemoBuilder::FoxPro, 0x01, Soft), "one twoì\nthree") << "no editor of dBase";
+    EXPECT_EQ(MemoOf(0x83, TDbaseMemoBuilder::Dbase3, 0x00, "mo\xC4\x8D\nthree"), "moč\nthree") << "UTF-8";
+    EXPECT_EQ(MemoOf(0x83, TDbaseMemoBuilder::Dbase3, 0x13, "\x89\x8D\nb"), "燕\nb") << "half a character";
 }
 
 TEST(KvDbaseFile, BlockZeroIsNoMemo)

@@ -78,7 +78,8 @@ TEST(KvDbaseHeader, TheVersionTellsTheKindOfMemos)
     const std::vector<std::pair<unsigned, TKvDbaseMemoKind>> Rows = {
         {0x03, dmDbase3}, {0x83, dmDbase3}, {0x8B, dmDbase4}, {0x8C, dmDbase4}, {0x04, dmDbase4},
         {0xCB, dmDbase4}, {0xF5, dmFoxPro}, {0x30, dmFoxPro}, {0x31, dmFoxPro}, {0x32, dmFoxPro},
-        {0xE5, dmNone},   {0x02, dmNone}};
+        {0x05, dmDbase4}, {0x43, dmDbase4}, {0x63, dmDbase4}, {0x7B, dmDbase4}, {0x8E, dmDbase4},
+        {0xFB, dmFoxPro}, {0xE5, dmNone},   {0x02, dmNone}};
     for (const auto& [Version, Kind] : Rows)
         EXPECT_EQ(ReadDbaseHeader(Simple(Version).Build(), "a.dbf").MemoKind, Kind) << Version;
 }
@@ -97,7 +98,7 @@ TEST(KvDbaseHeader, LettersTellTheKindsOfFields)
         {0x31, 'I', 4, 0, 0x0C, ftAutoInc, dvLong},     {0x30, 'B', 8, 2, 4, ftFloat, dvDouble},
         {0x30, 'Y', 8, 4, 4, ftCurrency, dvAmount},     {0x30, 'T', 8, 0, 4, ftDateTime, dvMoment},
         {0x30, 'M', 4, 0, 0, ftMemo, dvMemo},           {0x30, 'M', 4, 0, 4, ftBlob, dvMemo},
-        {0x30, 'C', 10, 0, 4, ftBytes, dvBytes},        {0x32, 'W', 4, 0, 4, ftBlob, dvMemo},
+        {0x30, 'C', 10, 0, 4, ftString, dvRawText},     {0x32, 'W', 4, 0, 4, ftBlob, dvMemo},
         {0x32, 'V', 10, 0, 0, ftString, dvVarText},     {0x32, 'V', 10, 0, 4, ftVarBytes, dvVarBytes},
         {0x32, 'Q', 10, 0, 4, ftVarBytes, dvVarBytes},  {0x30, 'G', 4, 0, 0, ftOle, dvMemo},
         {0x8C, 'I', 4, 0, 0, ftInteger, dvOrderedLong}, {0x8C, '+', 4, 0, 0, ftAutoInc, dvOrderedLong},
@@ -168,6 +169,50 @@ TEST(KvDbaseHeader, TheListOfFieldsMayLackItsEnd)
     EXPECT_EQ(Header.Fields.Visible.size(), 2u);
 }
 
+TEST(KvDbaseHeader, AFieldThatNobodyKnowsIsLeftOutAlone)
+{
+    const auto File = TDbaseBuilder(0x32)
+                          .Field("A", 'C', 3)
+                          .Field("ODD", 'X', 4, 0, 2)
+                          .Field("NARROW", 'C', 0)
+                          .Field("LONG", 'L', 2)
+                          .Field("MAYBE", 'I', 4, 0, 2)
+                          .Field("_NullFlags", '0', 1, 0, 5)
+                          .Build();
+    const auto Fields = ReadDbaseHeader(File, "a.dbf").Fields;
+    ASSERT_EQ(Fields.Visible.size(), 2U);
+    EXPECT_EQ(Fields.Visible[1].Name, "MAYBE");
+    EXPECT_EQ(Fields.Visible[1].Offset, 10U);
+    EXPECT_EQ(Fields.Visible[1].NullBit, 1) << "the field before has bit 0";
+    std::vector<std::string> Reasons;
+    for (const auto& Each : Fields.LeftOut)
+        Reasons.push_back(Each.Name + ": " + Each.Reason);
+    EXPECT_EQ(Reasons, (std::vector<std::string>{"ODD: field 2 has the unknown type 'X'",
+                                                 "NARROW: field 3 cannot have a size of 0",
+                                                 "LONG: field 4 cannot have a size of 2"}));
+    EXPECT_EQ(Fields.BytesLeftOut, 0U);
+}
+
+TEST(KvDbaseHeader, RecordsMayBeLongerThanTheirFieldsWhereTheListIsSound)
+{
+    EXPECT_EQ(ReadDbaseHeader(With(Simple().Build(), 10, "\x12"), "a.dbf").Fields.BytesLeftOut, 2U);
+    auto Fox = Simple(0x30).Build();
+    Fox.insert(97, 263, '\0');                      // where it names its database
+    Fox = With(With(Fox, 8, "\x68\x01"), 10, "\x13");
+    EXPECT_EQ(ReadDbaseHeader(Fox, "a.dbf").Fields.BytesLeftOut, 3U);
+}
+
+TEST(KvDbaseHeader, FieldsOfDbase7MayBeListedAsBefore)
+{
+    for (const unsigned Version : {0x04u, 0x8Cu}) {
+        const auto File = With(Simple().Build(), 0, std::string(1, static_cast<char>(Version)));
+        EXPECT_TRUE(IsDbase(File));
+        const auto Header = ReadDbaseHeader(File, "a.dbf");
+        ASSERT_EQ(Header.Fields.Visible.size(), 2U);
+        EXPECT_EQ(Header.Fields.Visible[1].Name, "QTY");
+    }
+}
+
 TEST(KvDbaseHeader, ADriverNamesTheCodePage)
 {
     EXPECT_EQ(ReadDbaseHeader(Simple().Build(), "a.dbf").CodePage, "");
@@ -203,8 +248,8 @@ INSTANTIATE_TEST_SUITE_P(
         TRefused{"Dbase2Cut", Simple(0x02).Build().substr(0, 500), "Unexpected end of data at offset 500"},
         TRefused{"HeaderTooSmall", With(Simple().Build(), 8, "\x1F"), "Unexpected end of data at offset 31"},
         TRefused{"NoFields", TDbaseBuilder().Record({}).Build(), "it has no fields"},
-        TRefused{"UnknownType", TDbaseBuilder().Field("A", 'C', 1).Field("B", 'X', 1).Build(),
-                 "field 2 has the unknown type 'X'"},
+        TRefused{"UnknownTypes", TDbaseBuilder().Field("A", 'X', 1).Field("B", 'Z', 1).Build(),
+                 "field 1 has the unknown type 'X'"},
         TRefused{"TextWithoutSize", TDbaseBuilder().Field("A", 'C', 0).Build(),
                  "field 1 cannot have a size of 0"},
         TRefused{"LongLogical", TDbaseBuilder().Field("A", 'L', 2).Build(),
@@ -216,7 +261,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "field 2 ends outside its records of 15 bytes"},
         TRefused{"ListThatEndsTooEarly", With(Simple().Build(), 64, "\x0D"),
                  "its records have 16 bytes, their fields and the mark of deleted ones 11"},
-        TRefused{"RecordsLargerThanTheirFields", With(Simple().Build(), 10, "\x11"),
+        TRefused{"ListWithoutItsEndTooSmall", With(With(Simple().Build(), 96, " "), 10, "\x11"),
                  "its records have 17 bytes, their fields and the mark of deleted ones 16"},
         TRefused{"NoRecordSize", With(Simple().Build(), 10, std::string(1, '\0')),
                  "field 1 ends outside its records of 0 bytes"},

@@ -4,6 +4,8 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "KvCodePage.h"
 
@@ -14,7 +16,8 @@ TEST(KvDbaseLanguage, ABytesPageIsKnown)
     EXPECT_EQ(CodePageOfDriver(std::uint8_t{0x01}), "437");
     EXPECT_EQ(CodePageOfDriver(std::uint8_t{0x02}), "850");
     EXPECT_EQ(CodePageOfDriver(std::uint8_t{0x03}), "1252");
-    EXPECT_EQ(CodePageOfDriver(std::uint8_t{0x57}), "1252");
+    EXPECT_EQ(CodePageOfDriver(std::uint8_t{0x57}), "") << "the page of some Windows";
+    EXPECT_EQ(CodePageOfDriver(std::uint8_t{0x58}), "1252");
     EXPECT_EQ(CodePageOfDriver(std::uint8_t{0x64}), "852");
     EXPECT_EQ(CodePageOfDriver(std::uint8_t{0x7B}), "932");
     EXPECT_EQ(CodePageOfDriver(std::uint8_t{0xC9}), "1251");
@@ -27,11 +30,20 @@ TEST(KvDbaseLanguage, ThePagesCanBeConverted)
 {
     for (int Byte = 0; Byte < 256; ++Byte) {
         const auto Page = CodePageOfDriver(static_cast<std::uint8_t>(Byte));
-        // Kamenicky, Mazovia and Greek Macintosh are not known everywhere.
-        if (Page.empty() || Page == "895" || Page == "620" || Page == "10006")
-            continue;
-        EXPECT_EQ(CodePageToUtf8("A1", Page), "A1") << Byte;
+        if (!Page.empty()) {
+            EXPECT_EQ(CodePageToUtf8("A1", Page), "A1") << Byte;
+        }
     }
+}
+
+TEST(KvDbaseLanguage, ALabelsPageIsKnown)
+{
+    for (const auto& [Label, Page] : std::vector<std::pair<std::string, std::string>>{
+             {"UTF-8", "UTF-8"}, {"utf-8\r\n", "utf-8"}, {"1252", "1252"}, {"ANSI 1251", "1251"},
+             {"CP1250", "1250"}, {"cp852 ", "852"}, {"OEM 437", "437"}, {"88592", "ISO-8859-2"},
+             {"8859-15", "ISO-8859-15"}, {"ISO 88595", "ISO-8859-5"}, {"ISO-8859-7", "ISO-8859-7"},
+             {"BIG5", "BIG5"}, {"Mazovia", "Mazovia"}, {"", ""}, {"SYSTEM", ""}, {"1", ""}, {"8859", ""}})
+        EXPECT_EQ(CodePageOfLabel(Label), Page) << Label;
 }
 
 TEST(KvDbaseLanguage, ANamesPageIsKnown)

@@ -6,15 +6,19 @@
 
 #include "KvDbaseBuilder.h"
 #include "KvException.h"
+#include "KvTempFolder.h"
 
 namespace kv {
 
 namespace {
 
-std::string Read(std::string_view File, TKvDbaseMemoKind Kind, std::uint64_t Block)
+std::string Read(std::string_view Bytes, TKvDbaseMemoKind Kind, std::uint64_t Block)
 {
+    const TTempFolder Folder;
+    TKvFileWindow File(Folder.Write("memos", Bytes), 16 << 10);
+    std::string Buffer = "of another memo";
     try {
-        return std::string(DbaseMemo(File, Kind, Block));
+        return std::string(DbaseMemo(File, Kind, Block, Buffer));
     }
     catch (const EFormatError& Error) {
         return Error.Message;
@@ -26,7 +30,13 @@ std::string With(std::string File, std::size_t Offset, std::string_view Bytes)
     return File.replace(Offset, Bytes.size(), Bytes);
 }
 
-const std::string Long(5000, 'x');
+const std::string Long(50000, 'x');
+
+std::string Joined(std::string Memo)
+{
+    JoinSoftLines(Memo);
+    return Memo;
+}
 
 } // namespace
 
@@ -73,6 +83,23 @@ TEST(KvDbaseMemo, MemosOfFoxProTellTheirSize)
     }
 }
 
+TEST(KvDbaseMemo, ABlockSizeOfZeroIsTheUsualOneOfDbase4)
+{
+    TDbaseMemoBuilder Memos(TDbaseMemoBuilder::Dbase4);
+    const auto Block = Memos.Add("memo");
+    EXPECT_EQ(Read(With(Memos.Build(), 20, std::string(2, '\0')), dmDbase4, Block), "memo");
+}
+
+TEST(KvDbaseMemo, LineEndsOfAnEditorBecomeABlank)
+{
+    EXPECT_EQ(Joined("one two\x8D\nthree"), "one two three");
+    EXPECT_EQ(Joined("one two \x8D\nthree\x8D\n\x8D\nfour\x8D\n"), "one two three four ");
+    EXPECT_EQ(Joined("\x8D\none"), "one");
+    EXPECT_EQ(Joined("one\r\ntwo\x8D" "three"), "one\r\ntwo\x8D" "three") << "a letter of the code page";
+    EXPECT_FALSE(HasSoftLines("one\r\ntwo\x8D"));
+    EXPECT_TRUE(HasSoftLines("one\x8D\n"));
+}
+
 TEST(KvDbaseMemo, ABlockOutsideTheFileIsAnError)
 {
     TDbaseMemoBuilder Memos(TDbaseMemoBuilder::FoxPro, 64);
@@ -111,7 +138,6 @@ TEST(KvDbaseMemo, BlocksWithoutASizeAreAnError)
 {
     const std::string Zeros(1024, '\0');
     EXPECT_EQ(Read(Zeros, dmFoxPro, 1), "memo block 1: its blocks have no size");
-    EXPECT_EQ(Read(Zeros, dmDbase4, 1), "memo block 1: its blocks have no size");
     EXPECT_EQ(Read("", dmFoxPro, 1), "memo block 1: Unexpected end of data at offset 0");
 }
 

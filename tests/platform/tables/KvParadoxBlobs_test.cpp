@@ -9,6 +9,7 @@
 #include "KvBytes.h"
 #include "KvException.h"
 #include "KvParadoxBuilder.h"
+#include "KvTempFolder.h"
 
 namespace kv {
 
@@ -19,9 +20,12 @@ std::string Patched(std::string File, std::size_t Offset, std::string_view Bytes
     return File.replace(Offset, Bytes.size(), Bytes);
 }
 
-std::string Read(std::string_view File, std::uint32_t Place, std::size_t Size)
+std::string Read(std::string_view Bytes, std::uint32_t Place, std::size_t Size)
 {
-    return std::string(ParadoxBlobBytes(File, {.Leader = {}, .Place = Place, .Size = Size}));
+    const TTempFolder Folder;
+    TKvFileWindow File(Folder.Write("blobs", Bytes), 16 << 10);
+    std::string Buffer = "of another blob";
+    return std::string(ParadoxBlobBytes(File, {.Leader = {}, .Place = Place, .Size = Size}, Buffer));
 }
 
 std::string ErrorOf(std::string_view File, std::uint32_t Place, std::size_t Size)

@@ -120,6 +120,11 @@ TEST(KvParadoxBlocks, AFileThatEndsWithinABlockGivesTheRecordsBefore)
     EXPECT_EQ(Follow(File.substr(0, Second + 7)).Fault,
               "block 2 tells of 1 bytes before its last record, there is room for 1 records of 1");
     EXPECT_EQ(Follow(File.substr(0, Second + 5)).Fault, "block 2 is not there");
+    const auto Empty = Follow(File.substr(0, Second + 6));
+    EXPECT_EQ(Empty.Blocks.size(), 1U) << "what holds no record is no block of records";
+    EXPECT_EQ(Empty.RecordCount, 2U);
+    EXPECT_EQ(Empty.Fault,
+              "block 2 tells of 1 bytes before its last record, there is room for 0 records of 1");
 }
 
 TEST(KvParadoxBlocks, ABlockThatTellsOfMoreThanItHoldsIsAFault)

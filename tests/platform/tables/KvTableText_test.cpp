@@ -65,14 +65,44 @@ TEST(KvTableText, TextStaysAsItIsWhenNoPageIsNamed)
 
 TEST(KvTableText, TextOfAPageThatNobodyKnowsIsAnErrorWhereItIsNotAscii)
 {
-    EXPECT_EQ(Converted("895", "Zurich"), "Zurich");
+    EXPECT_EQ(Converted("999", "Zurich"), "Zurich");
     try {
-        Converted("895", "Z\x81rich");
+        Converted("999", "Z\x81rich");
         ADD_FAILURE() << "no error";
     }
     catch (const EConvertError& Error) {
-        EXPECT_EQ(Error.Message, "Unknown code page '895'");
+        EXPECT_EQ(Error.Message, "Unknown code page '999'");
     }
+}
+
+TEST(KvTableText, TellsWhenSomebodyHasToGuess)
+{
+    TKvTableText Text("");
+    Text.Convert("Zurich");
+    Text.Convert("Zürich");
+    EXPECT_FALSE(Text.HasGuessed()) << "text of the process";
+    Text.Convert("Z\x81rich");
+    Text.Convert("Zurich");
+    EXPECT_TRUE(Text.HasGuessed());
+    TKvTableText AsItIs, Named("437");
+    AsItIs.Convert("Z\x81rich");
+    Named.Convert("Z\x81rich");
+    EXPECT_FALSE(AsItIs.HasGuessed()) << "asked for";
+    EXPECT_FALSE(Named.HasGuessed());
+    EXPECT_EQ(Named.Unconverted("Z\x81rich"), TVariant("Z\x81rich"));
+    EXPECT_TRUE(Named.HasGuessed());
+    const TAnsiPage Page("windows-1252");
+    TKvTableText Windows("");
+    Windows.Convert("Z\xFCrich");
+    EXPECT_FALSE(Windows.HasGuessed()) << "the process's page was settled";
+}
+
+TEST(KvTableText, TellsWhetherACharacterIsAByte)
+{
+    EXPECT_TRUE(TKvTableText("437").IsSingleByte());
+    EXPECT_TRUE(TKvTableText("").IsSingleByte());
+    EXPECT_FALSE(TKvTableText("932").IsSingleByte());
+    EXPECT_FALSE(TKvTableText("UTF-8").IsSingleByte());
 }
 
 TEST(KvTableText, AsciiIsNeverCopied)

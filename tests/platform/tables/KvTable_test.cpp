@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "KvDbaseBuilder.h"
@@ -286,7 +287,7 @@ TEST_F(KvTable, TheDefaultSessionHasAName)
 
 TEST_F(KvTable, AValueThatCannotBeReadIsKnownByRecordAndField)
 {
-    const auto Bytes = TDbaseBuilder().Field("QTY", 'N', 3).Record({"1"}).Record({"***"}).Build();
+    const auto Bytes = TDbaseBuilder().Field("QTY", 'N', 3).Record({"1"}).Record({"1*1"}).Build();
     Table.TableName = Folder.Write("bad.dbf", Bytes);
     Table.Open();
     Table.Next();
@@ -294,8 +295,40 @@ TEST_F(KvTable, AValueThatCannotBeReadIsKnownByRecordAndField)
     EXPECT_EQ(Facts.FileName, Table.TableName);
     EXPECT_EQ(Facts.Place, "record 2");
     EXPECT_EQ(Facts.Field, "QTY");
-    EXPECT_EQ(Facts.Value, "***");
+    EXPECT_EQ(Facts.Value, "1*1");
     EXPECT_EQ(Facts.Rule, erFormat);
+}
+
+TEST_F(KvTable, DamageBehindTheLastRecordThatIsWantedDoesNotMatter)
+{
+    auto Numbers = TDbaseBuilder().Field("QTY", 'N', 3);
+    const auto Dbase = Numbers.Record({"1"}).Deleted({"2"}).Record({"3"}).Build();
+    auto Shorts = TParadoxBuilder().Field("QTY", 'S');
+    auto Paradox = Shorts.Record({ParadoxShort(1)}).Record({ParadoxShort(2)}).Build();
+    Paradox[6] = 9;                                 // the header counts more of them
+    for (const auto& [Name, Bytes, Whole] :
+         {std::tuple{"cut.dbf", Dbase.substr(0, Dbase.size() - 4), 2}, std::tuple{"cut.db", Paradox, 2}}) {
+        Table.Close();
+        Table.TableName = Folder.Write(Name, Bytes);
+        Table.LastRecord = Whole;
+        Table.Open();
+        int Count = 0;
+        for (Table.First(); !Table.Eof(); Table.Next())
+            Count += Table.Fields(0).Value().HasValue();
+        EXPECT_EQ(Count, Name == std::string("cut.db") ? 2 : 1) << Name;
+        ASSERT_EQ(Table.Remarks().size(), 1U);
+        EXPECT_EQ(Table.Remarks()[0].Kind, trRecordsMissing);
+        EXPECT_EQ(Table.Remarks()[0].Count, 2);
+        Table.LastRecord = Whole + 1;
+        Table.First();
+        EXPECT_THROW(while (!Table.Eof()) Table.Next(), EFormatError) << Name;
+        Table.LastRecord = 1;
+        Table.First();
+        Table.Next();
+        EXPECT_TRUE(Table.Eof());
+    }
+    Table.Close();
+    EXPECT_TRUE(Table.Remarks().empty());
 }
 
 TEST_F(KvTable, AFileThatEndsEarlyIsKnownByTheRecordThatIsMissing)
