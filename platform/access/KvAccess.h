@@ -2,6 +2,7 @@
 // name of its class, opens databases, and those open cursors on their tables.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -62,6 +63,8 @@ public:
     /// `Continue` is asked now and then while the databases that are opened next, and their recordsets, keep
     /// somebody waiting; false gives up, which raises EDatabaseError with the rule erCancelled.
     virtual void SetContinue(std::function<bool()> Continue) { static_cast<void>(Continue); }
+    /// How long somebody waits for the next records of the databases that are opened next.
+    virtual void SetPatience(std::chrono::milliseconds Patience) { static_cast<void>(Patience); }
     /// Opens for reading. Raises EDatabaseError when it is no Access database or cannot be read.
     virtual std::unique_ptr<TAccessDatabase> OpenDatabase(const std::string& FileName) = 0;
 };

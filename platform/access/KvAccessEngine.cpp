@@ -32,6 +32,7 @@ public:
     {
         return Named([this] {
             const auto Message = Reader.Next();
+            Helper.NoteProgress();
             if (Message.Kind == amError)
                 throw EDatabaseError(Utf8ToAnsi(Message.Body));
             if (Message.Kind == amDamage)
@@ -218,6 +219,7 @@ public:
     explicit THelperEngine(TAccessHelperOptions TheOptions) : Options(std::move(TheOptions)) {}
 
     void SetContinue(std::function<bool()> Value) override { Options.Continue = std::move(Value); }
+    void SetPatience(std::chrono::milliseconds Value) override { Options.Patience = Value; }
     std::unique_ptr<TAccessDatabase> OpenDatabase(const std::string& FileName) override
     {
         return std::make_unique<THelperDatabase>(Options, FileName);

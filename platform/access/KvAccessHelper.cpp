@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 #include "KvException.h"
 
@@ -167,16 +168,16 @@ std::size_t TAccessHelper::Receive(char* Bytes, std::size_t Size)
 void TAccessHelper::WaitForOutput()
 {
     using TClock = std::chrono::steady_clock;
-    const auto Deadline = TClock::now() + Patience;
-    for (;;) {
-        const auto Left = std::chrono::ceil<std::chrono::milliseconds>(Deadline - TClock::now());
+    for (auto Begun = TClock::now();;) {
+        const auto Left = std::chrono::ceil<std::chrono::milliseconds>(Patience - Waited);
         const auto Wait = std::clamp<std::chrono::milliseconds>(Left, {}, Continue ? PollTime : Patience);
-        pollfd Waited{.fd = Output, .events = POLLIN, .revents = 0};
-        const int Ready = ::poll(&Waited, 1, static_cast<int>(Wait.count()));
+        pollfd End{.fd = Output, .events = POLLIN, .revents = 0};
+        const int Ready = ::poll(&End, 1, static_cast<int>(Wait.count()));
+        Waited += TClock::now() - std::exchange(Begun, TClock::now());
         if (Ready > 0 || (Ready < 0 && errno != EINTR))
             return;                                 // read() tells what is wrong
         AskWhetherToGoOn();
-        if (Ready == 0 && Left <= Wait) {
+        if (Ready == 0 && Waited >= Patience) {
             Stop();
             RaiseStopped("it made no progress for " + std::to_string(Patience.count() / 1000) + " s");
         }

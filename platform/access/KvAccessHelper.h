@@ -14,7 +14,7 @@ namespace kv {
 struct TAccessHelperOptions
 {
     std::string Program;                            ///< The file to run.
-    /// How long it may keep silent while somebody waits for it. Damage makes the library run in circles.
+    /// How long somebody waits for progress. Damage makes the library run in circles.
     std::chrono::milliseconds Patience = std::chrono::seconds(30);
     /// Asked about ten times a second while somebody waits for it; false gives up. None: nobody is asked.
     std::function<bool()> Continue = {};
@@ -33,13 +33,15 @@ public:
     TAccessHelper(const TAccessHelperOptions& Options, const std::vector<std::string>& Arguments);
     TAccessHelper(const TAccessHelper&) = delete;
     TAccessHelper& operator=(const TAccessHelper&) = delete;
-    /// Ends the program if it still runs.
+    /// Ends the program if it still runs. It also ends with the thread that started it, however that ends.
     ~TAccessHelper();
 
     /// Waits for output, stores up to `Size` bytes of it and tells how many; 0 after the program ended well.
-    /// Raises EDatabaseError when it ended otherwise or kept silent for too long, and says how; with the rule
-    /// erCancelled when the options' Continue said no.
+    /// Raises EDatabaseError when it ended otherwise or the patience is at its end, and says how; with the
+    /// rule erCancelled when the options' Continue said no.
     std::size_t Receive(char* Bytes, std::size_t Size);
+    /// What has come is of use: patience begins anew. Bytes alone are no progress.
+    void NoteProgress() { Waited = {}; }
 
 private:
     void WaitForOutput();
@@ -50,6 +52,7 @@ private:
 
     const std::chrono::milliseconds Patience;
     const std::function<bool()> Continue;
+    std::chrono::steady_clock::duration Waited{};   // since the last progress
     pid_t Process = -1;                             // -1: has ended
     int Output = -1;                                // our end of the pipe
 };

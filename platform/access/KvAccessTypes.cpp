@@ -31,6 +31,17 @@ std::string_view NameOf(TAccessFieldType Type)
 
 } // namespace
 
+bool IsReadable(TAccessFieldType Type)
+{
+    return Type != afComplex && !NameOf(Type).empty();
+}
+
+std::string UnreadableType(TAccessFieldType Type)
+{
+    return Type == afComplex ? "attachments and multiple values cannot be read"
+                             : "values of type " + std::to_string(Type) + " cannot be read";
+}
+
 std::string AccessTypeText(const TAccessField& Field)
 {
     std::string Text(NameOf(Field.Type));

@@ -22,7 +22,7 @@ enum TAccessFieldType : std::uint8_t {
     afMemo = 12,                                    ///< Text without limit.
     afGuid = 15,
     afDecimal = 16,
-    afComplex = 18,                                 ///< Number of the values in a table of their own.
+    afComplex = 18,                                 ///< Attachments or several values, in other tables.
     afBigInt = 19                                   ///< 64 bits
 };
 
@@ -33,6 +33,11 @@ struct TAccessField
     std::uint32_t Size = 0;                         ///< Characters of texts, bytes of others; 0: no limit.
     std::uint8_t Precision = 0, Scale = 0;          ///< Of afDecimal: digits, and those after the point.
 };
+
+/// False for types whose values are always refused.
+bool IsReadable(TAccessFieldType Type);
+/// Why values of such a type are.
+std::string UnreadableType(TAccessFieldType Type);
 
 /// The type as Access names it, with its size: "Text (50)", "Decimal (18, 2)", "Long Integer".
 std::string AccessTypeText(const TAccessField& Field);

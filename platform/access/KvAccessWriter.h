@@ -41,6 +41,8 @@ public:
     void Bytes(std::string_view Value) { PutBytes(atBytes, Value); }
     void Refused(std::string_view Reason) { PutBytes(atRefused, Reason); }
     void EndRecord();
+    /// Hands over the records that were gathered: somebody waits for a sign of life.
+    void Flush() { FlushRecords(); }
     /// Takes back the values since the last EndRecord: the record turned out to be none.
     void DropRecord() { Records.resize(Complete); }
 

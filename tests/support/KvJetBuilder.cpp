@@ -65,6 +65,13 @@ TJetBuilder& TJetBuilder::Table(std::u16string_view Name, int ObjectType, std::u
     return *this;
 }
 
+TJetBuilder& TJetBuilder::LinksTo(std::u16string_view Database, std::u16string_view Name)
+{
+    Tables.back().Database = JetInline(Stored(Database));
+    Tables.back().ForeignName = Stored(Name);
+    return *this;
+}
+
 TJetBuilder& TJetBuilder::Field(std::u16string_view Name, TAccessFieldType Type, unsigned Size)
 {
     Tables.back().Fields.push_back({Stored(Name), Type, Size, 0, 0});
@@ -322,11 +329,12 @@ TJetBuilder::TTable TJetBuilder::Catalog(const std::vector<std::uint32_t>& Defin
     TTable Objects{.Name = Stored(u"MSysObjects"), .ObjectType = 1, .Flags = 0x80000000};
     Objects.Fields = {{Stored(u"Id"), afLong, 4, 0, 0}, {Stored(u"Name"), afText, 255, 0, 0},
                       {Stored(u"Type"), afInteger, 2, 0, 0}, {Stored(u"Flags"), afLong, 4, 0, 0},
-                      {Stored(u"LvProp"), afOle, 0, 0, 0}};
+                      {Stored(u"LvProp"), afOle, 0, 0, 0}, {Stored(u"Database"), afMemo, 0, 0, 0},
+                      {Stored(u"ForeignName"), afText, 255, 0, 0}};
     const auto Add = [&](const TTable& Table, std::uint32_t Page) {
         Objects.Rows.push_back(
             {Row({JetLong(Page), Table.Name, JetLong(Table.ObjectType, 2), JetLong(Table.Flags),
-                  std::nullopt}, Objects.Fields), 0, 0});
+                  std::nullopt, Table.Database, Table.ForeignName}, Objects.Fields), 0, 0});
     };
     Add(Objects, CatalogPage);
     for (std::size_t I = 0; I < Tables.size(); ++I)

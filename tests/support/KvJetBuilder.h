@@ -32,6 +32,8 @@ public:
 
     /// What follows is of this table.
     TJetBuilder& Table(std::u16string_view Name, int ObjectType = 1, std::uint32_t Flags = 0);
+    /// The last table is a link to the table `Name` of `Database`.
+    TJetBuilder& LinksTo(std::u16string_view Database, std::u16string_view Name);
     /// `Size` is that of texts and bytes. Records before it lack the field, as when it was added to the table
     /// later on.
     TJetBuilder& Field(std::u16string_view Name, TAccessFieldType Type, unsigned Size = 0);
@@ -80,6 +82,7 @@ private:
         std::vector<TField> Fields = {};
         std::vector<TRow> Rows = {};
         std::optional<std::uint32_t> Counted = {};
+        TValue Database = {}, ForeignName = {};     // of a link
     };
     using TPages = std::vector<std::string>;
 

@@ -8,6 +8,7 @@
 
 #include "KvCodePage.h"
 #include "KvException.h"
+#include "KvMdbLink.h"
 #include "KvText.h"
 #include "KvUtf8.h"
 
@@ -88,9 +89,25 @@ MdbCatalogEntry& TMdbFile::Table(std::string_view Name) const
     if (!Found)
         throw Exception("has no table " + std::string(Name));
     if (IsLinked(*Found))
-        throw Exception("its table " + std::string(Name) +
-                        " is a link to another database, which has to be opened itself");
+        throw Exception("its table " + std::string(Name) + " is a link to " + LinkTarget(*this, *Found) +
+                        ", which has to be opened itself");
     return *Found;
+}
+
+std::string CutNote(const std::string& FileName)
+{
+    constexpr std::int64_t Jet3PageSize = 2048, AcePageSize = 4096;
+    std::ifstream File(FileName, std::ios::binary);
+    char Start[VersionPosition + 1] = {};
+    File.read(Start, sizeof Start);
+    File.clear();
+    File.seekg(0, std::ios::end);
+    const auto Size = static_cast<std::int64_t>(File.tellg());
+    const std::int64_t Page = Start[VersionPosition] == MDB_VER_JET3 ? Jet3PageSize : AcePageSize;
+    if (Size <= 0 || Size % Page == 0)
+        return {};
+    return "; the file is cut off: its " + std::to_string(Size) + " bytes end within page " +
+           std::to_string(Size / Page);
 }
 
 bool TMdbFile::IsName(std::string_view Text)

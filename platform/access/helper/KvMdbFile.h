@@ -22,7 +22,8 @@ public:
     MdbHandle* Handle() const { return FHandle.get(); }
     /// Every object of the database: tables, queries, forms, ... Raises when a table has no name.
     std::vector<MdbCatalogEntry*> Objects() const;
-    /// The table of that name, without regard to the case of Latin letters. Raises when there is none.
+    /// The table of that name, without regard to the case of Latin letters. Raises when there is none, and
+    /// when it is only a link: then the file that has it is named.
     MdbCatalogEntry& Table(std::string_view Name) const;
 
     std::uint64_t Size() const { return FSize; }
@@ -45,5 +46,8 @@ private:
     std::uint64_t FSize;
     std::unique_ptr<MdbHandle, TClose> FHandle;
 };
+
+/// What to say of a database that is damaged when its file is cut off; else nothing.
+std::string CutNote(const std::string& FileName);
 
 } // namespace kv

@@ -1,6 +1,12 @@
 #include "KvMdbLimits.h"
 
+#include <poll.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
 
 namespace kv {
 
@@ -31,6 +37,14 @@ void LimitResources()
         Limit(RLIMIT_AS, MaxReaderMemory);
     Limit(RLIMIT_CORE, 0);
     GrantTime();
+}
+
+void EndWithParent()
+{
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    pollfd Answer{.fd = STDOUT_FILENO, .events = POLLOUT, .revents = 0};
+    if (::poll(&Answer, 1, 0) > 0 && (Answer.revents & POLLERR) != 0)
+        std::_Exit(EXIT_FAILURE);                   // it had ended before it was asked for
 }
 
 void GrantTime()

@@ -66,7 +66,7 @@ bool TMdbRows::NextPage()
         return false;
     if (Page >= Visited.size() || Visited[Page])
         RaiseDamaged("page " + std::to_string(Page) +
-                     (Page < Visited.size() ? " comes twice" : " is not there"));
+                     (Page < Visited.size() ? " comes twice" : " is not there, the file is cut off"));
     Visited[Page] = true;
     PageRows = static_cast<unsigned>(mdb_get_int16(Handle->pg_buf, Handle->fmt->row_count_offset));
     if (PageRows > File.PageSize() / sizeof(std::uint16_t))

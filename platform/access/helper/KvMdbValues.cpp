@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <iterator>
@@ -32,14 +33,29 @@ template <class T> T NumberOf(std::string_view Bytes)
     return LoadLittleEndian<T>(Bytes.data());
 }
 
-/// What a single-precision value shows: 0.1, not 0.10000000149011612.
-double ShownDouble(float Single)
+template <class T> T Finite(T Number)
 {
-    double Value = Single;
+    return std::isfinite(Number) ? Number : throw EFormatError("its number is not finite");
+}
+
+/// The double that is written as the number is: 0.1, where all digits of the float are 0.10000000149011612.
+double AsWritten(float Number)
+{
+    char Digits[32];
+    const auto Last = std::to_chars(std::begin(Digits), std::end(Digits), Number).ptr;
+    double Result = 0;
+    std::from_chars(Digits, Last, Result);
+    return Result;
+}
+
+double DaysOf(double Days)
+{
+    constexpr double FirstDay = -657434, DayAfterLast = 2958466; // years 100 to 9999, as Access has them
+    if (Days >= FirstDay && Days < DayAfterLast)
+        return Days;
     char Text[32];
-    const auto End = std::to_chars(std::begin(Text), std::end(Text), Single).ptr;
-    std::from_chars(Text, End, Value);
-    return Value;
+    const auto Last = std::to_chars(std::begin(Text), std::end(Text), Days).ptr;
+    throw EFormatError("day " + std::string(Text, Last) + " lies outside the years 100 to 9999");
 }
 
 /// As people write it: "{00020810-0000-0000-C000-000000000046}".
@@ -115,13 +131,13 @@ void TMdbValues::WriteValue(const MdbColumn& Column, const TMdbValue& Value)
     case afBoolean:  break;
     case afByte:     return Writer.Integer(NumberOf<std::uint8_t>(Bytes));
     case afInteger:  return Writer.Integer(NumberOf<std::int16_t>(Bytes));
-    case afLong:
-    case afComplex:  return Writer.Integer(NumberOf<std::int32_t>(Bytes));
+    case afLong:     return Writer.Integer(NumberOf<std::int32_t>(Bytes));
+    case afComplex:  throw Exception(UnreadableType(afComplex)); // its number leads to other tables
     case afBigInt:   return Writer.Integer(NumberOf<std::int64_t>(Bytes));
     case afCurrency: return Writer.Currency(NumberOf<std::int64_t>(Bytes));
-    case afSingle:   return Writer.Double(ShownDouble(NumberOf<float>(Bytes)));
-    case afDouble:   return Writer.Double(NumberOf<double>(Bytes));
-    case afDateTime: return Writer.DateTime(NumberOf<double>(Bytes));
+    case afSingle:   return Writer.Double(AsWritten(Finite(NumberOf<float>(Bytes))));
+    case afDouble:   return Writer.Double(Finite(NumberOf<double>(Bytes)));
+    case afDateTime: return Writer.DateTime(DaysOf(NumberOf<double>(Bytes)));
     case afBinary:   return Writer.Bytes(Bytes);
     case afText:     return WriteText(Bytes);
     case afMemo:     return WriteText(ReadLongValue(File, Bytes, LongValue));
@@ -129,7 +145,7 @@ void TMdbValues::WriteValue(const MdbColumn& Column, const TMdbValue& Value)
     case afGuid:     return Writer.Text(GuidText(Bytes));
     case afDecimal:  return WriteDecimal(Bytes, ScaleOf(Column));
     }
-    throw Exception("values of type " + std::to_string(Column.col_type) + " cannot be read");
+    throw Exception(UnreadableType(static_cast<TAccessFieldType>(Column.col_type)));
 }
 
 void TMdbValues::WriteCalculated(const MdbColumn& Column, const TMdbValue& Value)

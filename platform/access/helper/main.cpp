@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <iostream>
 #include <new>
@@ -58,6 +59,26 @@ void WriteTables(const std::string& FileName, TAccessWriter& Writer)
                                                    (TMdbFile::IsLinked(*Object) ? ttLinked : ttLocal)));
 }
 
+/// Hands records over that come slowly, though they are few: whoever waits for them counts records.
+class TSignsOfLife
+{
+public:
+    explicit TSignsOfLife(TAccessWriter& TheWriter) : Writer(TheWriter) {}
+
+    void Give()
+    {
+        const auto Now = std::chrono::steady_clock::now();
+        if (Now - Last < std::chrono::milliseconds(200))
+            return;
+        Writer.Flush();
+        Last = Now;
+    }
+
+private:
+    TAccessWriter& Writer;
+    std::chrono::steady_clock::time_point Last = std::chrono::steady_clock::now();
+};
+
 void WriteRecords(const std::string& FileName, std::string_view TableName, TAccessWriter& Writer)
 {
     const TMdbFile File(FileName);
@@ -66,8 +87,11 @@ void WriteRecords(const std::string& FileName, std::string_view TableName, TAcce
         Writer.Field(DescribeField(Rows.Column(I), File.IsUnicode()));
     Writer.Count(Rows.RecordCount());
     TMdbValues Values(File, Writer);
-    while (Rows.Next())
+    TSignsOfLife Signs(Writer);
+    while (Rows.Next()) {
         Values.WriteRecord(Rows);
+        Signs.Give();
+    }
 }
 
 void Answer(int Count, char** Arguments)
@@ -82,7 +106,7 @@ void Answer(int Count, char** Arguments)
         Writer.End();
     }
     catch (const EFormatError& Error) {
-        Writer.Damage(Error.Message);
+        Writer.Damage(Error.Message + CutNote(Arguments[2]));
     }
     catch (const Exception& Error) {
         Writer.Error(Error.Message);
@@ -108,6 +132,7 @@ int main(int Count, char** Arguments)
         std::cerr << "kvaccess reads Access databases for kvimport; it is not meant to be run by hand.\n";
         return kv::WrongUsage;
     }
+    kv::EndWithParent();
     kv::LimitResources();
     for (const char* const Variable : {"MDBOPTS", "MDBICONV", "MDB_JET3_CHARSET"})
         ::unsetenv(Variable);                       // settings of the library; text is to be UTF-8

@@ -52,14 +52,18 @@ protected:
     }
 
     /// All that a program says, and how it ended.
-    std::string Run(const std::string& Commands, std::chrono::milliseconds Patience = 30s) const
+    std::string Run(const std::string& Commands, std::chrono::milliseconds Patience = 30s,
+                    bool Progresses = true) const
     {
         std::string Said;
         try {
             TAccessHelper Helper({Script(Commands), Patience}, {"one", "two words"});
             char Bytes[7];
-            while (const auto Count = Helper.Receive(Bytes, sizeof Bytes))
+            while (const auto Count = Helper.Receive(Bytes, sizeof Bytes)) {
                 Said.append(Bytes, Count);
+                if (Progresses)
+                    Helper.NoteProgress();
+            }
         }
         catch (const EDatabaseError& Error) {
             Said += "[" + Error.Message + "]";
@@ -145,6 +149,13 @@ TEST_F(KvAccessHelper, PatienceEndsForWhoIsAskedToo)
 TEST_F(KvAccessHelper, WaitsForOneThatGoesOn)
 {
     EXPECT_EQ(Run("for I in 1 2 3 4; do sleep 0.4; printf $I; done", 1500ms), "1234");
+}
+
+TEST_F(KvAccessHelper, BytesAloneAreNoProgress)
+{
+    const auto Said = Run("while :; do sleep 0.2; printf .; done", 1s, false);
+    EXPECT_THAT(Said, testing::EndsWith("it made no progress for 1 s]"));
+    EXPECT_LT(Said.find('['), 7U);
 }
 
 TEST_F(KvAccessHelper, EndsWithItsOwner)

@@ -1,12 +1,20 @@
 // kvaccess as it is built, on files that are no databases. What it makes of real ones is compared with
 // other programs in tests/corpus.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
 #include <string>
+#include <thread>
 
 #include "KvAccessEngine.h"
+#include "KvAccessHelper.h"
 #include "KvException.h"
+#include "KvJetBuilder.h"
 #include "KvTempFolder.h"
 
 namespace kv {
@@ -66,6 +74,50 @@ TEST(KvAccessProgram, RefusesADatabaseThatIsCutOff)
         for (const std::size_t Size : {100, 2048, 4096, 8192, 16384})
             EXPECT_NE(MessageOfOpen(Folder.Write("a.mdb", Header(Version, Size))), "")
                 << int(Version) << " " << Size;
+}
+
+/// Whether the process has ended; what nobody has asked about stays a zombie.
+bool HasEnded(int Process)
+{
+    std::ifstream Status("/proc/" + std::to_string(Process) + "/stat");
+    std::string Number, Name, State;
+    Status >> Number >> Name >> State;
+    return State.empty() || State == "Z" || State == "X";
+}
+
+TEST(KvAccessProgram, EndsWithTheProcessThatStartedIt)
+{
+    const TTempFolder Folder;
+    TJetBuilder Builder;
+    Builder.Table(u"T").Field(u"F", afText, 200);
+    for (int I = 0; I < 20000; ++I)                 // more than fits into its pipe
+        Builder.Record({JetText(std::u16string(100, u'x'))});
+    const auto File = Folder.Write("a.mdb", Builder.Build());
+    int Numbers[2];
+    ASSERT_EQ(::pipe(Numbers), 0);
+    const auto Parent = ::fork();
+    if (Parent == 0) {
+        TAccessHelper Helper({KV_ACCESS_PROGRAM, std::chrono::seconds(30)}, {"records", File, "T"});
+        char Byte;
+        Helper.Receive(&Byte, 1);
+        std::ifstream Children("/proc/self/task/" + std::to_string(::getpid()) + "/children");
+        int Child = 0;
+        Children >> Child;
+        ::kill(Child, SIGSTOP);                     // it will not notice that nobody reads any more
+        ::write(Numbers[1], &Child, sizeof Child);
+        std::_Exit(0);
+    }
+    int Child = 0;
+    ASSERT_EQ(::read(Numbers[0], &Child, sizeof Child), static_cast<ssize_t>(sizeof Child));
+    ::waitpid(Parent, nullptr, 0);
+    ASSERT_GT(Child, 0);
+    for (int Try = 0; Try < 100 && !HasEnded(Child); ++Try)
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_TRUE(HasEnded(Child));
+    if (!HasEnded(Child))
+        ::kill(Child, SIGKILL);
+    ::close(Numbers[0]);
+    ::close(Numbers[1]);
 }
 
 } // namespace

@@ -125,6 +125,38 @@ TEST(KvMdbFile, ALinkIsNoTableOfThisDatabase)
               "its table Far is a link to another database, which has to be opened itself");
 }
 
+TEST(KvMdbFile, ALinkNamesTheFileThatHasTheTable)
+{
+    for (const unsigned Version : {TJetBuilder::Jet3, TJetBuilder::Jet4}) {
+        TJetBuilder Builder(Version);
+        Builder.Table(u"Orders").Field(u"Id", afLong);
+        Builder.Table(u"Other", Linked).LinksTo(u"C:\\other.mdb", u"Elsewhere");
+        Builder.Table(u"There", Linked).LinksTo(u"D:\\data\\shop.mdb", u"Orders");
+        EXPECT_EQ(MessageOfTable(Builder, "There"),
+                  "its table There is a link to table Orders of D:\\data\\shop.mdb, which has to be opened "
+                  "itself");
+    }
+}
+
+TEST(KvMdbFile, ACatalogThatIsALinkIsNotFollowed)
+{
+    auto Builder = Shop();
+    Builder.Table(u"MSysObjects", Linked);
+    EXPECT_EQ(MessageOfTable(Builder, "MSysObjects"), "");
+}
+
+TEST(KvMdbFile, AFileThatIsCutOffIsCalledSo)
+{
+    const TTempFolder Folder;
+    const auto Whole = Shop().Build();
+    EXPECT_EQ(CutNote(Folder.Write("a.mdb", Whole)), "");
+    EXPECT_EQ(CutNote(Folder.Write("a.mdb", Whole.substr(0, 8192 + 5))),
+              "; the file is cut off: its 8197 bytes end within page 2");
+    EXPECT_EQ(CutNote(Folder.Write("a.mdb", TJetBuilder(TJetBuilder::Jet3).Build().substr(0, 2048 + 7))),
+              "; the file is cut off: its 2055 bytes end within page 1");
+    EXPECT_EQ(CutNote(Folder / "none.mdb"), "");
+}
+
 TEST(KvMdbFile, ATableWithoutANameIsDamage)
 {
     EXPECT_EQ(MessageOf([] { TOpenFile(Shop().Table(u""))->Objects(); }),

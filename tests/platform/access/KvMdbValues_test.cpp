@@ -105,7 +105,9 @@ TEST(KvMdbValues, IntegersAreOfTheirWidth)
                 ElementsAre("integer -2147483648", "integer 2147483647"));
     EXPECT_THAT(ValuesOf(afBigInt, {JetLong(std::numeric_limits<std::int64_t>::min(), 8)}),
                 ElementsAre("integer -9223372036854775808"));
-    EXPECT_THAT(ValuesOf(afComplex, {JetLong(7)}), ElementsAre("integer 7"));
+    EXPECT_THAT(ValuesOf(afComplex, {JetLong(7), {}}),
+                ElementsAre("[record 1 of table T, field F: attachments and multiple values cannot be read]",
+                            "null"));
 }
 
 TEST(KvMdbValues, AmountsAreExact)
@@ -114,14 +116,28 @@ TEST(KvMdbValues, AmountsAreExact)
                 ElementsAre("currency 9223372036854775807", "currency -1"));
 }
 
-TEST(KvMdbValues, SinglePrecisionIsWhatItShows)
+TEST(KvMdbValues, ADayThatIsNoneIsRefused)
 {
-    EXPECT_THAT(ValuesOf(afSingle, {JetSingle(0.5F), JetSingle(-3e38F), JetSingle(0.1F), JetSingle(1.1F)}),
-                ElementsAre("double 0.5", "double -3E38", "double 0.1", "double 1.1"));
+    const auto None = [](int Record, const std::string& Day) {
+        return "[record " + std::to_string(Record) + " of table T, field F: day " + Day +
+               " lies outside the years 100 to 9999]";
+    };
+    EXPECT_THAT(ValuesOf(afDateTime, {JetDouble(-657434), JetDouble(2958465.5), JetDouble(1e10),
+                                      JetDouble(-657434.5), JetDouble(2958466)}),
+                ElementsAre("days -657434", "days 2958465.5", None(3, "1e+10"), None(4, "-657434.5"),
+                            None(5, "2958466")));
 }
 
-TEST(KvMdbValues, FloatingNumbersKeepTheirBits)
+TEST(KvMdbValues, FloatingNumbersAreThoseThatWereWritten)
 {
+    EXPECT_THAT(ValuesOf(afSingle,
+                         {JetSingle(0.5F), JetSingle(-3e38F), JetSingle(0.1F), JetSingle(16777216)}),
+                ElementsAre("double 0.5", "double -3E38", "double 0.1", "double 16777216"));
+    constexpr auto Infinity = std::numeric_limits<double>::infinity();
+    EXPECT_THAT(ValuesOf(afSingle, {JetSingle(static_cast<float>(Infinity))}),
+                ElementsAre("[record 1 of table T, field F: its number is not finite]"));
+    EXPECT_THAT(ValuesOf(afDouble, {JetDouble(-Infinity)}),
+                ElementsAre("[record 1 of table T, field F: its number is not finite]"));
     EXPECT_THAT(ValuesOf(afDouble, {JetDouble(0.1), JetDouble(-1e300)}),
                 ElementsAre("double 0.1", "double -1E300"));
 }
