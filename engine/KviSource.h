@@ -119,21 +119,31 @@ enum TKvISourceRemarkKind {
     /// Count values are 8-bit text, not ASCII, of which the source does not name the code page.
     srOldText,
     /// The file holds its table twice, and only the older form, which may lack characters, can be read:
-    /// Text tells why.
+    /// Reason tells why.
     srOlderWorkbook,
-    /// The file calls its encoding Text, which nobody knows: its text is taken as if it said nothing.
+    /// The file calls its encoding Name, which nobody knows: its text is taken as if it said nothing.
     srUnknownEncoding,
-    /// Not all of its text is of the encoding Text, which it declares or UTF-8 is; values that are none are
+    /// Not all of its text is of the encoding Name, which it declares or UTF-8 is; values that are none are
     /// taken for the legacy code page.
     srForeignText,
-    /// Bytes have no meaning in the encoding Text: records that need them are refused.
+    /// Bytes have no meaning in the encoding Name: records that need them are refused.
     srUndefinedBytes,
     /// The file ends inside a table, as one does that was cut off.
     srCutOff,
     /// Count records are no more than a log of changes: others have replaced them, or they are deleted.
     srReplacedRecords,
     /// Count elements inside records are no values: they hold elements, or come twice.
-    srElementsLeftOut
+    srElementsLeftOut,
+    /// Text beyond ASCII, first in row First, is of no code page that the source names.
+    srTextOfNoPage,
+    srColumnLeftOut,                                ///< Column Name cannot be read: Reason.
+    srBytesLeftOut,                                 ///< Count bytes of each row belong to no column.
+    /// Count rows stand behind the Limit that the source counts, and are not read.
+    srRowsBeyondCount,
+    /// Count rows are whole of the Limit that the source counts: Reason.
+    srRowsMissing,
+    /// Numbers of Count rows, the first being First, had no room where they stand and are read as null.
+    srNumbersLost
 };
 
 struct TKvISourceRemark
@@ -144,7 +154,7 @@ struct TKvISourceRemark
     /// With srFewerValues and srMoreValues the row that is compared with.
     std::int64_t Limit = 0;
     bool HasHeader = false;                         ///< That row is a header.
-    std::string Text = {};                          ///< In the process's code page.
+    std::string Name = {}, Reason = {};             ///< In the process's code page.
 };
 
 /// What to look at.

@@ -58,7 +58,7 @@ TJobFinding FindingOf(const TKvISourceRemark& Remark)
         return jfSeveralTables;
     };
     return {.Kind = Kind(),
-            .Value = ToDisplay(Remark.Text),
+            .Value = ToDisplay(Remark.Name),
             .Was = Remark.Kind == srForeignText ? LegacyCodePage() : std::string(),
             .Number = Remark.First,
             .Count = Remark.Count,

@@ -37,6 +37,7 @@ void TKvAccessSession::Open(const std::string& TableName, const std::string& Fil
     Close(true);
     FEngine = NewEngine();
     FEngine->SetContinue(Continue);
+    FEngine->SetPatience(Patience);
     FDatabase = FEngine->OpenDatabase(FileName);
     FFileName = FileName;
     if (!TableName.empty())

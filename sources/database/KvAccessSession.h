@@ -1,6 +1,7 @@
 // KvAccessSession - an Access database open through an automation engine, with a table of it.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -19,7 +20,7 @@ public:
 
     /// Opens the database with engine "DAO.DBEngine.36", or with "DAO.DBEngine.35" where there is none, and a
     /// recordset on the table; none when `TableName` is empty. What was open before is closed first.
-    /// `Continue` is as TAccessEngine::SetContinue has it.
+    /// `Continue` is as TAccessEngine::SetContinue has it, and so is Patience.
     void Open(const std::string& TableName, const std::string& FileName,
               const std::function<bool()>& Continue = {});
     /// The same, but what of it is open already stays so: the database, and its recordset where that is on
@@ -28,6 +29,8 @@ public:
                     const std::function<bool()>& Continue = {});
     /// Closes the database, after its recordset when `CloseRecordset` is true, and forgets both.
     void Close(bool CloseRecordset);
+
+    std::chrono::milliseconds Patience = std::chrono::seconds(30);
 
     bool IsOpen() const { return FDatabase != nullptr; }
     TAccessDatabase& Database() { return *FDatabase; }

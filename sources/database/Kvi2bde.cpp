@@ -32,6 +32,30 @@ TVariant WithSeparator(const TVariant& Digits, char Separator)
     return Text;
 }
 
+std::vector<TKvISourceRemark> RemarksOf(const TTable& Table)
+{
+    const auto KindOf = [](TKvTableRemarkKind Kind) {
+        switch (Kind) {
+        case trNoCodePage:     return srTextOfNoPage;
+        case trFieldLeftOut:   return srColumnLeftOut;
+        case trBytesLeftOut:   return srBytesLeftOut;
+        case trRecordsBeyond:  return srRowsBeyondCount;
+        case trRecordsMissing: return srRowsMissing;
+        case trNumbersLost:    break;
+        }
+        return srNumbersLost;
+    };
+    std::vector<TKvISourceRemark> Result;
+    for (const auto& Remark : Table.Remarks())
+        Result.push_back({.Kind = KindOf(Remark.Kind),
+                          .Count = Remark.Count,
+                          .First = Remark.First,
+                          .Limit = Remark.Limit,
+                          .Name = Remark.Name,
+                          .Reason = Remark.Reason});
+    return Result;
+}
+
 std::string ListFields(const TDataSet& Table, TStrings* Columns)
 {
     std::string List;
@@ -96,6 +120,7 @@ void TKvImportFromBDE::PrepareTable(const TDataSet* Destination)
     else
         Table = std::make_unique<TTable>();
     Columns.Clear();
+    Remarks.clear();
     IsForLook = GivenUp = false;
     Table->TableName = SourceFileName;
     Table->TableType = TypeOfTable();
@@ -121,14 +146,29 @@ void TKvImportFromBDE::BeforeImport()
 
 void TKvImportFromBDE::AfterImport()
 {
+    CloseTable();
+}
+
+/// What was odd about it can still be asked for.
+void TKvImportFromBDE::CloseTable()
+{
+    if (Table && Table->Active())
+        Remarks = RemarksOf(*Table);
     Table.reset();
+}
+
+std::vector<TKvISourceRemark> TKvImportFromBDE::SourceRemarks() const
+{
+    return Table && Table->Active() ? RemarksOf(*Table) : Remarks;
 }
 
 void TKvImportFromBDE::GoFirst()
 {
+    const bool KeepsToRows = Extensions.Contains(xbKeepsToRows);
+    Table->LastRecord = KeepsToRows ? RowLast : 0;  // what is wrong with those behind it does not matter
     Table->Open();
     Table->First();
-    if (!Extensions.Contains(xbKeepsToRows))
+    if (!KeepsToRows)
         return;
     for (int Skipped = 1; !Table->Eof() && Table->RecNo() < RowFirst && !GivenUp; ++Skipped) {
         Table->Next();
@@ -143,7 +183,7 @@ void TKvImportFromBDE::GoNext()
 
 bool TKvImportFromBDE::NeedMore()
 {
-    return !GivenUp && !Table->Eof() && (!Extensions.Contains(xbKeepsToRows) || Table->RecNo() <= RowLast);
+    return !GivenUp && !Table->Eof();
 }
 
 int TKvImportFromBDE::GetTotalCount()
@@ -291,13 +331,13 @@ std::vector<TKvISourceColumn> TKvImportFromBDE::SourceColumns(int)
 void TKvImportFromBDE::AfterLook()
 {
     if (!IsForLook)
-        Table.reset();
+        CloseTable();
 }
 
 void TKvImportFromBDE::EndLook()
 {
     if (std::exchange(IsForLook, false))
-        Table.reset();
+        CloseTable();
 }
 
 // Routines without a component.

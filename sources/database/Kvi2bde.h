@@ -22,8 +22,9 @@ enum TKvITableExtension {
     /// A run without mappings opens the table and takes its fields into those of the same name. Without it
     /// such a run fails before its first record: a table that is not open yet knows no fields.
     xbOpensForMapping,
-    /// RowFirst and RowLast are the numbers of the first and last record to import, deleted ones counted.
-    /// Without it all are imported, and both only shape the count that is expected.
+    /// RowFirst and RowLast are the numbers of the first and last record to import, deleted ones counted;
+    /// damage behind the last one does not matter. Without it all are imported, and both only shape the count
+    /// that is expected.
     xbKeepsToRows
 };
 using TKvITableExtensions = TSet<TKvITableExtension>;
@@ -52,6 +53,7 @@ public:
     /// The values of all fields; null for one that cannot be read.
     TVariant SourceRecord() override;
     void EndLook() override;
+    std::vector<TKvISourceRemark> SourceRemarks() const override;
     TKvISourceName ResolveName(const std::string& Wanted,
                                const std::vector<TKvISourceColumn>& Shown) const override;
     std::optional<bool> NamesColumn(const std::string& Source) override;
@@ -82,6 +84,7 @@ private:
     TTableType TypeOfTable() const;
     bool TranslatesText() const { return CharacterSet != csiASCII_MSDOS; }
     void PrepareTable(const TDataSet* Destination);
+    void CloseTable();
     bool IsKept() const;
     bool HasRecord() const;
     bool IsCutFrom(std::string_view FieldName, std::string_view Column) const;
@@ -90,6 +93,7 @@ private:
 
     std::unique_ptr<TTable> Table;
     TKvSourceColumns<TField*> Columns;              // none: no such field
+    std::vector<TKvISourceRemark> Remarks;          // on the table that was open last
     bool IsForLook = false;                         // the table is open
     bool GivenUp = false;                           // the user has cancelled before the first record
 };

@@ -1,5 +1,7 @@
 #include "Kvi2ole.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -13,7 +15,8 @@ namespace kv {
 
 namespace {
 
-constexpr std::string_view ExtensionNames[] = {"xaOpensForMapping", "xaSkipsToRowFirst"};
+constexpr std::string_view ExtensionNames[] = {"xaOpensForMapping", "xaSkipsToRowFirst",
+                                               "xaUnreadableValues"};
 
 constexpr char MsgNotSpecified[] = "Property %s wasn't specified.";
 constexpr char MsgCancelled[] = ": reading was canceled by user";
@@ -69,12 +72,24 @@ std::vector<TKvISourceColumn> ColumnsOf(const TAccessRecordset& Recordset)
 /// The import with what a preview needs of a look.
 struct TPreviewOfAccess final : TKvImportFromAccess
 {
-    using TKvImportFromAccess::FieldValue;
     using TKvImportFromAccess::GoFirst;
     using TKvImportFromAccess::GoNext;
     using TKvImportFromAccess::NeedMore;
     using TKvImportFromAccess::OpenForLook;
     using TKvImportFromAccess::SourceColumns;
+
+    /// Of the current record; null where it cannot be read, if the extensions have it so.
+    TVariant ShownValue(const std::string& Column)
+    {
+        try {
+            return GetFieldValue(Column);
+        }
+        catch (const EDatabaseError&) {
+            if (!Extensions.Contains(xaUnreadableValues))
+                throw;
+            return Null;
+        }
+    }
 };
 
 } // namespace
@@ -91,6 +106,7 @@ TPublishedProperties TKvImportFromAccess::PublishedProperties() const
     using T = TKvImportFromAccess;
     return PublishAfter(TKvImportFromFile::PublishedProperties(),
                         {AsPlace(Publish("TableName", &T::TableName)),
+                         Publish("Patience", &T::Patience),
                          Publish("Extensions", &T::Extensions, ExtensionNames)});
 }
 
@@ -115,7 +131,7 @@ void TKvImportFromAccess::DetectAutoMapping()
     EndLook();                                      // what a look has opened is no help to a run
     const bool Opens = Extensions.Contains(xaOpensForMapping);
     if (Opens)
-        Session->Open(TableName, SourceFileName, Continue());
+        OpenSession(TableName, false);
     else if (!Session->Holds(TableName, SourceFileName)) // a failed run may have left it open
         throw Exception(SourceFileName + ": table " + TableName +
                             " is not open yet, so that its fields are not known; mappings are needed",
@@ -149,16 +165,33 @@ template <class TAct> void TKvImportFromAccess::UnlessCancelled(TAct Act)
     }
 }
 
-std::function<bool()> TKvImportFromAccess::Continue() const
+/// What is open already may stay so where it `MayKeep`.
+void TKvImportFromAccess::OpenSession(const std::string& Table, bool MayKeep)
 {
-    return [this] { return KeepsRunning(); };
+    const auto Continue = [this] { return KeepsRunning(); };
+    Remarks.clear();
+    Session->Patience = std::chrono::seconds(Patience);
+    if (MayKeep)
+        Session->OpenOrKeep(Table, SourceFileName, Continue);
+    else
+        Session->Open(Table, SourceFileName, Continue);
+    if (Session->Recordset() && Extensions.Contains(xaUnreadableValues))
+        NoteUnreadable();
+}
+
+void TKvImportFromAccess::NoteUnreadable()
+{
+    for (const auto& Field : Session->Recordset()->Fields())
+        if (!IsReadable(Field.Type))
+            Remarks.push_back(
+                {.Kind = srColumnLeftOut, .Name = Field.Name, .Reason = UnreadableType(Field.Type)});
 }
 
 void TKvImportFromAccess::BeforeImport()
 {
     Columns.Clear();
     IsForLook = false;
-    UnlessCancelled([this] { Session->Open(TableName, SourceFileName, Continue()); });
+    UnlessCancelled([this] { OpenSession(TableName, false); });
 }
 
 void TKvImportFromAccess::AfterImport()
@@ -195,7 +228,9 @@ TKvISourcePosition TKvImportFromAccess::SourcePosition() const
 void TKvImportFromAccess::GoNext()
 {
     ++CurrentRow;
-    UnlessCancelled([this] { Session->Recordset()->MoveNext(); });
+    // What is wrong with records that nobody wants does not matter.
+    if (!Extensions.Contains(xaUnreadableValues) || WantsMoreThan(CurrentRow))
+        UnlessCancelled([this] { Session->Recordset()->MoveNext(); });
 }
 
 bool TKvImportFromAccess::NeedMore()
@@ -207,6 +242,20 @@ bool TKvImportFromAccess::NeedMore()
 int TKvImportFromAccess::GetTotalCount()
 {
     return Session->Recordset() ? Session->Recordset()->RecordCount() : TKvImportFromFile::GetTotalCount();
+}
+
+bool TKvImportFromAccess::LoadRecord()
+{
+    try {
+        return TKvImportFromFile::LoadRecord();
+    }
+    catch (const EDatabaseError& Error) {
+        const bool IsOfValue = Error.Facts.FileName == SourceFileName && !Error.Facts.Field.empty();
+        if (!IsOfValue || !Extensions.Contains(xaUnreadableValues))
+            throw;
+        RecordFailed(Error);
+        return false;
+    }
 }
 
 TVariant TKvImportFromAccess::FieldValue(int Field)
@@ -245,10 +294,7 @@ TVariant TKvImportFromAccess::SourceRecord()
 void TKvImportFromAccess::OpenForLook(const std::string& Table)
 {
     Columns.Clear();
-    if (IsForLook)
-        Session->OpenOrKeep(Table, SourceFileName, Continue());
-    else
-        Session->Open(Table, SourceFileName, Continue()); // a failed run may have left it open
+    OpenSession(Table, IsForLook);                  // a failed run may have left it open
     IsForLook = true;
 }
 
@@ -261,7 +307,12 @@ void TKvImportFromAccess::BeforeLook(const TKvISourceLook&)
 
 std::vector<TKvISourceColumn> TKvImportFromAccess::SourceColumns(int)
 {
-    return ColumnsOf(*Session->Recordset());
+    auto Result = ColumnsOf(*Session->Recordset());
+    if (Extensions.Contains(xaUnreadableValues))
+        std::erase_if(Result, [this](const TKvISourceColumn& Column) {
+            return std::ranges::count(Remarks, Column.Name, &TKvISourceRemark::Name) > 0;
+        });
+    return Result;
 }
 
 void TKvImportFromAccess::AfterLook()
@@ -362,7 +413,7 @@ void LoadAccessPreview(TPersistent* Sender, const std::string& TableName, const 
     for (int Row = 1; Row <= PreviewRows && Import.NeedMore(); ++Row) {
         auto Values = TVariant::Array(0, Count - 1);
         for (int I = 0; I < Count; ++I)
-            Values[I] = Import.FieldValue(I);
+            Values[I] = Import.ShownValue(Shown[static_cast<std::size_t>(I)].Name);
         Callback(Sender, Count, Row, Flag, Values);
         Import.GoNext();
     }

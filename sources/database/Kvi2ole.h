@@ -24,7 +24,11 @@ enum TKvIAccessExtension {
     xaOpensForMapping,
     /// RowFirst and RowLast are the numbers of the first and last record to import. Without it the run begins
     /// with the table's first record, and they only say how many it takes.
-    xaSkipsToRowFirst
+    xaSkipsToRowFirst,
+    /// What cannot be read costs no more than itself: a record with such a value is an error of that record,
+    /// and a field whose type cannot be read is no column, which SourceRemarks() tells. Without it such a
+    /// value ends the run.
+    xaUnreadableValues
 };
 using TKvIAccessExtensions = TSet<TKvIAccessExtension>;
 
@@ -44,12 +48,14 @@ public:
 
     std::string TableName;                          ///< In the database.
 
+    int Patience = 30;                              ///< Seconds that a run waits for the next records.
     TKvIAccessExtensions Extensions;
 
     TKvISourcePosition SourcePosition() const override;
     /// The values of all fields; null for one that cannot be read.
     TVariant SourceRecord() override;
     void EndLook() override;
+    std::vector<TKvISourceRemark> SourceRemarks() const override { return Remarks; }
     std::vector<TKvISourcePart> SourceParts() override;
     void SelectPart(int Index, const TKvISourcePart& Part) override;
     std::optional<bool> NamesColumn(const std::string& Source) override;
@@ -66,6 +72,7 @@ protected:
     void GoFirst() override;
     int GetTotalCount() override;
     bool NeedMore() override;
+    bool LoadRecord() override;
     TVariant GetFieldValue(const TVariant& Source) override;
     void GoNext() override;
     void AfterImport() override;
@@ -80,12 +87,14 @@ protected:
 
 private:
     template <class TAct> void UnlessCancelled(TAct Act);
-    std::function<bool()> Continue() const;
+    void OpenSession(const std::string& Table, bool MayKeep);
+    void NoteUnreadable();
     TKvISourcePart Describe(const std::string& Table);
 
     const std::unique_ptr<TKvAccessSession> Session; // open from BeforeImport to AfterImport, and by a look
     int CurrentRow = 0;                             // from 0
     TKvSourceColumns<int> Columns;                  // fields from 0; -1: no such field
+    std::vector<TKvISourceRemark> Remarks;          // on the table that was opened last
     bool IsForLook = false;                         // the session is open
 };
 

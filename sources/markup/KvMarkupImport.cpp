@@ -141,7 +141,7 @@ void TKvImportFromMarkup::RemarkEncoding(std::string_view Label)
     if (!Loaded->Finder)
         return;
     const auto Add = [this](TKvISourceRemarkKind Kind, std::string_view Encoding) {
-        EncodingRemarks.push_back({.Kind = Kind, .Text = std::string(Encoding)});
+        EncodingRemarks.push_back({.Kind = Kind, .Name = std::string(Encoding)});
     };
     if (!Label.empty() && File.Encoding().empty())
         Add(srUnknownEncoding, Label);

@@ -129,7 +129,7 @@ void TMSExcel::ReadNewest(const TKvStorage& Storage)
             throw;
         Sheets.Clear();
         ReadStream(Storage, Older->Name);
-        Remarks.push_back({.Kind = srOlderWorkbook, .Text = Error.Message});
+        Remarks.push_back({.Kind = srOlderWorkbook, .Reason = Error.Message});
     }
 }
 

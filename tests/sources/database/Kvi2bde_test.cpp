@@ -278,12 +278,12 @@ TEST(Kvi2bde, AMissingFileFailsTheRunAndIsNamed)
 TEST(Kvi2bde, AValueThatCannotBeReadIsAnErrorOfItsRecord)
 {
     TTableImport Import(TDbaseBuilder().Field("NAME", 'C', 10).Field("QTY", 'N', 5).Record({"Ada", "    3"})
-                            .Record({"Bob", "*****"}).Record({"Cy", "    5"}));
+                            .Record({"Bob", "1****"}).Record({"Cy", "    5"}));
     TLines Errors;
     Import.OnErrorEvent = [&](auto&, const Exception& Error, bool&) { Errors.push_back(Error.Message); };
     EXPECT_THAT(Import.Run(), ElementsAre("Ada|3", "Cy|5"));
     EXPECT_THAT(Errors, ElementsAre("File \"" + Import.SourceFileName +
-                                    "\", record 2, field 'QTY': '*****' is no number"));
+                                    "\", record 2, field 'QTY': '1****' is no number"));
     EXPECT_EQ(Import.Statistic.TotalImported, 3);
     EXPECT_EQ(Import.Statistic.TotalAdded, 2);
     EXPECT_EQ(Import.Statistic.TotalErrors, 1);
@@ -291,17 +291,17 @@ TEST(Kvi2bde, AValueThatCannotBeReadIsAnErrorOfItsRecord)
 
 TEST(Kvi2bde, AnErrorOfARecordMayEndTheRun)
 {
-    TTableImport Import(TDbaseBuilder().Field("NAME", 'C', 10).Field("QTY", 'N', 5).Record({"Ada", "*****"})
+    TTableImport Import(TDbaseBuilder().Field("NAME", 'C', 10).Field("QTY", 'N', 5).Record({"Ada", "1****"})
                             .Record({"Bob", "    5"}));
     Import.OnErrorEvent = [](auto&, const Exception&, bool& Abort) { Abort = true; };
     EXPECT_THAT(Import.Run(irFailed), IsEmpty());
     EXPECT_EQ(Import.Statistic.TotalErrors, 1);
-    EXPECT_THAT(Import.ErrorMessage(), HasSubstr("record 1, field 'QTY': '*****' is no number"));
+    EXPECT_THAT(Import.ErrorMessage(), HasSubstr("record 1, field 'QTY': '1****' is no number"));
 }
 
 TEST(Kvi2bde, WithoutAHandlerErrorsOfRecordsAreCounted)
 {
-    TTableImport Import(TDbaseBuilder().Field("QTY", 'N', 5).Record({"*****"}).Record({"    5"}));
+    TTableImport Import(TDbaseBuilder().Field("QTY", 'N', 5).Record({"1****"}).Record({"    5"}));
     Import.SetMappings({"Qty=QTY"});
     EXPECT_THAT(Import.Run(), ElementsAre("|5"));
     EXPECT_EQ(Import.Statistic.TotalErrors, 1);
@@ -310,9 +310,70 @@ TEST(Kvi2bde, WithoutAHandlerErrorsOfRecordsAreCounted)
 
 TEST(Kvi2bde, AFieldThatIsNotMappedIsNotRead)
 {
-    TTableImport Import(TDbaseBuilder().Field("NAME", 'C', 10).Field("QTY", 'N', 5).Record({"Ada", "*****"}));
+    TTableImport Import(TDbaseBuilder().Field("NAME", 'C', 10).Field("QTY", 'N', 5).Record({"Ada", "1****"}));
     Import.SetMappings({"Name=NAME"});
     EXPECT_THAT(Import.Run(), ElementsAre("Ada|"));
+}
+
+TEST(Kvi2bde, NumbersThatHadNoRoomAreEmptyAndRemarkedOn)
+{
+    TTableImport Import(TDbaseBuilder().Field("NAME", 'C', 10).Field("QTY", 'N', 5).Record({"Ada", "    3"})
+                            .Record({"Bob", "*****"}).Record({"Cy", "*****"}));
+    EXPECT_THAT(Import.Run(), ElementsAre("Ada|3", "Bob|", "Cy|"));
+    ASSERT_EQ(Import.SourceRemarks().size(), 1U);
+    EXPECT_EQ(Import.SourceRemarks()[0].Kind, srNumbersLost);
+    EXPECT_EQ(Import.SourceRemarks()[0].Count, 2);
+    EXPECT_EQ(Import.SourceRemarks()[0].First, 2);
+}
+
+TEST(Kvi2bde, WhatTheTableSaysOfItselfIsRemarkedOn)
+{
+    auto Table = TDbaseBuilder().Field("NAME", 'C', 10).Field("X", 'X', 4).Field("QTY", 'N', 5);
+    Table.Record({"K\x94ln", "", "    3"}).Record({"Cy", "", "    4"});
+    TTableImport Import;
+    auto Bytes = Table.Build();
+    Bytes[4] = 1;
+    Import.Folder.Write("people.dbf", Bytes);
+    const auto RemarksOf = [&Import] {
+        TLines Lines;
+        for (const auto& Each : Import.SourceRemarks())
+            Lines.push_back(std::to_string(Each.Kind) + " " + std::to_string(Each.Count) + " " +
+                            std::to_string(Each.First) + " " + std::to_string(Each.Limit) + " " + Each.Name +
+                            " " + Each.Reason);
+        return Lines;
+    };
+    const auto Expected = ElementsAre(
+        std::to_string(srTextOfNoPage) + " 0 1 0  ",
+        std::to_string(srColumnLeftOut) + " 0 0 0 X field 2 has the unknown type 'X'",
+        std::to_string(srRowsBeyondCount) + " 1 0 1  ");
+    EXPECT_THAT(RemarksOf(), IsEmpty());
+    Import.Look({});
+    EXPECT_THAT(RemarksOf(), Expected);
+    Import.EndLook();
+    EXPECT_THAT(RemarksOf(), Expected) << "still those of the look";
+    EXPECT_THAT(Import.Run(), ElementsAre("K\x94ln|3"));
+    EXPECT_THAT(RemarksOf(), Expected);
+}
+
+TEST(Kvi2bde, KeepsToRowsTakesWhatACutTableStillHolds)
+{
+    const auto Whole = Numbers(5).Build();
+    TTableImport Import;
+    Import.SetMappings({"Qty=NO"});
+    Import.Folder.Write("people.dbf", Whole.substr(0, Whole.size() - 4));
+    Import.Extensions = {xbKeepsToRows};
+    Import.RowLast = 4;
+    EXPECT_THAT(Import.Run(), ElementsAre("|1", "|2", "|3", "|4"));
+    ASSERT_EQ(Import.SourceRemarks().size(), 1U);
+    EXPECT_EQ(Import.SourceRemarks()[0].Kind, srRowsMissing);
+    EXPECT_EQ(Import.SourceRemarks()[0].Count, 4);
+    EXPECT_EQ(Import.SourceRemarks()[0].Limit, 5);
+    Import.RowLast = 5;
+    Import.Run(irFailed);
+    EXPECT_THAT(Import.ErrorMessage(), HasSubstr("ends after record 4 of 5"));
+    Import.Extensions = {};
+    Import.RowLast = 4;
+    Import.Run(irFailed);
 }
 
 // --- Texts and digits --------------------------------------------------------------------------------
@@ -350,6 +411,15 @@ TEST(Kvi2bde, DigitsThatOnlyTextHoldsAreReadWithTheSeparatorsOfTheRun)
         Import.DataFormats.DecimalSeparator = Decimal;
         Import.DataFormats.ThousandSeparator = Thousand;
     }
+}
+
+TEST(Kvi2bde, FloatsKeepMoreDigitsThanADoubleHas)
+{
+    TTableImport Import(TDbaseBuilder().Field("NAME", 'F', 20, 6).Field("QTY", 'F', 18)
+                            .Record({"-123456789012.345678", "    12345678901234567"}));
+    Import.To.SetFieldDefs({{.Name = "Name"}, {.Name = "Qty", .DataType = ftLargeint}});
+    Import.To.Open();
+    EXPECT_THAT(Import.Run(), ElementsAre("-123456789012.345678|12345678901234567"));
 }
 
 TEST(Kvi2bde, AmountsKeepTheirDigits)
@@ -441,6 +511,7 @@ TEST(Kvi2bde, OpensForMappingFindsFieldsByTheirNames)
     Import.Mappings().Clear();
     Import.DetectAutoMapping();
     EXPECT_THAT(LinesOf(Import.Mappings()), ElementsAre("Name=Name", "Qty=Qty"));
+    EXPECT_EQ(Import.SourceTable(), nullptr) << "it lets go of the table";
     Import.Mappings().Clear();
     EXPECT_THAT(Import.Run(), ElementsAre("Ada|3", "Cy|", "Dee|5"));
     EXPECT_TRUE(Import.Mappings().IsEmpty());
@@ -601,6 +672,20 @@ TEST(Kvi2bdeLook, OpensTheTableOnceForAllLooksAndARunOpensItAnew)
     Import.SetMappings({"Qty=NO"});
     EXPECT_THAT(Import.Run(), ElementsAre("|1", "|2", "|3", "|4", "|5"));
     EXPECT_EQ(Import.SourceTable(), nullptr);
+}
+
+TEST(Kvi2bdeLook, EveryLookBeginsWithTheFirstRecord)
+{
+    TTableImport Import(Numbers(5));
+    const TLines All{"1:|1", "2:|2", "3:|3", "4:|4", "5:|5"};
+    EXPECT_EQ(RowsIn(Import.Look({})), All);
+    EXPECT_EQ(RowsIn(Import.Look({})), All);
+    Import.Extensions = {xbKeepsToRows};
+    Import.RowFirst = 2;
+    Import.RowLast = 3;
+    EXPECT_THAT(RowsIn(Import.Look({})), ElementsAre("2:|2", "3:|3"));
+    Import.RowLast = 4;
+    EXPECT_THAT(RowsIn(Import.Look({})), ElementsAre("2:|2", "3:|3", "4:|4"));
 }
 
 TEST(Kvi2bdeLook, ALookHelpsNoRunThatHasNoMappings)

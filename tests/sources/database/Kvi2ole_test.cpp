@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -37,6 +38,9 @@ struct TFakeDatabase
     std::map<std::string, TFakeTable> Tables;
     TLines Log;
     bool FailsAtSecondRow = false;
+    int RefusesAtRow = -1;                          // the value of field 1
+    std::size_t EndsAt = 1000;                      // the move there fails
+    std::chrono::milliseconds Patience{};
     bool KeepsWaiting = false;                      // until somebody gives up
     std::string Gone;                               // a table that is listed and not there
 };
@@ -51,6 +55,9 @@ public:
     {
         if (Fake.FailsAtSecondRow && Row == 1)
             throw EDatabaseError("record 2 is damaged");
+        if (Fake.RefusesAtRow == static_cast<int>(Row) && Index == 1)
+            throw EDatabaseError("shop.mdb: it cannot be read",
+                                 {.FileName = "shop.mdb", .Place = "record 3", .Field = "CITY"});
         return TVariant(std::as_const(Table.Rows[Row][static_cast<std::size_t>(Index)]));
     }
     void MoveFirst() override
@@ -58,7 +65,11 @@ public:
         Fake.Log.push_back("MoveFirst");
         Row = 0;
     }
-    void MoveNext() override { ++Row; }
+    void MoveNext() override
+    {
+        if (++Row == Fake.EndsAt)
+            throw EDatabaseError("shop.mdb: damaged", {.FileName = "shop.mdb"});
+    }
     bool Eof() const override { return Row >= Table.Rows.size(); }
     int RecordCount() override { return static_cast<int>(Table.Rows.size()); }
     void Close() override { Fake.Log.push_back("Recordset.Close"); }
@@ -111,6 +122,7 @@ public:
         return std::make_unique<TFakeOpenDatabase>(Fake);
     }
 
+    void SetPatience(std::chrono::milliseconds Value) override { Fake.Patience = Value; }
     void SetContinue(std::function<bool()> Value) override { Continue = std::move(Value); }
 
 private:
@@ -222,6 +234,8 @@ TEST_F(Kvi2ole, PublishesWhatItAdds)
     SetPropValue(Import, "SourceFileName", "a.mdb");
     SetPropValue(Import, "RowFirst", 2);
     SetPropValue(Import, "RowLast", 3);
+    SetPropValue(Import, "Patience", 7);
+    EXPECT_EQ(Import.Patience, 7);
     EXPECT_EQ(Import.TableName, "Customers");
     EXPECT_EQ(Import.SourceFileName, "a.mdb");
     EXPECT_EQ(Import.RowFirst, 2);
@@ -396,6 +410,73 @@ TEST_F(Kvi2ole, AValueThatCannotBeReadEndsTheRun)
     EXPECT_EQ(Import.Statistic.Result, irFailed);
     EXPECT_EQ(Import.ErrorMessage(), "record 2 is damaged");
     EXPECT_THAT(Imported(), ElementsAre("1|City 1"));
+}
+
+TEST_F(Kvi2ole, WithTheExtensionAValueThatCannotBeReadIsAnErrorOfItsRecord)
+{
+    Fake.RefusesAtRow = 2;
+    Import.RowLast = 4;
+    Import.Execute();
+    EXPECT_EQ(Import.Statistic.Result, irFailed);
+    Import.Extensions = {xaUnreadableValues};
+    To.Close();
+    To.Open();
+    TLines Errors;
+    Import.OnErrorEvent = [&](auto&, const Exception& Error, bool&) { Errors.push_back(Error.Message); };
+    Import.Execute();
+    EXPECT_EQ(Import.Statistic.Result, irExecuted);
+    EXPECT_EQ(Import.Statistic.TotalImported, 4);
+    EXPECT_EQ(Import.Statistic.TotalAdded, 3);
+    EXPECT_THAT(Errors, ElementsAre("shop.mdb: it cannot be read"));
+    Fake.RefusesAtRow = -1;
+    Fake.FailsAtSecondRow = true;
+    Import.Execute();
+    EXPECT_EQ(Import.Statistic.Result, irFailed) << "what is no error of a value ends it all the same";
+}
+
+TEST_F(Kvi2ole, WithTheExtensionAFieldThatNobodyCanReadIsNoColumn)
+{
+    Fake.Tables["Orders"].Fields.push_back({.Name = "Att", .Type = afComplex});
+    Fake.Tables["Orders"].Fields.push_back({.Name = "X", .Type = static_cast<TAccessFieldType>(20)});
+    for (auto& Row : Fake.Tables["Orders"].Rows)
+        Row.insert(Row.end(), {7, 8});
+    EXPECT_EQ(Import.Look({}).Columns.size(), 4U);
+    EXPECT_THAT(Import.SourceRemarks(), IsEmpty());
+    Import.Extensions = {xaUnreadableValues};
+    Import.EndLook();
+    EXPECT_EQ(Import.Look({}).Columns.size(), 2U);
+    const auto Remarks = Import.SourceRemarks();
+    ASSERT_EQ(Remarks.size(), 2U);
+    EXPECT_EQ(Remarks[0].Kind, srColumnLeftOut);
+    EXPECT_EQ(Remarks[0].Name, "Att");
+    EXPECT_EQ(Remarks[0].Reason, "attachments and multiple values cannot be read");
+    EXPECT_EQ(Remarks[1].Reason, "values of type 20 cannot be read");
+    EXPECT_EQ(Run().size(), 10U);
+    EXPECT_EQ(Import.SourceRemarks().size(), 2U) << "after the run too";
+}
+
+TEST_F(Kvi2ole, WithTheExtensionDamageBehindTheLastRecordThatIsWantedDoesNotMatter)
+{
+    Fake.EndsAt = 3;
+    Import.RowLast = 3;
+    Import.Execute();
+    EXPECT_EQ(Import.Statistic.Result, irFailed);
+    To.Close();
+    To.Open();
+    Import.Extensions = {xaUnreadableValues};
+    EXPECT_EQ(Run().size(), 3U);
+    Import.RowLast = 4;
+    Import.Execute();
+    EXPECT_EQ(Import.Statistic.Result, irFailed);
+}
+
+TEST_F(Kvi2ole, PatienceIsThatOfTheEngine)
+{
+    Run();
+    EXPECT_EQ(Fake.Patience, std::chrono::seconds(30));
+    Import.Patience = 5;
+    Import.Look({});
+    EXPECT_EQ(Fake.Patience, std::chrono::seconds(5));
 }
 
 TEST_F(Kvi2ole, WhatAFailedRunLeftOpenIsClosedBeforeTheNext)
@@ -797,6 +878,22 @@ TEST_F(Kvi2ole, APreviewTakesExtensions)
     LoadAccessPreview(nullptr, "Orders", "shop.mdb", FieldNames, false, nullptr, [&](auto&&...) { ++Rows; },
                       {xaSkipsToRowFirst});
     EXPECT_EQ(Rows, 10);
+    Fake.RefusesAtRow = 2;
+    Rows = 0;
+    EXPECT_NE(MessageOf([&] {
+                  LoadAccessPreview(nullptr, "Orders", "shop.mdb", FieldNames, false, nullptr,
+                                    [&](auto&&...) { ++Rows; });
+              }),
+              "");
+    EXPECT_EQ(Rows, 2);
+    TLines Cities;
+    LoadAccessPreview(
+        nullptr, "Orders", "shop.mdb", FieldNames, false, nullptr,
+        [&](auto&&, int, int, bool, const TVariant& Values) { Cities.push_back(Values[1].ToText()); },
+        {xaUnreadableValues});
+    ASSERT_EQ(Cities.size(), 10U);
+    EXPECT_EQ(Cities[2], "");
+    EXPECT_EQ(Cities[3], "City 4");
 }
 
 TEST_F(Kvi2ole, AFieldNameThatEndsInASemicolonGetsNoSecondOne)

@@ -325,7 +325,7 @@ std::vector<std::pair<TKvISourceRemarkKind, std::string>> Remarks(THtmlRun& Impo
 {
     std::vector<std::pair<TKvISourceRemarkKind, std::string>> Result;
     for (const auto& Remark : Import.SourceRemarks())
-        Result.emplace_back(Remark.Kind, Remark.Text);
+        Result.emplace_back(Remark.Kind, Remark.Name);
     return Result;
 }
 

@@ -281,7 +281,7 @@ TEST_F(Kvxls, TheOlderWorkbookIsReadWhenTheNewerCannotBe)
     EXPECT_EQ(CellText(0, 0, 0), "double 5");
     ASSERT_EQ(Reader.Remarks.size(), 1u);
     EXPECT_EQ(Reader.Remarks[0].Kind, srOlderWorkbook);
-    EXPECT_EQ(Reader.Remarks[0].Text, "Can not read: file is encrypted");
+    EXPECT_EQ(Reader.Remarks[0].Reason, "Can not read: file is encrypted");
     EXPECT_EQ(Load(FileOf(Workbook(u"Workbook", OneSheet(bv8)))), "");
     EXPECT_TRUE(Reader.Remarks.empty());
 }
