@@ -112,14 +112,22 @@ enum TJobFindingKind {
     jfWideCharacters,
     /// Count values, the first in row Number, are 8-bit text of an unknown code page. Unit
     jfOldText,
-    jfOlderWorkbook,                                ///< An older copy was read: the newer cannot be. Value is why.
+    jfOlderWorkbook,                                ///< An older copy was read: the newer cannot be. Was is why.
     jfUnknownEncoding,                              ///< Nobody knows the encoding Value that the file names.
     /// Not all of the text is of encoding Value; what is none is taken for code page Was.
     jfForeignBytes,
     jfUndefinedBytes,                               ///< Bytes have no meaning in encoding Value.
     jfCutOff,                                       ///< The file ends inside a table.
     jfReplacedRecords,                              ///< Count records are deleted, or replaced by others.
-    jfElementsLeftOut                               ///< Count elements inside records are no values.
+    jfElementsLeftOut,                              ///< Count elements inside records are no values.
+    jfColumnLeftOut,                                ///< Column Value cannot be read, as Was says.
+    jfBytesLeftOut,                                 ///< Count bytes of each row belong to no column.
+    /// Count rows stand behind the Limit that the source counts, and are not read.
+    jfRowsBeyondCount,
+    /// Count rows are whole of the Limit that the source counts, as Was says.
+    jfRowsMissing,
+    /// Numbers of Count rows, from row Number on, had no room where they stand: they count as empty.
+    jfNumbersLost
 };
 
 /// One of them with its facts. Texts are UTF-8.

@@ -35,6 +35,7 @@ struct TJobSourceSettings
     std::optional<int> RowFirst = {};
     std::optional<int> RowLast = {};
     TJobLayout Layout = {};
+    std::optional<int> Patience = {};               ///< Seconds to wait for a source that may hang.
     bool HasLayout = false;                         ///< Layout was said: other kinds than text refuse it.
 };
 

@@ -47,6 +47,12 @@ TJobFinding FindingOf(const TKvISourceRemark& Remark)
         case srWideCharacters:        return jfWideCharacters;
         case srOldText:               return jfOldText;
         case srOlderWorkbook:         return jfOlderWorkbook;
+        case srTextOfNoPage:          return jfForeignText;
+        case srColumnLeftOut:         return jfColumnLeftOut;
+        case srBytesLeftOut:          return jfBytesLeftOut;
+        case srRowsBeyondCount:       return jfRowsBeyondCount;
+        case srRowsMissing:           return jfRowsMissing;
+        case srNumbersLost:           return jfNumbersLost;
         case srSeveralTables:         break;
         case srUnknownEncoding:       return jfUnknownEncoding;
         case srForeignText:           return jfForeignBytes;
@@ -59,11 +65,18 @@ TJobFinding FindingOf(const TKvISourceRemark& Remark)
     };
     return {.Kind = Kind(),
             .Value = ToDisplay(Remark.Name),
-            .Was = Remark.Kind == srForeignText ? LegacyCodePage() : std::string(),
+            .Was = Remark.Kind == srForeignText ? LegacyCodePage() : ToDisplay(Remark.Reason),
             .Number = Remark.First,
             .Count = Remark.Count,
             .Limit = Remark.Limit,
             .Given = Remark.HasHeader};
+}
+
+/// True for what concerns a file whatever of it is read.
+bool IsOfFile(TJobFindingKind Kind)
+{
+    return Kind == jfForeignText || Kind == jfColumnLeftOut || Kind == jfBytesLeftOut ||
+           Kind == jfRowsBeyondCount || Kind == jfRowsMissing;
 }
 
 } // namespace
@@ -92,6 +105,7 @@ TJobSource::TJobSource(TJobFile& Saved, const TJobSourceSettings& Given,
     FHeaderRow = Saved.HeaderRow();
     Settings.Layout.Fixed = Saved.IsFixed();
     FComponent->SourceFileName = FileName;
+    SetPatience();
 }
 
 TJobSource::~TJobSource() = default;
@@ -153,8 +167,15 @@ void TJobSource::Create()
     FComponent = AsFileImport(Kind().Create(nullptr));
     FComponent->SourceFileName = FileName;
     FComponent->CharacterSet = Settings.MsDos ? csiASCII_MSDOS : csiANSI_WINDOWS;
+    SetPatience();
     if (!Settings.Classic)
         Kind().Extend(*FComponent);
+}
+
+void TJobSource::SetPatience()
+{
+    if (Settings.Patience && Kind().TableType == teAccess)
+        SetPropValue(*FComponent, "Patience", *Settings.Patience);
 }
 
 void TJobSource::ListParts()
@@ -186,6 +207,9 @@ void TJobSource::Look(const TJobLook& What)
     for (std::size_t I = 0; I < Titles.size(); ++I)
         FView.Columns[I].Title = FColumns[I].Title = Titles[I];
     CheckText();
+    for (auto& Remark : Remarks())
+        if (IsOfFile(Remark.Kind))
+            FFindings.push_back(std::move(Remark));
 }
 
 void TJobSource::LookAt(const std::vector<std::string>& Columns)
@@ -350,30 +374,26 @@ void TJobSource::SelectTableNumber()
 
 // What was seen.
 
-/// Text becomes UTF-8 by the code page that a table names, and is UTF-8 in a file: what is none has not been
-/// converted, and is taken for the legacy code page.
+/// Text of a file is UTF-8: what is none has not been converted, and is taken for the legacy code page.
 void TJobSource::CheckText()
 {
-    const bool IsTable = Kind().TableType == teDBase || Kind().TableType == teParadox;
-    if ((!IsTable && Kind().TableType != teText) || (IsTable && FIsSaved) || Settings.MsDos || !AnsiIsUtf8())
+    if (Kind().TableType != teText || Settings.MsDos || !AnsiIsUtf8())
         return;
-    const auto IsForeign = [&](const TKvISourceRow& Row, std::size_t Column) {
-        const auto& Value = Row.Values[Column].Value;
-        const bool IsText = !IsTable || FView.Columns[Column].DataType == ftString;
-        return IsText && Value.IsString() && !IsValidUtf8(Value.Text());
+    const auto IsForeign = [](const TVariant& Value) {
+        return Value.IsString() && !IsValidUtf8(Value.Text());
     };
     const auto Tell = [&](const std::string& Place) {
-        FFindings.push_back({.Kind = IsTable ? jfForeignText : jfLegacyText,
+        FFindings.push_back({.Kind = jfLegacyText,
                              .Name = FTitle,
                              .Value = LegacyCodePage(),
                              .Was = OemCodePage(),
                              .Place = Place});
     };
-    if (!IsTable && HasLegacyTitle)
+    if (HasLegacyTitle)
         return Tell(Unit() + " " + std::to_string(FHeaderRow));
     for (const auto& Row : FView.Rows)
-        for (std::size_t I = 0; I < Row.Values.size(); ++I)
-            if (IsForeign(Row, I))
+        for (const auto& Each : Row.Values)
+            if (IsForeign(Each.Value))
                 return Tell(Row.Position.Text());
 }
 
@@ -391,9 +411,19 @@ std::vector<TJobFinding> TJobSource::Remarks() const
 {
     std::vector<TJobFinding> Result;
     for (const auto& Remark : FComponent->SourceRemarks()) {
-        Result.push_back(FindingOf(Remark));
-        Result.back().Name = FTitle;
-        Result.back().Unit = Unit();
+        auto Found = FindingOf(Remark);
+        Found.Name = FTitle;
+        Found.Unit = Unit();
+        if (Found.Kind == jfForeignText) {
+            Found.Value = LegacyCodePage();
+            Found.Was = OemCodePage();
+            Found.Place = Unit() + " " + std::to_string(Found.Number);
+        }
+        const auto IsSame = [&Found](const TJobFinding& Told) {
+            return Told.Kind == Found.Kind && Told.Value == Found.Value;
+        };
+        if (!IsOfFile(Found.Kind) || std::ranges::none_of(FFindings, IsSame))
+            Result.push_back(std::move(Found));
     }
     return Result;
 }

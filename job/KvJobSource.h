@@ -82,7 +82,7 @@ public:
     const std::vector<TJobFinding>& Findings() const { return FFindings; }
     /// What of the rows looked at cannot be read.
     std::vector<TJobFinding> Unreadable() const;
-    /// What is odd about what was loaded last, or about the last run.
+    /// What is odd about what was loaded last, or about the last run, and is not among the findings.
     std::vector<TJobFinding> Remarks() const;
     /// What a mapping to `Name`, UTF-8 and written in any case, takes. Raises EJobRefused when no row could
     /// ever have it.
@@ -93,6 +93,7 @@ private:
     void FindKind();
     void Create();
     void CheckKind() const;
+    void SetPatience();
     void ListParts();
     void SetRows(bool FindTitles);
     void SetLayout();

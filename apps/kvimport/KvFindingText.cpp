@@ -79,6 +79,15 @@ std::string BeyondExtent(const TJobFinding& Found)
            SpreadSheetLetters(static_cast<int>(Found.Count)) + ": with --classic only --map finds the rest";
 }
 
+std::string RowsMissing(const TJobFinding& Found)
+{
+    const auto Text = "it counts " + Plural(Found.Limit, " " + Found.Unit, " " + Found.Unit + "s") + ", " +
+                      GroupDigits(Found.Count) + " can be read: " + Found.Was;
+    return Found.Count == 0
+               ? Text
+               : Text + "; --last-row " + std::to_string(Found.Count) + " imports those before the damage";
+}
+
 // Refusals.
 
 /// What is no header may be of any size.
@@ -258,7 +267,7 @@ std::string FindingText(const TJobFinding& Found)
                Row(Found) + ": --charset msdos and --oem-code-page say it";
     case jfOlderWorkbook:
         return "the file holds its workbook twice; only the older form, which may lack characters, can be read: " +
-               Found.Value;
+               Found.Was;
     case jfSeveralTables:
         return "rows of " + GroupDigits(Found.Count) +
                " tables were read one after the other; --table-number takes one";
@@ -281,6 +290,17 @@ std::string FindingText(const TJobFinding& Found)
     case jfElementsLeftOut:
         return Plural(Found.Count, " element", " elements") +
                " inside records were left out: they hold elements, or come twice in a record";
+    case jfColumnLeftOut:   return "column '" + Found.Value + "' is not imported: " + Found.Was;
+    case jfBytesLeftOut:
+        return Plural(Found.Count, " byte", " bytes") + " at the end of each " + Found.Unit +
+               " belong to no column: not imported";
+    case jfRowsBeyondCount:
+        return Plural(Found.Count, " more " + Found.Unit, " more " + Found.Unit + "s") + " than the " +
+               GroupDigits(Found.Limit) + " that it counts: not imported";
+    case jfRowsMissing:     return RowsMissing(Found);
+    case jfNumbersLost:
+        return RowsFrom(Found) +
+               " asterisks for numbers that were too long for their column: they count as empty";
     default:                return RefusalText(Found);
     }
 }

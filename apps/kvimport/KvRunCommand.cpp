@@ -51,6 +51,7 @@ void AddOptions(CLI::App& Command, TImportOptions& Import)
     Command.option_defaults()->group(ChangesGroup);
     AddModeOptions(Command, Import, [&Import](TImportMode Mode) { Import.Mode = Mode; });
     AddRowOptions(Command, Import.Source);
+    AddPatience(Command, Import.Source);
     AddFormatOptions(Command, Import.Job.Formats);
     LeaveOutDefaults(Command);
     Command.option_defaults()->group("What files of other programs do not say");

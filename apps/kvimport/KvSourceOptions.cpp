@@ -89,6 +89,14 @@ void AddSourceFile(CLI::App& Command, TSourceOptions& Options, const std::string
         ->type_name("KIND");
 }
 
+void AddPatience(CLI::App& Command, TSourceOptions& Options)
+{
+    AddChecked(Command, "--patience", "SECONDS",
+               "How long to wait for the next records of the database (default: 30); a damaged one may give "
+               "none",
+               [&Options](const std::string& Text) { Options.Patience = ReadCount(Text, 1); });
+}
+
 void AddRowOptions(CLI::App& Command, TSourceOptions& Options)
 {
     AddChecked(
@@ -123,6 +131,7 @@ void AddSourceOptions(CLI::App& Command, TSourceOptions& Options)
     AddGroup(Command, TableOptionGroup, Options, [&] {
         AddPart(Command, Options, spTable, "--source-table", "NAME",
                 "Table of the database to read (default: the only one); kvimport tables lists them");
+        AddPatience(Command, Options);
     });
 }
 

@@ -31,6 +31,7 @@ struct TSourceOptions : TJobSourceSettings
 void AddSourceFile(CLI::App& Command, TSourceOptions& Options, const std::string& FileHelp);
 /// Adds --first-row and --last-row.
 void AddRowOptions(CLI::App& Command, TSourceOptions& Options);
+void AddPatience(CLI::App& Command, TSourceOptions& Options); ///< --patience
 /// Adds --first-row, --last-row and --charset, which all kinds have, and the options of the kinds.
 void AddSourceOptions(CLI::App& Command, TSourceOptions& Options);
 

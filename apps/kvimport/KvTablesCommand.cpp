@@ -42,6 +42,7 @@ void AddOptions(CLI::App& Command, TTablesOptions& Options)
         ->type_name("");
     Command.add_flag("--system", Options.System, "List the tables that Access keeps for itself too");
     Command.add_flag("--json", Options.Json, "Print the tables as one JSON object");
+    AddPatience(Command, Options.Source);
     AddCodePageOptions(Command, Options.Formats);
 }
 

@@ -290,6 +290,23 @@ TEST(KvJobSource, TextOfNoCodePageIsTold)
     EXPECT_THAT(TextsOf(File.Source->View().Rows[0]), ElementsAre("Köln"));
 }
 
+TEST(KvJobSource, WhatATableLeavesOutIsToldBeforeTheRunAndOnce)
+{
+    auto Bytes =
+        TDbaseBuilder().Field("NAME", 'C', 10).Field("X", 'X', 4).Record({"a"}).Record({"b"}).Build();
+    Bytes[4] = 1;
+    TJobTestSource File("old.dbf", Bytes);
+    const auto& Source = File.Look();
+    ASSERT_EQ(Source.Findings().size(), 2U);
+    EXPECT_EQ(Source.Findings()[0].Kind, jfColumnLeftOut);
+    EXPECT_EQ(Source.Findings()[0].Value, "X");
+    EXPECT_EQ(Source.Findings()[0].Was, "field 2 has the unknown type 'X'");
+    EXPECT_EQ(Source.Findings()[1].Kind, jfRowsBeyondCount);
+    EXPECT_EQ(Source.Findings()[1].Count, 1);
+    EXPECT_EQ(Source.Findings()[1].Limit, 1);
+    EXPECT_THAT(Source.Remarks(), IsEmpty());
+}
+
 TEST(KvJobSource, TextThatIsNoUtf8IsToldWithItsPlace)
 {
     TJobTestSource File("orders.csv", "ID,CITY\n1,Bern\n2,K\xF6ln\n");
