@@ -26,6 +26,13 @@ constexpr char MsgNoTables[] = "its list of tables cannot be read; it is damaged
 constexpr int OdbcTable = 4;                        // object types that libmdb has no names for
 constexpr unsigned SystemFlags = 0x80000002;        // of Access itself, or hidden with it
 
+/// From its first bytes, the version among them.
+bool IsAccess(std::string_view Start)
+{
+    return Start.size() > VersionPosition && Start.starts_with(Signature) &&
+           (Start.find("Jet") != Start.npos || Start.find("ACE DB") != Start.npos);
+}
+
 std::uint64_t CheckedSize(const std::string& FileName)
 {
     std::error_code Code;
@@ -40,9 +47,7 @@ std::uint64_t CheckedSize(const std::string& FileName)
     char Start[VersionPosition + 1] = {};
     File.read(Start, sizeof Start);
     const std::string_view View(Start, static_cast<std::size_t>(File.gcount()));
-    const bool IsAccess = View.size() == sizeof Start && View.starts_with(Signature) &&
-                          (View.find("Jet") != View.npos || View.find("ACE DB") != View.npos);
-    if (!IsAccess)
+    if (!IsAccess(View))
         throw EFormatError("is not an Access database");
     if (const int Version = Start[VersionPosition]; Version < 0 || Version > NewestVersion)
         throw EFormatError("is an Access database of an unknown version (" + std::to_string(Version & 0xFF) +
@@ -104,7 +109,7 @@ std::string CutNote(const std::string& FileName)
     File.seekg(0, std::ios::end);
     const auto Size = static_cast<std::int64_t>(File.tellg());
     const std::int64_t Page = Start[VersionPosition] == MDB_VER_JET3 ? Jet3PageSize : AcePageSize;
-    if (Size <= 0 || Size % Page == 0)
+    if (!IsAccess({Start, sizeof Start}) || Size % Page == 0)
         return {};
     return "; the file is cut off: its " + std::to_string(Size) + " bytes end within page " +
            std::to_string(Size / Page);

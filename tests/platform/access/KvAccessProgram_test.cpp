@@ -89,9 +89,9 @@ TEST(KvAccessProgram, EndsWithTheProcessThatStartedIt)
 {
     const TTempFolder Folder;
     TJetBuilder Builder;
-    Builder.Table(u"T").Field(u"F", afText, 200);
-    for (int I = 0; I < 20000; ++I)                 // more than fits into its pipe
-        Builder.Record({JetText(std::u16string(100, u'x'))});
+    Builder.Table(u"T").Field(u"F", afText, 510);
+    for (int I = 0; I < 2000; ++I)                  // more than fits into its pipe
+        Builder.Record({JetText(std::u16string(255, u'\u4E2D'))});
     const auto File = Folder.Write("a.mdb", Builder.Build());
     int Numbers[2];
     ASSERT_EQ(::pipe(Numbers), 0);

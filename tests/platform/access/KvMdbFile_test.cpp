@@ -142,7 +142,8 @@ TEST(KvMdbFile, ACatalogThatIsALinkIsNotFollowed)
 {
     auto Builder = Shop();
     Builder.Table(u"MSysObjects", Linked);
-    EXPECT_EQ(MessageOfTable(Builder, "MSysObjects"), "");
+    EXPECT_EQ(MessageOfTable(Builder, "MSysObjects"),
+              "its table MSysObjects is a link to another database, which has to be opened itself");
 }
 
 TEST(KvMdbFile, AFileThatIsCutOffIsCalledSo)

@@ -39,7 +39,7 @@ struct TFakeDatabase
     TLines Log;
     bool FailsAtSecondRow = false;
     int RefusesAtRow = -1;                          // the value of field 1
-    std::size_t EndsAt = 1000;                      // the move there fails
+    std::size_t EndsAt = ~std::size_t{0};           // the move there fails
     std::chrono::milliseconds Patience{};
     bool KeepsWaiting = false;                      // until somebody gives up
     std::string Gone;                               // a table that is listed and not there
@@ -419,8 +419,6 @@ TEST_F(Kvi2ole, WithTheExtensionAValueThatCannotBeReadIsAnErrorOfItsRecord)
     Import.Execute();
     EXPECT_EQ(Import.Statistic.Result, irFailed);
     Import.Extensions = {xaUnreadableValues};
-    To.Close();
-    To.Open();
     TLines Errors;
     Import.OnErrorEvent = [&](auto&, const Exception& Error, bool&) { Errors.push_back(Error.Message); };
     Import.Execute();
@@ -461,10 +459,9 @@ TEST_F(Kvi2ole, WithTheExtensionDamageBehindTheLastRecordThatIsWantedDoesNotMatt
     Import.RowLast = 3;
     Import.Execute();
     EXPECT_EQ(Import.Statistic.Result, irFailed);
-    To.Close();
-    To.Open();
     Import.Extensions = {xaUnreadableValues};
-    EXPECT_EQ(Run().size(), 3U);
+    Run();
+    EXPECT_EQ(Import.Statistic.TotalAdded, 3);
     Import.RowLast = 4;
     Import.Execute();
     EXPECT_EQ(Import.Statistic.Result, irFailed);
