@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "KvComponent.h"
@@ -117,6 +118,14 @@ public:
     TStrings& Mappings() { return FMappings; }
     const TStrings& Mappings() const { return FMappings; }
     void SetMappings(const TStrings& Value) { FMappings.Assign(Value); } ///< Copies the lines.
+    /// The destination and the source of a mapping line, without blanks around them: what stands before and
+    /// behind the first "=", or, where `DataSet` has no field of that name, the first "=" before which
+    /// stands one that it has.
+    static std::pair<std::string_view, std::string_view> SplitMapping(std::string_view Line,
+                                                                      const TDataSet* DataSet);
+    /// The lines that a run goes by: those of Mappings, or those that it makes for itself while there are
+    /// none. Raises what such a run would end by.
+    std::vector<std::string> RunMappings();
 
     /// Why the last run ended as irFailed: the message of the exception that ended it.
     const std::string& ErrorMessage() const { return FError.Message; }
@@ -287,7 +296,6 @@ private:
     void ReadCommon(const TIniFile& File);
     void WriteLayout(TIniFile& File) const;
     void ReadLayout(const TIniFile& File);
-    std::size_t NameEnd(std::string_view Line) const;
     TMappedFields MappedFields() const;             // the usable lines of Mappings
     static void ConvertText(TVariant& Value);
     void TellRecord(Exception& Error, const TMappedField* Mapped = nullptr) const;

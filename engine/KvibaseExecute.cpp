@@ -154,6 +154,15 @@ void TKvImportBaseComponent::CheckRequired()
         throw Exception(FormatText(MsgNotSpecified, {DatasetKeys})); // the text always showed the empty value
 }
 
+std::vector<std::string> TKvImportBaseComponent::RunMappings()
+{
+    const TActive Active(*this, acLooking, "RunMappings");
+    const TRunMappings Mapped(FMappings);
+    if (Mapped.IsAutomatic())
+        DetectAutoMapping();
+    return {FMappings.begin(), FMappings.end()};
+}
+
 std::string TKvImportBaseComponent::Run()
 {
     HasDialog = false;

@@ -29,6 +29,21 @@ void TKvImportBaseComponent::MapFields(const std::function<std::string(const TFi
     }
 }
 
+std::pair<std::string_view, std::string_view>
+TKvImportBaseComponent::SplitMapping(std::string_view Line, const TDataSet* DataSet)
+{
+    const auto First = Line.find('=');
+    if (First == Line.npos)
+        return {};
+    auto Equal = First;
+    if (DataSet && Line.find('=', First + 1) != Line.npos)
+        while (Equal != Line.npos && !DataSet->FindField(Trim(Line.substr(0, Equal))))
+            Equal = Line.find('=', Equal + 1);
+    if (Equal == Line.npos)
+        Equal = First;
+    return {Trim(Line.substr(0, Equal)), Trim(Line.substr(Equal + 1))};
+}
+
 void TKvImportBaseComponent::BuildFieldMapping()
 {
     FillKey4Locate();
@@ -63,27 +78,15 @@ std::string_view TKvImportBaseComponent::ShortName(std::string_view Column)
     return Column;
 }
 
-/// Where the name of the destination ends in a mapping line: at its first "=", unless a field has one in its
-/// name.
-std::size_t TKvImportBaseComponent::NameEnd(std::string_view Line) const
-{
-    const auto First = std::min(Line.find('='), Line.size());
-    for (auto End = First; End < Line.size(); End = std::min(Line.find('=', End + 1), Line.size()))
-        if (FDataSet->FindField(Trim(Line.substr(0, End))))
-            return End;
-    return First;
-}
-
 TKvImportBaseComponent::TMappedFields TKvImportBaseComponent::MappedFields() const
 {
     TMappedFields Result;
     for (int Line = 0; Line < FMappings.Count(); ++Line) {
-        const std::string_view Text = FMappings[Line];
-        const auto End = NameEnd(Text);
-        const auto Source = SourceName(Trim(Text.substr(std::min(End + 1, Text.size()))));
+        const auto [Dest, Column] = SplitMapping(FMappings[Line], FDataSet);
+        const auto Source = SourceName(Column);
         if (Source.empty())
             continue;
-        Result.push_back({.Name = UpperName(Trim(Text.substr(0, End))), .Source = Source, .Value = Null});
+        Result.push_back({.Name = UpperName(Dest), .Source = Source, .Value = Null});
     }
     return Result;
 }

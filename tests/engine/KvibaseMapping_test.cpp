@@ -81,6 +81,34 @@ INSTANTIATE_TEST_SUITE_P(, KvibaseLines, testing::Values(
     TLinesRow{"NothingFromNoUsableLine",    {"A="},                              "",              ";;"}),
     [](const auto& Info) { return Info.param.Name; });
 
+TEST_F(KvibaseMapping, ALineNamesAFieldWhoseNameHoldsAnEqualSign)
+{
+    const auto Split = [this](std::string_view Line) {
+        return TKvImportBaseComponent::SplitMapping(Line, &Table);
+    };
+    using TPair = std::pair<std::string_view, std::string_view>;
+    EXPECT_EQ(Split(" A = x=y "), TPair("A", "x=y")) << "up to the first sign, where that is a field";
+    EXPECT_EQ(Split("X=Y=Field1"), TPair("X", "Y=Field1")) << "and where no name is one";
+    EXPECT_EQ(Split("A"), TPair());
+    Table.Close();
+    Table.SetFieldDefs({{.Name = "A=B"}, {.Name = "C"}});
+    Table.Open();
+    EXPECT_EQ(Split("a=b = Field1=2"), TPair("a=b", "Field1=2"));
+    EXPECT_EQ(TKvImportBaseComponent::SplitMapping("A=B=Field1", nullptr), TPair("A", "B=Field1"));
+    RunWith({"A=B=Field2", "C=Field1"});
+    EXPECT_EQ(Fetched(), "Field2,Field1");
+    EXPECT_EQ(Table.FieldByName("A=B").AsString(), "2");
+}
+
+TEST_F(KvibaseMapping, TheLinesOfARunAreThoseGivenOrItsOwn)
+{
+    EXPECT_THAT(Import.RunMappings(), ElementsAre("A=A", "B=B", "C=C"));
+    EXPECT_TRUE(Import.Mappings().IsEmpty()) << "its own do not stay";
+    Import.SetMappings({"A=Field1"});
+    EXPECT_THAT(Import.RunMappings(), ElementsAre("A=Field1"));
+    EXPECT_EQ(Import.Mappings().Count(), 1);
+}
+
 TEST_F(KvibaseMapping, FieldsAreMappedInOrderWhereASourceIsNamed)
 {
     Import.SetMappings({"X=kept"});
