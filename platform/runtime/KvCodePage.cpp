@@ -1,5 +1,6 @@
 #include "KvCodePage.h"
 
+#include <atomic>
 #include <utility>
 
 #include "KvCodePageCatalog.h"
@@ -49,6 +50,8 @@ TPageSetting& Legacy()
     static TPageSetting Setting("windows-1252");
     return Setting;
 }
+
+std::atomic<std::int64_t> LegacyTexts = 0;          // that AnsiToUtf8 has met
 
 [[noreturn]] void RaiseNoText(std::string_view PageName)
 {
@@ -108,8 +111,15 @@ std::string_view AnsiToUtf8(std::string_view Text, std::string& Buffer)
     if (Page.IsSameInUtf8(Text))
         return Text;
     Buffer.clear();
+    if (Page.IsUtf8())
+        LegacyTexts.fetch_add(1, std::memory_order_relaxed);
     (Page.IsUtf8() ? Legacy().Page() : Page).Decode(Text, ubStandIn, Buffer);
     return Buffer;
+}
+
+std::int64_t LegacyTextCount()
+{
+    return LegacyTexts.load(std::memory_order_relaxed);
 }
 
 std::string Utf8ToAnsi(std::string_view Text) { return ToAnsi(std::string(Text)); }

@@ -2,6 +2,7 @@
 // iconv knows ("UTF-8", "windows-1252", "437"); a bare number means the IBM or Windows page.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -35,6 +36,10 @@ bool AnsiIsUtf8();
 /// leaves undefined become the control character of the same number, those from A0 on the private use
 /// characters U+F7A0 to U+F7FF.
 std::string_view AnsiToUtf8(std::string_view Text, std::string& Buffer);
+
+/// How many texts of the process were taken for the legacy page so far: what is read between two questions
+/// held such text when the answers differ.
+std::int64_t LegacyTextCount();
 
 /// UTF-8 as process text. Raises EConvertError when a character does not exist in the ANSI page.
 std::string Utf8ToAnsi(std::string_view Text);

@@ -10,7 +10,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "KvException.h"
 #include "KvFile.h"
+#include "KvText.h"
 
 namespace kv {
 
@@ -75,7 +77,8 @@ bool IsReady(int Descriptor)
     return poll(&Wait, 1, LookMilliseconds) > 0;
 }
 
-void Spool(const std::string& FileName, int To, const std::function<bool()>& Continue)
+void Spool(const std::string& FileName, int To, const std::function<bool()>& Continue,
+           std::uint64_t MaxSize)
 {
     // Without O_NONBLOCK the opening of a pipe would wait for its writer and ask nobody. With it, a pipe
     // is not ready until a writer has come.
@@ -83,6 +86,7 @@ void Spool(const std::string& FileName, int To, const std::function<bool()>& Con
     if (From.Get() < 0)
         RaiseFileError("open", FileName, errno);
     const auto Buffer = std::make_unique_for_overwrite<char[]>(PieceSize);
+    std::uint64_t Size = 0;
     while (Continue()) {
         if (!IsReady(From.Get()))
             continue;
@@ -93,6 +97,11 @@ void Spool(const std::string& FileName, int To, const std::function<bool()>& Con
             RaiseFileError("read", FileName, errno);
         if (Count == 0)
             return;
+        Size += static_cast<std::uint64_t>(Count);
+        if (Size > MaxSize)
+            throw EFileError(FormatText("Cannot read file \"%s\": it gives more than %s bytes",
+                                        {FileName, std::to_string(MaxSize)}),
+                             {.FileName = FileName, .Rule = erStorage});
         WriteAll(To, {Buffer.get(), static_cast<std::size_t>(Count)});
     }
 }
@@ -107,11 +116,12 @@ bool IsReadOnce(const std::string& FileName)
     return S_ISFIFO(Status.st_mode) || S_ISSOCK(Status.st_mode) || S_ISCHR(Status.st_mode);
 }
 
-TSpooledFile::TSpooledFile(const std::string& FileName, const std::function<bool()>& Continue)
+TSpooledFile::TSpooledFile(const std::string& FileName, const std::function<bool()>& Continue,
+                           std::uint64_t MaxSize)
     : Descriptor(OpenTemporary())
 {
     try {
-        Spool(FileName, Descriptor, Continue);
+        Spool(FileName, Descriptor, Continue, MaxSize);
     }
     catch (...) {
         close(Descriptor);

@@ -2,7 +2,9 @@
 // more than once.
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <limits>
 #include <string>
 
 namespace kv {
@@ -19,8 +21,10 @@ public:
 
     /// Reads `FileName` to its end. `Continue` is asked several times a second, also while nothing
     /// comes; false stops the reading, and the rest is missing.
-    /// Raises EFileError when the file cannot be read or the temporary one cannot be written.
-    TSpooledFile(const std::string& FileName, const std::function<bool()>& Continue);
+    /// Raises EFileError when the file cannot be read, gives more than `MaxSize` bytes, or the temporary one
+    /// cannot be written.
+    TSpooledFile(const std::string& FileName, const std::function<bool()>& Continue,
+                 std::uint64_t MaxSize = std::numeric_limits<std::uint64_t>::max());
     TSpooledFile(const TSpooledFile&) = delete;
     TSpooledFile& operator=(const TSpooledFile&) = delete;
     ~TSpooledFile();

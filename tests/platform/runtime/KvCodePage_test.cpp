@@ -141,6 +141,19 @@ TEST_F(KvCodePage, InvalidUtf8IsTakenAsLegacyText)
     EXPECT_EQ(ToUtf8("\xC6"), "\xD0\x96");
 }
 
+TEST_F(KvCodePage, CountsTextsThatAreTakenAsLegacyText)
+{
+    std::string Buffer;
+    const auto Before = LegacyTextCount();
+    AnsiToUtf8("K\xC3\xB6ln", Buffer);
+    EXPECT_EQ(LegacyTextCount(), Before);
+    AnsiToUtf8("K\xF6ln", Buffer);
+    EXPECT_EQ(LegacyTextCount(), Before + 1);
+    SetAnsiCodePage("windows-1252");
+    AnsiToUtf8("K\xF6ln", Buffer);
+    EXPECT_EQ(LegacyTextCount(), Before + 1) << "it is text of the page that was said";
+}
+
 TEST_F(KvCodePage, UndefinedBytesBecomeControlAndPrivateCharacters)
 {
     EXPECT_EQ(ToUtf8("\x81\x9D"), "\xC2\x81\xC2\x9D");

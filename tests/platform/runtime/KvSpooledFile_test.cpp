@@ -61,6 +61,18 @@ TEST_F(KvSpooledFile, KeepsAnEmptyPipe)
     EXPECT_EQ(ReadText(Spooled.Name()), "");
 }
 
+TEST_F(KvSpooledFile, RefusesMoreThanItMayKeep)
+{
+    for (const std::uint64_t Limit : {3, 4}) {
+        std::thread Writer([&] { std::ofstream(Pipe) << "1234"; });
+        if (Limit == 4)
+            EXPECT_EQ(ReadText(TSpooledFile(Pipe, GoOn, Limit).Name()), "1234");
+        else
+            EXPECT_THROW(TSpooledFile(Pipe, GoOn, Limit), EFileError);
+        Writer.join();
+    }
+}
+
 TEST_F(KvSpooledFile, StopsWhenItMayNotGoOn)
 {
     int Asked = 0;
