@@ -80,29 +80,44 @@ int WidthOf(const TCharacter& Character)
     return Character.Valid ? std::max(wcwidth(static_cast<wchar_t>(Character.Code)), 0) : 1;
 }
 
-bool IsControl(char32_t Code)
+struct TCodeRange
 {
-    return Code < 0x20 || (Code >= 0x7F && Code < 0xA0);
+    char32_t First, Last;
+};
+
+/// Characters that move the cursor, turn the reading direction of what follows, or cannot be seen.
+constexpr TCodeRange Hidden[] = {
+    {0x00, 0x1F},     {0x7F, 0x9F},     {0xAD, 0xAD},     {0x061C, 0x061C},   {0x115F, 0x1160},
+    {0x17B4, 0x17B5}, {0x180E, 0x180E}, {0x200B, 0x200F}, {0x2028, 0x202E},   {0x2060, 0x206F},
+    {0x3164, 0x3164}, {0xFEFF, 0xFEFF}, {0xFFA0, 0xFFA0}, {0xFFF9, 0xFFFB},   {0xE0000, 0xE007F}};
+
+bool IsHidden(char32_t Code)
+{
+    const auto HasCode = [Code](TCodeRange Each) { return Each.First <= Code && Code <= Each.Last; };
+    return !(' ' <= Code && Code < 0x7F) && std::ranges::any_of(Hidden, HasCode);
 }
 
-/// Characters without a place of their own that turn the reading direction of what follows.
-bool TurnsDirection(char32_t Code)
+/// A backslash, `Kind` and the number of the character.
+void AppendNumber(std::string& Result, char Kind, int DigitCount, char32_t Code)
 {
-    return (Code >= 0x202A && Code <= 0x202E) || (Code >= 0x2066 && Code <= 0x2069);
+    constexpr char Digits[] = "0123456789ABCDEF";
+    (Result += '\\') += Kind;
+    for (int Shift = 4 * (DigitCount - 1); Shift >= 0; Shift -= 4)
+        Result += Digits[Code >> Shift & 0xF];
 }
 
 void AppendEscaped(std::string& Result, char32_t Code)
 {
-    constexpr char Digits[] = "0123456789ABCDEF";
     switch (Code) {
     case '\n': Result += "\\n"; return;
     case '\r': Result += "\\r"; return;
     case '\t': Result += "\\t"; return;
     default:   break;
     }
-    Result += Code < 0x100 ? "\\x" : "\\u";
-    for (int Shift = Code < 0x100 ? 4 : 12; Shift >= 0; Shift -= 4)
-        Result += Digits[Code >> Shift & 0xF];
+    if (Code < 0x100)
+        AppendNumber(Result, 'x', 2, Code);
+    else
+        AppendNumber(Result, Code < 0x10000 ? 'u' : 'U', Code < 0x10000 ? 4 : 8, Code);
 }
 
 } // namespace
@@ -152,13 +167,40 @@ std::string VisibleText(std::string_view Text)
         const auto Character = FirstCharacter(Text);
         if (!Character.Valid)
             Result += ReplacementUtf8;
-        else if (IsControl(Character.Code) || TurnsDirection(Character.Code))
+        else if (IsHidden(Character.Code))
             AppendEscaped(Result, Character.Code);
         else
             Result += Text.substr(0, Character.Size);
         Text.remove_prefix(Character.Size);
     }
     return Result;
+}
+
+std::string VisibleJson(std::string_view Json)
+{
+    constexpr char32_t FirstPair = 0x10000;
+    std::string Result;
+    Result.reserve(Json.size());
+    while (!Json.empty()) {
+        const auto [Code, Size, Valid] = FirstCharacter(Json);
+        if (Code < 0x20 || !IsHidden(Code))         // a line end between values
+            Result += Json.substr(0, Size);
+        else if (Code < FirstPair)
+            AppendNumber(Result, 'u', 4, Code);
+        else {
+            AppendNumber(Result, 'u', 4, 0xD800 + ((Code - FirstPair) >> 10));
+            AppendNumber(Result, 'u', 4, 0xDC00 + ((Code - FirstPair) & 0x3FF));
+        }
+        Json.remove_prefix(Size);
+    }
+    return Result;
+}
+
+std::string BriefText(const std::string& Text)
+{
+    constexpr std::size_t LongestBytes = 300;
+    constexpr int LongestColumns = 250;
+    return Text.size() <= LongestBytes ? Text : FitToWidth(VisibleText(Text), LongestColumns);
 }
 
 std::string GroupDigits(std::int64_t Number)

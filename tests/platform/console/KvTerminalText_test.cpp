@@ -51,6 +51,30 @@ TEST(KvTerminalText, WritesOutWhatWouldSteerTheTerminal)
     EXPECT_EQ(VisibleText("Łódź 東京 שמש"), "Łódź 東京 שמש");
 }
 
+TEST(KvTerminalText, WritesOutWhatCannotBeSeen)
+{
+    EXPECT_EQ(VisibleText("a\u200Bb\u200E\uFEFF"), "a\\u200Bb\\u200E\\uFEFF");
+    EXPECT_EQ(VisibleText("\u2028\u2066x\u2069\u061C"), "\\u2028\\u2066x\\u2069\\u061C");
+    EXPECT_EQ(VisibleText("\u00AD"), "\\xAD");
+    EXPECT_EQ(VisibleText("\U000E0041"), "\\U000E0041"); // a letter of a tag
+    EXPECT_EQ(VisibleText("e\u0301"), "e\u0301") << "an accent is seen";
+}
+
+TEST(KvTerminalText, EscapesTheSameInJson)
+{
+    EXPECT_EQ(VisibleJson("{\"a\":\"x\u202Ey\u200B\x7F\"}\n"), "{\"a\":\"x\\u202Ey\\u200B\\u007F\"}\n");
+    EXPECT_EQ(VisibleJson("\"\xC2\x9B\U000E0041\""), "\"\\u009B\\uDB40\\uDC41\"");
+    EXPECT_EQ(VisibleJson("\"Łódź 東京\\n\""), "\"Łódź 東京\\n\"");
+}
+
+TEST(KvTerminalText, AMessageHoldsTheBeginningOfALongText)
+{
+    EXPECT_EQ(BriefText(std::string(300, 'x')), std::string(300, 'x'));
+    const auto Brief = BriefText(std::string(1 << 20, 'x'));
+    EXPECT_EQ(Brief, std::string(249, 'x') + "…");
+    EXPECT_LE(BriefText(std::string(1 << 20, '\x01')).size(), 300u) << "characters without a width count too";
+}
+
 TEST(KvTerminalText, ReplacesWhatIsNoUtf8)
 {
     EXPECT_EQ(VisibleText("a\xFF" "b"), "a\uFFFDb");
