@@ -2,6 +2,7 @@
 
 #include "KvDbaseHeader.h"
 #include "KvParadoxHeader.h"
+#include "KvTextFile.h"
 #include "Kvi2bde.h"
 #include "KviExtensions.h"
 
@@ -12,6 +13,12 @@ namespace {
 template <TTableTypeImport Kind> std::unique_ptr<TKvImportBaseComponent> NewTableImport(TComponent* Owner)
 {
     return std::make_unique<TKvImportFromBDE>(Owner, Kind);
+}
+
+/// No record is as long as the bytes of a byte order mark would have it: such a file is text.
+bool IsParadoxTable(std::string_view Beginning)
+{
+    return IsParadox(Beginning) && WithoutByteOrderMark(Beginning).size() == Beginning.size();
 }
 
 /// Whatever the file is called, and with all that names of fields hold: FoxPro does not cut them.
@@ -46,7 +53,7 @@ const TKvISourceKind& ParadoxSourceKind()
                                      .Extensions = {".db"},
                                      .CanBePiped = false,
                                      .ClassicRows = crNothing,
-                                     .Recognizes = &IsParadox,
+                                     .Recognizes = &IsParadoxTable,
                                      .Create = &NewTableImport<teParadox>,
                                      .Extend = &ExtendTable<ttParadox>,
                                      .FileFilters = &TKvImportFromBDE::FillFileFilters};
