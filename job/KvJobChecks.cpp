@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 #include "KvDataSet.h"
@@ -97,19 +98,24 @@ private:
     const TFormatSettings Before;
 };
 
-/// The form in which all of `Texts` are dates, if there is one, as `Found` then has it.
+/// The form in which the most of `Texts` are dates, as `Found` then has it. True when most are, and more than
+/// now.
 bool FindDateForm(const std::vector<TSeenText>& Texts, TJobFinding& Found)
 {
+    const auto Dates = [&Texts] { return std::ssize(Texts) - std::ranges::count_if(Texts, IsNoDate); };
+    Found.Limit = std::ssize(Texts);
+    Found.Count = std::max<std::int64_t>(Dates(), Found.Limit / 2);
     for (const char Separator : {'-', '.', '/'})
         for (const auto& Form : DateForms) {
             const TDateFormInForce InForce(Form, Separator);
-            if (std::ranges::any_of(Texts, IsNoDate))
+            const std::int64_t Count = Dates();
+            if (Count <= Found.Count)
                 continue;
+            Found.Count = Count;
             Found.Was = Form.Order;
             Found.Character = Separator;
-            return true;
         }
-    return false;
+    return !Found.Was.empty();
 }
 
 } // namespace
@@ -174,22 +180,24 @@ bool IsGroupedInThousands(std::string_view Number, char Separator, char DecimalS
     return !Grouped || Digits == 3;
 }
 
-void CheckThousandSeparators(const TJobSource& Source, const TJobPlan& Plan, const TDataSet& Destination,
-                             char Separator, char DecimalSeparator)
+void CheckThousands(const std::string& Number, const TJobSource& Source, const std::string& Place)
+{
+    const auto& Formats = Source.Component().DataFormats;
+    if (!IsGroupedInThousands(Number, Formats.ThousandSeparator, Formats.DecimalSeparator))
+        Refuse({.Kind = jfNotThousands,
+                .Name = Source.Title(),
+                .Value = Number,
+                .Place = Place,
+                .Character = Formats.ThousandSeparator});
+}
+
+void CheckThousands(const TJobSource& Source, const TJobPlan& Plan, const TDataSet& Destination)
 {
     const auto Columns = ColumnsInto(IsRealNumber, Source, Plan, Destination);
     for (const auto& Row : Source.View().Rows)
-        for (const auto Column : Columns) {
-            if (Column >= Row.Values.size() || !Row.Values[Column].Value.IsString())
-                continue;                           // a number that arrives as one has no separators
-            const auto Text = SourceText(Row.Values[Column].Value);
-            if (!IsGroupedInThousands(Text, Separator, DecimalSeparator))
-                Refuse({.Kind = jfNotThousands,
-                        .Name = Source.Title(),
-                        .Value = Text,
-                        .Place = Row.Position.Text(),
-                        .Character = Separator});
-        }
+        for (const auto Column : Columns)
+            if (Column < Row.Values.size() && Row.Values[Column].Value.IsString())
+                CheckThousands(SourceText(Row.Values[Column].Value), Source, Row.Position.Text());
 }
 
 } // namespace kv

@@ -1,6 +1,7 @@
 // KvJobChecks - looks at source, plan and destination before the first record is stored.
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -15,15 +16,18 @@ class TDataSet;
 /// A row that is imported although it looks like a header: as a record it would be an error or, worse, none.
 std::vector<TJobFinding> CheckHeader(const TJobSource& Source, const TDataSet& Destination);
 
-/// Columns of dates whose texts are none in the order and with the separator that are in force, but all of
-/// them are in others. The formats of the job are in force.
+/// Columns of dates with texts that are none in the order and with the separator that are in force, where
+/// most are dates in others, and more than now. The formats of the job are in force.
 std::vector<TJobFinding> CheckDates(const TJobSource& Source, const TJobPlan& Plan,
                                     const TDataSet& Destination);
 
-/// Thousand separators are removed from numbers wherever they stand, so that with a comma "1,5" would be
-/// imported as 15. Raises EJobRefused for the first number in the rows looked at where no thousands end.
-void CheckThousandSeparators(const TJobSource& Source, const TJobPlan& Plan, const TDataSet& Destination,
-                             char Separator, char DecimalSeparator);
+// Thousand separators are removed from numbers wherever they stand, so that with a comma "1,5" would be
+// imported as 15.
+
+/// Raises EJobRefused when `Number`, of `Place`, has a separator where no thousands end.
+void CheckThousands(const std::string& Number, const TJobSource& Source, const std::string& Place);
+/// The same for the rows that were looked at.
+void CheckThousands(const TJobSource& Source, const TJobPlan& Plan, const TDataSet& Destination);
 /// True when each `Separator` in `Number` follows one to three digits and is followed by three.
 bool IsGroupedInThousands(std::string_view Number, char Separator, char DecimalSeparator);
 

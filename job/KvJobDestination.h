@@ -27,10 +27,11 @@ public:
     std::vector<std::string> PrimaryKey();
 
     void Begin();
-    /// To be called after each record that was read, stored or not: ends a full batch.
-    void RecordDone()
+    /// To be called after each record that was read, stored or not: ends a full batch, with the first record
+    /// for which it may.
+    void RecordDone(bool MayEndBatch = true)
     {
-        if (++RecordsRead == NextCommit)
+        if (++RecordsRead >= NextCommit && MayEndBatch && Batch > 0)
             CommitBatch();
     }
     void Commit();

@@ -13,6 +13,7 @@
 #include "KvProperties.h"
 #include "KvSourceFactory.h"
 #include "KvText.h"
+#include "KviOwnSettings.h"
 #include "KviTableType.h"
 
 namespace kv {
@@ -95,14 +96,31 @@ void CheckTarget(const TIniFile& File)
         throw Exception(File.FileName() + " is there and is no import specification; it is left as it is");
 }
 
-/// The title by which the column of a line was found, if it was.
-std::string TitleOf(const TJobSource& Source, const TJobPlan& Plan, const std::string& Line)
+/// The title by which a column was found, if it was.
+std::string TitleOf(const TJobSource& Source, const TJobColumnFate& Fate)
 {
-    const auto Pair = SplitMapLine(Line);
-    for (const auto& Fate : Plan.Columns)
-        if (Fate.Fate == jcMapped && !Fate.Field.empty() && Fate.Column.Name == Pair.Column)
-            return Source.HasTitles() ? Fate.Column.Title : std::string();
-    return {};
+    const bool IsNamed = Fate.ByTitle || Source.Kind().Names == cnSource;
+    return Fate.Fate == jcMapped && IsNamed ? Fate.Column.Title : std::string();
+}
+
+/// How the saved import `FileName` names another file: from its own folder, whatever folder is current.
+std::string NameFrom(const std::string& FileName, const std::string& Other)
+{
+    namespace fs = std::filesystem;
+    if (Other.empty() || fs::path(Other).is_absolute() || Other.find(':') != Other.npos)
+        return Other;
+    std::error_code Failed;
+    const auto Folder = fs::absolute(FileName, Failed).parent_path();
+    const auto Name = Failed ? fs::path() : fs::relative(Other, Folder, Failed);
+    return Failed || Name.empty() ? fs::absolute(Other, Failed).string() : Name.string();
+}
+
+/// Where that other file lies; as it was named where it is neither there nor in the current folder.
+std::string FindFrom(const std::string& FileName, const std::string& Named)
+{
+    std::error_code Ignored;
+    const auto Beside = std::filesystem::path(FileName).parent_path() / Named; // Named itself when absolute
+    return std::filesystem::exists(Beside, Ignored) ? Beside.string() : Named;
 }
 
 } // namespace
@@ -120,7 +138,8 @@ TJobFile::TJobFile(const std::string& GivenName) : FFileName(GivenName)
     const auto& Mapped = FImport->Mappings();
     CheckMappings(File, Mapped.Count());
     for (int I = 0; I < Mapped.Count(); ++I)
-        if (!IsBlank(Mapped.NameAt(I)) && !IsBlank(Mapped.ValueAt(I))) {
+        if (const auto [Field, Column] = TKvImportBaseComponent::SplitMapping(Mapped[I], nullptr);
+            !Field.empty() && !Column.empty()) {
             Lines.push_back(Mapped[I]);
             Titles.push_back(ReadTitle(File, static_cast<std::size_t>(I), Mapped[I]));
         }
@@ -190,7 +209,7 @@ void TJobFile::Complete(TJobSettings& Settings) const
     Take(Settings.Formats.BooleanFalse, Job.Formats.BooleanFalse);
     Settings.Formats.CheckThousands = Settings.Formats.CheckThousands && Job.Formats.CheckThousands;
     if (Settings.Destination.Url.empty())
-        Settings.Destination.Url = FindDestination();
+        Settings.Destination.Url = FindFrom(FFileName, ToDisplay(Job.Destination.Url));
     Take(Settings.Destination.Table, ToDisplay(Job.Destination.Table));
     if (Settings.Run.Batch == 0)
         Settings.Run.Batch = Job.Run.Batch;
@@ -198,58 +217,49 @@ void TJobFile::Complete(TJobSettings& Settings) const
     Take(Settings.Run.StopShare, Job.Run.StopShare);
 }
 
-/// As the file names it, or beside the file.
-std::string TJobFile::FindDestination() const
-{
-    const auto Named = ToDisplay(Job.Destination.Url);
-    std::error_code Ignored;
-    if (Named.empty() || std::filesystem::exists(Named, Ignored))
-        return Named;
-    const auto Beside = std::filesystem::path(FFileName).parent_path() / Named;
-    return std::filesystem::exists(Beside, Ignored) ? Beside.string() : Named;
-}
-
-/// As the file names it in the current folder, or beside the file.
+/// What comes from elsewhere may name no device and no pipe: only a user does that.
 std::string TJobFile::FindSource() const
 {
-    const std::filesystem::path Named = FImport->SourceFileName;
-    if (Named.empty())
+    if (FImport->SourceFileName.empty())
         Refuse({.Kind = jfNoSource, .Name = FFileName});
-    const auto Beside = std::filesystem::path(FFileName).parent_path() / Named;
+    const auto Found = FindFrom(FFileName, FImport->SourceFileName);
     std::error_code Ignored;
-    for (const auto& Place : {Named, Beside})
-        if (std::filesystem::exists(Place, Ignored))
-            return Place;
-    Refuse({.Kind = jfSourceGone, .Name = FFileName, .Value = ToDisplay(Named.string())});
+    const bool IsThere = std::filesystem::exists(Found, Ignored);
+    if (!IsThere || !std::filesystem::is_regular_file(Found, Ignored))
+        Refuse({.Kind = IsThere ? jfSourceNoFile : jfSourceGone,
+                .Name = FFileName,
+                .Value = ToDisplay(FImport->SourceFileName)});
+    return Found;
 }
 
 /// Of several columns with one title the first is meant, as where columns are found by name. What a source
 /// may still have in later records is not gone.
-std::vector<TJobFinding> TJobFile::FollowTitles(const TJobSource& Source,
+std::vector<TJobFinding> TJobFile::FollowTitles(const TJobSource& Source, const TDataSet& Destination,
                                                 std::vector<std::string>& MapLines) const
 {
     std::vector<TJobFinding> Result;
     if (!Source.HasTitles())
         return Result;
     for (std::size_t I = 0; I < Titles.size(); ++I) {
-        const auto Pair = SplitMapLine(Lines[I]);
-        const auto IsCalled = [&](const TKvISourceColumn& Each) { return SameText(Each.Title, Titles[I]); };
+        const auto Pair = SplitMapLine(MapLines[I], &Destination);
+        const auto Title = BareTitle(Titles[I]);
+        const auto IsCalled = [Title](const TKvISourceColumn& Each) { return SameText(Each.Title, Title); };
         const auto Found = std::ranges::find_if(Source.Columns(), IsCalled);
         const bool IsThere = Found != Source.Columns().end();
-        if (Titles[I].empty() || (IsThere && Found->Name == Pair.Column))
+        if (Title.empty() || (IsThere && ToDisplay(Found->Name) == Pair.Column))
             continue;
         if (IsThere) {
-            MapLines[I] = ToDisplay(Pair.Field + "=" + Found->Name);
+            MapLines[I] = Pair.Field + "=" + ToDisplay(Found->Name);
             Result.push_back({.Kind = jfColumnMoved,
                               .Name = ToDisplay(Found->Name),
                               .Value = ToDisplay(Titles[I]),
-                              .Was = ToDisplay(Pair.Column)});
+                              .Was = Pair.Column});
         }
-        else if (Source.HeaderRow() > 0 || Source.ColumnNamed(ToDisplay(Pair.Column)).Kind != snMissing)
+        else if (Source.HeaderRow() > 0 || Source.ColumnNamed(Pair.Column).Kind != snMissing)
             Refuse({.Kind = jfColumnGone,
                     .Name = Source.Title(),
                     .Value = ToDisplay(Titles[I]),
-                    .Was = ToDisplay(Pair.Field),
+                    .Was = Pair.Field,
                     .Unit = Source.Unit(),
                     .Number = Source.HeaderRow()});
     }
@@ -268,14 +278,21 @@ void SaveJob(const std::string& FileName, const std::string& Name, TJobSource& S
 {
     TIniFile File(FileName, ioOpenOrCreate);
     CheckTarget(File);
+    EraseOwnSettings(File);                         // those of another kind would not be read again
+    auto& SourceName = Source.Component().SourceFileName;
+    const auto Given = std::exchange(SourceName, NameFrom(FileName, SourceName));
     Source.Component().WriteSpecification(File, FromDisplay(Name));
+    SourceName = Given;
     File.EraseSection(Section);
     WriteText(File, "HeaderRow", NumberText(Source.HeaderRow()));
-    for (std::size_t I = 0; I < Plan.Lines.size(); ++I)
-        if (const auto Title = TitleOf(Source, Plan, Plan.Lines[I]); !Title.empty()) {
-            File.WriteString(Section, LineKey(I), Plan.Lines[I]);
-            File.WriteString(Section, TitleKey(I), Title);
+    std::size_t Line = 0;
+    for (const auto& Fate : Plan.Columns) {
+        if (const auto Title = TitleOf(Source, Fate); !Fate.Field.empty() && !Title.empty()) {
+            File.WriteString(Section, LineKey(Line), Plan.Lines[Line]);
+            File.WriteString(Section, TitleKey(Line), Title);
         }
+        Line += Fate.Field.empty() ? 0 : 1;
+    }
     const auto& Formats = Settings.Formats;
     WriteText(File, "BooleanTrue", Formats.BooleanTrue);
     WriteText(File, "BooleanFalse", Formats.BooleanFalse);
@@ -283,7 +300,7 @@ void SaveJob(const std::string& FileName, const std::string& Name, TJobSource& S
     WriteText(File, "OemCodePage", Formats.OemCodePage);
     WriteText(File, "LegacyCodePage", Formats.LegacyCodePage);
     WriteText(File, "AnyThousands", NumberText(Formats.CheckThousands ? 0 : 1));
-    WriteText(File, "Destination", Settings.Destination.Url);
+    WriteText(File, "Destination", NameFrom(FileName, Settings.Destination.Url));
     WriteText(File, "Table", Settings.Destination.Table);
     WriteText(File, "Batch", NumberText(Settings.Run.Batch));
     if (Settings.Run.StopAfter)

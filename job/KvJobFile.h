@@ -23,6 +23,7 @@
 
 namespace kv {
 
+class TDataSet;
 class TIniFile;
 
 /// One that was loaded.
@@ -65,12 +66,12 @@ public:
 
     /// Takes columns by the titles that they had when the import was saved: lines of `Plan` whose column
     /// stands elsewhere now follow it. Gives what has moved; raises EJobRefused for a column that is gone.
-    std::vector<TJobFinding> FollowTitles(const TJobSource& Source, std::vector<std::string>& MapLines) const;
+    std::vector<TJobFinding> FollowTitles(const TJobSource& Source, const TDataSet& Destination,
+                                          std::vector<std::string>& MapLines) const;
 
 private:
     void ReadJob(const TIniFile& File);
     std::string FindSource() const;
-    std::string FindDestination() const;
 
     const std::string FFileName;
     std::string FName, FApplication;
@@ -88,7 +89,8 @@ private:
 void CheckJobFile(const std::string& FileName);
 
 /// Saves what `Source` and `Plan` came to, under `Name`, into a file that is there or not; other sections of
-/// it stay. Raises EFileError, and Exception when the file is there and no saved import.
+/// it stay. Relative names of source and destination become those from the folder of the file. Raises
+/// EFileError, and Exception when the file is there and no saved import.
 void SaveJob(const std::string& FileName, const std::string& Name, TJobSource& Source, const TJobPlan& Plan,
              const TJobSettings& Settings);
 

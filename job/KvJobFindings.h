@@ -39,11 +39,13 @@ enum TJobFindingKind {
     jfNoSource,                                     ///< The saved import Name names no source.
     /// The saved import Name names Value, which is not there.
     jfSourceGone,
+    /// The saved import Name names Value, which is no regular file.
+    jfSourceNoFile,
 
     // --- The plan cannot be one. Raised as EJobRefused. ---
     /// None of the columns Names has the name of a field, of Fields.
     jfNoColumnMatches,
-    jfNoColumns,                                    ///< There is no column to import.
+    jfNoColumns,                                    ///< There is no column to import, of Names.
     jfBadMapLine,                                   ///< Value is no pair of a field and a column.
     /// Value, of line Name or of the keys, is none of Fields.
     jfNoSuchField,
@@ -52,8 +54,12 @@ enum TJobFindingKind {
     jfFieldReadOnly,
     /// Line Name: the name of field Value cannot stand in a mapping.
     jfFieldUnnameable,
-    /// Value is no column of kind Was and would be none in any row.
+    /// Value is no column of kind Was, which has Names, and would be none in any row.
     jfNoSuchColumn,
+    /// Value is no column of the rows that were looked at: row Number has Count. Unit
+    jfColumnMissing,
+    /// Value cannot be what every record of a source of kind Was gets.
+    jfNoConstant,
     /// Mode Number finds records by keys, and the table has no primary key.
     jfKeysMissing,
     jfKeyNotMapped,                                 ///< The key field Value gets no column.
@@ -72,6 +78,7 @@ enum TJobFindingKind {
 
     // --- How the source was read, told before the run. ---
     jfDelimiter,                                    ///< Character delimits values, as row Number has it.
+    jfHeader,                                       ///< Row Number names the columns. Unit, Given a first row
     /// Sheet Number of Count, Value; Given when it was asked for.
     jfSheet,
     jfOnlyTable,                                    ///< Table Value, the only one.
@@ -83,9 +90,11 @@ enum TJobFindingKind {
     jfClassicCells,                                 ///< Read classic, cells go to mappings in their order.
     /// Row Number, which is imported, looks like a header. Unit
     jfLooksLikeHeader,
-    /// Value, at Place, is no date as dates are read now; in the order Was with Character all of its column
-    /// are.
+    /// Value, at Place, is no date as dates are read now; in the order Was with Character Count of the Limit
+    /// values of its column are.
     jfOtherDates,
+    /// The first text beyond ASCII, at Place, is UTF-8 and is read as code page Value.
+    jfUtf8Text,
     /// Text at Place is no UTF-8; all that is none is taken for code page Value.
     jfLegacyText,
     /// Settings are those of file Value, which names the source Was.

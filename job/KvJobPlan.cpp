@@ -20,27 +20,19 @@ std::vector<std::string> FieldNames(const TDataSet& Destination)
     return Names;
 }
 
-std::vector<std::string> TitlesOf(const std::vector<TKvISourceColumn>& Columns)
+/// Mapping lines know a field by its name without blanks around it, up to an "=" behind it.
+bool CanBeNamed(const TField& Field, const TDataSet& DataSet)
 {
-    std::vector<std::string> Titles;
-    for (const auto& Column : Columns)
-        Titles.push_back(ToDisplay(Column.Title));
-    return Titles;
-}
-
-/// Mapping lines know a field by its name without blanks around it, up to the first "=".
-bool CanBeNamed(const TField& Field)
-{
-    const auto& Name = Field.FieldName();
-    return Trim(Name) == Name && Name.find('=') == Name.npos;
+    const auto Line = Field.FieldName() + "=x";
+    return TKvImportBaseComponent::SplitMapping(Line, &DataSet).first == Field.FieldName();
 }
 
 /// Why nothing goes into the field; jcMapped when something can.
-TJobFate Obstacle(const TField& Field)
+TJobFate Obstacle(const TField& Field, const TDataSet& DataSet)
 {
     if (Field.ReadOnly())
         return jcReadOnly;
-    return CanBeNamed(Field) ? jcMapped : jcUnnameable;
+    return CanBeNamed(Field, DataSet) ? jcMapped : jcUnnameable;
 }
 
 TJobFieldFate FateWithoutColumn(const TField& Field)
@@ -63,41 +55,85 @@ TJobFate FateOf(TKvISourceNameKind Kind)
     }
 }
 
+/// The field that a user named. Raises EJobRefused that quotes `Line`; an empty one: the keys.
+const TField& FieldNamed(const std::string& Name, const std::string& Line, const TDataSet& DataSet)
+{
+    if (const auto* const Field = DataSet.FindField(FromDisplay(Name)))
+        return *Field;
+    Refuse({.Kind = jfNoSuchField, .Name = Line, .Value = Name, .Fields = FieldNames(DataSet)});
+}
+
 /// Builds a plan column by column.
 class TPlanBuilder
 {
 public:
-    explicit TPlanBuilder(const TDataSet& Destination)
-        : DataSet(Destination), Taken(static_cast<std::size_t>(DataSet.FieldCount()))
+    TPlanBuilder(const TJobSource& From, const TDataSet& Destination)
+        : Source(From), DataSet(Destination), Taken(static_cast<std::size_t>(DataSet.FieldCount()))
     {
     }
 
-    bool IsTaken(const TField& Field) const { return Taken[static_cast<std::size_t>(Field.Index())]; }
-
-    void Join(const TKvISourceColumn& Column, const TField& Field, TJobFate Fate = jcMapped)
+    bool IsTaken(const TField& Field) const
     {
-        Taken[static_cast<std::size_t>(Field.Index())] = true;
-        Plan.Lines.push_back(Field.FieldName() + "=" + Column.Name);
-        Plan.Columns.push_back({.Column = Column, .Field = ToDisplay(Field.FieldName()), .Fate = Fate});
+        return Taken[static_cast<std::size_t>(Field.Index())] != tkNot;
+    }
+
+    void Join(const TKvISourceColumn& Column, const TField& Field, TJobFate Fate = jcMapped,
+              bool ByTitle = false)
+    {
+        TakenBy(Field) = tkByColumn;
+        Plan.Lines.push_back(Field.FieldName() + "=" + std::string(Trim(Column.Name)));
+        Plan.Columns.push_back(
+            {.Column = Column, .Field = ToDisplay(Field.FieldName()), .Fate = Fate, .ByTitle = ByTitle});
+    }
+    /// Its field is taken before any column can be, and its line is the last.
+    void Set(const TKvISourceColumn& Constant, const TField& Field)
+    {
+        TakenBy(Field) = tkByConstant;
+        Constants.emplace_back(Constant, &Field);
     }
     void LeaveOut(const TKvISourceColumn& Column, TJobFate Fate)
     {
         Plan.Columns.push_back({.Column = Column, .Field = {}, .Fate = Fate});
     }
-    void JoinOrLeaveOut(const TKvISourceColumn& Column, const TField& Field)
+    void JoinOrLeaveOut(const TKvISourceColumn& Column, const TField& Field, bool ByTitle)
     {
-        if (Trim(Column.Name) != Column.Name)
+        if (!Source.CanBeNamed(Column))
             LeaveOut(Column, jcUnnameableColumn);
         else if (IsTaken(Field))
-            LeaveOut(Column, jcTitleTwice);
-        else if (const auto Reason = Obstacle(Field); Reason != jcMapped)
+            LeaveOut(Column, TakenBy(Field) == tkByColumn ? jcTitleTwice : jcFieldSet);
+        else if (const auto Reason = Obstacle(Field, DataSet); Reason != jcMapped)
             LeaveOut(Column, Reason);
         else
-            Join(Column, Field);
+            Join(Column, Field, jcMapped, ByTitle);
+    }
+    /// For a line of a user, who is told why it cannot be.
+    const TField& FieldFor(const std::string& Name, const std::string& Line) const
+    {
+        const auto& Field = FieldNamed(Name, Line, DataSet);
+        if (IsTaken(Field))
+            Refuse({.Kind = jfFieldTwice, .Name = Line, .Value = Name});
+        if (const auto Reason = Obstacle(Field, DataSet); Reason != jcMapped)
+            Refuse({.Kind = Reason == jcReadOnly ? jfFieldReadOnly : jfFieldUnnameable,
+                    .Name = Line,
+                    .Value = Name});
+        return Field;
+    }
+
+    /// Columns of the source that nothing was said of.
+    void LeaveOutOthers()
+    {
+        const auto Used = Plan.Columns;
+        for (const auto& Column : Source.Columns()) {
+            const auto IsColumn = [&Column](const auto& Fate) { return Fate.Column.Name == Column.Name; };
+            if (std::ranges::none_of(Used, IsColumn))
+                LeaveOut(Column, jcNotMapped);
+        }
     }
 
     TJobPlan Build()
     {
+        for (const auto& [Constant, Field] : Constants)
+            Join(Constant, *Field, jcConstant);
         for (int I = 0; I < DataSet.FieldCount(); ++I)
             if (const auto& Field = DataSet.Fields(I); !IsTaken(Field))
                 Plan.FieldsWithout.push_back(
@@ -106,8 +142,14 @@ public:
     }
 
 private:
+    enum TTaken { tkNot, tkByColumn, tkByConstant };
+
+    TTaken& TakenBy(const TField& Field) { return Taken[static_cast<std::size_t>(Field.Index())]; }
+
+    const TJobSource& Source;
     const TDataSet& DataSet;
-    std::vector<bool> Taken;
+    std::vector<TTaken> Taken;                      // by field
+    std::vector<std::pair<TKvISourceColumn, const TField*>> Constants;
     TJobPlan Plan;
 };
 
@@ -128,84 +170,68 @@ void CheckTitles(const TJobSource& Source)
 }
 
 /// Each column into the field of its name, without regard to case.
-TJobPlan PlanByName(const TJobSource& Source, const TDataSet& Destination)
+void JoinByName(TPlanBuilder& Builder, const TJobSource& Source, const TDataSet& Destination)
 {
     CheckTitles(Source);
-    TPlanBuilder Builder(Destination);
+    bool AnyFits = false;
     for (const auto& Column : Source.Columns()) {
-        if (Column.Title.empty())
-            Builder.LeaveOut(Column, jcNoTitle);
-        else if (const auto* const Field = Destination.FindField(Column.Title))
-            Builder.JoinOrLeaveOut(Column, *Field);
+        const auto* const Field = Column.Title.empty() ? nullptr : Destination.FindField(Column.Title);
+        AnyFits = AnyFits || Field;
+        if (Field)
+            Builder.JoinOrLeaveOut(Column, *Field, true);
         else
-            Builder.LeaveOut(Column, jcNoField);
+            Builder.LeaveOut(Column, Column.Title.empty() ? jcNoTitle : jcNoField);
     }
-    auto Plan = Builder.Build();
-    if (Plan.Lines.empty())
+    if (!AnyFits)
         Refuse({.Kind = jfNoColumnMatches,
                 .Name = Source.Title(),
                 .Names = TitlesOf(Source.Columns()),
                 .Fields = FieldNames(Destination)});
-    return Plan;
 }
 
 /// The first column into the first field, and so on.
-TJobPlan PlanByPosition(const TJobSource& Source, const TDataSet& Destination)
+void JoinByPosition(TPlanBuilder& Builder, const TJobSource& Source, const TDataSet& Destination)
 {
-    TPlanBuilder Builder(Destination);
     int Next = 0;
     for (const auto& Column : Source.Columns())
         if (Next < Destination.FieldCount())
-            Builder.JoinOrLeaveOut(Column, Destination.Fields(Next++));
+            Builder.JoinOrLeaveOut(Column, Destination.Fields(Next++), false);
         else
             Builder.LeaveOut(Column, jcNoMoreFields);
-    auto Plan = Builder.Build();
-    if (Plan.Lines.empty())
-        Refuse({.Kind = jfNoColumns, .Name = Source.Title()});
-    return Plan;
-}
-
-/// The field that a user named. Raises EJobRefused that quotes `Line`; an empty one: the keys.
-const TField& FieldNamed(const std::string& Name, const std::string& Line, const TDataSet& DataSet)
-{
-    if (const auto* const Field = DataSet.FindField(FromDisplay(Name)))
-        return *Field;
-    Refuse({.Kind = jfNoSuchField, .Name = Line, .Value = Name, .Fields = FieldNames(DataSet)});
-}
-
-void JoinLine(TPlanBuilder& Builder, const std::string& Line, const TJobSource& Source,
-              const TDataSet& Destination)
-{
-    const auto Pair = SplitMapLine(Line);
-    const auto& Field = FieldNamed(Pair.Field, Line, Destination);
-    if (Builder.IsTaken(Field))
-        Refuse({.Kind = jfFieldTwice, .Name = Line, .Value = Pair.Field});
-    if (const auto Reason = Obstacle(Field); Reason != jcMapped)
-        Refuse({.Kind = Reason == jcReadOnly ? jfFieldReadOnly : jfFieldUnnameable,
-                .Name = Line,
-                .Value = Pair.Field});
-    const auto [Column, Kind] = Source.ColumnNamed(Pair.Column);
-    Builder.Join(Column, Field, FateOf(Kind));
 }
 
 /// Exactly as the lines have it.
-TJobPlan PlanByLines(const TJobSource& Source, const TDataSet& Destination,
-                     const std::vector<std::string>& Lines)
+void JoinByLines(TPlanBuilder& Builder, const TJobSource& Source, const TDataSet& Destination,
+                 const std::vector<std::string>& Lines)
 {
-    TPlanBuilder Builder(Destination);
-    for (const auto& Line : Lines)
-        JoinLine(Builder, Line, Source, Destination);
-    auto Plan = Builder.Build();
-    const auto Used = std::move(Plan.Columns);
-    Plan.Columns = Used;
-    for (const auto& Column : Source.Columns()) {
-        const auto IsColumn = [&Column](const TJobColumnFate& Fate) {
-            return Fate.Column.Name == Column.Name;
-        };
-        if (std::ranges::none_of(Used, IsColumn))
-            Plan.Columns.push_back({.Column = Column, .Field = {}, .Fate = jcNotMapped});
+    for (const auto& Line : Lines) {
+        const auto Pair = SplitMapLine(Line, &Destination);
+        const auto& Field = Builder.FieldFor(Pair.Field, Line);
+        const auto [Column, Kind, ByTitle] = Source.ColumnNamed(Pair.Column);
+        Builder.Join(Column, Field, FateOf(Kind), ByTitle);
     }
-    return Plan;
+    Builder.LeaveOutOthers();
+}
+
+/// How the component joins columns and fields by itself.
+std::vector<std::string> LinesOf(TKvImportFromFile& Component, TDataSet& Destination)
+{
+    std::vector<std::string> Lines;
+    Component.SetDataSet(&Destination);
+    for (const auto& Line : Component.RunMappings())
+        Lines.push_back(ToDisplay(Line));
+    return Lines;
+}
+
+/// A plan that takes nothing of a source that has records would store as many empty ones.
+void CheckTakesAny(const TJobSource& Source, const TJobPlan& Plan)
+{
+    const auto TakesOne = [](const TJobColumnFate& Fate) {
+        return !Fate.Field.empty() && (Fate.Fate == jcMapped || Fate.Fate == jcByOrder);
+    };
+    const bool TakesNone = std::ranges::none_of(Plan.Columns, TakesOne);
+    if (Plan.Lines.empty() || (TakesNone && !Source.View().Rows.empty()))
+        Refuse({.Kind = jfNoColumns, .Name = Source.Title(), .Names = TitlesOf(Source.Columns())});
 }
 
 /// As the destination spells them. The engine wants each mapped: a record is never looked for by fewer keys
@@ -226,30 +252,32 @@ std::vector<std::string> KeyFields(const std::vector<std::string>& Keys, const T
 
 } // namespace
 
-TJobMapPair SplitMapLine(const std::string& Line)
+TJobMapPair SplitMapLine(const std::string& Line, const TDataSet* Destination)
 {
-    const auto Equal = std::min(Line.find('='), Line.size());
-    const auto Column = std::string_view(Line).substr(std::min(Equal + 1, Line.size()));
-    TJobMapPair Pair{.Field = std::string(Trim(std::string_view(Line).substr(0, Equal))),
-                     .Column = std::string(Trim(Column))};
-    if (Pair.Field.empty() || Pair.Column.empty())
+    const auto Given = FromDisplay(Line);
+    const auto [Field, Column] = TKvImportBaseComponent::SplitMapping(Given, Destination);
+    if (Field.empty() || Column.empty())
         Refuse({.Kind = jfBadMapLine, .Value = Line});
-    return Pair;
+    return {.Field = ToDisplay(Field), .Column = ToDisplay(Column)};
 }
 
-TJobPlan MakePlan(const TJobSource& Source, const TDataSet& Destination, const TJobPlanSettings& Settings)
+TJobPlan MakePlan(const TJobSource& Source, TDataSet& Destination, const TJobPlanSettings& Settings)
 {
-    if (Source.MapsItself())
-        return {.Keys = Settings.Keys};
-    const auto Join = [&] {
-        switch (Settings.Mapping) {
-        case jmByName:     return PlanByName(Source, Destination);
-        case jmByPosition: return PlanByPosition(Source, Destination);
-        case jmByLines:    break;
-        }
-        return PlanByLines(Source, Destination, Settings.Lines);
-    };
-    auto Plan = Join();
+    TPlanBuilder Builder(Source, Destination);
+    for (const auto& Line : Settings.Constants) {
+        const auto Pair = SplitMapLine(Line, &Destination);
+        Builder.Set(Source.Constant(Pair.Column), Builder.FieldFor(Pair.Field, Line));
+    }
+    switch (Source.MapsItself() ? jmByLines : Settings.Mapping) {
+    case jmByName:     JoinByName(Builder, Source, Destination); break;
+    case jmByPosition: JoinByPosition(Builder, Source, Destination); break;
+    case jmByLines:
+        JoinByLines(Builder, Source, Destination,
+                    Source.MapsItself() ? LinesOf(Source.Component(), Destination) : Settings.Lines);
+        break;
+    }
+    auto Plan = Builder.Build();
+    CheckTakesAny(Source, Plan);
     if (NeedsKeys(Settings.Mode))
         Plan.Keys = KeyFields(Settings.Keys, Plan, Destination);
     return Plan;
@@ -258,12 +286,22 @@ TJobPlan MakePlan(const TJobSource& Source, const TDataSet& Destination, const T
 TJobPlan MakePlanAlone(const TJobSource& Source, const TJobPlanSettings& Settings)
 {
     TJobPlan Plan{.Keys = Settings.Keys};
+    const auto Join = [&Plan](const std::string& Field, const TJobColumn& Found) {
+        Plan.Lines.push_back(FromDisplay(Field) + '=' + Found.Column.Name);
+        Plan.Columns.push_back({.Column = Found.Column,
+                                .Field = Field,
+                                .Fate = FateOf(Found.Kind),
+                                .ByTitle = Found.ByTitle});
+    };
     for (const auto& Line : Settings.Lines) {
         const auto Pair = SplitMapLine(Line);
-        const auto [Column, Kind] = Source.ColumnNamed(Pair.Column);
-        Plan.Lines.push_back(FromDisplay(Pair.Field) + '=' + Column.Name);
-        Plan.Columns.push_back({.Column = Column, .Field = Pair.Field, .Fate = FateOf(Kind)});
+        Join(Pair.Field, Source.ColumnNamed(Pair.Column));
     }
+    for (const auto& Line : Settings.Constants) {
+        const auto Pair = SplitMapLine(Line);
+        Join(Pair.Field, {.Column = Source.Constant(Pair.Column), .Kind = snConstant});
+    }
+    CheckTakesAny(Source, Plan);
     for (const auto& Key : Settings.Keys) {
         const auto IsKey = [&Key](const TJobColumnFate& Fate) { return SameText(Fate.Field, Key); };
         if (std::ranges::none_of(Plan.Columns, IsKey))

@@ -25,6 +25,7 @@ enum TJobFate {
     jcNoTitle,                                      ///< Not imported: it has no name to find a field by.
     jcNoField,                                      ///< Not imported: no field has its name.
     jcTitleTwice,                                   ///< Not imported: a column before it has that name.
+    jcFieldSet,                                     ///< Not imported: its field gets a constant.
     jcReadOnly,                                     ///< Not imported: its field is computed by the database.
     /// Not imported: the name of its field cannot stand in a mapping.
     jcUnnameable,
@@ -39,6 +40,7 @@ struct TJobColumnFate
     TKvISourceColumn Column;
     std::string Field;                              ///< The field that it goes into, UTF-8; empty for none.
     TJobFate Fate = jcMapped;
+    bool ByTitle = false;                           ///< It was found by what the source calls it.
 };
 
 /// What a field gets instead of a column.
@@ -59,7 +61,8 @@ struct TJobPlan
 {
     /// For the component, in the process's code page: "ID=Field1".
     std::vector<std::string> Lines = {};
-    std::vector<TJobColumnFate> Columns = {};       ///< In the order of the source, then constants.
+    /// In the order of the source or of the lines, constants last; those with a field have one of Lines each.
+    std::vector<TJobColumnFate> Columns = {};
     std::vector<TJobFieldWithout> FieldsWithout = {}; ///< In the order of the destination.
     /// Fields by which records are found, UTF-8, as the table spells them.
     std::vector<std::string> Keys = {};
@@ -71,13 +74,14 @@ struct TJobMapPair
     std::string Field, Column;
 };
 
-/// The parts of "FIELD=column", without blanks around them. Raises EJobRefused when one is missing.
-TJobMapPair SplitMapLine(const std::string& Line);
+/// The parts of "FIELD=column", without blanks around them; the field is one of `Destination`, if there is
+/// one whose name holds "=". Raises EJobRefused when a part is missing.
+TJobMapPair SplitMapLine(const std::string& Line, const TDataSet* Destination = nullptr);
 
 /// Joins columns and fields as `Settings` has it, and settles the keys. `Destination` is open. Raises
 /// EJobRefused where nothing maps, a line or a key names what is not there, or a record could not be looked
-/// for by all keys.
-TJobPlan MakePlan(const TJobSource& Source, const TDataSet& Destination, const TJobPlanSettings& Settings);
+/// for by all keys. A source that maps itself is asked how.
+TJobPlan MakePlan(const TJobSource& Source, TDataSet& Destination, const TJobPlanSettings& Settings);
 /// The same without a destination: by lines only, and fields are believed.
 TJobPlan MakePlanAlone(const TJobSource& Source, const TJobPlanSettings& Settings);
 

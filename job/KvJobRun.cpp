@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "KvCodePage.h"
 #include "KvDataSet.h"
 #include "KvDatabase.h"
 #include "KvDisplayText.h"
@@ -51,7 +52,7 @@ void TJobRun::Prepare()
                                           [this] { return Observer.KeepsRunning(); });
     auto Plan = Settings.Plan;
     if (Saved)
-        Add(Saved->FollowTitles(*FSource, Plan.Lines));
+        Add(Saved->FollowTitles(*FSource, Table(), Plan.Lines));
     if (NeedsKeys(Plan.Mode) && Plan.Keys.empty())
         Plan.Keys = Destination->PrimaryKey();
     if (NeedsKeys(Plan.Mode) && Plan.Keys.empty())
@@ -80,11 +81,9 @@ void TJobRun::Check()
         FSource->LookAt(Names);
     }
     Add(CheckHeader(*FSource, Table()));
-    const auto& Formats = FSource->Component().DataFormats;
     Add(CheckDates(*FSource, FPlan, Table()));
     if (Settings.Formats.CheckThousands)
-        CheckThousandSeparators(*FSource, FPlan, Table(), Formats.ThousandSeparator,
-                                Formats.DecimalSeparator);
+        CheckThousands(*FSource, FPlan, Table());
 }
 
 void TJobRun::Add(std::vector<TJobFinding> More)
@@ -112,6 +111,7 @@ const TJobOutcome& TJobRun::Execute()
     Outcome.Ran = true;
     Outcome.DryRun = Settings.Run.DryRun;
     try {
+        LegacyTexts = LegacyTextCount();
         Destination->Begin();
         FSource->Component().Execute();
     }
@@ -132,11 +132,26 @@ void TJobRun::Emptied(std::int64_t Count)
     Outcome.Emptied = static_cast<int>(Count);
 }
 
+/// Most numbers lie beyond the rows that were looked at: the first that is none undoes the run.
+void TJobRun::SeparatedNumber(std::string_view Text)
+{
+    if (!Settings.Formats.CheckThousands || Outcome.Refusal)
+        return;
+    try {
+        CheckThousands(ToDisplay(Text), *FSource, FSource->Component().SourcePosition().Text());
+    }
+    catch (const EJobRefused& Refused) {
+        Outcome.Refusal = Refused.Finding;
+        throw;
+    }
+}
+
 void TJobRun::RecordDone(TKvIFate Fate)
 {
     CountRecord(Fate);
+    NoteLegacyText();
     try {
-        Destination->RecordDone();
+        Destination->RecordDone(MayEndBatch());
     }
     catch (const Exception& Error) {                // of the batch that ends with it
         Ending = ErrorOf(Error, true);
@@ -150,13 +165,13 @@ bool TJobRun::RecordFailed(const Exception& Error)
     CountRecord(rfFailed);
     auto Told = ErrorOf(Error, true);
     const bool HasEnded = FSource->Component().Statistic.Result == irFailed;
-    bool GoesOn = !HasEnded && Observer.RecordFailed(Told);
+    bool GoesOn = !HasEnded && !Outcome.Refusal && Observer.RecordFailed(Told);
     if (GoesOn && IsPastLimit(ExpectedRecords())) {
         Outcome.Stopped = true;
         GoesOn = false;
     }
     if (GoesOn)
-        Destination->RecordDone();
+        Destination->RecordDone(MayEndBatch());
     else
         Ending = std::move(Told);
     return GoesOn;
@@ -195,6 +210,27 @@ std::int64_t TJobRun::ExpectedRecords() const
                                   std::int64_t{Component.Statistic.TotalCount} + Component.RowFirst - 1);
 }
 
+/// A copy keeps nothing for good as long as the table would be empty.
+bool TJobRun::MayEndBatch() const
+{
+    return Settings.Plan.Mode != imCopy || Outcome.Figures.Added > 0;
+}
+
+/// The rows that were looked at are told before the run. Kinds that are older than UTF-8 hold nothing else.
+void TJobRun::NoteLegacyText()
+{
+    const auto Texts = LegacyTextCount();
+    if (Texts == LegacyTexts)
+        return;
+    LegacyTexts = Texts;
+    if (!LegacyText)
+        LegacyText = {.Kind = jfLegacyText,
+                      .Name = FSource->Title(),
+                      .Value = LegacyCodePage(),
+                      .Was = OemCodePage(),
+                      .Place = FSource->Component().SourcePosition().Text()};
+}
+
 TJobError TJobRun::ErrorOf(const Exception& Error, bool InRecord) const
 {
     const auto& Component = FSource->Component();
@@ -220,6 +256,10 @@ void TJobRun::Settle()
         Outcome.Result = joFailed;
     else
         Outcome.Result = Outcome.Figures.Failed > 0 ? joRecordErrors : joDone;
+    Outcome.StoredNone =
+        Settings.Plan.Mode == imCopy && Outcome.Figures.Read > 0 && Outcome.Figures.Added == 0;
+    if (Outcome.StoredNone && Outcome.Result != joCancelled)
+        Outcome.Result = joFailed;
     if (Outcome.Result == joRecordErrors && IsPastLimit(Outcome.Figures.Read)) {
         Outcome.Stopped = true;
         Outcome.Result = joFailed;
@@ -228,6 +268,11 @@ void TJobRun::Settle()
     if (Outcome.Result == joCancelled)
         Outcome.Failure.reset();                    // giving up a wait for a lock looks like a failure
     Outcome.Remarks = FSource->Remarks();
+    const auto IsTold = [](const TJobFinding& Each) {
+        return Each.Kind == jfLegacyText || Each.Kind == jfForeignText;
+    };
+    if (LegacyText && FSource->Kind().TableType == teText && std::ranges::none_of(FFindings, IsTold))
+        Outcome.Remarks.push_back(*LegacyText);
     for (const auto& Remark : Outcome.Remarks)
         Observer.Found(Remark);
     Observer.Progress(Outcome.Figures);

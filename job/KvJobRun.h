@@ -55,12 +55,15 @@ struct TJobOutcome
     bool Ran = false;                               ///< It came as far as importing.
     bool DryRun = false;
     bool Stopped = false;                           ///< By the limit of errors.
+    /// Mode copy stored none of the records that it read: the table keeps what it has.
+    bool StoredNone = false;
     TJobFigures Figures;
     int Emptied = 0;                                ///< Records that mode copy removed first.
     bool Complete = false;                          ///< All of it stands in the database.
     /// Records of the source up to which the table is changed.
     int KeptRecords = 0;
     std::optional<TJobError> Failure;               ///< Why it failed; none when it did not.
+    std::optional<TJobFinding> Refusal;             ///< The same where a check of the job failed it.
     std::vector<TJobFinding> Remarks;               ///< What the run met that the user should know.
 };
 
@@ -110,6 +113,7 @@ public:
 private:
     bool KeepsRunning() override;
     void Emptied(std::int64_t Count) override;
+    void SeparatedNumber(std::string_view Text) override;
     void RecordDone(TKvIFate Fate) override;
     bool RecordFailed(const Exception& Error) override;
 
@@ -120,6 +124,8 @@ private:
     void CountRecord(TKvIFate Fate);
     bool IsPastLimit(std::int64_t Records) const;
     std::int64_t ExpectedRecords() const;
+    bool MayEndBatch() const;
+    void NoteLegacyText();
     TJobError ErrorOf(const Exception& Error, bool InRecord) const;
     void Settle();
     void EndTransaction();
@@ -132,6 +138,8 @@ private:
     TJobPlan FPlan;
     std::vector<TJobFinding> FFindings;
     std::optional<TJobError> Ending;                // of the record by which the run has ended
+    std::int64_t LegacyTexts = 0;                   // of the process, before the current record
+    std::optional<TJobFinding> LegacyText;          // the first record with one
     TJobOutcome Outcome;
 };
 

@@ -2,6 +2,7 @@
 // saved import, gets the same import. Texts are UTF-8.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -37,6 +38,8 @@ struct TJobSourceSettings
     TJobLayout Layout = {};
     std::optional<int> Patience = {};               ///< Seconds to wait for a source that may hang.
     bool HasLayout = false;                         ///< Layout was said: other kinds than text refuse it.
+    /// Bytes that are kept of what can be read only once; more are refused.
+    std::uint64_t MaxSpool = std::uint64_t{4} << 30;
 };
 
 /// How dates, numbers, truth and text are written in the source. What is not given has a default that does
@@ -68,6 +71,8 @@ struct TJobPlanSettings
 {
     TJobMapping Mapping = jmByName;
     std::vector<std::string> Lines = {};            ///< "FIELD=column", with jmByLines.
+    /// "FIELD=text": every record gets that text, whatever else is mapped how.
+    std::vector<std::string> Constants = {};
     TImportMode Mode = imAppend;
     std::vector<std::string> Keys = {};             ///< Fields; none: the primary key.
 };

@@ -13,6 +13,7 @@
 #include "KvNumberText.h"
 #include "KvProperties.h"
 #include "KvText.h"
+#include "KvTextFile.h"
 #include "KvUtf8.h"
 #include "Kvi2txt.h"
 #include "KviSourceKinds.h"
@@ -88,7 +89,6 @@ TJobSource::TJobSource(const TJobSourceSettings& Given, const std::function<bool
     FindKind();
     CheckKind();
     Create();
-    ListParts();
 }
 
 TJobSource::TJobSource(TJobFile& Saved, const TJobSourceSettings& Given,
@@ -123,7 +123,7 @@ void TJobSource::OpenFile(const std::function<bool()>& Continue)
         Path = TSpooledFile::StandardInput;
     }
     if (IsReadOnce(Path)) {
-        Spooled.emplace(Path, Continue);
+        Spooled.emplace(Path, Continue, Settings.MaxSpool);
         Path = Spooled->Name();
     }
     if (Path != FileName)
@@ -178,10 +178,11 @@ void TJobSource::SetPatience()
         SetPropValue(*FComponent, "Patience", *Settings.Patience);
 }
 
-void TJobSource::ListParts()
+const std::vector<TKvISourcePart>& TJobSource::Parts()
 {
-    if (Kind().Part == spSheet || Kind().Part == spTable)
+    if (FParts.empty() && (Kind().Part == spSheet || Kind().Part == spTable))
         FParts = FComponent->SourceParts();
+    return FParts;
 }
 
 // Looking.
@@ -189,12 +190,12 @@ void TJobSource::ListParts()
 void TJobSource::Look(const TJobLook& What)
 {
     Rows = What.Rows;
-    SetRows(What.FindTitles);
     if (!FIsSaved) {
         SetLayout();
         SelectPart();
         CheckClassic();
     }
+    SetRows(What);
     std::vector<std::string> Names, Titles;
     for (const auto& Line : Settings.Layout.Columns) {
         const auto Equal = Line.rfind('=');
@@ -207,6 +208,7 @@ void TJobSource::Look(const TJobLook& What)
     for (std::size_t I = 0; I < Titles.size(); ++I)
         FView.Columns[I].Title = FColumns[I].Title = Titles[I];
     CheckText();
+    CheckUtf8();
     for (auto& Remark : Remarks())
         if (IsOfFile(Remark.Kind))
             FFindings.push_back(std::move(Remark));
@@ -218,30 +220,80 @@ void TJobSource::LookAt(const std::vector<std::string>& Columns)
     for (auto& Column : FView.Columns) {
         auto Title = ReadableTitle(Column.Title);
         HasLegacyTitle = HasLegacyTitle || Title != Column.Title;
-        Column.Title = std::move(Title);
+        Column.Title = BareTitle(Title);
     }
     FColumns.assign(FView.Columns.begin(),
                     FView.Columns.begin() + static_cast<std::ptrdiff_t>(FView.Offered));
 }
 
-/// A header is the row above the first that is imported.
-void TJobSource::SetRows(bool FindTitles)
+/// What is imported begins below the header, unless it is said where.
+void TJobSource::SetRows(const TJobLook& What)
 {
-    const bool WantsHeader = FindTitles && !FIsSaved && Kind().Names == cnHeaderRow && !IsFixed();
-    const int UsualFirst = FIsSaved ? FComponent->RowFirst : WantsHeader ? 2 : 1;
-    FComponent->RowFirst = Settings.RowFirst.value_or(UsualFirst);
-    FComponent->RowLast = Settings.RowLast.value_or(FIsSaved ? FComponent->RowLast : RowLastMax);
-    if (FComponent->RowLast < FComponent->RowFirst)
+    auto& Import = *FComponent;
+    const bool MayHaveHeader = !FIsSaved && Kind().Names == cnHeaderRow && !IsFixed();
+    if (MayHaveHeader)
+        FHeaderRow = FindHeaderRow(What);
+    Import.RowFirst = Settings.RowFirst.value_or(FIsSaved ? Import.RowFirst : FHeaderRow + 1);
+    Import.RowLast = Settings.RowLast.value_or(FIsSaved ? Import.RowLast : RowLastMax);
+    if (Import.RowLast < Import.RowFirst)
         Refuse({.Kind = jfRowsOutOfOrder,
                 .Name = FTitle,
-                .Number = FComponent->RowFirst,
-                .Count = FComponent->RowLast});
-    if (WantsHeader && FComponent->RowFirst == 1)
-        Refuse({.Kind = jfNoHeaderLeft, .Name = FTitle, .Unit = Unit()});
-    if (WantsHeader)
-        FHeaderRow = FComponent->RowFirst - 1;
-    if (FHeaderRow >= FComponent->RowFirst)
+                .Number = Import.RowFirst,
+                .Count = Import.RowLast});
+    if (FHeaderRow >= Import.RowFirst)
         FHeaderRow = 0;
+    if (FoundDelimiter)
+        FFindings.push_back({.Kind = jfDelimiter,
+                             .Name = FTitle,
+                             .Unit = Unit(),
+                             .Number = FHeaderRow > 0 ? FHeaderRow : Import.RowFirst,
+                             .Character = *FoundDelimiter});
+    const bool IsPlain = FHeaderRow == Import.RowFirst - 1 &&
+                         (Settings.RowFirst || (FHeaderRow == 1 && (What.FindTitles || What.ShowsTitles)));
+    if (MayHaveHeader && FHeaderRow > 0 && !IsPlain)
+        FFindings.push_back({.Kind = jfHeader,
+                             .Name = FTitle,
+                             .Unit = Unit(),
+                             .Number = FHeaderRow,
+                             .Given = Settings.RowFirst.has_value()});
+}
+
+/// It is looked for in the first rows, or right above the row with which the import shall begin. A header
+/// that is needed may look like any row.
+int TJobSource::FindHeaderRow(const TJobLook& What)
+{
+    const int First = Settings.RowFirst.value_or(0);
+    if (First == 1 && What.FindTitles)
+        Refuse({.Kind = jfNoHeaderLeft, .Name = FTitle, .Unit = Unit()});
+    if (First == 1 || (IsClassic() && Kind().Part == spTableNumber)) // whose cells have no columns
+        return 0;
+    const auto Wanted = TitlesAmong(What.Wanted);
+    if (First > 1 && FindHeader(Sample(First - 1), Wanted) == 1)
+        return First - 1;
+    const int Found = FindHeader(Sample(1), Wanted);
+    if (Found > 0 && (First == 0 || Found < First))
+        return Found;
+    return What.FindTitles ? std::max(First - 1, 1) : 0;
+}
+
+/// Those of mapping lines that are no names of columns by themselves.
+std::vector<std::string> TJobSource::TitlesAmong(const std::vector<std::string>& Wanted) const
+{
+    std::vector<std::string> Titles;
+    for (const auto& Name : Wanted)
+        if (!SameText(FComponent->ResolveName(FromDisplay(Name), {}).Name, FromDisplay(Name)) ||
+            FComponent->ResolveName(FromDisplay(Name), {}).Kind == snConstant)
+            Titles.emplace_back(BareTitle(Name));
+    return Titles;
+}
+
+/// The rows from `First` on, as they are cut now; none where the layout cannot be that of the file.
+TJobSample TJobSource::Sample(int First)
+{
+    constexpr int SampleSize = 20;
+    FComponent->RowFirst = First;
+    FComponent->RowLast = std::min(First + SampleSize - 1, Settings.RowLast.value_or(RowLastMax));
+    return SampleOf(FComponent->Look({.Rows = SampleSize}));
 }
 
 /// What the component does otherwise than was asked for.
@@ -269,16 +321,35 @@ void TJobSource::SetLayout()
                                                                                        : '\t'));
     Text->SetTextQualifierCustom(Layout.Qualifier);
     Text->SetRecordSeparatorCustom(Layout.RecordSeparator);
-    if (Layout.Delimiter || Layout.Fixed || FHeaderRow == 0)
-        return;
-    const char Usual = Text->GetFieldDelimiterCustom();
-    const char Candidates[] = {Usual, ';', ',', '\t'};
-    const auto Found = Text->FindDelimiter(FHeaderRow, {Candidates, std::size(Candidates)});
-    if (!Found || *Found == Usual)
-        return;
-    Text->SetFieldDelimiterCustom(*Found);
-    FFindings.push_back(
-        {.Kind = jfDelimiter, .Name = FTitle, .Unit = Unit(), .Number = FHeaderRow, .Character = *Found});
+    if (!Layout.Delimiter && !Layout.Fixed)
+        FindDelimiter(*Text);
+}
+
+/// The one by which most of the first lines have the same number of values. A value that is never closed
+/// delimits nothing.
+void TJobSource::FindDelimiter(TKvImportFromText& Text)
+{
+    const char Usual = Text.GetFieldDelimiterCustom();
+    char Best = Usual;
+    std::size_t Most = 0;
+    for (const char Each : {Usual, ';', ',', '\t', '|'}) {
+        Text.SetFieldDelimiterCustom(Each);
+        std::size_t Fitting = 0;
+        try {
+            Fitting = RowsOfOneWidth(Sample(std::max(Settings.RowFirst.value_or(1) - 1, 1)));
+        }
+        catch (const Exception& Error) {
+            if (Error.Facts.Rule != erFormat)
+                throw;
+        }
+        if (Fitting > Most) {
+            Most = Fitting;
+            Best = Each;
+        }
+    }
+    Text.SetFieldDelimiterCustom(Best);
+    if (Best != Usual)
+        FoundDelimiter = Best;
 }
 
 // Parts.
@@ -300,6 +371,7 @@ void TJobSource::SelectPart()
 /// A number wins over a name of digits.
 void TJobSource::SelectSheet()
 {
+    Parts();
     const auto& Sheet = Settings.Part;
     const auto IsNamed = [&Sheet](const TKvISourcePart& Each) {
         return SameText(ToDisplay(Each.Name), Sheet);
@@ -340,6 +412,7 @@ std::vector<std::string> TJobSource::TableNames() const
 /// Tables that the database keeps for itself are imported only by their name.
 void TJobSource::SelectTable()
 {
+    Parts();
     const auto Names = TableNames();
     const bool IsOnly = Settings.Part.empty() && Names.size() == 1;
     if (Names.empty())
@@ -428,15 +501,97 @@ std::vector<TJobFinding> TJobSource::Remarks() const
     return Result;
 }
 
+/// A text that is UTF-8 and read as something else: hardly any other text looks like UTF-8.
+void TJobSource::CheckUtf8()
+{
+    constexpr std::size_t MaxBytes = std::size_t{1} << 20;
+    constexpr std::size_t MaxCut = 3;               // bytes of a character that ends beyond them
+    const bool IsMsDos = FComponent->CharacterSet == csiASCII_MSDOS;
+    if (Kind().TableType != teText || (AnsiIsUtf8() && !IsMsDos))
+        return;
+    const auto Bytes = ReadFileBytes(FileName, MaxBytes);
+    const auto Text = Bytes.View();
+    const auto Ascii = AsciiSize(Text), Valid = ValidUtf8Size(Text);
+    const bool HasMark = WithoutByteOrderMark(Text).size() < Text.size();
+    if (HasMark || Ascii == Text.size() || Valid + MaxCut < Text.size() || Valid == Ascii)
+        return;
+    const auto Line = std::ranges::count(Text.substr(0, Ascii), '\n') + 1;
+    FFindings.push_back({.Kind = jfUtf8Text,
+                         .Name = FTitle,
+                         .Value = IsMsDos ? OemCodePage() : AnsiCodePage(),
+                         .Place = "line " + std::to_string(Line)});
+}
+
 TJobColumn TJobSource::ColumnNamed(const std::string& Name) const
 {
-    const auto Resolved = FComponent->ResolveName(FromDisplay(Name), Columns());
-    if (Resolved.Kind == snNothing)
-        Refuse({.Kind = jfNoSuchColumn, .Name = FTitle, .Value = Name, .Was = std::string(Kind().Name)});
+    const auto Wanted = FromDisplay(Name);
+    const auto Resolved = FComponent->ResolveName(Wanted, Columns());
+    const bool IsName = Resolved.Kind == snColumn && SameText(Resolved.Name, Wanted);
+    const auto IsCalled = [Title = BareTitle(Wanted)](const TKvISourceColumn& Each) {
+        return !Each.Title.empty() && SameText(Each.Title, Title);
+    };
+    const auto Titled = std::ranges::find_if(Columns(), IsCalled);
+    if (!FIsSaved && !IsName && Titled != Columns().end())
+        return {.Column = *Titled, .Kind = snColumn, .ByTitle = true};
+    CheckIsThere(Resolved, Name);
     const auto Found = std::ranges::find(Columns(), Resolved.Name, &TKvISourceColumn::Name);
     if (Found != Columns().end())
         return {.Column = *Found, .Kind = Resolved.Kind};
     return {.Column = {.Name = Resolved.Name, .Title = {}}, .Kind = Resolved.Kind};
+}
+
+/// Nobody means a constant by a column that is misspelt, nor the second value by "batch2".
+void TJobSource::CheckIsThere(const TKvISourceName& Resolved, const std::string& Name) const
+{
+    const bool IsText = Kind().TableType == teText;
+    const bool IsGuess = (Resolved.Kind == snConstant && Kind().TableType != teXML) ||
+                         (IsText && !SameText(Resolved.Name, FromDisplay(Name)));
+    if (Resolved.Kind == snNothing || (!FIsSaved && IsGuess))
+        Refuse({.Kind = jfNoSuchColumn,
+                .Name = FTitle,
+                .Value = Name,
+                .Was = std::string(Kind().Name),
+                .Names = TitlesOf(Columns())});
+    const bool IsSeen = !FView.Rows.empty() || FHeaderRow > 0;
+    if (IsText && !IsFixed() && IsSeen && !FMapsItself && Resolved.Kind == snMissing &&
+        std::ranges::count(FView.Columns, Resolved.Name, &TKvISourceColumn::Name) == 0)
+        Refuse({.Kind = jfColumnMissing,
+                .Name = FTitle,
+                .Value = Name,
+                .Unit = Unit(),
+                .Number = FHeaderRow > 0 ? FHeaderRow : FComponent->RowFirst,
+                .Count = std::ssize(Columns())});
+}
+
+bool TJobSource::CanBeNamed(const TKvISourceColumn& Column) const
+{
+    const std::string Name(Trim(Column.Name));
+    if (Name == Column.Name)
+        return true;
+    const auto Resolved = FComponent->ResolveName(Name, Columns());
+    return Resolved.Kind == snColumn && Resolved.Name == Column.Name;
+}
+
+TKvISourceColumn TJobSource::Constant(const std::string& Text) const
+{
+    const auto Value = FromDisplay(Text);
+    const auto Resolved = FComponent->ResolveName(Value, Columns());
+    const auto* const Lines = dynamic_cast<TKvImportFromText*>(FComponent.get());
+    const bool IsTaken = Lines || Kind().TableType == teDBase || Kind().TableType == teParadox ||
+                         Kind().TableType == teAccess;
+    const bool IsWhole = !IsBlank(Value) && Trim(Value) == Value &&
+                         !(Lines && Value.back() == Lines->GetFieldDelimiterCustom());
+    if (!IsTaken || !IsWhole || Resolved.Kind != snConstant || Resolved.Name != Value)
+        Refuse({.Kind = jfNoConstant, .Name = FTitle, .Value = Text, .Was = std::string(Kind().Name)});
+    return {.Name = Value};
+}
+
+std::vector<std::string> TitlesOf(const std::vector<TKvISourceColumn>& Columns)
+{
+    std::vector<std::string> Titles;
+    for (const auto& Column : Columns)
+        Titles.push_back(ToDisplay(Column.Title.empty() ? Column.Name : Column.Title));
+    return Titles;
 }
 
 std::unique_ptr<TJobSource> OpenSource(TJobFile* Saved, const TJobSettings& Settings,
@@ -448,7 +603,10 @@ std::unique_ptr<TJobSource> OpenSource(TJobFile* Saved, const TJobSettings& Sett
     if (!Settings.Formats.CodePage.empty() &&
         FindProperty(Source->Component().PublishedProperties(), "CodePage"))
         SetPropValue(Source->Component(), "CodePage", Settings.Formats.CodePage);
-    Source->Look({.FindTitles = Settings.Plan.Mapping == jmByName});
+    TJobLook What{.FindTitles = Settings.Plan.Mapping == jmByName};
+    for (const auto& Line : Settings.Plan.Lines)
+        What.Wanted.emplace_back(Trim(Line.substr(Line.rfind('=') + 1)));
+    Source->Look(What);
     return Source;
 }
 

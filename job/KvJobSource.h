@@ -10,6 +10,7 @@
 
 #include "KvFileAlias.h"
 #include "KvJobFindings.h"
+#include "KvJobHeader.h"
 #include "KvJobSettings.h"
 #include "KvSpooledFile.h"
 #include "KviFileImport.h"
@@ -18,12 +19,14 @@
 namespace kv {
 
 class TJobFile;
+class TKvImportFromText;
 
 /// What a name on the right side of a mapping line leads to.
 struct TJobColumn
 {
     TKvISourceColumn Column;
     TKvISourceNameKind Kind = snColumn;
+    bool ByTitle = false;                           ///< The name is the one that the source gives it.
 };
 
 /// What of a source is looked at, and how its columns get their names.
@@ -32,16 +35,21 @@ struct TJobLook
     /// Whoever judges values looks at no more.
     static constexpr int SampleRows = 200;
 
-    bool FindTitles = true;                         ///< Columns shall have names, in a header if need be.
+    /// Columns must have names: a row is their header even when it does not look like one. Else a header is
+    /// found where there is one.
+    bool FindTitles = true;
     int Rows = SampleRows;
+    /// Right sides of mapping lines: a row that has one of these names is the header.
+    std::vector<std::string> Wanted = {};
+    bool ShowsTitles = false;                       ///< A header in row 1 need not be told: it is seen.
 };
 
 /// A source that is opened once to look at it. Its run opens it a second time, and no more.
 class TJobSource
 {
 public:
-    /// Opens it, says of what kind it is and lists its parts. `Continue` is asked while a pipe is read; false
-    /// stops the reading. Raises EJobRefused, and what opening the file raises.
+    /// Opens it and says of what kind it is. `Continue` is asked while a pipe is read; false stops the
+    /// reading. Raises EJobRefused, and what opening the file raises.
     TJobSource(const TJobSourceSettings& Settings, const std::function<bool()>& Continue);
     /// The same for a saved import, whose component is taken; rows of `Settings` win over what it says.
     TJobSource(TJobFile& Saved, const TJobSourceSettings& Settings, const std::function<bool()>& Continue);
@@ -54,8 +62,8 @@ public:
     const std::string& Title() const { return FTitle; }
     /// What a row is called where its number follows: "line".
     std::string Unit() const { return std::string(FComponent->PositionUnit()); }
-    /// Sheets or tables of the file; none where there is only the file.
-    const std::vector<TKvISourcePart>& Parts() const { return FParts; }
+    /// Sheets or tables of the file; none where there is only the file. Raises what opening it raises.
+    const std::vector<TKvISourcePart>& Parts();
 
     /// Settles part, rows and layout and looks at the first rows. Once. Raises EJobRefused, and what reading
     /// raises.
@@ -84,9 +92,15 @@ public:
     std::vector<TJobFinding> Unreadable() const;
     /// What is odd about what was loaded last, or about the last run, and is not among the findings.
     std::vector<TJobFinding> Remarks() const;
-    /// What a mapping to `Name`, UTF-8 and written in any case, takes. Raises EJobRefused when no row could
-    /// ever have it.
+    /// What a mapping to `Name`, UTF-8 and written in any case, takes: the column of that name, else the one
+    /// with that title. What else the component makes of a name counts in saved imports only. Raises
+    /// EJobRefused when no row could ever have it, and for text when none that was looked at does.
     TJobColumn ColumnNamed(const std::string& Name) const;
+    /// False for a column that a mapping line cannot name: blanks at the ends of a name do not count there.
+    bool CanBeNamed(const TKvISourceColumn& Column) const;
+    /// What a mapping takes that gives every record `Text`, UTF-8. Raises EJobRefused where the component has
+    /// no constants or takes this one for something else.
+    TKvISourceColumn Constant(const std::string& Text) const;
 
 private:
     void OpenFile(const std::function<bool()>& Continue);
@@ -94,16 +108,20 @@ private:
     void Create();
     void CheckKind() const;
     void SetPatience();
-    void ListParts();
-    void SetRows(bool FindTitles);
+    void SetRows(const TJobLook& What);
+    int FindHeaderRow(const TJobLook& What);
+    std::vector<std::string> TitlesAmong(const std::vector<std::string>& Wanted) const;
+    TJobSample Sample(int First);
     void SetLayout();
-    void FindDelimiter();
+    void FindDelimiter(TKvImportFromText& Text);
     void SelectPart();
     void SelectSheet();
     void SelectTable();
     void SelectTableNumber();
     void CheckClassic();
     void CheckText();
+    void CheckUtf8();
+    void CheckIsThere(const TKvISourceName& Resolved, const std::string& Name) const;
     std::vector<std::string> TableNames() const;
 
     TJobSourceSettings Settings;
@@ -116,6 +134,7 @@ private:
     bool FIsSaved = false;
     bool FMapsItself = false;
     bool HasLegacyTitle = false;                    // one was no UTF-8 although it should be
+    std::optional<char> FoundDelimiter;             // where it is not the usual one
     int FHeaderRow = 0;
     int FPartNumber = 1;
     int Rows = 0;                                   // that are looked at
@@ -128,6 +147,9 @@ private:
 /// Opens the source of a job, a saved one when there is `Saved`, and looks at it.
 std::unique_ptr<TJobSource> OpenSource(TJobFile* Saved, const TJobSettings& Settings,
                                        const std::function<bool()>& Continue);
+
+/// What columns are called, UTF-8: the title, or the name of one without.
+std::vector<std::string> TitlesOf(const std::vector<TKvISourceColumn>& Columns);
 
 /// Texts of a value as it stands in the source: UTF-8, and nothing for null.
 std::string SourceText(const TVariant& Value);

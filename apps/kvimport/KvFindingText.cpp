@@ -12,6 +12,26 @@ namespace kv {
 
 namespace {
 
+/// As many of the names as a message holds: what is no header may be of any size.
+std::string FirstNames(const std::vector<std::string>& Names)
+{
+    constexpr std::size_t MaxSize = 300;            // bytes
+    constexpr int MaxWidth = 40;
+    std::vector<std::string> First;
+    for (std::size_t Size = 0; First.size() < Names.size() && Size < MaxSize; Size += First.back().size())
+        First.push_back(FitToWidth(VisibleText(Names[First.size()]), MaxWidth));
+    const auto More = Names.size() - First.size();
+    return JoinNames(First) + (More > 0 ? " and " + std::to_string(More) + " more" : "");
+}
+
+/// With no more of what came from elsewhere than a message holds.
+TJobFinding Brief(TJobFinding Found)
+{
+    for (auto* const Text : {&Found.Name, &Found.Value, &Found.Was})
+        *Text = BriefText(*Text);
+    return Found;
+}
+
 std::string Row(const TJobFinding& Found)
 {
     return Found.Unit + " " + std::to_string(Found.Number);
@@ -30,8 +50,18 @@ std::string HeaderText(const TJobFinding& Found)
 
 std::string OtherDates(const TJobFinding& Found)
 {
+    const auto Many = Found.Count == Found.Limit
+                        ? "it"
+                        : GroupDigits(Found.Count) + " of " + GroupDigits(Found.Limit) + " dates like it";
     return Found.Place + ": '" + Found.Value + "' is no date; --date-order " + Found.Was +
-           " --date-separator " + std::string(1, Found.Character) + " reads it";
+           " --date-separator " + std::string(1, Found.Character) + " reads " + Many;
+}
+
+std::string HeaderFound(const TJobFinding& Found)
+{
+    return Row(Found) + " names the columns" +
+           (Found.Number > 1 ? ", what stands above it is left out" : "") +
+           (Found.Given ? "" : "; --first-row 1 imports all");
 }
 
 std::string SavedText(const TJobFinding& Found)
@@ -90,24 +120,12 @@ std::string RowsMissing(const TJobFinding& Found)
 
 // Refusals.
 
-/// What is no header may be of any size.
-std::string FirstNames(const std::vector<std::string>& Names)
-{
-    constexpr std::size_t MaxNames = 30;
-    constexpr int MaxWidth = 40;
-    std::vector<std::string> First;
-    for (std::size_t I = 0; I < std::min(Names.size(), MaxNames); ++I)
-        First.push_back(FitToWidth(VisibleText(Names[I]), MaxWidth));
-    const auto More = Names.size() - First.size();
-    return JoinNames(First) + (More > 0 ? " and " + std::to_string(More) + " more" : "");
-}
-
 std::string NumberedNames(const std::vector<std::string>& Names)
 {
     std::vector<std::string> Texts;
     for (const auto& Name : Names)
         Texts.push_back(std::to_string(Texts.size() + 1) + " '" + Name + "'");
-    return JoinNames(Texts);
+    return FirstNames(Texts);
 }
 
 std::string NoSuchTableNumber(const TJobFinding& Found)
@@ -119,7 +137,7 @@ std::string NoSuchTableNumber(const TJobFinding& Found)
 std::string NoSuchField(const TJobFinding& Found)
 {
     const auto Where = Found.Name.empty() ? "--keys" : "'" + Found.Name + "'";
-    return Where + ": there is no field '" + Found.Value + "'; the fields are " + JoinNames(Found.Fields);
+    return Where + ": there is no field '" + Found.Value + "'; the fields are " + FirstNames(Found.Fields);
 }
 
 std::string NotThousands(const TJobFinding& Found)
@@ -128,6 +146,25 @@ std::string NotThousands(const TJobFinding& Found)
     return Found.Name + ", " + Found.Place + ": '" + Found.Value + "' has a " + Name +
            " where no thousands end; say --decimal-separator " + Name +
            " if a fraction follows it, or --thousand-separator " + Name + " to remove it all the same";
+}
+
+std::string NoSuchColumn(const TJobFinding& Found)
+{
+    return "'" + Found.Value + "' is no column; the columns are " +
+           (Found.Names.empty() ? ColumnsAreCalled(Found.Was) : FirstNames(Found.Names)) +
+           "; --set FIELD=TEXT gives every record a text";
+}
+
+std::string ColumnMissing(const TJobFinding& Found)
+{
+    return "there is no column '" + Found.Value + "': " + Found.Name + ", " + Row(Found) + " has " +
+           Plural(Found.Count, " column", " columns");
+}
+
+std::string NoConstant(const TJobFinding& Found)
+{
+    return "--set: '" + Found.Value + "' cannot be what every record of a source of kind " + Found.Was +
+           " gets";
 }
 
 std::string ColumnGone(const TJobFinding& Found)
@@ -165,10 +202,10 @@ std::string SourceRefusal(const TJobFinding& Found)
         return "--charset msdos has no meaning for a source of kind " + Found.Value +
                ", whose text has no code page";
     case jfPartMissing:
-        return "--source-table is missing; the tables of " + Found.Name + " are " + JoinNames(Found.Names);
+        return "--source-table is missing; the tables of " + Found.Name + " are " + FirstNames(Found.Names);
     case jfNoSuchTable:
         return "--source-table: " + Found.Name + " has no table '" + Found.Value + "'; its tables are " +
-               JoinNames(Found.Names);
+               FirstNames(Found.Names);
     case jfNoSuchSheet:
         return "--sheet: " + Found.Name + " has no sheet '" + Found.Value + "'; its sheets are " +
                NumberedNames(Found.Names);
@@ -184,6 +221,8 @@ std::string SourceRefusal(const TJobFinding& Found)
                "are "
                "called; use --by-position or --map";
     case jfNoSource:          return Found.Name + " names no source; say --source FILE";
+    case jfSourceNoFile:
+        return Found.Name + " names the source " + Found.Value + ", which is no regular file";
     case jfSourceGone:
         return Found.Name + " names the source " + Found.Value +
                ", which is not there; --source FILE names another";
@@ -196,9 +235,11 @@ std::string PlanRefusal(const TJobFinding& Found)
     switch (Found.Kind) {
     case jfNoColumnMatches:
         return "no column has the name of a field; the columns are " + FirstNames(Found.Names) +
-               "; the fields are " + JoinNames(Found.Fields) +
+               "; the fields are " + FirstNames(Found.Fields) +
                "; --map or --by-position joins them otherwise";
-    case jfNoColumns:         return "there is no column to import";
+    case jfNoColumns:
+        return "there is no column to import" +
+               (Found.Names.empty() ? "" : "; the columns are " + FirstNames(Found.Names));
     case jfBadMapLine:
         return "--map: '" + Found.Value + "' is no pair such as ID=Field1: a field and a column";
     case jfNoSuchField:       return NoSuchField(Found);
@@ -206,8 +247,9 @@ std::string PlanRefusal(const TJobFinding& Found)
     case jfFieldReadOnly: return "'" + Found.Name + "': its field is computed by the database: not imported";
     case jfFieldUnnameable:
         return "'" + Found.Name + "': the name of its field cannot stand in a mapping: not imported";
-    case jfNoSuchColumn:
-        return "'" + Found.Value + "' is no column: columns are called " + ColumnsAreCalled(Found.Was);
+    case jfNoSuchColumn:      return NoSuchColumn(Found);
+    case jfColumnMissing:     return ColumnMissing(Found);
+    case jfNoConstant:        return NoConstant(Found);
     case jfKeysMissing:
         return "--keys is missing: --mode " + NameOfMode(static_cast<TImportMode>(Found.Number)) +
                " finds records by keys, and the table has no primary key";
@@ -218,7 +260,7 @@ std::string PlanRefusal(const TJobFinding& Found)
     case jfDateOrder:
         return "dates in the order " + Found.Value + " cannot be read; say --date-order ymd, mdy or dmy";
     case jfTableMissing:
-        return "--table is missing; the tables of " + Found.Name + " are " + JoinNames(Found.Names);
+        return "--table is missing; the tables of " + Found.Name + " are " + FirstNames(Found.Names);
     case jfSameFile:          return "the source and --to are the same file, " + Found.Name;
     case jfNotThousands:      return NotThousands(Found);
     case jfColumnGone:        return ColumnGone(Found);
@@ -229,11 +271,13 @@ std::string PlanRefusal(const TJobFinding& Found)
 
 } // namespace
 
-std::string FindingText(const TJobFinding& Found)
+std::string FindingText(const TJobFinding& Given)
 {
+    const auto Found = Brief(Given);
     switch (Found.Kind) {
     case jfDelimiter:
         return "delimiter " + NameOfCharacter(Found.Character) + ", as " + Row(Found) + " has it";
+    case jfHeader:          return HeaderFound(Found);
     case jfSheet:           return SheetText(Found);
     case jfOnlyTable:       return "table " + Found.Value + ", the only one";
     case jfForeignText:
@@ -249,6 +293,9 @@ std::string FindingText(const TJobFinding& Found)
     case jfLegacyText:
         return Found.Place + " is no UTF-8: such text is taken for " + Found.Value +
                "; --code-page takes it for another";
+    case jfUtf8Text:
+        return Found.Place + " is UTF-8 and is read as " + Found.Value +
+               "; without --code-page and --charset it is read as UTF-8";
     case jfSaved:           return SavedText(Found);
     case jfMapsItself:
         return "it has no mappings: columns and fields are joined by the rules of the component";
@@ -301,7 +348,7 @@ std::string FindingText(const TJobFinding& Found)
     case jfNumbersLost:
         return RowsFrom(Found) +
                " asterisks for numbers that were too long for their column: they count as empty";
-    default:                return RefusalText(Found);
+    default:                return RefusalText(Given);
     }
 }
 
@@ -313,8 +360,9 @@ std::vector<std::string> FindingTexts(const std::vector<TJobFinding>& Findings)
     return Texts;
 }
 
-std::string RefusalText(const TJobFinding& Found)
+std::string RefusalText(const TJobFinding& Given)
 {
+    const auto Found = Brief(Given);
     const auto Text = SourceRefusal(Found);
     return Text.empty() ? PlanRefusal(Found) : Text;
 }

@@ -50,11 +50,22 @@ void AddMappingOptions(CLI::App& Command, TImportOptions& Options)
 {
     AddModeOptions(Command, Options, [&Options](TImportMode Mode) { Options.Job.Plan.Mode = Mode; });
     Command.add_option("--map", Options.Job.Plan.Lines,
-                       "A field and its column, such as CITY=Field3 (may be repeated; only these are used)")
+                       "A field and its column by name or place, such as CITY=Ort or CITY=Field3 (may be "
+                       "repeated; only these are used)")
         ->type_name("FIELD=COLUMN")
+        ->allow_extra_args(false);
+    Command.add_option("--set", Options.Job.Plan.Constants,
+                       "A field and the text that all records get, such as NOTE=imported (may be repeated)")
+        ->type_name("FIELD=TEXT")
         ->allow_extra_args(false);
     Command.add_flag("--by-position", Options.ByPosition,
                      "First column to first field, and so on, instead of by name");
+}
+
+EUsageError KeysWithoutMeaning(TImportMode Mode)
+{
+    return EUsageError("--keys has no meaning with --mode " + NameOfMode(Mode) +
+                       "; records are found by keys with update, append-update and delete");
 }
 
 } // namespace
@@ -149,8 +160,7 @@ void CheckImportOptions(TImportOptions& Options)
     const auto& Layout = Options.Source.Layout;
     const bool HasMap = !Plan.Lines.empty();
     if (!Plan.Keys.empty() && !NeedsKeys(Plan.Mode))
-        throw EUsageError("--keys has no meaning with --mode " + NameOfMode(Plan.Mode) +
-                          "; records are found by keys with update, append-update and delete");
+        throw KeysWithoutMeaning(Plan.Mode);
     if (HasMap && Options.ByPosition)
         throw EUsageError("--map and --by-position exclude each other");
     CheckTextOptions(Options.Source, HasMap, Options.ByPosition);
@@ -166,8 +176,7 @@ void CompleteOptions(TImportOptions& Options, const TJobFile& Saved)
     Job.Plan.Mode = Options.Mode.value_or(Saved.Import().Mode);
     Saved.Complete(Job);
     if (!Job.Plan.Keys.empty() && !NeedsKeys(Job.Plan.Mode))
-        throw EUsageError("--keys has no meaning with --mode " + NameOfMode(Job.Plan.Mode) +
-                          "; records are found by keys with update, append-update and delete");
+        throw KeysWithoutMeaning(Job.Plan.Mode);
     if (Job.Destination.Url.empty())
         throw EUsageError("--to is required: " + Saved.FileName() + " names no destination");
 }

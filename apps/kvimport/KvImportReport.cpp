@@ -94,7 +94,7 @@ void PrintFigures(std::ostream& Out, const TJobFigures& Figures)
 }
 
 /// What the records that were kept did to the table.
-std::string Stored(const TJobFigures& Figures)
+std::string Stored(const TJobFigures& Figures, bool IsCopy)
 {
     std::vector<std::string> Parts;
     const auto Say = [&Parts](int Count, const char* What) {
@@ -104,7 +104,7 @@ std::string Stored(const TJobFigures& Figures)
     Say(Figures.Added, "added");
     Say(Figures.Updated, "updated");
     Say(Figures.Deleted, "deleted");
-    return Parts.empty() ? "nothing was changed" : JoinNames(Parts);
+    return Parts.empty() ? "nothing was " + std::string(IsCopy ? "added" : "changed") : JoinNames(Parts);
 }
 
 std::string Kept(const TImportReport& Report)
@@ -143,7 +143,8 @@ std::string OutcomeText(const TImportReport& Report)
     switch (Report.Status) {
     case esDone:
     case esRecordErrors:
-        Text << (Report.Outcome.DryRun ? "Tried: " : "Done: ") << Stored(Figures);
+        Text << (Report.Outcome.DryRun ? "Tried: " : "Done: ")
+             << Stored(Figures, Report.Options.Job.Plan.Mode == imCopy);
         if (Figures.Failed > 0)
             Text << "; " << Records(Figures.Failed) << " failed and "
                  << (Figures.Failed == 1 ? "was" : "were") << " left out";

@@ -20,7 +20,8 @@ std::string SuchSource(std::string_view Kind)
 
 std::string ColumnsAreCalled(std::string_view Kind)
 {
-    return Kind == "html" ? "Field1, Field2, ..." : "A to IV";
+    const auto* const Found = FindImportKind(Kind);
+    return Found && Found->Part == spSheet ? "A to IV" : "Field1, Field2, ...";
 }
 
 std::string_view OptionGroupOf(const TKvISourceKind& Kind)

@@ -33,6 +33,7 @@ std::string RemarkOn(const TJobColumnFate& Fate, const TJobSource& Source)
     case jcNoTitle:      return "has no name: not imported";
     case jcNoField:      return "no field of that name: not imported";
     case jcTitleTwice:   return "a column before it has that name: not imported";
+    case jcFieldSet:     return "--set gives its field a value: not imported";
     case jcReadOnly:     return "its field is computed by the database: not imported";
     case jcUnnameable:   return "the name of its field cannot stand in a mapping: not imported";
     case jcUnnameableColumn:

@@ -138,13 +138,13 @@ void PrintJson(const TJobSource& Source)
     PrintJsonLine(std::cout, Object);
 }
 
-/// Names are looked for in the row above the first, unless that is asked for.
 void Preview(const TPreviewOptions& Options)
 {
     UseFormats(Options.Formats);
     TJobSource Source(Options.Source, [] { return true; });
     SetFormats(Options.Formats, Source.Component().DataFormats);
-    Source.Look({.FindTitles = Options.Source.RowFirst.value_or(2) > 1, .Rows = Options.Rows});
+    const bool SaysHeader = Options.Source.RowFirst.value_or(1) > 1; // it is the row above
+    Source.Look({.FindTitles = SaysHeader, .Rows = Options.Rows, .ShowsTitles = true});
     if (Options.Json)
         PrintJson(Source);
     else

@@ -21,11 +21,10 @@ constexpr char ExtraHelp[] =
     "      The same layout and mappings, another file and mode.\n"
     "\n"
     "Options win over what the file says; without --to and --table records go where it was saved for. A "
-    "source that is not found as the file names it is looked for "
-    "beside\n"
-    "the file. Columns that were found by name when the import was saved are found by name again, wherever "
-    "they\n"
-    "stand now; a source that lacks one of them is refused before its first record.\n"
+    "relative\n"
+    "name is one from the folder of the file. Columns that were found by name when the import was saved\n"
+    "are found by name again, wherever they stand now; a source that lacks one of them is refused before\n"
+    "its first record.\n"
     "\n"
     "Exit status: 0 done, 1 done but some records were not stored, 2 wrong usage, 3 failed, 130 cancelled.";
 
@@ -46,6 +45,7 @@ void AddOptions(CLI::App& Command, TImportOptions& Import)
         ->type_name("");
     Command.add_option("--source", Import.Source.FileName, "Import this file instead; - is standard input")
         ->type_name("FILE");
+    AddSpoolOption(Command, Import.Source);
     Command.option_defaults()->group("Destination");
     AddDestinationOptions(Command, Import.Job);
     Command.option_defaults()->group(ChangesGroup);

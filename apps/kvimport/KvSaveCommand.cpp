@@ -27,7 +27,7 @@ constexpr char ExtraHelp[] =
     "Examples:\n"
     "  kvimport save orders.kvi orders.csv --to shop.db --table orders --mode append-update\n"
     "      Columns go to the fields of that table by name; nothing is imported.\n"
-    "  kvimport save orders.kvi orders.csv --first-row 2 --map ID=Field1 --map CITY=Field3\n"
+    "  kvimport save orders.kvi orders.csv --map ID=Nr --map CITY=Field3\n"
     "  kvimport run orders.kvi --to shop.db --table orders\n"
     "\n"
     "A file that is there is brought up to date; what else it holds stays.";

@@ -58,7 +58,7 @@ void PrintTable(const std::vector<TKvISourcePart>& Sheets)
     Table.Print(std::cout, 0);
 }
 
-void PrintJson(const TJobSource& Source)
+void PrintJson(TJobSource& Source)
 {
     auto List = TJson::array();
     for (const auto& Sheet : Source.Parts()) {
@@ -76,7 +76,7 @@ void PrintJson(const TJobSource& Source)
 void PrintSheets(const TSheetsOptions& Options)
 {
     UseFormats(Options.Formats);
-    const TJobSource Source(Options.Source, [] { return true; });
+    TJobSource Source(Options.Source, [] { return true; });
     if (Source.Kind().Part != spSheet)
         throw Exception(Source.Title() + " is no workbook: it has no sheets");
     if (Options.Json)

@@ -29,8 +29,8 @@ void AddTextOptions(CLI::App& Command, TSourceOptions& Options)
     auto& Layout = Options.Layout;
     AddChecked(
         Command, "--delimiter", "CHAR",
-        "What separates the values: tab, comma, semicolon, space, none or any character (default: comma for "
-        ".csv, else tab, or what the header line has instead)",
+        "What separates the values: tab, comma, semicolon, space, none or any character (default: what the "
+        "first lines have, of comma, semicolon, tab and |)",
         [&Layout](const std::string& Text) { Layout.Delimiter = ReadCharacter(Text); });
     AddChecked(Command, "--qualifier", "CHAR",
                "What encloses a value that holds delimiters: quot (default), apos, none or any character",
@@ -87,6 +87,16 @@ void AddSourceFile(CLI::App& Command, TSourceOptions& Options, const std::string
             "Kind of the source, as kvimport formats lists them (default: told by what the file holds and "
             "its name)")
         ->type_name("KIND");
+    AddSpoolOption(Command, Options);
+}
+
+void AddSpoolOption(CLI::App& Command, TSourceOptions& Options)
+{
+    AddChecked(Command, "--spool-limit", "MIB",
+               "Refuse a pipe that gives more; it is kept in TMPDIR while it is read (default: 4096)",
+               [&Options](const std::string& Text) {
+                   Options.MaxSpool = static_cast<std::uint64_t>(ReadCount(Text, 1)) << 20;
+               });
 }
 
 void AddPatience(CLI::App& Command, TSourceOptions& Options)
@@ -101,8 +111,7 @@ void AddRowOptions(CLI::App& Command, TSourceOptions& Options)
 {
     AddChecked(
         Command, "--first-row", "N",
-        "First line, row or record to import, from 1 (default: 2 when columns are found by name in a header, "
-        "else 1)",
+        "First line, row or record to import, from 1 (default: the one below the header, when there is one)",
         [&Options](const std::string& Text) { Options.RowFirst = ReadCount(Text, 1); });
     AddChecked(Command, "--last-row", "N", "Last line, row or record to import (default: the last)",
                [&Options](const std::string& Text) { Options.RowLast = ReadCount(Text, 1); });

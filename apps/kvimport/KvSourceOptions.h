@@ -27,8 +27,10 @@ struct TSourceOptions : TJobSourceSettings
 
 // `Options` must outlive the parsing.
 
-/// Adds FILE, described by `FileHelp`, and --from.
+/// Adds FILE, described by `FileHelp`, --from and --spool-limit.
 void AddSourceFile(CLI::App& Command, TSourceOptions& Options, const std::string& FileHelp);
+/// Adds --spool-limit.
+void AddSpoolOption(CLI::App& Command, TSourceOptions& Options);
 /// Adds --first-row and --last-row.
 void AddRowOptions(CLI::App& Command, TSourceOptions& Options);
 void AddPatience(CLI::App& Command, TSourceOptions& Options); ///< --patience

@@ -48,7 +48,7 @@ void AddOptions(CLI::App& Command, TTablesOptions& Options)
 
 using TTables = std::vector<TKvISourcePart>;
 
-TTables ListTables(const TTablesOptions& Options, const TJobSource& Source)
+TTables ListTables(const TTablesOptions& Options, TJobSource& Source)
 {
     if (Source.Kind().Part != spTable)
         throw Exception(Source.Title() + " is no Access database but of kind " +
@@ -103,7 +103,7 @@ void PrintTables(const TTablesOptions& Options)
     if (Options.Source.FileName == "-")
         throw EUsageError("an Access database cannot be read from standard input");
     UseFormats(Options.Formats);
-    const TJobSource Source(Options.Source, [] { return true; });
+    TJobSource Source(Options.Source, [] { return true; });
     const auto Tables = ListTables(Options, Source);
     if (Options.Json)
         PrintJson(Source.Title(), Tables);

@@ -40,23 +40,27 @@ TEST(KvJobChecks, GoByTheSeparatorsGiven)
 
 TEST(KvJobChecks, LookAtNumbersThatAreImported)
 {
-    const TAmounts Table;
+    TAmounts Table;
     TJobTestSource File("amounts.csv", "ID;AMOUNT;OTHER\n1,5;1,000;1,5\n2,5;1,5;2\n");
     auto& Source = File.Look();
     const auto Plan = MakePlan(Source, Table, {});
-    const auto Found = RefusalOf([&] { CheckThousandSeparators(Source, Plan, Table, ',', '.'); });
+    const auto Found = RefusalOf([&] { CheckThousands(Source, Plan, Table); });
     EXPECT_EQ(Found.Kind, jfNotThousands);
     EXPECT_EQ(Found.Place, "line 3") << "texts and columns that are left out keep their commas";
     EXPECT_EQ(Found.Value, "1,5");
     EXPECT_EQ(Found.Character, ',');
-    EXPECT_NO_THROW(CheckThousandSeparators(Source, Plan, Table, '.', ','));
+    Source.Component().DataFormats.DecimalSeparator = ',';
+    Source.Component().DataFormats.ThousandSeparator = '.';
+    EXPECT_NO_THROW(CheckThousands(Source, Plan, Table));
 }
 
 TEST(KvJobChecks, KnowAHeaderAmongTheRows)
 {
     const TAmounts Table;
     TJobTestSource File("amounts.csv", "ID,AMOUNT\n1,5\n");
+    File.Settings.RowFirst = 1;
     const auto Found = CheckHeader(File.Look({.FindTitles = false}), Table);
+    File.Settings.RowFirst.reset();
     ASSERT_EQ(Found.size(), 1);
     EXPECT_EQ(Found[0].Kind, jfLooksLikeHeader);
     EXPECT_EQ(Found[0].Number, 1);
@@ -100,9 +104,15 @@ TEST_F(KvJobChecksOfDates, SayNothingOfDatesThatAreRead)
     EXPECT_TRUE(Check("ID,DAY\n1,2024-03-14\n").empty());
 }
 
-TEST_F(KvJobChecksOfDates, ProposeNothingThatDoesNotFitAll)
+TEST_F(KvJobChecksOfDates, ProposeWhatFitsMostAndMoreThanNow)
 {
-    EXPECT_TRUE(Check("ID,DAY\n1,03/14/2024\n2,soon\n").empty());
+    const auto Found = Check("ID,DAY\n1,03/14/2024\n2,soon\n3,03/15/2024\n");
+    ASSERT_EQ(Found.size(), 1);
+    EXPECT_EQ(Found[0].Was, "mdy");
+    EXPECT_EQ(Found[0].Count, 2);
+    EXPECT_EQ(Found[0].Limit, 3);
+    EXPECT_TRUE(Check("ID,DAY\n1,03/14/2024\n2,soon\n").empty()) << "half of them are not most";
+    EXPECT_TRUE(Check("ID,DAY\n1,2024-03-14\n2,03/14/2024\n3,2024-03-15\n").empty());
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
 #include "KvCodePage.h"
 #include "KvJobTestShop.h"
 #include "KvMemoryDataSet.h"
@@ -192,6 +194,66 @@ TEST_F(KvJobFile, ColumnsThatWereNamedByPositionStayThere)
     EXPECT_EQ(Rows(), "7|Oslo|");
 }
 
+TEST_F(KvJobFile, AColumnThatALineFoundByItsTitleIsFollowed)
+{
+    Write("Nr,Ort,Betrag\n1,Rom,1\n");
+    Job.Plan = {.Mapping = jmByLines, .Lines = {"ID=Nr", "CITY=Ort", "AMOUNT=Field3"}};
+    Save();
+    EXPECT_EQ(RunSaved("Ort,Nr,Sum\nOslo,2,5\n").Result, joDone);
+    EXPECT_EQ(Rows(), "2|Oslo|5") << "the third column is meant whatever it is called";
+    EXPECT_EQ(RefusalOf([&] { RunSaved("Stadt,Nr,Sum\nOslo,2,5\n"); }).Kind, jfColumnGone);
+}
+
+TEST_F(KvJobFile, AFileWithFewerColumnsThanAreMappedIsRefused)
+{
+    Write("ID,CITY,AMOUNT\n1,Rom,1\n");
+    Save();
+    auto Text = Folder.Read("orders.kvi");
+    Folder.Write("orders.kvi", Text.substr(0, Text.find("[Job]")));
+    TJobSettings Settings;
+    Settings.Destination = Job.Destination;
+    const auto Refused = RefusalOf([&] { RunSaved("ID,CITY\n1,Rom\n", Settings); });
+    EXPECT_EQ(Refused.Kind, jfColumnMissing) << "it would empty a field of every record";
+    EXPECT_EQ(Refused.Value, "Field3");
+}
+
+TEST_F(KvJobFile, ALineOfTheFileMeansWhatItMeansToTheComponent)
+{
+    Write("1,Rom\n");
+    Folder.Write("orders.kvi", "[Common]\nTableType=Text\nSourceFileName=orders.csv\n[Mappings]\nCount=2\n"
+                               "Map0=ID=batch1\nMap1=CITY=May\n[Text]\nFieldDelimiter=2C\n");
+    TJobSettings Settings;
+    Settings.Destination = Job.Destination;
+    EXPECT_EQ(RunSaved({}, Settings).Result, joDone);
+    EXPECT_EQ(Rows(), "1|May|");
+}
+
+TEST_F(KvJobFile, WithoutMappingsEveryCheckHolds)
+{
+    Write("ID,CITY,AMOUNT\n1,Rom,1\n");
+    Folder.Write("orders.kvi", "[Common]\nTableType=Text\nSourceFileName=orders.csv\nMode=2\n"
+                               "DatasetKeys=IDD\n[Text]\nFieldDelimiter=2C\nRowFirst=2\n");
+    TJobSettings Settings;
+    Settings.Destination = Job.Destination;
+    Settings.Plan.Mode = imAppendUpdate;
+    EXPECT_EQ(RefusalOf([&] { RunSaved({}, Settings); }).Kind, jfNoSuchField) << "a key that is misspelt";
+    Settings.Plan.Mode = imAppend;
+    EXPECT_EQ(RefusalOf([&] { RunSaved("ID,CITY,AMOUNT\n1,Rom,\"1,5\"\n", Settings); }).Kind,
+              jfNotThousands);
+    EXPECT_EQ(RefusalOf([&] { RunSaved("A,B\n1,Rom\n", Settings); }).Kind, jfNoColumns);
+    EXPECT_EQ(RunSaved({}, Settings).Result, joDone);
+    EXPECT_EQ(Rows(), "1|Rom|1");
+}
+
+TEST_F(KvJobFile, AConstantIsSavedAsALine)
+{
+    Write("ID\n1\n");
+    Job.Plan.Constants = {"CITY=Rom"};
+    Save();
+    EXPECT_EQ(RunSaved("x,ID\n9,2\n").Result, joDone);
+    EXPECT_EQ(Rows(), "2|Rom|");
+}
+
 // The checks of an import.
 
 TEST_F(KvJobFile, ASavedImportChecksSeparatorsToo)
@@ -218,16 +280,62 @@ TEST_F(KvJobFile, AHeaderAmongTheRecordsIsTold)
 
 // Files.
 
-TEST_F(KvJobFile, ASourceIsLookedForBesideTheFile)
+/// Makes `Folder` the current one.
+struct TCurrentFolder
 {
+    explicit TCurrentFolder(const std::filesystem::path& Folder) : Before(std::filesystem::current_path())
+    {
+        std::filesystem::current_path(Folder);
+    }
+    ~TCurrentFolder() { std::filesystem::current_path(Before); }
+
+    const std::filesystem::path Before;
+};
+
+TEST_F(KvJobFile, ARelativeSourceIsOneFromTheFolderOfTheFileWhateverFolderIsCurrent)
+{
+    std::filesystem::create_directories(Folder / "saved");
+    std::filesystem::create_directories(Folder / "other");
     Write("ID,CITY\n1,Rom\n");
-    Save();
-    auto Text = Folder.Read("orders.kvi");
-    Text.replace(Text.find(Job.Source.FileName), Job.Source.FileName.size(), "orders.csv");
-    Folder.Write("orders.kvi", Text);
-    EXPECT_EQ(RunSaved().Figures.Added, 1);
+    Folder.Write("other/orders.csv", "ID,CITY\n2,Oslo\n");
+    Job.Source.FileName = "orders.csv";
+    Job.Destination.Url = "shop.db";
+    {
+        const TCurrentFolder Current(Folder / "");
+        TJobRun Run(Job, Observer);
+        Run.Prepare();
+        SaveJob("saved/orders.kvi", "Orders", Run.Source(), Run.Plan(), Job);
+        EXPECT_EQ(Run.Source().Component().SourceFileName, "orders.csv") << "only the file names it so";
+    }
+    const TCurrentFolder Current(Folder / "other");
+    TJobSettings Settings;
+    TJobFile Saved(Folder / "saved/orders.kvi");
+    Saved.Complete(Settings);
+    EXPECT_TRUE(std::filesystem::equivalent(Settings.Source.FileName, Folder / "orders.csv"));
+    EXPECT_TRUE(std::filesystem::equivalent(Settings.Destination.Url, Folder / "shop.db"));
+    EXPECT_THAT(Folder.Read("saved/orders.kvi"), HasSubstr("SourceFileName=../orders.csv\r\n"));
     std::filesystem::remove(Folder / "orders.csv");
-    EXPECT_EQ(RefusalOf([&] { RunSaved(); }).Kind, jfSourceGone);
+    EXPECT_EQ(RefusalOf([&] { Saved.Complete(Settings = {}); }).Kind, jfSourceGone);
+}
+
+TEST_F(KvJobFile, ASourceOfAnOlderFileMayStandInTheCurrentFolder)
+{
+    std::filesystem::create_directories(Folder / "saved");
+    Write("ID,CITY\n1,Rom\n");
+    Folder.Write("saved/orders.kvi", "[Common]\nTableType=Text\nSourceFileName=orders.csv\n");
+    const TCurrentFolder Current(Folder / "");
+    TJobSettings Settings;
+    TJobFile(Folder / "saved/orders.kvi").Complete(Settings);
+    EXPECT_EQ(Settings.Source.FileName, "orders.csv");
+}
+
+TEST_F(KvJobFile, AFileNamesNoDevicesAndPipes)
+{
+    Folder.Write("orders.kvi", "[Common]\nTableType=Text\nSourceFileName=/dev/null\n");
+    TJobSettings Settings;
+    EXPECT_EQ(RefusalOf([&] { TJobFile(File).Complete(Settings); }).Kind, jfSourceNoFile);
+    Settings.Source.FileName = "/dev/null";
+    EXPECT_NO_THROW(TJobFile(File).Complete(Settings)) << "a user may";
 }
 
 TEST_F(KvJobFile, AFileThatWasCutIsAnError)
@@ -246,6 +354,17 @@ TEST_F(KvJobFile, AFileThatIsNoSavedImportIsLeftAlone)
     Folder.Write("orders.kvi", "my diary\n");
     EXPECT_THROW(Save(), Exception);
     EXPECT_EQ(Folder.Read("orders.kvi"), "my diary\n");
+}
+
+TEST_F(KvJobFile, SavingOverAnotherKindLeavesNothingOfItBehind)
+{
+    Folder.Write("orders.kvi", "[Common]\nMode=4\nOwner=Ada\n[Extensions]\nSheetIndex=1\n[Mine]\nA=1\n");
+    Write("ID,CITY\n1,Rom\n");
+    Save();
+    EXPECT_NO_THROW(TJobFile Saved(File));
+    EXPECT_THAT(Folder.Read("orders.kvi"), Not(HasSubstr("SheetIndex")));
+    EXPECT_THAT(Folder.Read("orders.kvi"), HasSubstr("Owner=Ada"));
+    EXPECT_THAT(Folder.Read("orders.kvi"), HasSubstr("[Mine]\nA=1"));
 }
 
 TEST_F(KvJobFile, SavingAgainForgetsWhatIsNoLongerSo)

@@ -28,7 +28,7 @@ std::vector<TJobFate> FatesOf(const TJobPlan& Plan)
 
 struct KvJobPlan : testing::Test
 {
-    const TJobTestTable Table;
+    TJobTestTable Table;
 };
 
 TEST_F(KvJobPlan, JoinsByNameWithoutRegardToCase)
@@ -86,17 +86,87 @@ TEST_F(KvJobPlan, IsRefusedWhenThereIsNoColumnToImport)
 TEST_F(KvJobPlan, TakesLinesAsTheyAreGiven)
 {
     TJobTestSource File("orders.csv", "1,2\n");
-    const auto Plan = MakePlan(File.Look({.FindTitles = false}), Table, ByLines({" city = Field2", "ID=7"}));
-    EXPECT_THAT(Plan.Lines, ElementsAre("CITY=Field2", "ID=7"));
-    EXPECT_THAT(FatesOf(Plan), ElementsAre(jcMapped, jcConstant, jcNotMapped));
+    const auto Plan = MakePlan(File.Look({.FindTitles = false}), Table, ByLines({" city = Field2"}));
+    EXPECT_THAT(Plan.Lines, ElementsAre("CITY=Field2"));
+    EXPECT_THAT(FatesOf(Plan), ElementsAre(jcMapped, jcNotMapped));
 }
 
 TEST_F(KvJobPlan, AColumnThatTheFirstRowLacksMayComeLater)
 {
-    TJobTestSource File("orders.csv", "1,2\n");
-    const auto Plan = MakePlan(File.Look({.FindTitles = false}), Table, ByLines({"CITY=field99"}));
-    EXPECT_THAT(Plan.Lines, ElementsAre("CITY=Field99"));
-    EXPECT_EQ(Plan.Columns[0].Fate, jcMissing);
+    TJobTestSource File("orders.csv", "1,2\n3,4,5\n");
+    const auto Plan =
+        MakePlan(File.Look({.FindTitles = false}), Table, ByLines({"ID=Field1", "CITY=field3"}));
+    EXPECT_THAT(Plan.Lines, ElementsAre("ID=Field1", "CITY=Field3"));
+    EXPECT_EQ(Plan.Columns[1].Fate, jcMissing);
+    const auto Found =
+        RefusalOf([&] { MakePlan(*File.Source, Table, ByLines({"ID=Field1", "CITY=Field4"})); });
+    EXPECT_EQ(Found.Kind, jfColumnMissing) << "no row has it";
+    EXPECT_EQ(Found.Value, "Field4");
+    EXPECT_EQ(Found.Number, 1);
+    EXPECT_EQ(Found.Count, 2);
+}
+
+TEST_F(KvJobPlan, AColumnIsFoundByWhatTheHeaderCallsIt)
+{
+    TJobTestSource File("orders.csv", "Nr, \"Ort\" ,Field1\n1,Rom,x\n");
+    const auto Plan = MakePlan(File.Look({.FindTitles = false}), Table,
+                               ByLines({"ID=nr", "CITY= 'Ort'", "NOTE=Field1"}));
+    EXPECT_THAT(Plan.Lines, ElementsAre("ID=Field1", "CITY=Field2", "NOTE=Field1"));
+    EXPECT_TRUE(Plan.Columns[0].ByTitle);
+    EXPECT_FALSE(Plan.Columns[2].ByTitle) << "the name of a column comes first";
+}
+
+TEST_F(KvJobPlan, AMisspeltColumnIsNoConstant)
+{
+    TJobTestSource File("orders.csv", "Nr,Ort\n1,Rom\n");
+    const auto Refused = [&](const std::string& Line) {
+        return RefusalOf([&] {
+            MakePlan(File.Look({.FindTitles = false}), Table, ByLines({"ID=Nr", Line}));
+        });
+    };
+    EXPECT_EQ(Refused("CITY=Town").Kind, jfNoSuchColumn);
+    EXPECT_THAT(Refused("CITY=Town").Names, ElementsAre("Nr", "Ort"));
+    EXPECT_EQ(Refused("CITY=batch2").Kind, jfNoSuchColumn) << "nobody means the second value by it";
+    TJobTestSource Old("old.dbf", TDbaseBuilder().Field("CITY", 'C', 5).Record({"Rom"}).Build());
+    EXPECT_EQ(RefusalOf([&] { MakePlan(Old.Look(), Table, ByLines({"CITY=CITI"})); }).Kind, jfNoSuchColumn);
+}
+
+TEST_F(KvJobPlan, AConstantComesFirstHoweverColumnsAreJoined)
+{
+    TJobTestSource File("orders.csv", "ID,NOTE\n1,x\n");
+    for (const auto Mapping : {jmByName, jmByPosition}) {
+        TJobPlanSettings Settings{.Mapping = Mapping, .Constants = {"note=June", "CITY=Rom"}};
+        const auto Plan = MakePlan(File.Look(), Table, Settings);
+        EXPECT_THAT(Plan.Lines, ElementsAre("ID=Field1", "NOTE=June", "CITY=Rom"));
+        EXPECT_THAT(FatesOf(Plan), ElementsAre(jcMapped, jcFieldSet, jcConstant, jcConstant));
+    }
+    auto Settings = ByLines({"ID=Field1", "NOTE=Field2"});
+    Settings.Constants = {"NOTE=x"};
+    EXPECT_EQ(RefusalOf([&] { MakePlan(*File.Source, Table, Settings); }).Kind, jfFieldTwice);
+}
+
+TEST_F(KvJobPlan, AConstantThatTheComponentWouldReadOtherwiseIsRefused)
+{
+    TJobTestSource File("orders.csv", "ID,CITY\n1,Rom\n");
+    TJobTestSource Page("page.html", "<html><table><tr><td>ID</td></tr><tr><td>1</td></tr></table></html>");
+    const auto Refused = [&](TJobTestSource& Source, const std::string& Line) {
+        return RefusalOf([&] {
+                   MakePlan(Source.Look(), Table, {.Constants = {Line}});
+               }).Kind;
+    };
+    for (const std::string Text : {"batch2", "May 2024", "Field1", "Fields", "May,"})
+        EXPECT_EQ(Refused(File, "NOTE=" + Text), jfNoConstant) << Text;
+    EXPECT_EQ(Refused(Page, "NOTE=May"), jfNoConstant);
+    EXPECT_EQ(Refused(File, "NOTE="), jfBadMapLine);
+    EXPECT_EQ(Refused(File, "NOET=May"), jfNoSuchField);
+}
+
+TEST_F(KvJobPlan, LinesThatTakeNothingAreRefused)
+{
+    TJobTestSource Packet("packet.xml", "<DATAPACKET><ROWDATA><ROW A=\"7\"/></ROWDATA></DATAPACKET>");
+    EXPECT_EQ(RefusalOf([&] { MakePlan(Packet.Look(), Table, ByLines({"ID=B", "CITY=C"})); }).Kind,
+              jfNoColumns);
+    EXPECT_EQ(MakePlan(*Packet.Source, Table, ByLines({"ID=A", "CITY=C"})).Columns[1].Fate, jcMissing);
 }
 
 TEST_F(KvJobPlan, AColumnMayBeWrittenInAnyCase)
@@ -152,12 +222,23 @@ TEST_F(KvJobPlan, LinesNameFieldsOfTheTableAndEachOnce)
 TEST_F(KvJobPlan, FieldsThatMappingLinesCannotNameAreLeftOut)
 {
     TMemoryDataSet Odd;
-    Odd.SetFieldDefs({{.Name = "A=B"}, {.Name = "D"}});
+    Odd.SetFieldDefs({{.Name = "D"}, {.Name = "D=E"}});
     Odd.Open();
-    TJobTestSource File("orders.csv", "A=B,D\n");
+    TJobTestSource File("orders.csv", "D=E,D\n");
     const auto Plan = MakePlan(File.Look(), Odd, {});
     EXPECT_THAT(Plan.Lines, ElementsAre("D=Field2"));
-    EXPECT_THAT(FatesOf(Plan), ElementsAre(jcUnnameable, jcMapped));
+    EXPECT_THAT(FatesOf(Plan), ElementsAre(jcUnnameable, jcMapped)) << "a line would name the other field";
+}
+
+TEST_F(KvJobPlan, ANameWithAnEqualSignIsOneLikeOthers)
+{
+    TMemoryDataSet Odd;
+    Odd.SetFieldDefs({{.Name = "A=B"}, {.Name = "D"}});
+    Odd.Open();
+    TJobTestSource File("orders.csv", "A=B,D=x\n1,2\n");
+    EXPECT_THAT(MakePlan(File.Look(), Odd, {}).Lines, ElementsAre("A=B=Field1"));
+    EXPECT_THAT(MakePlan(File.Look(), Odd, ByLines({"A=B=D=x", "D=A=B"})).Lines,
+                ElementsAre("A=B=Field2", "D=Field1"));
     EXPECT_EQ(RefusalOf([&] { MakePlan(File.Look(), Odd, ByLines({"A=Field1"})); }).Kind, jfNoSuchField);
 }
 
@@ -179,8 +260,7 @@ TEST_F(KvJobPlan, AColumnWithBlanksAtTheEndsOfItsNameIsNeverAConstant)
     TJobTestSource File("padded.dbf", TDbaseBuilder().Field("CITY  ", 'C', 5).Record({"Rom"}).Build());
     const auto& Source = File.Look();
     ASSERT_EQ(Source.Columns()[0].Name, "CITY  ");
-    const auto Plan = MakePlan(Source, Table, {.Mapping = jmByLines, .Lines = {"ID=x"}});
-    EXPECT_THAT(FatesOf(Plan), ElementsAre(jcConstant, jcNotMapped));
+    EXPECT_EQ(RefusalOf([&] { MakePlan(Source, Table, ByLines({"ID=x"})); }).Kind, jfNoSuchColumn);
     EXPECT_EQ(RefusalOf([&] { MakePlan(Source, Table, {.Mapping = jmByPosition}); }).Kind, jfNoColumns);
 }
 
@@ -208,7 +288,8 @@ TEST_F(KvJobPlan, KeysAreOfNoUseWhereRecordsAreOnlyAdded)
 TEST_F(KvJobPlan, WithoutATableFieldsAreBelieved)
 {
     TJobTestSource File("orders.csv", "1,2\n");
-    auto Settings = ByLines({"ID=Field1", "CITY=Town"});
+    auto Settings = ByLines({"ID=Field1"});
+    Settings.Constants = {"CITY=Town"};
     Settings.Mode = imUpdate;
     Settings.Keys = {"id"};
     const auto Plan = MakePlanAlone(File.Look({.FindTitles = false}), Settings);

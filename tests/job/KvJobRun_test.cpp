@@ -199,6 +199,96 @@ TEST_F(KvJobRun, AConstraintThatIsCheckedAtTheEndFailsTheRun)
     EXPECT_EQ(Run.Execute().Result, joDone) << "foreign keys are not looked at unless a program asks for it";
 }
 
+// Separators beyond the rows that are looked at.
+
+struct KvJobRunOfAmounts : KvJobRun
+{
+    /// 300 amounts; one of the last is `Odd`.
+    TJobOutcome ImportWith(const std::string& Odd)
+    {
+        std::string Csv = "ID;CITY;AMOUNT\n";
+        for (int I = 1; I <= 300; ++I)
+            Csv += std::to_string(I) + ";Rom;" + (I == 290 ? Odd : "1,234") + "\n";
+        return Import(Csv);
+    }
+};
+
+TEST_F(KvJobRunOfAmounts, TheFirstThatIsNoThousandUndoesTheRun)
+{
+    const auto Outcome = ImportWith("1,5");
+    EXPECT_EQ(Outcome.Result, joFailed);
+    ASSERT_TRUE(Outcome.Refusal);
+    EXPECT_EQ(Outcome.Refusal->Kind, jfNotThousands);
+    EXPECT_EQ(Outcome.Refusal->Value, "1,5");
+    EXPECT_EQ(Outcome.Refusal->Place, "line 291");
+    EXPECT_EQ(Outcome.Refusal->Character, ',');
+    EXPECT_EQ(Rows(), "");
+    EXPECT_TRUE(Outcome.Failure);
+}
+
+TEST_F(KvJobRunOfAmounts, WhatIsNoNumberIsOnlyARecord)
+{
+    const auto Outcome = ImportWith("5, maybe");
+    EXPECT_EQ(Outcome.Result, joRecordErrors);
+    EXPECT_FALSE(Outcome.Refusal);
+    EXPECT_EQ(Outcome.Figures.Failed, 1);
+}
+
+TEST_F(KvJobRunOfAmounts, ASeparatorThatIsMeantIsRemovedEverywhere)
+{
+    Job.Formats.CheckThousands = false;
+    EXPECT_EQ(ImportWith("1,5").Result, joDone);
+    EXPECT_EQ(Rows("SELECT AMOUNT FROM orders WHERE ID = 290"), "15");
+}
+
+// Text of another code page.
+
+TEST_F(KvJobRun, TextThatIsNoUtf8IsToldWhereverItStands)
+{
+    std::string Csv = "ID,CITY\n";
+    for (int I = 1; I <= 300; ++I)
+        Csv += std::to_string(I) + (I < 290 ? ",Rom\n" : ",K\xF6ln\n");
+    const auto Outcome = Import(Csv);
+    EXPECT_THAT(Findings, IsEmpty());
+    ASSERT_THAT(Outcome.Remarks, SizeIs(1));
+    EXPECT_EQ(Outcome.Remarks[0].Kind, jfLegacyText);
+    EXPECT_EQ(Outcome.Remarks[0].Place, "line 291");
+    EXPECT_EQ(Outcome.Remarks[0].Value, "windows-1252");
+    Execute("DELETE FROM orders");
+    EXPECT_THAT(Import("ID,CITY\n1,K\xF6ln\n").Remarks, IsEmpty()) << "it was told before the run";
+    Execute("DELETE FROM orders");
+    EXPECT_THAT(Import("ID,CITY\n1,Köln\n").Remarks, IsEmpty());
+}
+
+// Copies.
+
+TEST_F(KvJobRun, ACopyThatStoresNoneIsUndone)
+{
+    Execute("INSERT INTO orders VALUES (1, 'Rom', 1), (2, 'Oslo', 2)");
+    Job.Plan.Mode = imCopy;
+    const auto Outcome = Import("ID,CITY\nx,Graz\ny,Wien\n");
+    EXPECT_EQ(Outcome.Result, joFailed);
+    EXPECT_TRUE(Outcome.StoredNone);
+    EXPECT_FALSE(Outcome.Complete);
+    EXPECT_EQ(Rows(), "1|Rom|1 2|Oslo|2");
+    Job.Run.Batch = 1;
+    EXPECT_EQ(RunJob().Result, joFailed);
+    EXPECT_EQ(Rows(), "1|Rom|1 2|Oslo|2") << "an empty table is no batch either";
+    EXPECT_EQ(Import("ID,CITY\nx,Graz\n5,Wien\ny,Bonn\n").Result, joRecordErrors);
+    EXPECT_EQ(Rows(), "5|Wien|");
+}
+
+TEST_F(KvJobRun, ACopyOfNothingEmptiesTheTable)
+{
+    Execute("INSERT INTO orders VALUES (1, 'Rom', 1)");
+    Job.Plan.Mode = imCopy;
+    const auto Outcome = Import("ID,CITY\n");
+    EXPECT_EQ(Outcome.Result, joDone);
+    EXPECT_FALSE(Outcome.StoredNone);
+    EXPECT_EQ(Outcome.Emptied, 1);
+    EXPECT_EQ(Rows(), "");
+}
+
 // Refusals.
 
 TEST_F(KvJobRun, IsRefusedBeforeAnythingHappens)
@@ -261,6 +351,7 @@ TEST_F(KvJobRun, TellsFindingsBeforeAndRemarksAfterTheRun)
 TEST_F(KvJobRun, AHeaderAmongTheRecordsIsTold)
 {
     Job.Plan.Mapping = jmByPosition;
+    Job.Source.RowFirst = 1;
     const auto Outcome = Import("ID,CITY\n1,Rom\n");
     ASSERT_THAT(Findings, SizeIs(1));
     EXPECT_EQ(Findings[0].Kind, jfLooksLikeHeader);

@@ -161,6 +161,138 @@ TEST(KvJobSource, TheHeaderIsTheRowAboveTheFirst)
     EXPECT_EQ(File.Look({.FindTitles = false}).HeaderRow(), 0);
 }
 
+TEST(KvJobSource, AHeaderIsFoundWhetherItIsNeededOrNot)
+{
+    TJobTestSource File("orders.csv", "Orders of May\n\nID;CITY\n1;Rom\n");
+    for (const bool Needed : {true, false}) {
+        const auto& Source = File.Look({.FindTitles = Needed});
+        EXPECT_EQ(Source.HeaderRow(), 3);
+        EXPECT_THAT(TitlesOf(Source), ElementsAre("ID", "CITY"));
+        EXPECT_EQ(Source.View().Rows.size(), 1u);
+        ASSERT_EQ(Source.Findings().size(), 2u);
+        EXPECT_EQ(Source.Findings()[0].Kind, jfDelimiter);
+        EXPECT_EQ(Source.Findings()[1].Kind, jfHeader);
+        EXPECT_EQ(Source.Findings()[1].Number, 3);
+    }
+    TJobTestSource Plain("plain.csv", "ID,CITY\n1,Rom\n");
+    EXPECT_THAT(Plain.Look().Findings(), IsEmpty()) << "it was to be expected";
+    EXPECT_THAT(Plain.Look({.FindTitles = false, .ShowsTitles = true}).Findings(), IsEmpty());
+    EXPECT_EQ(Plain.Look({.FindTitles = false}).Findings().at(0).Kind, jfHeader) << "it is left out";
+    EXPECT_FALSE(Plain.Source->Findings()[0].Given);
+}
+
+TEST(KvJobSource, AFileWithoutAHeaderBeginsWithItsFirstRow)
+{
+    TJobTestSource File("orders.csv", "1,Rom\n2,Oslo\n");
+    EXPECT_EQ(File.Look({.FindTitles = false}).View().Rows.size(), 2u);
+    EXPECT_EQ(File.Source->HeaderRow(), 0);
+    EXPECT_EQ(File.Look().HeaderRow(), 1) << "where one is needed it is line 1";
+}
+
+TEST(KvJobSource, AHeaderMayStandFurtherAboveTheFirstRow)
+{
+    TJobTestSource File("orders.csv", "ID,CITY\n1,Rom\n2,Oslo\n3,Bern\n");
+    File.Settings.RowFirst = 3;
+    const auto& Source = File.Look();
+    EXPECT_THAT(TitlesOf(Source), ElementsAre("ID", "CITY"));
+    EXPECT_THAT(TextsOf(Source.View().Rows.at(0)), ElementsAre("2", "Oslo"));
+    EXPECT_EQ(Source.Findings().at(0).Kind, jfHeader);
+    EXPECT_TRUE(Source.Findings()[0].Given);
+    TJobTestSource None("orders.csv", "1,Rom\n2,Oslo\nID,CITY\n3,Bern\n");
+    None.Settings.RowFirst = 2;
+    EXPECT_EQ(None.Look({.FindTitles = false}).HeaderRow(), 0) << "what comes later is none";
+}
+
+TEST(KvJobSource, NamesThatAreMappedFindTheHeader)
+{
+    TJobTestSource File("sales.csv", "City,2023,2024\nRom,5,6\n");
+    EXPECT_EQ(File.Look({.FindTitles = false}).HeaderRow(), 0);
+    EXPECT_EQ(File.Look({.FindTitles = false, .Wanted = {"2024"}}).HeaderRow(), 1);
+    TJobTestSource Book("orders.xls", ExampleFile("orders.xls"));
+    Book.Settings.PartKind = spSheet;
+    Book.Settings.Part = "2";
+    EXPECT_EQ(Book.Look({.FindTitles = false}).HeaderRow(), 1);
+    EXPECT_EQ(Book.Look({.FindTitles = false, .Wanted = {"A"}}).HeaderRow(), 1) << "a letter is no title";
+}
+
+TEST(KvJobSource, LookingForAHeaderReadsNoRowAfterTheLast)
+{
+    TJobTestSource File("orders.csv", "CITY\nRom\nCITY,x,y\n");
+    File.Settings.RowLast = 2;
+    EXPECT_EQ(File.Look({.FindTitles = false, .Wanted = {"y"}}).HeaderRow(), 1);
+}
+
+TEST(KvJobSource, PartsAreListedWhenTheyAreAskedFor)
+{
+    TJobTestSource File("cut.xls", ExampleFile("orders.xls").substr(0, 600));
+    TJobSource Source(File.Settings, [] { return true; });
+    EXPECT_EQ(Source.Kind().Name, "xls") << "what it is shows even where it is damaged";
+    EXPECT_THROW(Source.Parts(), Exception);
+}
+
+TEST(KvJobSource, ABarIsADelimiterToo)
+{
+    TJobTestSource File("orders.txt", "ID|CITY\n1|Rom, Italy\n2|Oslo\n");
+    EXPECT_THAT(TitlesOf(File.Look()), ElementsAre("ID", "CITY"));
+    EXPECT_EQ(File.Source->Findings().at(0).Character, '|');
+}
+
+TEST(KvJobSource, MostLinesTellTheDelimiter)
+{
+    TJobTestSource File("orders.csv", "Orders, May\nID;AMOUNT;NOTE\n1;1,5;\n2;2;x\n");
+    EXPECT_THAT(TitlesOf(File.Look()), ElementsAre("ID", "AMOUNT", "NOTE"));
+    EXPECT_EQ(File.Source->HeaderRow(), 2);
+}
+
+TEST(KvJobSource, AQuoteWithinALineDoesNotHideTheDelimiter)
+{
+    TJobTestSource File("orders.csv", "ID;NAME\n1;abc,\"def\n2;x\n");
+    EXPECT_THAT(TitlesOf(File.Look()), ElementsAre("ID", "NAME"));
+    EXPECT_THAT(TextsOf(File.Source->View().Rows.at(0)), ElementsAre("1", "abc,\"def"));
+}
+
+TEST(KvJobSource, ABigEndianTextIsNoTable)
+{
+    std::string Text("\xFE\xFF", 2);
+    for (const char Char : std::string_view("A\tB\tC\tD\tE\tF\tG\tH\tI\tJ\tK\tL\tM\tN\tO\r\n1\tabc\t2\r\n"))
+        (Text += '\0') += Char;
+    TJobTestSource File("orders.csv", Text);
+    EXPECT_EQ(File.Look().Kind().Name, "text");
+    EXPECT_EQ(File.Source->Columns().size(), 15u);
+}
+
+TEST(KvJobSource, APipeThatGivesTooMuchIsRefused)
+{
+    const TPipe Pipe{"ID,CITY\n1,Rom\n"};
+    EXPECT_THROW(TJobSource({.FileName = Pipe.Name, .MaxSpool = 5}, [] { return true; }), EFileError);
+    const TPipe Small{"ID\n1\n"};
+    EXPECT_NO_THROW(TJobSource({.FileName = Small.Name, .MaxSpool = 5}, [] { return true; }));
+}
+
+struct KvJobSourceText : testing::Test
+{
+    ~KvJobSourceText() override { SetAnsiCodePage("UTF-8"); }
+};
+
+TEST_F(KvJobSourceText, Utf8ThatIsReadAsSomethingElseIsTold)
+{
+    TJobTestSource File("orders.csv", "ID,CITY\n1,Bern\n2,Köln\n");
+    File.Settings.MsDos = true;
+    const auto& Source = File.Look();
+    ASSERT_EQ(Source.Findings().size(), 1u);
+    EXPECT_EQ(Source.Findings()[0].Kind, jfUtf8Text);
+    EXPECT_EQ(Source.Findings()[0].Value, OemCodePage());
+    EXPECT_EQ(Source.Findings()[0].Place, "line 3");
+    File.Settings.MsDos = false;
+    EXPECT_THAT(File.Look().Findings(), IsEmpty());
+    SetAnsiCodePage("windows-1252");
+    EXPECT_EQ(File.Look().Findings().at(0).Value, "windows-1252");
+    TJobTestSource Other("orders.csv", "ID,CITY\n1,K\xF6ln\n");
+    EXPECT_THAT(Other.Look().Findings(), IsEmpty());
+    TJobTestSource Marked("orders.csv", "\xEF\xBB\xBFID,CITY\n1,Köln\n");
+    EXPECT_THAT(Marked.Look().Findings(), IsEmpty()) << "the mark tells how it is read";
+}
+
 TEST(KvJobSource, RowsAreThoseThatAreImported)
 {
     TJobTestSource File("orders.csv", "1\n2\n3\n4\n5\n");
@@ -222,7 +354,7 @@ TEST(KvJobSource, ADelimiterIsFoundInTheHeader)
 TEST(KvJobSource, SheetsAreFoundByNumberAndName)
 {
     TJobTestSource File("orders.xls", ExampleFile("orders.xls"));
-    const auto& First = File.Look({.FindTitles = false});
+    const auto& First = File.Look({.FindTitles = false, .ShowsTitles = true});
     ASSERT_EQ(First.Findings().size(), 1);
     EXPECT_EQ(First.Findings()[0].Kind, jfSheet);
     EXPECT_EQ(First.Findings()[0].Number, 1);

@@ -151,7 +151,7 @@ TEST_F(KvAccessTables, ClassicReadingSaysThatNoRecordIsSkipped)
 TEST_F(KvAccessTables, ASavedImportSaysWhichOfItsColumnsAreConstants)
 {
     const auto File = Shop.Folder / "orders.kvi";
-    RunKvImport(Shop.Folder, {"save", File, Mdb, "--map", "ID=Id", "--map", "NOTE=May"});
+    RunKvImport(Shop.Folder, {"save", File, Mdb, "--map", "ID=Id", "--set", "NOTE=May"});
     const auto Result = RunKvImport(Shop.Folder, {"run", File, "--to", Shop.Database(), "--table", "orders"});
     EXPECT_THAT(Result.Out, HasSubstr("  Id       -> ID\n  May      -> NOTE  (no column but a constant: "
                                       "every record gets this text)\n"));

@@ -139,7 +139,7 @@ TEST_F(KvSpecification, SaysWhatBecomesOfColumnsThatAreNoneOrFindNoField)
     EXPECT_THAT(Run({"save", File, Orders, "--to", Shop.Database(), "--table", "orders"}).Out,
                 EndsWith("(Field2 COLOUR: no field of that name: not imported)\n"));
     EXPECT_THAT(
-        Run({"save", File, Orders, "--first-row", "2", "--map", "ID=Field1", "--map", "CITY=Town"}).Out,
+        Run({"save", File, Orders, "--first-row", "2", "--map", "ID=Field1", "--set", "CITY=Town"}).Out,
         EndsWith("\n(Town for CITY: no column but a constant: every record gets this text)\n"));
 }
 
