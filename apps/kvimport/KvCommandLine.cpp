@@ -58,11 +58,23 @@ void CheckCommand(const CLI::App& Program, int ArgumentCount, const char* const*
         throw EUsageError("'" + Given + "' is no command; there are " + JoinNames(Names));
 }
 
+/// `Status`, unless what was printed has not arrived.
+int WithOutput(TExitStatus Status)
+{
+    std::cout.flush();
+    if (std::cout)
+        return Status;
+    return Explain(esFailed, "standard output cannot be written" +
+                                 std::string(Status == esDone ? "; the command itself was done" : ""));
+}
+
 /// Help and version are no errors, though they arrive as exceptions.
 int Leave(const CLI::App& Program, const CLI::ParseError& Error)
 {
-    if (Error.get_exit_code() == 0)
-        return Program.exit(Error);
+    if (Error.get_exit_code() == 0) {
+        Program.exit(Error);
+        return WithOutput(esDone);
+    }
     return Explain(esUsage, Error.what());
 }
 
@@ -84,7 +96,7 @@ int RunCommandLine(int ArgumentCount, const char* const* Arguments)
     try {
         CheckCommand(Program, ArgumentCount, Arguments);
         Program.parse(ArgumentCount, Arguments);
-        return Status;
+        return WithOutput(Status);
     }
     catch (const CLI::ParseError& Error) {
         return Leave(Program, Error);

@@ -1,6 +1,7 @@
 #include "KvJson.h"
 
 #include "KvDisplayText.h"
+#include "KvTerminalText.h"
 
 namespace kv {
 
@@ -19,7 +20,7 @@ TJson TextList(const std::vector<std::string>& Texts)
 
 void PrintJsonLine(std::ostream& Out, const TJson& Object)
 {
-    Out << Object.dump(-1, ' ', false, TJson::error_handler_t::replace) << '\n';
+    Out << VisibleJson(Object.dump(-1, ' ', false, TJson::error_handler_t::replace)) << '\n';
 }
 
 } // namespace kv

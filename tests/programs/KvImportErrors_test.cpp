@@ -225,6 +225,73 @@ TEST(KvImportErrors, JsonTellsWhatFailedBeforeTheRun)
     EXPECT_EQ(Run["read"], 0);
 }
 
+/// Runs kvimport with `Arguments`, and whatever else a shell is to do, in the folder of `Shop`.
+TProgramResult RunInShell(const TShop& Shop, const std::string& Arguments)
+{
+    const auto Line = "cd '" + Shop.Folder / "" + "' && exec " KV_PROGRAM " " + Arguments;
+    return TRunningProgram(Shop.Folder, "/bin/sh", {"-c", Line}).Wait();
+}
+
+TEST(KvImportErrors, OutputThatCannotBeWrittenIsAFailure)
+{
+    const TShop Shop;
+    Shop.Folder.Write("orders.csv", "ID,CITY\n1,Rom\n");
+    for (const auto* const Command : {"formats", "--help", "--version", "import --help", "preview orders.csv",
+                                      "import orders.csv --to shop.db --table orders --json"}) {
+        const auto Result = RunInShell(Shop, std::string(Command) + " >/dev/full");
+        EXPECT_EQ(Result.Status, 3) << Command;
+        EXPECT_THAT(Result.Err, HasSubstr("standard output cannot be written"));
+    }
+}
+
+TEST(KvImportErrors, ClosedFilesTakeNoPartInTheImport)
+{
+    const TShop Shop;
+    Shop.Folder.Write("orders.csv", "ID,CITY\n1,Rom\n2,Oslo\n");
+    const std::string Import = "import - --to shop.db --table orders --delimiter comma <orders.csv";
+    EXPECT_EQ(RunInShell(Shop, Import + " >&-").Status, 0);
+    EXPECT_EQ(Shop.Ask("SELECT ID, CITY FROM orders"), "1|Rom\n2|Oslo");
+    EXPECT_EQ(RunInShell(Shop, Import + " --mode append-update >&- 2>&-").Status, 0);
+    EXPECT_EQ(Shop.Count(), 2);
+    EXPECT_EQ(RunInShell(Shop, "import - --to shop.db --table orders --by-position <&-").Status, 3);
+    EXPECT_EQ(Shop.Count(), 2);
+}
+
+TEST(KvImportErrors, APipeThatGivesTooMuchIsRefused)
+{
+    const TShop Shop;
+    EXPECT_THAT(RunInShell(Shop, "import - --to shop.db --table orders --spool-limit 1 </dev/zero").Err,
+                HasSubstr("it gives more than 1048576 bytes"));
+}
+
+TEST(KvImportErrors, ATextOfAnySizeFillsNoMessage)
+{
+    const TShop Shop;
+    const auto Result =
+        Shop.Run(std::string(100000, 'x') + ",\xE2\x80\xAE" + std::string(100000, 'y') + "\n1,2\n");
+    EXPECT_EQ(Result.Status, 3);
+    EXPECT_LT(Result.Err.size(), 800u);
+    EXPECT_THAT(Result.Err, HasSubstr("\\u202Ey"));
+    const auto Amount = Shop.Run("ID;CITY;AMOUNT\n1;Rom;1,5" + std::string(1000, '0') + "\n");
+    EXPECT_THAT(Amount.Err, HasSubstr("where no thousands end"));
+    EXPECT_LT(Amount.Err.size(), 800u);
+}
+
+TEST(KvImportErrors, ACopyThatStoresNoneKeepsTheTable)
+{
+    const TShop Shop;
+    Shop.Ask("INSERT INTO orders (ID, CITY) VALUES (1, 'Rom')");
+    const auto Failed = Shop.Run("ID,CITY\nx,Bern\n", {"--mode", "copy"});
+    EXPECT_EQ(Failed.Status, 3);
+    EXPECT_THAT(Failed.Err,
+                HasSubstr("none of the records could be stored: the table keeps those that it has"));
+    EXPECT_EQ(Shop.Count(), 1);
+    const auto Empty = Shop.Run("ID,CITY\n", {"--mode", "copy"});
+    EXPECT_EQ(Empty.Status, 0);
+    EXPECT_THAT(Empty.Out, HasSubstr("Done: nothing was added; 1 record removed before"));
+    EXPECT_EQ(Shop.Count(), 0);
+}
+
 } // namespace
 
 } // namespace kv
