@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
 namespace kv {
 
@@ -33,9 +32,6 @@ public:
     virtual void SourceOpened() {}
     /// `Count` records of the destination were removed to make room for those of the source.
     virtual void Emptied(std::int64_t Count) { static_cast<void>(Count); }
-    /// `Text` becomes a number of the current record once its thousand separators are gone: told only where
-    /// it holds some.
-    virtual void SeparatedNumber(std::string_view Text) { static_cast<void>(Text); }
     /// A record that was read is done: each is told once, here or as failed.
     virtual void RecordDone(TKvIFate Fate) { static_cast<void>(Fate); }
     /// A record that was read has failed. False ends the run as failed with this error.

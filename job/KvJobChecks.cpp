@@ -180,24 +180,22 @@ bool IsGroupedInThousands(std::string_view Number, char Separator, char DecimalS
     return !Grouped || Digits == 3;
 }
 
-void CheckThousands(const std::string& Number, const TJobSource& Source, const std::string& Place)
-{
-    const auto& Formats = Source.Component().DataFormats;
-    if (!IsGroupedInThousands(Number, Formats.ThousandSeparator, Formats.DecimalSeparator))
-        Refuse({.Kind = jfNotThousands,
-                .Name = Source.Title(),
-                .Value = Number,
-                .Place = Place,
-                .Character = Formats.ThousandSeparator});
-}
-
 void CheckThousands(const TJobSource& Source, const TJobPlan& Plan, const TDataSet& Destination)
 {
+    const auto& Formats = Source.Component().DataFormats;
     const auto Columns = ColumnsInto(IsRealNumber, Source, Plan, Destination);
     for (const auto& Row : Source.View().Rows)
-        for (const auto Column : Columns)
-            if (Column < Row.Values.size() && Row.Values[Column].Value.IsString())
-                CheckThousands(SourceText(Row.Values[Column].Value), Source, Row.Position.Text());
+        for (const auto Column : Columns) {
+            if (Column >= Row.Values.size() || !Row.Values[Column].Value.IsString())
+                continue;
+            const auto Number = SourceText(Row.Values[Column].Value);
+            if (!IsGroupedInThousands(Number, Formats.ThousandSeparator, Formats.DecimalSeparator))
+                Refuse({.Kind = jfNotThousands,
+                        .Name = Source.Title(),
+                        .Value = Number,
+                        .Place = Row.Position.Text(),
+                        .Character = Formats.ThousandSeparator});
+        }
 }
 
 } // namespace kv

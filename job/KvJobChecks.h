@@ -21,12 +21,8 @@ std::vector<TJobFinding> CheckHeader(const TJobSource& Source, const TDataSet& D
 std::vector<TJobFinding> CheckDates(const TJobSource& Source, const TJobPlan& Plan,
                                     const TDataSet& Destination);
 
-// Thousand separators are removed from numbers wherever they stand, so that with a comma "1,5" would be
-// imported as 15.
-
-/// Raises EJobRefused when `Number`, of `Place`, has a separator where no thousands end.
-void CheckThousands(const std::string& Number, const TJobSource& Source, const std::string& Place);
-/// The same for the rows that were looked at.
+/// Raises EJobRefused when one of the numbers that were looked at has a thousand separator where no thousands
+/// end: "1,5" with a comma. Classic reading makes 15 of it, and else it is an error of each such record.
 void CheckThousands(const TJobSource& Source, const TJobPlan& Plan, const TDataSet& Destination);
 /// True when each `Separator` in `Number` follows one to three digits and is followed by three.
 bool IsGroupedInThousands(std::string_view Number, char Separator, char DecimalSeparator);

@@ -132,20 +132,6 @@ void TJobRun::Emptied(std::int64_t Count)
     Outcome.Emptied = static_cast<int>(Count);
 }
 
-/// Most numbers lie beyond the rows that were looked at: the first that is none undoes the run.
-void TJobRun::SeparatedNumber(std::string_view Text)
-{
-    if (!Settings.Formats.CheckThousands || Outcome.Refusal)
-        return;
-    try {
-        CheckThousands(ToDisplay(Text), *FSource, FSource->Component().SourcePosition().Text());
-    }
-    catch (const EJobRefused& Refused) {
-        Outcome.Refusal = Refused.Finding;
-        throw;
-    }
-}
-
 void TJobRun::RecordDone(TKvIFate Fate)
 {
     CountRecord(Fate);
@@ -165,7 +151,7 @@ bool TJobRun::RecordFailed(const Exception& Error)
     CountRecord(rfFailed);
     auto Told = ErrorOf(Error, true);
     const bool HasEnded = FSource->Component().Statistic.Result == irFailed;
-    bool GoesOn = !HasEnded && !Outcome.Refusal && Observer.RecordFailed(Told);
+    bool GoesOn = !HasEnded && Observer.RecordFailed(Told);
     if (GoesOn && IsPastLimit(ExpectedRecords())) {
         Outcome.Stopped = true;
         GoesOn = false;

@@ -63,7 +63,6 @@ struct TJobOutcome
     /// Records of the source up to which the table is changed.
     int KeptRecords = 0;
     std::optional<TJobError> Failure;               ///< Why it failed; none when it did not.
-    std::optional<TJobFinding> Refusal;             ///< The same where a check of the job failed it.
     std::vector<TJobFinding> Remarks;               ///< What the run met that the user should know.
 };
 
@@ -113,7 +112,6 @@ public:
 private:
     bool KeepsRunning() override;
     void Emptied(std::int64_t Count) override;
-    void SeparatedNumber(std::string_view Text) override;
     void RecordDone(TKvIFate Fate) override;
     bool RecordFailed(const Exception& Error) override;
 

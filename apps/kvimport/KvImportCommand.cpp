@@ -127,8 +127,6 @@ private:
         if (Report.Outcome.Stopped)
             Report.Failure = GroupDigits(Report.Outcome.Figures.Failed) +
                              " records could not be stored, more than are allowed";
-        else if (Report.Outcome.Refusal)
-            Report.Failure = RefusalText(*Report.Outcome.Refusal);
         else if (Report.Outcome.Failure)
             Report.Failure = Report.Outcome.Failure->Text();
         else if (Report.Outcome.StoredNone)

@@ -38,8 +38,6 @@ public:
         return GoesOn;
     }
 
-    void SeparatedNumber(std::string_view Text) override { Note("separated " + std::string(Text)); }
-
     std::function<bool()> OnAsked;                  ///< What KeepsRunning answers; none: yes.
     bool GoesOn = true;                             ///< What RecordFailed answers.
     TTexts Told;
@@ -140,18 +138,6 @@ INSTANTIATE_TEST_SUITE_P(
         TModeRow{
             "Copy", imCopy, {"opened", "emptied 2", "record 1 added", "record 2 added", "record 3 added"}}),
     [](const auto& Info) { return std::string(Info.param.Name); });
-
-TEST_F(KvibaseObserver, IsToldOfNumbersThatLoseSeparators)
-{
-    Table.Close();
-    Table.SetFieldDefs({{.Name = "ID", .DataType = ftFloat}, {.Name = "NAME", .Size = 10}});
-    Table.Open();
-    Import.DataFormats.ThousandSeparator = ',';
-    Import.DataFormats.DecimalSeparator = '.';
-    Import.Rows = {{"1,234.5", "a,b"}, {"1234", "c"}, {1.5, "d"}};
-    EXPECT_THAT(Told(), ElementsAre("opened", "separated 1,234.5", "record 1 added", "record 2 added",
-                                    "record 3 added"));
-}
 
 TEST_F(KvibaseObserver, IsToldOfRefusedRecords)
 {

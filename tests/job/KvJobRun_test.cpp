@@ -213,32 +213,21 @@ struct KvJobRunOfAmounts : KvJobRun
     }
 };
 
-TEST_F(KvJobRunOfAmounts, TheFirstThatIsNoThousandUndoesTheRun)
+TEST_F(KvJobRunOfAmounts, OneThatSeparatesNoThousandsIsAnErrorOfItsRecord)
 {
-    const auto Outcome = ImportWith("1,5");
-    EXPECT_EQ(Outcome.Result, joFailed);
-    ASSERT_TRUE(Outcome.Refusal);
-    EXPECT_EQ(Outcome.Refusal->Kind, jfNotThousands);
-    EXPECT_EQ(Outcome.Refusal->Value, "1,5");
-    EXPECT_EQ(Outcome.Refusal->Place, "line 291");
-    EXPECT_EQ(Outcome.Refusal->Character, ',');
-    EXPECT_EQ(Rows(), "");
-    EXPECT_TRUE(Outcome.Failure);
-}
-
-TEST_F(KvJobRunOfAmounts, WhatIsNoNumberIsOnlyARecord)
-{
-    const auto Outcome = ImportWith("5, maybe");
-    EXPECT_EQ(Outcome.Result, joRecordErrors);
-    EXPECT_FALSE(Outcome.Refusal);
-    EXPECT_EQ(Outcome.Figures.Failed, 1);
-}
-
-TEST_F(KvJobRunOfAmounts, ASeparatorThatIsMeantIsRemovedEverywhere)
-{
-    Job.Formats.CheckThousands = false;
-    EXPECT_EQ(ImportWith("1,5").Result, joDone);
-    EXPECT_EQ(Rows("SELECT AMOUNT FROM orders WHERE ID = 290"), "15");
+    for (const bool IsChecked : {true, false}) {
+        Job.Formats.CheckThousands = IsChecked;     // of the rows that are looked at
+        Execute("DELETE FROM orders");
+        const auto Outcome = ImportWith("1,5");
+        EXPECT_EQ(Outcome.Result, joRecordErrors);
+        EXPECT_EQ(Outcome.Figures.Failed, 1);
+        EXPECT_EQ(Outcome.Figures.Added, 299);
+        ASSERT_EQ(Observer.Errors.size(), 1U);
+        EXPECT_EQ(Observer.Errors[0].Position.Text(), "line 291");
+        EXPECT_EQ(Observer.Errors[0].Facts.Value, "1,5");
+        Observer.Errors.clear();
+    }
+    EXPECT_EQ(Rows("SELECT DISTINCT AMOUNT FROM orders"), "1234");
 }
 
 // Text of another code page.
