@@ -198,14 +198,16 @@ std::optional<TCurrency> TryTextToCurrency(std::string_view Text)
 bool TryTextToDecimal(std::string_view Text, TVariant& Result)
 {
     const auto Take = [&Result](std::string_view Digits) {
-        if (const auto Integer = TryTextToInt(Digits))
-            Result = *Integer;
-        else if (const auto Amount = TryTextToCurrency(Digits); !Amount)
-            return false;
-        else if (Amount->Scaled % TCurrency::Scale == 0)
+        if (const auto Amount = TryTextToCurrency(Digits); !Amount) {
+            const auto Integer = TryTextToInt(Digits);
+            if (Integer)
+                Result = *Integer;
+            return Integer.has_value();
+        } else if (Amount->Scaled % TCurrency::Scale == 0) {
             Result = Amount->Scaled / TCurrency::Scale;
-        else
+        } else {
             Result = *Amount;
+        }
         return true;
     };
     Text = Trim(Text);
