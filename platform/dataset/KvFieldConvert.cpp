@@ -185,8 +185,8 @@ bool GiveDateTime(TFieldType Type, const TVariant& Value, TVariant& Result)
         return false;
     if (Type == ftDate)
         return Give(AsDay(Value, *Point), Result);
-    if (Type == ftTime && !HasTimeOnly(*Point))
-        return false;
+    if (Type == ftTime && (!HasTimeOnly(*Point) || SplitDateTime(*Point).Day != 0))
+        return false;                               // not even one that is shown as the next midnight
     return Give(Point, Result);
 }
 

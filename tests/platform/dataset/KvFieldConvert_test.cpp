@@ -221,6 +221,7 @@ const TRefused Refused[] = {
     {__LINE__, {"DUE", ftDate}, 2958466, "'2958466' is not a valid date value for field 'DUE'"},
     {__LINE__, {"DUE", ftDate}, true, "'True' is not a valid date value for field 'DUE'"},
     {__LINE__, {"AT", ftTime}, 1.5, "'1.5' is not a valid time value for field 'AT'"},
+    {__LINE__, {"AT", ftTime}, Date(1 - 1e-12), "'12/31/1899' is not a valid time value for field 'AT'"},
     {__LINE__, {"AT", ftTime}, -0.5, "'-0.5' is not a valid time value for field 'AT'"},
     {__LINE__, {"AT", ftDateTime}, -693594, "'-693594' is not a valid date and time value for field 'AT'"},
     {__LINE__, {"AT", ftDateTime}, Infinity, "'INF' is not a valid date and time value for field 'AT'"},
