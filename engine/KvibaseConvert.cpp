@@ -1,10 +1,9 @@
-// From a source's text to a value of the destination field's type, under the component's data formats.
+// The values of a record: fetched, of the OEM code page, offered to handlers.
 #include "Kvibase.h"
 
 #include <string>
 
 #include "KvCodePage.h"
-#include "KviParse.h"
 
 namespace kv {
 
@@ -21,17 +20,6 @@ TVariant ToArray(const std::string& Name, const TVariant& Source, const TVariant
 }
 
 } // namespace
-
-TVariant TKvImportBaseComponent::GetParsedValue(const TVariant& Source, int FieldIndex)
-{
-    TVariant Value = GetFieldValue(Source);
-    if (Value.IsBlank())
-        Value = Null;
-    else if (FieldIndex >= 0)
-        if (const auto Parse = ParserFor(FDataSet->Fields(FieldIndex).DataType(), RunExtensions))
-            Parse(Value, *this);
-    return Value;
-}
 
 bool TKvImportBaseComponent::LoadRecord()
 {

@@ -15,9 +15,9 @@ struct TParsed
 };
 
 /// A table with one field of every type, its index that of the type.
-struct KviParse : testing::Test, TTestRun
+struct KvibaseParse : testing::Test, TTestRun
 {
-    KviParse()
+    KvibaseParse()
     {
         std::vector<TFieldDef> Defs;
         for (int Type = ftUnknown; Type <= ftVariant; ++Type)
@@ -28,7 +28,7 @@ struct KviParse : testing::Test, TTestRun
         Import.DataFormats.ThousandSeparator = ',';
         Import.DataFormats.DecimalSeparator = '.';
     }
-    ~KviParse() override { EXPECT_TRUE(Log.Of("error").empty()); }
+    ~KvibaseParse() override { EXPECT_TRUE(Log.Of("error").empty()); }
 
     TVariant Parse(const TVariant& Value, TFieldType Type) { return Import.GetParsedValue(Value, Type); }
 
@@ -49,12 +49,12 @@ TVariant Money(std::int64_t Scaled) { return TCurrency{Scaled}; }
 
 // --- rxExactNumbers ---------------------------------------------------------------------------------
 
-struct KviParseExact : KviParse
+struct KvibaseParseExact : KvibaseParse
 {
-    KviParseExact() { Import.RunExtensions.Include(rxExactNumbers); }
+    KvibaseParseExact() { Import.RunExtensions.Include(rxExactNumbers); }
 };
 
-TEST_F(KviParseExact, DecimalsKeepEveryDigit)
+TEST_F(KvibaseParseExact, DecimalsKeepEveryDigit)
 {
     const TParsed Rows[] = {
         {__LINE__, ftBCD, "12345678901234567", std::int64_t{12345678901234567}},
@@ -70,14 +70,14 @@ TEST_F(KviParseExact, DecimalsKeepEveryDigit)
     ExpectParsed(Rows);
 }
 
-TEST_F(KviParseExact, DigitsThatStayTextHaveTheSeparatorOfTheProcess)
+TEST_F(KvibaseParseExact, DigitsThatStayTextHaveTheSeparatorOfTheProcess)
 {
     Import.DataFormats.ThousandSeparator = '.';
     Import.DataFormats.DecimalSeparator = ',';
     EXPECT_EQ(Parse("123.456.789.012.345.678,91", ftBCD), TVariant("123456789012345678.91"));
 }
 
-TEST_F(KviParseExact, DoublesReachExactFieldsAsTheyAreShown)
+TEST_F(KvibaseParseExact, DoublesReachExactFieldsAsTheyAreShown)
 {
     const TParsed Rows[] = {
         {__LINE__, ftLargeint, 4000123412341234.0, std::int64_t{4000123412341234}},
@@ -95,7 +95,7 @@ TEST_F(KviParseExact, DoublesReachExactFieldsAsTheyAreShown)
     ExpectParsed(Rows);
 }
 
-TEST_F(KviParseExact, IntegerFieldsTakeWholeNumbersAndTruth)
+TEST_F(KvibaseParseExact, IntegerFieldsTakeWholeNumbersAndTruth)
 {
     const TParsed Rows[] = {
         {__LINE__, ftInteger, "42", 42},
@@ -115,7 +115,7 @@ TEST_F(KviParseExact, IntegerFieldsTakeWholeNumbersAndTruth)
     ExpectParsed(Rows);
 }
 
-TEST_F(KviParseExact, WholeNumbersAreStoredInFieldsOf64Bits)
+TEST_F(KvibaseParseExact, WholeNumbersAreStoredInFieldsOf64Bits)
 {
     Table.Close();
     Table.SetFieldDefs({{.Name = "ID", .DataType = ftLargeint}, {.Name = "NAME", .DataType = ftString}});
@@ -127,12 +127,12 @@ TEST_F(KviParseExact, WholeNumbersAreStoredInFieldsOf64Bits)
 
 // --- rxWrittenForms ---------------------------------------------------------------------------------
 
-struct KviParseWritten : KviParse
+struct KvibaseParseWritten : KvibaseParse
 {
-    KviParseWritten() { Import.RunExtensions.Include(rxWrittenForms); }
+    KvibaseParseWritten() { Import.RunExtensions.Include(rxWrittenForms); }
 };
 
-TEST_F(KviParseWritten, NumbersAreReadAsPeopleWriteThem)
+TEST_F(KvibaseParseWritten, NumbersAreReadAsPeopleWriteThem)
 {
     const TParsed Rows[] = {
         {__LINE__, ftFloat, "1,234.5", 1234.5},
@@ -149,7 +149,7 @@ TEST_F(KviParseWritten, NumbersAreReadAsPeopleWriteThem)
     ExpectParsed(Rows);
 }
 
-TEST_F(KviParseWritten, SeparatorsThatDoNotGroupMakeNoNumber)
+TEST_F(KvibaseParseWritten, SeparatorsThatDoNotGroupMakeNoNumber)
 {
     for (const char* const Text : {"1,5", "1,23", "12,3456", "1,234,5"}) {
         EXPECT_EQ(Parse(Text, ftFloat), TVariant(Text));
@@ -158,7 +158,7 @@ TEST_F(KviParseWritten, SeparatorsThatDoNotGroupMakeNoNumber)
     }
 }
 
-TEST_F(KviParseWritten, MomentsOfPacketsAreRead)
+TEST_F(KvibaseParseWritten, MomentsOfPacketsAreRead)
 {
     FormatSettings().ShortDateFormat = "dd.MM.yyyy";
     Import.DataFormats.DateSeparator = '.';
@@ -169,7 +169,7 @@ TEST_F(KviParseWritten, MomentsOfPacketsAreRead)
     EXPECT_EQ(Parse("2024-01-05", ftDateTime), TVariant("2024-01-05")); // not the order of this source
 }
 
-TEST_F(KviParseWritten, BothMakeIntegersOfGroupedNumbersWithAFraction)
+TEST_F(KvibaseParseWritten, BothMakeIntegersOfGroupedNumbersWithAFraction)
 {
     Import.RunExtensions.Include(rxExactNumbers);
     EXPECT_EQ(Parse("1,000.00", ftInteger), TVariant(1000));
@@ -178,12 +178,12 @@ TEST_F(KviParseWritten, BothMakeIntegersOfGroupedNumbersWithAFraction)
 
 // --- rxTimesAlone -----------------------------------------------------------------------------------
 
-struct KviParseTimes : KviParse
+struct KvibaseParseTimes : KvibaseParse
 {
-    KviParseTimes() { Import.RunExtensions.Include(rxTimesAlone); }
+    KvibaseParseTimes() { Import.RunExtensions.Include(rxTimesAlone); }
 };
 
-TEST_F(KviParseTimes, ATimeIsTextAsSuch)
+TEST_F(KvibaseParseTimes, ATimeIsTextAsSuch)
 {
     const TParsed Rows[] = {
         {__LINE__, ftString, Moment(0.5), "12:00:00"},
@@ -193,12 +193,15 @@ TEST_F(KviParseTimes, ATimeIsTextAsSuch)
         {__LINE__, ftString, Moment(1), Moment(1)},
         {__LINE__, ftString, Moment(45296), Moment(45296)},
         {__LINE__, ftTime, Moment(0.5), Moment(0.5)},
+        {__LINE__, ftTime, Moment(1.5), "36:00:00"},
+        {__LINE__, ftTime, Moment(-1.0 / 24), "-01:00:00"},
+        {__LINE__, ftTime, Moment(1 - 1e-12), "24:00:00"},
         {__LINE__, ftDateTime, Moment(0.5), Moment(0.5)},
     };
     ExpectParsed(Rows);
 }
 
-TEST_F(KviParseTimes, ATimeIsNoDate)
+TEST_F(KvibaseParseTimes, ATimeIsNoDate)
 {
     const TParsed Rows[] = {
         {__LINE__, ftDate, Moment(0.5), "12:00:00"},
@@ -220,7 +223,7 @@ TEST_F(KviParseTimes, ATimeIsNoDate)
 
 // --- rxFormatsInForce -------------------------------------------------------------------------------
 
-TEST_F(KviParse, DateOrderDecidesWithTheFormatsInForce)
+TEST_F(KvibaseParse, DateOrderDecidesWithTheFormatsInForce)
 {
     Table.Close();
     Table.SetFieldDefs({{.Name = "ID", .DataType = ftDate}, {.Name = "NAME", .DataType = ftString}});
@@ -243,14 +246,14 @@ TEST_F(KviParse, DateOrderDecidesWithTheFormatsInForce)
     EXPECT_EQ(Records(), std::vector<std::string>(6, "1/5/2024;Ada"));
 }
 
-TEST_F(KviParse, DateOrderDecidesNothingWithout)
+TEST_F(KvibaseParse, DateOrderDecidesNothingWithout)
 {
     Import.DataFormats.DateSeparator = '.';
     Import.DataFormats.DateOrder = doDMY;
     EXPECT_EQ(Parse("05.01.2024", ftDate), Moment(45413)); // 1 May, as the process has it
 }
 
-TEST_F(KviParse, WhatHandlersHaveSetInTheProcessStaysWithout)
+TEST_F(KvibaseParse, WhatHandlersHaveSetInTheProcessStaysWithout)
 {
     Import.Rows = {{1, "Ada"}};
     Import.OnAfterRecordEvent = [](TKvImportBaseComponent&, bool&) { FormatSettings().DateSeparator = '|'; };

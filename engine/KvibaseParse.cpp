@@ -1,19 +1,20 @@
-#include "KviParse.h"
+// From what a source gives to a value of the kind of a field, under the settings of the import.
+#include "Kvibase.h"
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
 #include <optional>
 #include <string>
+#include <utility>
 
+#include "KvCalendar.h"
 #include "KvDateText.h"
-#include "KvFieldConvert.h"
 #include "KvFormatSettings.h"
 #include "KvIsoDate.h"
 #include "KvNumberText.h"
 #include "KvUserInterface.h"
 #include "KvWrittenNumber.h"
-#include "Kvibase.h"
 
 namespace kv {
 
@@ -247,6 +248,19 @@ void ParseDate(TVariant& Value, const TKvImportBaseComponent& Import)
         Value = DurationToText(*Point);
 }
 
+bool IsTimeOfDay(TDateTime Value)
+{
+    return Value.Days >= 0 && std::llround(Value.Days * MsPerDay) < MsPerDay;
+}
+
+/// A length of time is text, which no time field takes.
+void ParseTime(TVariant& Value, const TKvImportBaseComponent& Import)
+{
+    ParseDateTime(Value, Import);
+    if (Value.Kind() == vkDateTime && IsTimeAlone(Value.DateTime()) && !IsTimeOfDay(Value.DateTime()))
+        Value = DurationToText(Value.DateTime());
+}
+
 // --- Text -------------------------------------------------------------------------------------------
 
 void ParseText(TVariant& Value, const TKvImportBaseComponent& Import)
@@ -258,31 +272,49 @@ void ParseText(TVariant& Value, const TKvImportBaseComponent& Import)
         Value = DurationToText(Value.DateTime());
 }
 
-} // namespace
-
-TKvIParse ParserFor(TFieldType Type, TKvIRunExtensions Extensions)
+/// Gives a value that is not blank the kind of a field's type; where it has no meaning there it stays as it
+/// is, and the field's assignment decides.
+void Parse(TVariant& Value, TFieldType Type, const TKvImportBaseComponent& Import)
 {
-    const bool IsExact = Extensions.Contains(rxExactNumbers), HasTimes = Extensions.Contains(rxTimesAlone);
+    const auto Has = [&Import](TKvIRunExtension Each) { return Import.RunExtensions.Contains(Each); };
     switch (Type) {
     case ftSmallint:
     case ftInteger:
     case ftWord:
     case ftAutoInc:
-    case ftLargeint: return IsExact || Extensions.Contains(rxWrittenForms) ? ParseInteger : nullptr;
-    case ftBoolean:  return ParseBoolean;
-    case ftFloat:    return ParseFloat;
+    case ftLargeint:
+        if (Has(rxExactNumbers) || Has(rxWrittenForms))
+            ParseInteger(Value, Import);
+        break;
+    case ftBoolean: ParseBoolean(Value, Import); break;
+    case ftFloat:   ParseFloat(Value, Import); break;
     case ftCurrency:
-    case ftBCD:      return IsExact ? ParseDecimal : ParseFloat;
-    case ftDate:     return HasTimes ? ParseDate : ParseDateTime;
-    case ftTime:
-    case ftDateTime: return ParseDateTime;
+    case ftBCD:     Has(rxExactNumbers) ? ParseDecimal(Value, Import) : ParseFloat(Value, Import); break;
+    case ftDate:    Has(rxTimesAlone) ? ParseDate(Value, Import) : ParseDateTime(Value, Import); break;
+    case ftTime:    Has(rxTimesAlone) ? ParseTime(Value, Import) : ParseDateTime(Value, Import); break;
+    case ftDateTime: ParseDateTime(Value, Import); break;
     case ftString:
     case ftFixedChar:
     case ftMemo:
     case ftFmtMemo:
-    case ftGuid:     return IsExact || HasTimes ? ParseText : nullptr;
-    default:         return nullptr;
+    case ftGuid:
+        if (!Value.IsString())
+            ParseText(Value, Import);
+        break;
+    default: break;                                 // bytes, and what takes every kind
     }
+}
+
+} // namespace
+
+TVariant TKvImportBaseComponent::GetParsedValue(const TVariant& Source, int FieldIndex)
+{
+    TVariant Value = GetFieldValue(Source);
+    if (Value.IsBlank())
+        Value = Null;
+    else if (FieldIndex >= 0)
+        Parse(Value, FDataSet->Fields(FieldIndex).DataType(), *this);
+    return Value;
 }
 
 } // namespace kv
