@@ -264,7 +264,8 @@ TEST_F(KvJobFile, ASavedImportChecksSeparatorsToo)
     Job.Formats.ThousandSeparator = ',';
     Job.Formats.CheckThousands = false;
     Save();
-    EXPECT_EQ(RunSaved("ID;CITY;AMOUNT\n1;Rom;1,5\n").Result, joDone) << "it was meant when it was saved";
+    EXPECT_EQ(RunSaved("ID;CITY;AMOUNT\n1;Rom;1,500\n").Result, joDone) << "it was meant when it was saved";
+    EXPECT_EQ(RunSaved("ID;CITY;AMOUNT\n2;Rom;1,5\n").Result, joRecordErrors) << "it groups nothing";
 }
 
 TEST_F(KvJobFile, AHeaderAmongTheRecordsIsTold)
