@@ -183,6 +183,8 @@ TEST(KvTextLines, ASeparatorMayHaveToBeWhole)
     EXPECT_THAT(Cut("1aab2aaab3aa", Whole), ElementsAre("1", "2a", "3aa"));
     EXPECT_THAT(Cut("\"1aab\"aab2", Whole), ElementsAre("\"1aab\"", "2"));
     EXPECT_THAT(Cut("aab", Whole), ElementsAre(""));
+    EXPECT_THAT(Cut("1|\"|2", {.Separator = "|\"|", .Qualifier = "\"", .WholeSeparator = true}),
+                ElementsAre("1", "2")) << "the qualifier in it hides nothing of it";
 }
 
 TEST(KvTextLines, CountTheLineEndsThatAreHidden)

@@ -99,7 +99,7 @@ TEST(KvTextWindow, GoesBackToTheStartFromWhereverItIs)
     const TTempFolder Folder;
     const std::string Text = "0123456789abcdefghij";
     for (const auto& Bytes : {Text, "\xEF\xBB\xBF" + Text, Utf16(Text)})
-        for (const std::size_t Piece : {1, 4, 100})
+        for (const std::size_t Piece : {1, 5, 100})
             for (const int Moves : {0, 1, 3, 100}) {
                 TKvTextWindow Window(Folder.Write("file", Bytes), bmTellsEncoding, WholeFile, Piece);
                 for (int I = 0; I < Moves && !Window.IsLast(); ++I)
