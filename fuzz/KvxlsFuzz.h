@@ -1,8 +1,9 @@
 // KvxlsFuzz - any bytes as a stream of Excel, read into the model under any extensions; sheets may be
 // skipped. What the model holds can be read, and the events count up as they should.
 //
-//   input := extensions:u8 skipped:u8 stream            sheet n of the first 8 is skipped by bit n; the top bit
-//                                                       of the extensions stands for all from the eighth on
+//   input := extensions:u8 skipped:u8 stream            sheet n of the first 8 is skipped by bit n
+//
+// The top bit of the extensions stands for all from the eighth on.
 #pragma once
 
 #include <functional>

@@ -121,7 +121,8 @@ enum TJobFindingKind {
     jfWideCharacters,
     /// Count values, the first in row Number, are 8-bit text of an unknown code page. Unit
     jfOldText,
-    jfOlderWorkbook,                                ///< An older copy was read: the newer cannot be. Was is why.
+    /// An older copy was read: the newer cannot be. Was is why.
+    jfOlderWorkbook,
     jfUnknownEncoding,                              ///< Nobody knows the encoding Value that the file names.
     /// Not all of the text is of encoding Value; what is none is taken for code page Was.
     jfForeignBytes,

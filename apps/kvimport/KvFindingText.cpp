@@ -310,10 +310,11 @@ std::string FindingText(const TJobFinding& Given)
         return Plural(Found.Count, " value stands", " values stand") +
                " beyond column IV, the last that can be read";
     case jfOldText:
-        return Plural(Found.Count, " text is", " texts are") + " of a code page that the file does not name, the first in " +
-               Row(Found) + ": --charset msdos and --oem-code-page say it";
+        return Plural(Found.Count, " text is", " texts are") +
+               " of a code page that the file does not name, the first in " + Row(Found) +
+               ": --charset msdos and --oem-code-page say it";
     case jfOlderWorkbook:
-        return "the file holds its workbook twice; only the older form, which may lack characters, can be read: " +
+        return "the file holds its workbook twice; only the older, which may lack characters, can be read: " +
                Found.Was;
     case jfSeveralTables:
         return "rows of " + GroupDigits(Found.Count) +

@@ -81,7 +81,8 @@ void TSpreadSheetRow::Set(int Col, TVariant&& Value, TAlignment Alignment)
     } else if (Cells[Position].Col == Col) {
         Cells[Position] = TCell(std::move(Value), Col, Alignment);
     } else {
-        Cells.emplace(Cells.begin() + static_cast<std::ptrdiff_t>(Position), std::move(Value), Col, Alignment);
+        const auto Place = Cells.begin() + static_cast<std::ptrdiff_t>(Position);
+        Cells.emplace(Place, std::move(Value), Col, Alignment);
     }
 }
 

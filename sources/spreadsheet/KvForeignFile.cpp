@@ -19,7 +19,7 @@ constexpr std::string_view OpenWorkbook = "a workbook of OpenDocument";
 
 constexpr std::size_t LookedAt = 4096;              // bytes of text
 
-// A ZIP archive begins with a local header: 26 bytes, length of the name, length of the extra field, the name.
+// A ZIP archive begins with a local header: 26 bytes, the lengths of name and extra field, the name.
 constexpr std::string_view ZipBegin = "PK\x03\x04"sv;
 constexpr std::size_t ZipNameSizeAt = 26, ZipNameAt = 30;
 
@@ -61,8 +61,9 @@ std::string_view MarkupKind(std::string_view Text)
 
 bool IsText(std::string_view Bytes)
 {
-    return std::ranges::none_of(Bytes, [](char Char) {
-        return static_cast<unsigned char>(Char) < ' ' && "\t\n\v\f\r\x1A\x1B"sv.find(Char) == std::string_view::npos;
+    constexpr auto Controls = "\t\n\v\f\r\x1A\x1B"sv; // those that text has
+    return std::ranges::none_of(Bytes, [Controls](char Char) {
+        return static_cast<unsigned char>(Char) < ' ' && Controls.find(Char) == Controls.npos;
     });
 }
 

@@ -1,5 +1,5 @@
-// KvForeignFile - what a file is that only bears the name of a workbook: many programs give that name to pages,
-// to text and to workbooks of later formats.
+// KvForeignFile - what a file is that only bears the name of a workbook: many programs give that name to
+// pages, to text and to workbooks of later formats.
 #pragma once
 
 #include <string_view>

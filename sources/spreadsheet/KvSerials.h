@@ -1,8 +1,9 @@
-// KvSerials - the numbers by which spreadsheets count days, and which a cell's format shows as a date or a time.
+// KvSerials - the numbers by which spreadsheets count days, and which a cell's format shows as a date or a
+// time.
 //
-// Excel and 1-2-3 call 1 January 1900 day 1 and have a 29 February in that year, day 60: up to there their days
-// are one behind those of other programs. Quattro Pro counts as these do, before 1900 too. In the 1904 mode of
-// Excel 1 January 1904 is day 0.
+// Excel and 1-2-3 call 1 January 1900 day 1 and have a 29 February in that year, day 60: up to there their
+// days are one behind those of other programs. Quattro Pro counts as these do, before 1900 too. In the 1904
+// mode of Excel 1 January 1904 is day 0.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +20,7 @@ enum TSerialKind : std::uint8_t {
     skNumber,                                       ///< The number.
     skMoment,                                       ///< A day, with or without a time.
     skTime,                                         ///< A time of day.
-    skDuration                                      ///< Hours, minutes or seconds, of which there may be many.
+    skDuration                                      ///< Hours, minutes or seconds, any number of them.
 };
 
 /// Whose days are counted.
@@ -37,8 +38,8 @@ public:
     void SetIs1904(bool Value) { Is1904 = Value; }
 
     /// The value of `Serial`, which a format of another kind than skNumber shows: a date-time, or with
-    /// seCustomDates the text of a time that no day holds. With seTellingErrors what no calendar has stays the
-    /// number that it is; `Fault` says why, and is cfNone otherwise.
+    /// seCustomDates the text of a time that no day holds. With seTellingErrors what no calendar has stays
+    /// the number that it is; `Fault` says why, and is cfNone otherwise.
     TVariant ValueOf(double Serial, TSerialKind Kind, TCellFault& Fault) const;
 
 private:

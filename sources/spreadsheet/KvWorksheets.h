@@ -39,8 +39,8 @@ struct TCellPlace
 /// Reads a worksheet. Events carry sheet 0; OnSheet is not raised, so that the model names the sheet Sheet1.
 /// OnDimensions has the extent of the range record, whose last row and column are numbers and not counts;
 /// with seCellExtent it comes once more at the end, as counts. A record may have all of the 65535 bytes that
-/// its length can tell; one of length 0 is only a header. Text passes as it stands, in a code page of DOS that no
-/// record tells; a remark says how much of it is not ASCII.
+/// its length can tell; one of length 0 is only a header. Text passes as it stands, in a code page of DOS
+/// that no record tells; a remark says how much of it is not ASCII.
 class TWorksheetFile : public TSpreadSheetFile
 {
 public:

@@ -19,8 +19,8 @@ class TSpreadSheetFile;
 class TSpreadSheetRow;
 
 /// Imports a sheet of the workbook that a subclass reads. Source columns are column letters: A is the first
-/// column, AA the 27th. A row without values is a record without values, with rxNoEmptyRecords it is none. This class itself has no reader:
-/// a run of it fails.
+/// column, AA the 27th. A row without values is a record without values, with rxNoEmptyRecords it is none.
+/// This class itself has no reader: a run of it fails.
 ///
 /// Errors of readers whose messages do not name the file say so in their facts.
 class TKvImportFromCell : public TKvImportFromFile

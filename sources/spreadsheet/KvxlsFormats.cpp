@@ -146,7 +146,9 @@ TKvxlsFormats::TKvxlsFormats(bool Patterns) : PatternsDecide(Patterns)
         return;
     for (const auto& Range : EastAsianDates)
         for (auto Format = Range.First; Format <= Range.Last; ++Format)
-            SetKind(Format, Format >= EastAsianTimes.First && Format <= EastAsianTimes.Last ? skTime : skMoment);
+            SetKind(Format, skMoment);
+    for (auto Format = EastAsianTimes.First; Format <= EastAsianTimes.Last; ++Format)
+        SetKind(Format, skTime);
 }
 
 void TKvxlsFormats::SetKind(std::uint16_t Format, TSerialKind Kind)

@@ -14,9 +14,9 @@ namespace kv {
 /// The built-in formats by their index; empty where there is none.
 extern const std::array<std::string_view, 50> BuiltInFormats;
 
-/// What a pattern shows, by its letters outside of quotes, colours, escapes and "General": d, m and y, h and s,
-/// and those of East Asia, e and g for years of an emperor, b for those of Buddha, aaa for the day of the week.
-/// [h], [m] and [s] show durations; m is minutes beside hours or seconds.
+/// What a pattern shows, by its letters outside of quotes, colours, escapes and "General": d, m and y, h and
+/// s, and those of East Asia, e and g for years of an emperor, b for those of Buddha, aaa for the day of the
+/// week. [h], [m] and [s] show durations; m is minutes beside hours or seconds.
 TSerialKind KindOfPattern(std::string_view Pattern);
 inline bool IsDatePattern(std::string_view Pattern) { return KindOfPattern(Pattern) != skNumber; }
 
@@ -39,7 +39,8 @@ public:
     /// in the user's language.
     void AddPattern(std::string_view Pattern);
 
-    /// What cells of this XF record show. The number of a record that is not there counts as that of a format.
+    /// What cells of this XF record show. The number of a record that is not there counts as that of a
+    /// format.
     TSerialKind KindOf(std::uint16_t Xf) const
     {
         return KindOfFormat(Xf < XfFormats.size() ? XfFormats[Xf] : Xf);

@@ -42,7 +42,8 @@ public:
     TKvxlsPlain(TMSExcel& TheFile, TKvxlsFormats& TheFormats, std::string_view Stream);
 
     /// Raises what the stream holds. Raises Exception "File is not a Excel file" when it does not begin with
-    /// a BOF (see TSpreadSheetFile::RaiseNotThisFormat) or has one of an unknown version, and "Can not read: file is encrypted".
+    /// a BOF (see TSpreadSheetFile::RaiseNotThisFormat) or has one of an unknown version, and "Can not read:
+    /// file is encrypted".
     void Read();
 
 private:

@@ -30,8 +30,8 @@
 // Records but the shared strings that are longer than any of their version, 2080 bytes and 8224 in Excel 8,
 // are passed over. Parts that are no worksheets are not told from them: a chart's copies of the cells that it
 // shows are cells of the sheet before it, and its end may be taken for that of the last sheet. With
-// seCellRecords records of any size are read, such parts are passed over, sheets are read in the order of their
-// entries, and a stream that lacks sheets is truncated. Only with the extensions:
+// seCellRecords records of any size are read, such parts are passed over, sheets are read in the order of
+// their entries, and a stream that lacks sheets is truncated. Only with the extensions:
 //
 //   string           0007 0207   length:u16 [options:u8] text                       a formula's result
 //   rich text        00D6        cell xf:u16 length:u16 text runs

@@ -13,7 +13,8 @@ namespace {
 
 const TSpreadSheetExtensions All = {seDateMode, seCustomDates, seTellingErrors};
 
-/// The date and time that a serial number stands for, the text of a time that no day holds, or why it is none.
+/// The date and time that a serial number stands for, the text of a time that no day holds, or why it is
+/// none.
 std::string Shown(double Serial, TSerialKind Kind, TSerialDays Days = sdExcel, bool Is1904 = false)
 {
     TSerialCalendar Calendar(Days, All);

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <initializer_list>
 #include <limits>
 #include <string>
 
@@ -411,10 +413,10 @@ TYPED_TEST(KvWorksheets, OtherExtensionsChangeNothing)
 
 TYPED_TEST(KvWorksheets, AFormatShowsTimesOfDayOrDays)
 {
-    for (const std::uint8_t Format : {0xF2, 0xF3, 0xF4, 0xF9, 0xFA}) // days
+    for (const auto Format : std::initializer_list<std::uint8_t>{0xF2, 0xF3, 0xF4, 0xF9, 0xFA}) // days
         EXPECT_THAT(this->Events(this->Sheet().Format(Format).Number(0, 0, 61.5), {seCustomDates}),
                     ElementsAre("row 0 column 0: date 61.5 left"));
-    for (const std::uint8_t Format : {0xF7, 0xF8, 0xFB, 0xFC})
+    for (const auto Format : std::initializer_list<std::uint8_t>{0xF7, 0xF8, 0xFB, 0xFC})
         EXPECT_THAT(this->Events(this->Sheet().Format(Format).Number(0, 0, 0.25).Number(0, 1, -0.25),
                                  {seCustomDates, seDateMode}),
                     ElementsAre("row 0 column 0: date 0.25 left", "row 1 column 0: text -06:00:00 left"));
@@ -425,7 +427,8 @@ TYPED_TEST(KvWorksheets, WhatIsNoWorksheetIsNamedUnderTheExtension)
     const std::string NotThis(this->Reader.ClassName() == "TLotus123" ? "File is not a Lotus 1-2-3 file"
                                                                       : "File is not a QuattroPro file");
     EXPECT_THAT(EventsOf<typename TestFixture::TReader>("a;b\r\n"), ElementsAre(NotThis));
-    EXPECT_THAT(EventsOf<typename TestFixture::TReader>("a;b\r\n", {seTellingErrors}), ElementsAre(NotThis + ", but text"));
+    EXPECT_THAT(EventsOf<typename TestFixture::TReader>("a;b\r\n", {seTellingErrors}),
+                ElementsAre(NotThis + ", but text"));
 }
 
 } // namespace kv

@@ -174,8 +174,9 @@ TEST(Kvi2cellFaults, ACharacterThatTheCodePageLacksConcernsItsCell)
     SetAnsiCodePage("windows-1252");
     const auto Rows = RowsOf(Import.Look({}));
     SetAnsiCodePage("UTF-8");
-    EXPECT_THAT(Rows, ElementsAre("1: <'?!' in cell A1 stands for characters that the code page in use lacks>",
-                                  "2: 7"));
+    EXPECT_THAT(Rows,
+                ElementsAre("1: <'?!' in cell A1 stands for characters that the code page in use lacks>",
+                            "2: 7"));
 }
 
 // Rows without values.

@@ -130,7 +130,8 @@ TEST(KvxlsFormats, PatternsThatAreNoDates)
 
 TEST(KvxlsFormats, PatternsTellDaysFromTimesAndDurations)
 {
-    for (const auto* const Pattern : {"d", "m", "mm/yy", "mmm", "mmmm", "m/d/yy h:mm", "[h]:mm d", "h:mm mmm"})
+    for (const auto* const Pattern :
+         {"d", "m", "mm/yy", "mmm", "mmmm", "m/d/yy h:mm", "[h]:mm d", "h:mm mmm"})
         EXPECT_EQ(KindOfPattern(Pattern), skMoment) << Pattern;
     for (const auto* const Pattern : {"h", "s.0", "h:mm", "mm:ss", "h:mm AM/PM", "hh:mm:ss A/P", "h;@"})
         EXPECT_EQ(KindOfPattern(Pattern), skTime) << Pattern;
@@ -141,8 +142,8 @@ TEST(KvxlsFormats, PatternsTellDaysFromTimesAndDurations)
 
 TEST(KvxlsFormats, YearsOfErasAndDaysOfTheWeekAreDates)
 {
-    for (const auto* const Pattern : {"e", "ge", "ggge\"x\"", "[$-411]gge", "G.E", "b", "bbbb", "aaa", "[$-411]aaaa",
-                                      "ge-"})
+    for (const auto* const Pattern :
+         {"e", "ge", "ggge\"x\"", "[$-411]gge", "G.E", "b", "bbbb", "aaa", "[$-411]aaaa", "ge-"})
         EXPECT_EQ(KindOfPattern(Pattern), skMoment) << Pattern;
     for (const auto* const Pattern : {"0.00E+00", "#e-0", "0E0", "Geral", "A/P", "aa", "Generelt"})
         EXPECT_EQ(KindOfPattern(Pattern), skNumber) << Pattern;
