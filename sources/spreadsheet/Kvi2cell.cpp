@@ -207,7 +207,8 @@ bool TKvImportFromCell::LoadRecord()
     try {
         return TKvImportFromFile::LoadRecord();
     }
-    catch (const EBadCell& Error) {
+    catch (EBadCell& Error) {
+        Error.Message += ", for field '" + Error.Facts.Field + "'";
         RecordFailed(Error);
         return false;
     }
@@ -235,7 +236,7 @@ void TKvImportFromCell::RequireSound(int Column) const
     const auto Place = "cell " + SpreadSheetLetters(Column + 1) + std::to_string(CurrentRow + 1);
     const auto Text = CellText(Value);
     throw EBadCell(FormatText(MessageOf(Fault), {Text, Place}),
-                   {.Place = RecordPlace(), .Value = Text, .Rule = erRange});
+                   {.Value = Text, .Rule = erRange});
 }
 
 TVariant TKvImportFromCell::SourceRecord()

@@ -92,8 +92,8 @@ TEST(Kvi2cellFaults, ACellThatCannotBeReadRefusesItsRecord)
     EXPECT_EQ(Import.Statistic.TotalErrors, 1);
     ASSERT_THAT(Failures.All, SizeIs(1));
     const auto& Error = Failures.All[0];
-    EXPECT_EQ(Error.Message, "'1000000000' in cell B3 is formatted as a date and is none");
-    EXPECT_EQ(Error.Facts.Place, "row 3");
+    EXPECT_EQ(Error.Message, "'1000000000' in cell B3 is formatted as a date and is none, for field 'B'");
+    EXPECT_EQ(Error.Facts.Place, "");             // whoever reports it knows the row and says it
     EXPECT_EQ(Error.Facts.Field, "B");
     EXPECT_EQ(Error.Facts.Value, "1000000000");
     EXPECT_EQ(Error.Facts.Rule, erRange);
