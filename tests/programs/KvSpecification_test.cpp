@@ -98,7 +98,9 @@ TEST_F(KvSpecification, TheFileHoldsWhatTheOptionsSay)
               "ThousandSeparator=2E\r\nDecimalSeparator=2C\r\nFourDigitYear=1\r\nLeadingZerosInDate=1\r\n"
               "[Extensions]\r\nDoubledQualifiers=1\r\nLongLines=1\r\nByteOrderMark=1\r\nFixedPadding=1\r\n"
               "WholeSeparator=1\r\nDelimiterLine=1\r\nEndOfFileMark=1\r\n"
-              "RestoresControls=1\r\nTimedProgress=1\r\nNoNumberBoxes=1\r\nNoEmptyRecords=1\r\n"
+              "RestoresControls=1\r\nTimedProgress=1\r\nNoNumberBoxes=1\r\nExactNumbers=1\r\n"
+              "WrittenForms=1\r\nFormatsInForce=1\r\nTimesAlone=1\r\nOemTextOnly=1\r\n"
+              "ErrorsByRecord=1\r\nSourceFirst=1\r\nNoEmptyRecords=1\r\n"
               "[Job]\r\nHeaderRow=1\r\nLine0=ID=Field1\r\nTitle0=ID\r\nLine1=CITY=Field2\r\nTitle1=CITY\r\n"
               "Line2=ORDERED=Field3\r\nTitle2=ORDERED\r\nLine3=AMOUNT=Field4\r\nTitle3=AMOUNT\r\n"
               "Line4=PAID=Field5\r\nTitle4=PAID\r\nDestination=" + Shop.Database() + "\r\nTable=orders\r\n");
