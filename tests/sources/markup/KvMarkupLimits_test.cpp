@@ -110,6 +110,17 @@ TEST(KvMarkupLimits, EntitiesExpandToLittleText)
     EXPECT_THAT(Import.FirstValues(), testing::ElementsAre(Repeated("0123456789", 100)));
 }
 
+TEST(KvMarkupLimits, EntitiesStandSixteenDeepAtMost)
+{
+    std::string Subset = "<!ENTITY d1 'x'>";
+    for (int I = 2; I <= 17; ++I)
+        Subset += "<!ENTITY d" + std::to_string(I) + " '&d" + std::to_string(I - 1) + ";'>";
+    TXmlRun Import("<!DOCTYPE p [" + Subset + "]><ROWDATA><R a='&d16;'/><R a='&d17;'/></ROWDATA>",
+                   {xxTagSyntax, xxReferences});
+    EXPECT_THAT(Import.RunAndRefuse(), testing::ElementsAre("The entity \"d1\" expands to too much text"));
+    EXPECT_THAT(Import.FirstValues(), testing::ElementsAre("x"));
+}
+
 TEST(KvMarkupLimits, APacketOfMoreColumnsThanAnyTableIsRefused)
 {
     std::string Fields, Values;

@@ -394,7 +394,7 @@ TEST(Kvi2xmlLook, ElementsOfRecordsAreColumnsAndRowStateIsNone)
 TEST(Kvi2xmlLook, TellsWhatIsLeftOut)
 {
     TXmlRun Import("<ROWDATA><R a='1' RowState='1'/><R a='2' RowState='12'/><R RowState='2'/>"
-                   "<R><a>1</a><n><x/></n><a>2</a></R><R a='3'><a>4</a></R></ROWDATA>", AllOfXml);
+                   "<R><a>1</a><n><x></x><x/></n><a>2</a></R><R a='3'><a>4</a></R></ROWDATA>", AllOfXml);
     const auto Told = [&] {
         std::vector<std::pair<TKvISourceRemarkKind, std::int64_t>> Result;
         for (const auto& Remark : Import.SourceRemarks())
@@ -426,6 +426,8 @@ TEST(Kvi2xmlLook, ShowsTheRecordsBeforeWhatIsNoXml)
     EXPECT_THAT(RowsIn(View), ElementsAre("1|-"));
     EXPECT_THAT(Import.RunAndFail(), testing::HasSubstr("the tag \"R\" does not end"));
     EXPECT_EQ(Import.Destination.RecordCount(), 0);
+    Import.Folder.Write("file", "<ROWDATA><R c='1'/></ROWDATA>");
+    EXPECT_THAT(NamesIn(Import.Look({})), ElementsAre("c")) << "a run that fails keeps nothing";
 }
 
 TEST(Kvi2xmlLook, NumbersAreWrittenAsTheFormatsHaveThem)
@@ -616,9 +618,8 @@ TYPED_TEST(KvMarkupLook, ARunCountsAnewWhenOtherRowsAreImported)
     EXPECT_EQ(Import.Run().size(), 3U);
     Import.Look({});
     Import.RowFirst = 1;
-    Import.RowLast = 2;
     Import.SetFields({{.Name = "A"}, {.Name = "B"}, {.Name = "C"}});
-    EXPECT_EQ(Import.Run().size(), 2U);
+    EXPECT_EQ(Import.Run().size(), 4U);
 }
 
 TYPED_TEST(KvMarkupLook, LeavesNothingOfAMissingFile)

@@ -375,6 +375,15 @@ TEST(Kvi2htmlEncoding, AllStandInsForBytesAreSeen)
     }
 }
 
+TEST(Kvi2htmlEncoding, OtherCharactersBesideThemAreText)
+{
+    THtmlRun Import("<meta charset=windows-1252><table><tr><td>&#xF780;&#xEFFF;&nbsp;\xC2</td></tr>"
+                    "<tr><td>\x81</td></tr></table>",
+                    {xhEncoding, xhReferences});
+    EXPECT_EQ(Import.RunAndRefuse().size(), 1U);
+    EXPECT_THAT(Import.FirstValues(), ElementsAre("\uF780\uEFFF\u00A0\u00C2"));
+}
+
 TEST(Kvi2htmlEncoding, ACodePageThatIsSaidWinsOverTheFile)
 {
     THtmlRun Import("<meta charset=utf-8><table><tr><td>\xCF\xF0\xE8</td></tr></table>", {xhEncoding});

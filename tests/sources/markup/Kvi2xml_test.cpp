@@ -136,6 +136,9 @@ TEST(Kvi2xml, AFileWithoutRowdataHasNoRecords)
 TEST(Kvi2xml, SectionTagsAreExact)
 {
     EXPECT_THAT(TXmlRun("<rowdata><ROW a=\"1\"/></rowdata>").Run(), IsEmpty());
+    EXPECT_THAT(TXmlRun("<ROWDATA><fields><ROW a=\"1\"/></ROWDATA>").Run(), ElementsAre("a|b|c", "1|b|c"));
+    EXPECT_THAT(TXmlRun("<ROWDATA><ROW a=\"1\"/></rowdata><ROW a=\"2\"/>").Run(),
+                ElementsAre("1|b|c", "a|b|c", "2|b|c"));
     EXPECT_THAT(TXmlRun("<ROWDATA x=\"y\"><ROW a=\"1\"/></ROWDATA>").Run(), IsEmpty());
     EXPECT_THAT(TXmlRun(" \t<ROWDATA>\t<ROW a=\"1\"/></ROWDATA >").Run(), ElementsAre("1|b|c", "a|b|c"));
 }
