@@ -57,6 +57,7 @@ TEST(KvJobHeader, StandsBelowTheTitleOfAReport)
     EXPECT_EQ(Found({{"Orders", "", ""}, {"ID", "CITY", "NOTE"}, {"1", "Rom", ""}}), 2);
     EXPECT_EQ(Found({{"Report", "May", "", "", ""}, {"A", "B", "C", "D", "E"}, {"1", "2", "3", "4", "5"}}),
               2);
+    EXPECT_EQ(Found({{"A", "B"}, {"C", "D", "E", "F"}, {"1", "2", "3", "4"}}), 1) << "half is enough";
     EXPECT_EQ(Found({{"Orders of May"}, {"1", "Rom"}, {"2", "Oslo"}}), 0) << "a title is no header";
     EXPECT_EQ(Found({{"ID", "", ""}, {"1", "Rom", "x"}, {"2", "Oslo", "y"}}), 1) << "as wide as the rows";
 }
@@ -90,6 +91,7 @@ TEST(KvJobHeader, ATitleIsBareOfBlanksAndQuotes)
     EXPECT_EQ(BareTitle("'City'"), "City");
     EXPECT_EQ(BareTitle("\""), "\"");
     EXPECT_EQ(BareTitle("City\""), "City\"");
+    EXPECT_EQ(BareTitle("\"City'"), "\"City'");
 }
 
 } // namespace

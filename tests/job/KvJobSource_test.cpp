@@ -201,6 +201,7 @@ TEST(KvJobSource, AHeaderMayStandFurtherAboveTheFirstRow)
     TJobTestSource None("orders.csv", "1,Rom\n2,Oslo\nID,CITY\n3,Bern\n");
     None.Settings.RowFirst = 2;
     EXPECT_EQ(None.Look({.FindTitles = false}).HeaderRow(), 0) << "what comes later is none";
+    EXPECT_EQ(None.Look({.FindTitles = false, .Wanted = {"CITY"}}).HeaderRow(), 0);
 }
 
 TEST(KvJobSource, NamesThatAreMappedFindTheHeader)
