@@ -88,7 +88,7 @@ TJobSource::TJobSource(const TJobSourceSettings& Given, const std::function<bool
     OpenFile(Continue);
     FindKind();
     CheckKind();
-    Create();
+    Create(Continue);
 }
 
 TJobSource::TJobSource(TJobFile& Saved, const TJobSourceSettings& Given,
@@ -105,7 +105,7 @@ TJobSource::TJobSource(TJobFile& Saved, const TJobSourceSettings& Given,
     FHeaderRow = Saved.HeaderRow();
     Settings.Layout.Fixed = Saved.IsFixed();
     FComponent->SourceFileName = FileName;
-    SetPatience();
+    SetUp(Continue);
 }
 
 TJobSource::~TJobSource() = default;
@@ -162,18 +162,20 @@ void TJobSource::CheckKind() const
         Refuse({.Kind = jfNoOemText, .Name = FTitle, .Value = std::string(Kind().Name)});
 }
 
-void TJobSource::Create()
+void TJobSource::Create(const std::function<bool()>& Continue)
 {
     FComponent = AsFileImport(Kind().Create(nullptr));
     FComponent->SourceFileName = FileName;
     FComponent->CharacterSet = Settings.MsDos ? csiASCII_MSDOS : csiANSI_WINDOWS;
-    SetPatience();
+    SetUp(Continue);
     if (!Settings.Classic)
         Kind().Extend(*FComponent);
 }
 
-void TJobSource::SetPatience()
+void TJobSource::SetUp(const std::function<bool()>& Continue)
 {
+    Observer.Continue = Continue;
+    FComponent->SetObserver(&Observer);
     if (Settings.Patience && Kind().TableType == teAccess)
         SetPropValue(*FComponent, "Patience", *Settings.Patience);
 }

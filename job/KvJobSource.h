@@ -48,8 +48,8 @@ struct TJobLook
 class TJobSource
 {
 public:
-    /// Opens it and says of what kind it is. `Continue` is asked while a pipe is read; false stops the
-    /// reading. Raises EJobRefused, and what opening the file raises.
+    /// Opens it and says of what kind it is. `Continue`, which outlives it, is asked now and then while something
+    /// is read or keeps it waiting; false stops that. Raises EJobRefused, and what opening the file raises.
     TJobSource(const TJobSourceSettings& Settings, const std::function<bool()>& Continue);
     /// The same for a saved import, whose component is taken; rows of `Settings` win over what it says.
     TJobSource(TJobFile& Saved, const TJobSourceSettings& Settings, const std::function<bool()>& Continue);
@@ -103,11 +103,18 @@ public:
     TKvISourceColumn Constant(const std::string& Text) const;
 
 private:
+    /// Of the component, until a run has one of its own.
+    struct TLookObserver final : TKvIRunObserver
+    {
+        bool KeepsRunning() override { return !Continue || Continue(); }
+        std::function<bool()> Continue;
+    };
+
     void OpenFile(const std::function<bool()>& Continue);
     void FindKind();
-    void Create();
+    void Create(const std::function<bool()>& Continue);
     void CheckKind() const;
-    void SetPatience();
+    void SetUp(const std::function<bool()>& Continue);
     void SetRows(const TJobLook& What);
     int FindHeaderRow(const TJobLook& What);
     std::vector<std::string> TitlesAmong(const std::vector<std::string>& Wanted) const;
@@ -130,6 +137,7 @@ private:
     std::optional<TKvFileAlias> Alias;              // ... and the name under which it is opened
     std::string FileName;                           // for the component
     const TKvISourceKind* FKind = nullptr;
+    TLookObserver Observer;
     std::unique_ptr<TKvImportFromFile> FComponent;
     bool FIsSaved = false;
     bool FMapsItself = false;

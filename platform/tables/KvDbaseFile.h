@@ -22,8 +22,8 @@ class TKvDbaseFile final : public TKvTableFile
 {
 public:
     /// Reads records as they come, and memos as they are asked for. Texts become process text with
-    /// `Transliterate`, by the code page that a file beside the table, .cpg, names, else its header; without it
-    /// they stay as they are. Raises EFileError, what ReadDbaseHeader and what AddField raise.
+    /// `Transliterate`, by the code page that a file beside the table, .cpg, names, else its header; without
+    /// it they stay as they are. Raises EFileError, what ReadDbaseHeader and what AddField raise.
     explicit TKvDbaseFile(const std::string& TableFile, bool Transliterate = true);
 
     std::size_t RecordCount() const override;

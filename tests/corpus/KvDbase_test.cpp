@@ -189,7 +189,7 @@ std::optional<double> NumberOf(const TVariant& Value)
 bool IsKindOf(char Letter, TFieldType Type)
 {
     switch (Letter) {
-    case 'C': return Type == ftString || Type == ftBytes;
+    case 'C': return Type == ftString;
     case 'N': return IsNumericField(Type);
     case 'F':
     case 'B': return Type == ftFloat;
@@ -359,8 +359,6 @@ private:
             return ExplainMoment(Ours.DateTime(), Value);
         if (Field.Storage == dvMemo && Value.Kind == TTheirValue::None && fs::exists(Companion(".FPT")))
             return ruMemoFileInCapitals;
-        if (Field.Storage == dvBytes && IsBlank(Ours.Text()) && Value.Kind == TTheirValue::None)
-            return ruBlanksBehind;
         if (Field.Name == "Point_ID")
             return ruSameName;
         if (Ours.IsString() && Value.Kind == TTheirValue::Text)
@@ -423,7 +421,7 @@ private:
     {
         const auto IsDigitsOrText = Field.Storage == dvText || Field.Storage == dvNumber ||
                                     Field.Storage == dvFloat || Field.Storage == dvLogical ||
-                                    Field.Storage == dvDay || Field.Storage == dvBytes;
+                                    Field.Storage == dvDay || Field.Storage == dvRawText;
         if (Theirs.Tool == "ogr")
             return IsDigitsOrText;
         const bool HasSize = Field.Storage == dvVarText || Field.Storage == dvVarBytes;

@@ -353,6 +353,9 @@ TEST(Kvi2bde, WhatTheTableSaysOfItselfIsRemarkedOn)
     EXPECT_THAT(RemarksOf(), Expected) << "still those of the look";
     EXPECT_THAT(Import.Run(), ElementsAre("K\x94ln|3"));
     EXPECT_THAT(RemarksOf(), Expected);
+    Import.SourceFileName = "/no/such.dbf";
+    Import.Run(irFailed);
+    EXPECT_THAT(RemarksOf(), IsEmpty()) << "nothing was opened";
 }
 
 TEST(Kvi2bde, KeepsToRowsTakesWhatACutTableStillHolds)
