@@ -144,7 +144,7 @@ void TKvHtmlRows::ReadCell()
     TablesInCell = 0;
     auto Tag = Tags.Next();
     bool HasTags = false;
-    for (; !EndsCell(Tag, CellTag); Tag = Tags.Next())
+    for (; !IsEndOf(CellTag, Tag) && !EndsCell(Tag); Tag = Tags.Next())
         HasTags = true;
     const auto* const Last = Tags.Current().data();
     Cell.HasTags = HasTags || Tags.TextEnd() != Last; // a comment
@@ -153,20 +153,18 @@ void TKvHtmlRows::ReadCell()
         Tags.PutBack();
 }
 
-/// The end of the text ends the cell, too. By the syntax of tags a cell also ends where another thing of
-/// its own table begins or ends.
-bool TKvHtmlRows::EndsCell(TKvHtmlTag Tag, std::string_view CellTag)
+/// By another tag than its own: the end of the text ends the cell, too, and by the syntax of tags whatever
+/// begins or ends another thing of its table.
+bool TKvHtmlRows::EndsCell(TKvHtmlTag Tag)
 {
     if (Tag == htNone)
         return true;
     if (!Syntax)
-        return Tag == htCellEnd;
+        return false;
     if (TablesInCell > 0 || Tag == htTable) {
         FollowTableInside(Tag);
         return false;
     }
-    if (Tag == htCellEnd)                           // </TH> ends no TD
-        return LetterOf(Tags.Current()) == LetterOf(CellTag);
     return Tag == htCell || Tag == htRowEnd || EndsRow(Tag);
 }
 

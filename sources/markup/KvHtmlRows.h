@@ -47,7 +47,14 @@ private:
     bool BeginTable();
     void BeginSection();
     bool EndsSection() const;
-    bool EndsCell(TKvHtmlTag Tag, std::string_view CellTag);
+    /// Most cells end so: by their own end tag. </TH> ends no TD.
+    bool IsEndOf(std::string_view CellTag, TKvHtmlTag Tag) const
+    {
+        constexpr int Case = 0x20;
+        return Tag == htCellEnd && TablesInCell == 0 &&
+               (!Syntax || (Tags.Current()[3] | Case) == (CellTag[2] | Case));
+    }
+    bool EndsCell(TKvHtmlTag Tag);
     void FollowTableInside(TKvHtmlTag Tag);
     bool EndsRow(TKvHtmlTag Tag) const;
 

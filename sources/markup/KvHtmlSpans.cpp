@@ -49,17 +49,26 @@ std::size_t RowSpan(std::string_view Tag)
     return Rows == 0 ? TKvHtmlSpans::MaxRowSpan : Rows;
 }
 
-bool HasAttributes(const TKvHtmlCell& Cell)
+constexpr std::size_t PlainSize = 4;                // "<TD>"
+
+/// Most cells have none; then their attributes need not be cut.
+bool MayHaveSpans(const TKvHtmlCell& Cell)
 {
-    constexpr std::size_t PlainSize = 4;            // "<TD>"
-    return Cell.Tag.size() > PlainSize && Cell.Tag.find('=') != Cell.Tag.npos;
+    constexpr std::string_view Span = "SPAN";
+    for (std::size_t Pos = PlainSize; Pos < Cell.Tag.size(); ++Pos)
+        if ((Cell.Tag[Pos] | 0x20) == 'p' && SameText(Cell.Tag.substr(Pos - 1, Span.size()), Span))
+            return true;
+    return false;
 }
 
 } // namespace
 
 void TKvHtmlSpans::AddRow(std::span<const TKvHtmlCell> Cells)
 {
-    if (Above.empty() && std::ranges::none_of(Cells, HasAttributes)) {
+    const auto IsSpanned = [](const TKvHtmlCell& Each) {
+        return Each.Tag.size() > PlainSize && MayHaveSpans(Each);
+    };
+    if (Above.empty() && std::ranges::none_of(Cells, IsSpanned)) {
         Plain = Cells;
         Row.clear();
         FColumns = Cells.size();
@@ -81,7 +90,7 @@ void TKvHtmlSpans::Place(const TKvHtmlCell& Cell, std::size_t& Column)
     while (Column < Row.size() && Row[Column].IsCovered)
         ++Column;
     std::size_t Width = 1, RowsBelow = 0;
-    if (HasAttributes(Cell)) {
+    if (MayHaveSpans(Cell)) {
         RowsBelow = RowSpan(Cell.Tag) - 1;
         Width = std::min(ColumnSpan(Cell.Tag), std::max(MaxColumns, Column + 1) - Column);
     }

@@ -12,6 +12,8 @@ namespace {
 constexpr std::string_view CommentOpen = "<!--";
 constexpr std::string_view CommentClose = "-->";
 
+const TKvByteSet TagEndOrQuote(">\"'");
+
 constexpr char Upper(char Char)
 {
     return Char >= 'a' && Char <= 'z' ? static_cast<char>(Char - 'a' + 'A') : Char;
@@ -113,9 +115,13 @@ const char* TKvHtmlTags::FindTag() const
     }
 }
 
-/// Behind the ">" that ends a tag, outside of its quoted values.
+/// Behind the ">" that ends a tag, outside of its quoted values. Where no quote stands before it the first
+/// one does.
 const char* TKvHtmlTags::FindTagEnd(const char* From) const
 {
+    const auto* const Stop = TagEndOrQuote.FindIn(From, End);
+    if (Stop != End && *Stop == '>')
+        return Stop + 1;
     TKvHtmlAttributes Attributes(From, End);
     while (Attributes.Next())
         continue;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <iterator>
 
 #include "KvByteScan.h"
 #include "KvException.h"
@@ -254,7 +253,7 @@ void TKvXmlElements::ReadAttributes(bool KeepsThem)
         if (ValueLast == End)
             RefuseAttribute(View(Name, NameLast), "has a value that does not end");
         At = SkipBlanks(ValueLast + 1);
-        if (NameLast - Name == std::ssize(RowStateAttribute) && View(Name, NameLast) == RowStateAttribute)
+        if (*Name == RowStateAttribute.front() && View(Name, NameLast) == RowStateAttribute)
             IsReplaced = TellsReplaced(View(Value, ValueLast));
         if (!KeepsThem)
             continue;

@@ -135,7 +135,9 @@ TKvImportFromXML::TColumn TKvImportFromXML::ResolveColumn(std::string_view Sourc
         return Untyped;
     const auto IsNamed = [Source](const TKvXmlField& Each) { return SameText(Each.Name, Source); };
     const auto Found = std::ranges::find_if(Rows->Fields(), IsNamed);
-    return Found == Rows->Fields().end() ? Untyped : TColumn{Untyped.Index, Found->DataType};
+    if (Found == Rows->Fields().end() || IsTextField(Found->DataType))
+        return Untyped;
+    return {.Index = Untyped.Index, .Type = Found->DataType};
 }
 
 /// A text that is written otherwise than packets have it stays what it is.
