@@ -96,6 +96,8 @@ std::optional<double> ReadDouble(std::string_view Text)
 /// Digits that say something; those of an exponent are among them.
 int SignificantDigits(std::string_view Text)
 {
+    if (Text.find('.') != Text.npos && Text.find_first_of("eE") == Text.npos)
+        Text = Text.substr(0, Text.find_last_not_of('0') + 1);
     const auto First = std::min(Text.find_first_of("123456789"), Text.size());
     return static_cast<int>(std::ranges::count_if(Text.substr(First), IsDigit));
 }

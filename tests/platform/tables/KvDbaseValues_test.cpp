@@ -110,6 +110,8 @@ INSTANTIATE_TEST_SUITE_P(Numbers, KvDbaseValues, testing::Values(
     TRow{"NotANumber", dvNumber, " nan", "'nan' is no number"},
     TRow{"Float", dvFloat, "1.23456789012346", "double 1.23456789012346"},
     TRow{"FloatOfManyDigitsKeepsThem", dvFloat, "123456789012.3456781", "text 123456789012.3456781"},
+    TRow{"FloatWithZerosBehind", dvFloat, "0.100000000000000000", "double 0.1"},
+    TRow{"NumberWithZerosBehind", dvNumber, "2.000000000000000", "double 2"},
     TRow{"FloatOfAsterisks", dvFloat, "****", "null"},
     TRow{"FloatWhole", dvFloat, "   7", "double 7"},
     TRow{"FloatBlank", dvFloat, "    ", "null"},
