@@ -48,8 +48,9 @@ struct TJobLook
 class TJobSource
 {
 public:
-    /// Opens it and says of what kind it is. `Continue`, which outlives it, is asked now and then while something
-    /// is read or keeps it waiting; false stops that. Raises EJobRefused, and what opening the file raises.
+    /// Opens it and says of what kind it is. `Continue`, which outlives it, is asked now and then while
+    /// something is read or keeps it waiting; false stops that. Raises EJobRefused, and what opening the file
+    /// raises.
     TJobSource(const TJobSourceSettings& Settings, const std::function<bool()>& Continue);
     /// The same for a saved import, whose component is taken; rows of `Settings` win over what it says.
     TJobSource(TJobFile& Saved, const TJobSourceSettings& Settings, const std::function<bool()>& Continue);
