@@ -21,6 +21,7 @@ bool IsFigure(std::string_view Text)
 TJobSampleRow SampleOf(const TKvISourceRow& Row)
 {
     TJobSampleRow Result;
+    Result.Number = static_cast<int>(Row.Position.Number);
     for (const auto& [Value, Error] : Row.Values) {
         Result.Texts.emplace_back(Trim(ToDisplay(Value.ToText())));
         if (Result.Texts.back().empty())

@@ -17,6 +17,7 @@ struct TJobSampleRow
     std::vector<std::string> Texts = {};            ///< Without blanks at their ends; UTF-8.
     bool HasFigures = false;                        ///< One of its values is a number or a date, and no name.
     std::size_t Filled = 0;                         ///< Values that are not blank.
+    int Number = 0;                                 ///< Of the row in the source, from 1.
 };
 using TJobSample = std::vector<TJobSampleRow>;
 

@@ -80,6 +80,13 @@ bool IsOfFile(TJobFindingKind Kind)
            Kind == jfRowsBeyondCount || Kind == jfRowsMissing;
 }
 
+/// The number in the source of the row that names the columns; 0 for none.
+int HeaderAmong(const TJobSample& Sample, const std::vector<std::string>& Wanted)
+{
+    const int Found = FindHeader(Sample, Wanted);
+    return Found > 0 ? Sample[static_cast<std::size_t>(Found) - 1].Number : 0;
+}
+
 } // namespace
 
 TJobSource::TJobSource(const TJobSourceSettings& Given, const std::function<bool()>& Continue)
@@ -270,12 +277,15 @@ int TJobSource::FindHeaderRow(const TJobLook& What)
     if (First == 1 || (IsClassic() && Kind().Part == spTableNumber)) // whose cells have no columns
         return 0;
     const auto Wanted = TitlesAmong(What.Wanted);
-    if (First > 1 && FindHeader(Sample(First - 1), Wanted) == 1)
+    if (First > 1 && HeaderAmong(Sample(First - 1), Wanted) == First - 1)
         return First - 1;
-    const int Found = FindHeader(Sample(1), Wanted);
+    const auto Beginning = Sample(1);               // empty rows are none
+    const int Found = HeaderAmong(Beginning, Wanted);
     if (Found > 0 && (First == 0 || Found < First))
         return Found;
-    return What.FindTitles ? std::max(First - 1, 1) : 0;
+    if (!What.FindTitles)
+        return 0;
+    return First > 1 ? First - 1 : Beginning.empty() ? 1 : Beginning.front().Number;
 }
 
 /// Those of mapping lines that are no names of columns by themselves.

@@ -42,7 +42,8 @@ struct TPublishedProperty
     std::function<void(TPersistent&, TPersistent*)> SetObject = {};
     std::span<const std::string_view> Names = {};   ///< Element names of pkEnumeration and pkSet, in order.
     bool Stored = true;                             ///< False for values that are not saved with the object.
-    /// It says which part of a file is meant: a sheet, a table.
+    /// It says which part of a file is meant, a sheet or a table, or how that is read. What was saved before
+    /// there was such a property means 0 or an empty text.
     bool Place = false;
     TVariant Default = {};                          ///< What a new object has, see WithDefaults; else empty.
 };

@@ -106,7 +106,7 @@ TPublishedProperties TKvImportFromAccess::PublishedProperties() const
     using T = TKvImportFromAccess;
     return PublishAfter(TKvImportFromFile::PublishedProperties(),
                         {AsPlace(Publish("TableName", &T::TableName)),
-                         Publish("Patience", &T::Patience),
+                         AsPlace(Publish("Patience", &T::Patience)),
                          Publish("Extensions", &T::Extensions, ExtensionNames)});
 }
 
@@ -170,7 +170,8 @@ void TKvImportFromAccess::OpenSession(const std::string& Table, bool MayKeep)
 {
     const auto Continue = [this] { return KeepsRunning(); };
     Remarks.clear();
-    Session->Patience = std::chrono::seconds(Patience);
+    if (Patience > 0)
+        Session->Patience = std::chrono::seconds(Patience);
     if (MayKeep)
         Session->OpenOrKeep(Table, SourceFileName, Continue);
     else

@@ -48,7 +48,8 @@ public:
 
     std::string TableName;                          ///< In the database.
 
-    int Patience = 30;                              ///< Seconds that a run waits for the next records.
+    /// Seconds that a run waits for the next records; 0: 30.
+    int Patience = 0;
     TKvIAccessExtensions Extensions;
 
     TKvISourcePosition SourcePosition() const override;

@@ -57,7 +57,7 @@ TKvImportFromMarkup::~TKvImportFromMarkup() = default;
 TPublishedProperties TKvImportFromMarkup::PublishedProperties() const
 {
     return PublishAfter(TKvImportFromFile::PublishedProperties(),
-                        {Publish("CodePage", &TKvImportFromMarkup::CodePage)});
+                        {AsPlace(Publish("CodePage", &TKvImportFromMarkup::CodePage))});
 }
 
 TKvISourcePosition TKvImportFromMarkup::SourcePosition() const

@@ -9,6 +9,7 @@
 #include "KvText.h"
 #include "KvXmlRows.h"
 #include "KvXmlValues.h"
+#include "Kvi2xmlColumns.h"
 
 namespace kv {
 

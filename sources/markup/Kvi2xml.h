@@ -13,12 +13,12 @@
 
 #include "KvMarkupImport.h"
 #include "KvXMLExtensions.h"
-#include "KvXmlFields.h"
 #include "KviSourceColumns.h"
 
 namespace kv {
 
 class TKvXmlRows;
+struct TKvXmlField;
 
 /// Imports the records of a packet. Source columns are names of attributes.
 ///
@@ -68,12 +68,7 @@ protected:
     std::string RowSettings() const override;
 
 private:
-    struct TKnownColumns
-    {
-        std::vector<TKvISourceColumn> Columns;
-        std::vector<TKvXmlField> Declared;          // by FIELDS sections, as far as they were met
-        bool AreAll = false;                        // no record has others, or the file says so
-    };
+    struct TKnownColumns;
 
     struct TColumn
     {
@@ -94,11 +89,11 @@ private:
     std::unique_ptr<TKvXmlRows> Rows;               // from BeforeImport to AfterImport, and in a look
     std::vector<std::string> FieldNames;            // of the FIELDS sections, in a run
     TKvSourceColumns<TColumn> Columns;
-    TFieldType WantedType = ftUnknown;                  // of the field that the next value is for
+    TFieldType WantedType = ftUnknown;              // of the field that the next value is for
     std::int64_t Replaced = 0;                      // records, of the last run or look
     std::int64_t LeftOut = 0;                       // elements inside records, the same
     std::vector<std::size_t> ShownColumns;          // the same of SourceRecord
-    std::optional<TKnownColumns> Known;             // of the file, once somebody has asked
+    std::unique_ptr<TKnownColumns> Known;           // of the file, once somebody has asked
 };
 
 /// How an XML file says that it is encoded, empty when it does not.

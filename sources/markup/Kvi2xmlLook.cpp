@@ -5,7 +5,7 @@
 #include "KvException.h"
 #include "KvXmlNames.h"
 #include "KvXmlRows.h"
-#include "Kvi2xml.h"
+#include "Kvi2xmlColumns.h"
 
 namespace kv {
 
@@ -48,7 +48,7 @@ std::vector<TKvISourceRemark> TKvImportFromXML::SourceRemarks() const
 const TKvImportFromXML::TKnownColumns& TKvImportFromXML::KnownColumns()
 {
     if (!Known)
-        Known = FindColumns();
+        Known = std::make_unique<TKnownColumns>(FindColumns());
     return *Known;
 }
 

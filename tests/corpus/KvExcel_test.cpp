@@ -30,6 +30,7 @@ enum TRule {
     ruToolMisreadsValue,
     ruChartIsNoSheet,
     ruDateMode,
+    ruDuration,
     ruFormulaIsNumber,
     ruFormulaIsNoCell,
     ruRecordIsNotRead,
@@ -45,6 +46,7 @@ constexpr std::string_view RuleTexts[RuleCount] = {
     "the tool misreads the value, and another does not",
     "a chart, whose copies of cells the tool takes for a sheet, is none",
     "a date of a workbook that counts from 1904 is shifted",
+    "hours, minutes or seconds of any number are the text that shows them, not a date",
     "classic: a formula is a number whatever its result",
     "classic: formulas of plain streams are no cells",
     "classic: rich text, and numbers of plain streams in the record of Excel 3, are no cells",
@@ -141,6 +143,21 @@ bool AgreesWithDump(const TVariant& Ours, const TDumpCell& Theirs, std::string_v
         // Only one of the tools tells dates.
         return (Tool != "xlrd" || Ours.Kind() != vkDateTime) && NumberOf(Ours) == Theirs.Number;
     }
+}
+
+/// Ours is a text such as "296296:17:36.960" for the tool's number of days, to the millisecond.
+bool IsDuration(const TVariant& Ours, const TDumpCell& Theirs)
+{
+    int Hours = 0, Minutes = 0;
+    double Seconds = 0;
+    if (!Ours.IsString() || !Theirs.Number || Theirs.Type == 's')
+        return false;
+    const auto Text = Ours.ToText();
+    const bool IsNegative = Text.starts_with('-');
+    if (std::sscanf(Text.c_str() + (IsNegative ? 1 : 0), "%d:%d:%lf", &Hours, &Minutes, &Seconds) != 3)
+        return false;
+    const double Days = (Hours * 3600.0 + Minutes * 60 + Seconds) / 86400 * (IsNegative ? -1 : 1);
+    return std::abs(Days - *Theirs.Number) < 0.001 / 86400;
 }
 
 /// Values that one tool misreads; the other tools agree with us.
@@ -259,6 +276,9 @@ private:
             if (Found == Theirs.end()) {
                 EXPECT_EQ(Value, TVariant("")) << CellRefText(Ref);
                 ++Rules[ruEmptyText];
+            }
+            else if (IsDuration(Value, Found->second)) {
+                ++Rules[ruDuration];
             }
             else if (!AgreesWithDump(Value, Found->second, Tool)) {
                 EXPECT_TRUE(IsKnownToBeMisread(File.filename().string(), Tool))

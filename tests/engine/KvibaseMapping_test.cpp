@@ -102,6 +102,7 @@ TEST_F(KvibaseMapping, ALineNamesAFieldWhoseNameHoldsAnEqualSign)
 
 TEST_F(KvibaseMapping, TheLinesOfARunAreThoseGivenOrItsOwn)
 {
+    Import.Mappings().Clear();
     EXPECT_THAT(Import.RunMappings(), ElementsAre("A=A", "B=B", "C=C"));
     EXPECT_TRUE(Import.Mappings().IsEmpty()) << "its own do not stay";
     Import.SetMappings({"A=Field1"});
