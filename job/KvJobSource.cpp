@@ -279,13 +279,10 @@ int TJobSource::FindHeaderRow(const TJobLook& What)
     const auto Wanted = TitlesAmong(What.Wanted);
     if (First > 1 && HeaderAmong(Sample(First - 1), Wanted) == First - 1)
         return First - 1;
-    const auto Beginning = Sample(1);               // empty rows are none
-    const int Found = HeaderAmong(Beginning, Wanted);
+    const int Found = HeaderAmong(Sample(1), Wanted);
     if (Found > 0 && (First == 0 || Found < First))
         return Found;
-    if (!What.FindTitles)
-        return 0;
-    return First > 1 ? First - 1 : Beginning.empty() ? 1 : Beginning.front().Number;
+    return What.FindTitles ? std::max(First - 1, 1) : 0;
 }
 
 /// Those of mapping lines that are no names of columns by themselves.
