@@ -205,7 +205,8 @@ public:
         EXPECT_EQ(Found, Today.Sheets.size());
     }
 
-    /// The 1904 date mode moves all dates of a workbook, or none.
+    /// The date mode moves the dates of a workbook by four years and a day, or only those before March 1900, by
+    /// a day; times of day stay.
     void CompareDateMode()
     {
         constexpr double Shift = 1462;
@@ -220,8 +221,8 @@ public:
                 else
                     EXPECT_EQ(Shifted, Value);
             }
-        EXPECT_LE(Shifts.size(), 1u);
-        EXPECT_TRUE(Shifts.empty() || Shifts.contains(0) || Shifts.contains(Shift));
+        for (const auto& [Days, Count] : Shifts)
+            EXPECT_TRUE(Days == 0 || Days == (Shifts.contains(Shift) ? Shift : 1)) << Count << " by " << Days;
         if (const auto All = Shifts.find(Shift); All != Shifts.end())
             Rules[ruDateMode] += All->second;
     }
@@ -320,6 +321,8 @@ private:
             return (New.IsString() || New.Kind() == vkBoolean) && Explained(ruRecordIsMisread);
         if (Changes(seFileCodePage))
             return Old.IsString() && New.IsString() && Explained(ruBytesAreText);
+        if (Changes(seCustomDates) && IsDuration(New, {'d', NumberOf(Old), {}, {}}))
+            return Explained(ruDuration);
         if (Changes(seCustomDates) && NumberOf(Old) == NumberOf(New))
             return Explained(Old.Kind() == vkDateTime ? ruXfNumberIsFormat : ruDateIsNumber);
         return false;
