@@ -180,6 +180,16 @@ bool IsGroupedInThousands(std::string_view Number, char Separator, char DecimalS
     return !Grouped || Digits == 3;
 }
 
+std::vector<TJobFinding> CheckReferences(const std::vector<TKvTableReference>& References, TImportMode Mode)
+{
+    std::vector<TJobFinding> Result;
+    if (Mode == imDelete || Mode == imCopy)
+        for (const auto& Reference : References)
+            Result.push_back({.Kind = Reference.Changes ? jfChangesOthers : jfHeldByOthers,
+                              .Name = ToDisplay(Reference.Table)});
+    return Result;
+}
+
 void CheckThousands(const TJobSource& Source, const TJobPlan& Plan, const TDataSet& Destination)
 {
     const auto& Formats = Source.Component().DataFormats;

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "KvDatabase.h"
 #include "KvJobFindings.h"
 #include "KvJobPlan.h"
 #include "KvJobSource.h"
@@ -20,6 +21,9 @@ std::vector<TJobFinding> CheckHeader(const TJobSource& Source, const TDataSet& D
 /// most are dates in others, and more than now. The formats of the job are in force.
 std::vector<TJobFinding> CheckDates(const TJobSource& Source, const TJobPlan& Plan,
                                     const TDataSet& Destination);
+
+/// Tables that refer to the records of the destination, where `Mode` deletes some.
+std::vector<TJobFinding> CheckReferences(const std::vector<TKvTableReference>& References, TImportMode Mode);
 
 /// Raises EJobRefused when one of the numbers that were looked at has a thousand separator where no thousands
 /// end: "1,5" with a comma. Classic reading makes 15 of it, and else it is an error of each such record.

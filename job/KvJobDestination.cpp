@@ -14,11 +14,13 @@ TJobDestination::TJobDestination(const TJobDestinationSettings& Settings, int Ba
 {
     Database->BusyTimeout = Settings.BusyTimeout;
     Database->CacheSize = Settings.CacheSize;
+    Database->ForeignKeys = Settings.ForeignKeys;
     Database->OnWait = Continue;
     Database->Open();
     if (Settings.Table.empty())
         Refuse({.Kind = jfTableMissing, .Name = Settings.Url, .Names = Database->TableNames()});
-    Records = Database->OpenTable(FromDisplay(Settings.Table));
+    TableName = FromDisplay(Settings.Table);
+    Records = Database->OpenTable(TableName);
 }
 
 TJobDestination::~TJobDestination() = default;
@@ -29,6 +31,11 @@ std::vector<std::string> TJobDestination::PrimaryKey()
     for (auto& Name : Names)
         Name = ToDisplay(Name);
     return Names;
+}
+
+std::vector<TKvTableReference> TJobDestination::References()
+{
+    return Database->Describe(TableName).References;
 }
 
 void TJobDestination::Begin()

@@ -26,6 +26,9 @@ public:
     /// The fields of the table's primary key; none when it has none.
     std::vector<std::string> PrimaryKey();
 
+    /// Of other tables, or of the table itself, to its records.
+    std::vector<TKvTableReference> References();
+
     void Begin();
     /// To be called after each record that was read, stored or not: ends a full batch, with the first record
     /// for which it may.
@@ -45,6 +48,7 @@ private:
 
     const int Batch;
     std::unique_ptr<TKvDatabase> Database;
+    std::string TableName;
     std::unique_ptr<TDataSet> Records;
     int RecordsRead = 0, NextCommit = 0, FCommitted = 0;
 };

@@ -169,6 +169,7 @@ void TJobFile::ReadJob(const TIniFile& File)
     Formats.CheckThousands = !File.ReadBool(Section, "AnyThousands", false);
     Job.Destination.Url = File.ReadString(Section, "Destination", {});
     Job.Destination.Table = File.ReadString(Section, "Table", {});
+    Job.Destination.ForeignKeys = !File.ReadBool(Section, "NoForeignKeys", false);
     Job.Run.Batch = File.ReadInteger(Section, "Batch", 0);
     if (File.HasKey(Section, "StopAfter"))
         Job.Run.StopAfter = File.ReadInteger(Section, "StopAfter", 0);
@@ -211,6 +212,7 @@ void TJobFile::Complete(TJobSettings& Settings) const
     if (Settings.Destination.Url.empty())
         Settings.Destination.Url = FindFrom(FFileName, ToDisplay(Job.Destination.Url));
     Take(Settings.Destination.Table, ToDisplay(Job.Destination.Table));
+    Settings.Destination.ForeignKeys = Settings.Destination.ForeignKeys && Job.Destination.ForeignKeys;
     if (Settings.Run.Batch == 0)
         Settings.Run.Batch = Job.Run.Batch;
     Take(Settings.Run.StopAfter, Job.Run.StopAfter);
@@ -302,6 +304,7 @@ void SaveJob(const std::string& FileName, const std::string& Name, TJobSource& S
     WriteText(File, "AnyThousands", NumberText(Formats.CheckThousands ? 0 : 1));
     WriteText(File, "Destination", NameFrom(FileName, Settings.Destination.Url));
     WriteText(File, "Table", Settings.Destination.Table);
+    WriteText(File, "NoForeignKeys", NumberText(Settings.Destination.ForeignKeys ? 0 : 1));
     WriteText(File, "Batch", NumberText(Settings.Run.Batch));
     if (Settings.Run.StopAfter)
         WriteText(File, "StopAfter", std::to_string(*Settings.Run.StopAfter));

@@ -4,11 +4,11 @@
 //
 //   [Job]
 //   HeaderRow=1                  the row whose titles follow; 0 or none: the source names its columns itself
-// Line0=NAME=Field2            mapping 0, where its column was found by name: a title counts as long as it is
-// so
+//   Line0=NAME=Field2            mapping 0, where its column was found by name: a title counts as long as
+//                                it is so
 //   Title0=Customer              that name
-// BooleanTrue, BooleanFalse, CodePage, OemCodePage, LegacyCodePage, AnyThousands, Destination, Table, Batch,
-//   StopAfter, StopShare
+//   BooleanTrue, BooleanFalse, CodePage, OemCodePage, LegacyCodePage, AnyThousands, NoForeignKeys,
+//   Destination, Table, Batch, StopAfter, StopShare
 #pragma once
 
 #include <memory>

@@ -119,6 +119,10 @@ enum TJobFindingKind {
     jfEmptyRows,
     /// Count rows, from row Number on, hold characters of several bytes; positions count bytes.
     jfWideCharacters,
+    /// To delete a record deletes or changes records of table Name that refer to it.
+    jfChangesOthers,
+    /// A record to which one of table Name refers cannot be deleted.
+    jfHeldByOthers,
     /// Count values, the first in row Number, are 8-bit text of an unknown code page. Unit
     jfOldText,
     /// An older copy was read: the newer cannot be. Was is why.

@@ -80,6 +80,8 @@ void TJobRun::Check()
             Names.push_back(Fate.Column.Name);
         FSource->LookAt(Names);
     }
+    if (Settings.Destination.ForeignKeys)
+        Add(CheckReferences(Destination->References(), Settings.Plan.Mode));
     Add(CheckHeader(*FSource, Table()));
     Add(CheckDates(*FSource, FPlan, Table()));
     if (Settings.Formats.CheckThousands)

@@ -83,6 +83,7 @@ struct TJobDestinationSettings
     std::string Table = {};
     int BusyTimeout = 5000;                         ///< Milliseconds to wait for other programs.
     int CacheSize = 0;                              ///< KiB; 0: as the database finds right.
+    bool ForeignKeys = true;                        ///< The database holds those that it declares.
 };
 
 /// When to stop, and what is kept for good.

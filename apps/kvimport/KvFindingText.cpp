@@ -309,12 +309,19 @@ std::string FindingText(const TJobFinding& Given)
     case jfCellsBeyond:
         return Plural(Found.Count, " value stands", " values stand") +
                " beyond column IV, the last that can be read";
+    case jfChangesOthers:
+        return "records of table '" + Found.Name +
+               "' that refer to a deleted one are deleted or changed with it; --no-foreign-keys leaves them "
+               "alone";
+    case jfHeldByOthers:
+        return "a record to which one of table '" + Found.Name +
+               "' refers cannot be deleted; --no-foreign-keys deletes it all the same";
     case jfOldText:
         return Plural(Found.Count, " text is", " texts are") +
                " of a code page that the file does not name, the first in " + Row(Found) +
                ": --charset msdos and --oem-code-page say it";
     case jfOlderWorkbook:
-        return "the file holds its workbook twice; only the older, which may lack characters, can be read: " +
+        return "the file holds its workbook twice; the older, which may lack characters, is read: " +
                Found.Was;
     case jfSeveralTables:
         return "rows of " + GroupDigits(Found.Count) +

@@ -96,6 +96,8 @@ void AddDestinationOptions(CLI::App& Command, TJobSettings& Job)
     AddChecked(Command, "--cache-size", "KIB",
                "Page cache of the database (default: 12288 with keys, else its own)",
                [&Destination](const std::string& Text) { Destination.CacheSize = ReadCount(Text, 0); });
+    Command.add_flag_callback("--no-foreign-keys", [&Destination] { Destination.ForeignKeys = false; },
+                              "Do not hold what foreign keys of the database ask for");
 }
 
 void AddModeOptions(CLI::App& Command, TImportOptions& Options,

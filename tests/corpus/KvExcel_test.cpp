@@ -205,8 +205,8 @@ public:
         EXPECT_EQ(Found, Today.Sheets.size());
     }
 
-    /// The date mode moves the dates of a workbook by four years and a day, or only those before March 1900, by
-    /// a day; times of day stay.
+    /// The date mode moves the dates of a workbook by four years and a day, or only those before March 1900,
+    /// by a day; times of day stay.
     void CompareDateMode()
     {
         constexpr double Shift = 1462;

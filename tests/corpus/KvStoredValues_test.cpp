@@ -26,6 +26,7 @@
 #include "KvSqliteDatabase.h"
 #include "KvSqliteQuery.h"
 #include "KvTempFolder.h"
+#include "KvText.h"
 
 namespace kv {
 
@@ -98,6 +99,21 @@ bool IsBlank(const std::string& Text)
     return std::ranges::all_of(Text, [](unsigned char Each) { return Each <= ' '; });
 }
 
+/// As text stands for bytes in packets.
+std::string Base64Of(const std::string& Bytes)
+{
+    constexpr char Digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string Text;
+    for (std::size_t I = 0; I < Bytes.size(); I += 3) {
+        unsigned Three = 0;
+        for (std::size_t J = I; J < I + 3; ++J)
+            Three = Three * 256 + (J < Bytes.size() ? static_cast<unsigned char>(Bytes[J]) : 0);
+        for (unsigned J = 0; J < 4; ++J)
+            Text += I + J > Bytes.size() ? '=' : Digits[Three >> (18 - 6 * J) & 63];
+    }
+    return Text;
+}
+
 /// Digits for digits, days for days; a blank is no value.
 bool Agrees(const TVariant& Source, const TStoredValue& Stored)
 {
@@ -109,9 +125,11 @@ bool Agrees(const TVariant& Source, const TStoredValue& Stored)
         return IsSameMoment(Source.DateTime(), Stored.Text);
     if (Stored.Text == AnsiToUtf8(Bytes, Buffer) || Stored.Text == Bytes)
         return true;
+    if (Stored.Class == "blob" && Base64Of(Stored.Text) == Bytes)
+        return true;
     const bool IsNumber = Stored.Class == "integer" || Stored.Class == "real";
     if (Bytes == "True" || Bytes == "False")
-        return IsNumber && Stored.Text == (Bytes == "True" ? "1" : "0");
+        return SameText(Stored.Text, Bytes) || (IsNumber && Stored.Text == (Bytes == "True" ? "1" : "0"));
     return (IsNumber || Source.Kind() != vkString) && IsSameNumber(Bytes, Stored.Text);
 }
 
@@ -241,7 +259,7 @@ bool IsCompanion(const fs::path& File)
 }
 
 /// The parts of a file, by number or name; one without a name where the file is the table.
-std::vector<std::string> PartsOf(const TJobSource& Source)
+std::vector<std::string> PartsOf(TJobSource& Source)
 {
     std::vector<std::string> Names;
     for (std::size_t I = 0; I < Source.Parts().size(); ++I) {
@@ -276,7 +294,7 @@ void CheckFile(const fs::path& File, TFigures& Figures)
     CountRefusals(Figures, [&] {
         TJobSourceSettings Settings;
         Settings.FileName = File.string();
-        const TJobSource Source(Settings, [] { return true; });
+        TJobSource Source(Settings, [] { return true; });
         for (const auto& Part : PartsOf(Source)) {
             SCOPED_TRACE(Part);
             CountRefusals(Figures, [&] { TStoredPart(File, Source.Kind(), Part, Figures).Check(); });

@@ -143,6 +143,39 @@ TEST_F(KvJobRun, ADryRunFailsWhereTheRunCouldNotCommit)
     }
 }
 
+TEST_F(KvJobRun, ForeignKeysHoldUnlessTheyAreNotWanted)
+{
+    Execute("CREATE TABLE lines (ORDER_ID INTEGER REFERENCES orders);"
+            "INSERT INTO orders VALUES (1, 'Rom', 1), (2, 'Oslo', 2); INSERT INTO lines VALUES (2)");
+    Job.Plan.Mode = imDelete;
+    auto Outcome = Import("ID,CITY\n1,Rom\n2,Oslo\n");
+    ASSERT_FALSE(Findings.empty());
+    EXPECT_EQ(Findings.back().Kind, jfHeldByOthers);
+    EXPECT_EQ(Findings.back().Name, "lines");
+    EXPECT_EQ(Outcome.Figures.Deleted, 1);
+    EXPECT_EQ(Outcome.Figures.Failed, 1);
+    EXPECT_EQ(Rows(), "2|Oslo|2");
+
+    Job.Destination.ForeignKeys = false;
+    Outcome = Import("ID,CITY\n2,Oslo\n");
+    EXPECT_TRUE(Findings.empty());
+    EXPECT_EQ(Outcome.Figures.Deleted, 1);
+    EXPECT_EQ(Rows(), "");
+}
+
+TEST_F(KvJobRun, RecordsThatGoAlongWithADeletedOneAreTold)
+{
+    Execute("CREATE TABLE lines (ORDER_ID INTEGER REFERENCES orders ON DELETE CASCADE)");
+    Job.Plan.Mode = imDelete;
+    Import("ID,CITY\n1,Rom\n");
+    ASSERT_FALSE(Findings.empty());
+    EXPECT_EQ(Findings.back().Kind, jfChangesOthers);
+    EXPECT_EQ(Findings.back().Name, "lines");
+    Job.Plan.Mode = imAppend;
+    Import("ID,CITY\n1,Rom\n");
+    EXPECT_TRUE(Findings.empty());
+}
+
 TEST_F(KvJobRun, ADryRunKeepsNoBatchEither)
 {
     Job.Run.DryRun = true;
@@ -193,10 +226,14 @@ TEST_F(KvJobRun, AConstraintThatIsCheckedAtTheEndFailsTheRun)
 {
     TJobTestShop Shop(
         "ID INTEGER PRIMARY KEY, CITY TEXT REFERENCES orders (ID) DEFERRABLE INITIALLY DEFERRED");
-    Shop.Write("ID,CITY\n1,7\n");
-    TJobRun Run(Shop.Job, Shop.Observer);
-    Run.Prepare();
-    EXPECT_EQ(Run.Execute().Result, joDone) << "foreign keys are not looked at unless a program asks for it";
+    for (const bool IsDry : {true, false}) {
+        Shop.Job.Run.DryRun = IsDry;
+        const auto Outcome = Shop.Import("ID,CITY\n1,7\n");
+        EXPECT_EQ(Outcome.Result, joFailed);
+        ASSERT_TRUE(Outcome.Failure);
+        EXPECT_EQ(Outcome.Failure->Facts.Rule, erForeignKey);
+        EXPECT_EQ(Shop.Rows(), "");
+    }
 }
 
 // Separators beyond the rows that are looked at.
