@@ -163,9 +163,6 @@ public:
     virtual std::vector<TKvISourceRemark> SourceRemarks() const { return {}; }
     /// What a source calls its records: "line".
     virtual std::string_view PositionUnit() const { return "record"; }
-    /// Whether a mapping from `Source` takes a column of what was looked at last: true, or false where it
-    /// takes a constant or nothing. None where that cannot be told, as before a look and after EndLook.
-    virtual std::optional<bool> NamesColumn(const std::string& Source);
 
     /// The published property "IndexFieldName" of `DataSet`, empty when its class has none.
     static std::string GetKeyList(const TDataSet* DataSet);

@@ -144,11 +144,6 @@ std::vector<TKvISourceColumn> TKvImportBaseComponent::SourceColumns(int)
     return {};
 }
 
-std::optional<bool> TKvImportBaseComponent::NamesColumn(const std::string&)
-{
-    return {};
-}
-
 std::string TKvImportBaseComponent::TitleText(std::string_view Header) const
 {
     return UECode(IsOemText(), Trim(Header));

@@ -163,6 +163,8 @@ bool IsGroupedInThousands(std::string_view Number, char Separator, char DecimalS
     const auto Whole = Number.substr(0, std::min(Number.find(DecimalSeparator), Number.size()));
     if (Number.substr(Whole.size()).find(Separator) != Number.npos)
         return false;
+    if (Whole.size() > 1 && Whole.front() == '0' && Whole.find(Separator) != Whole.npos)
+        return false;                               // "0,500" is half of one
     std::size_t Digits = 0;                         // since the last separator
     bool Grouped = false;
     for (const char Char : Whole) {

@@ -87,6 +87,12 @@ int HeaderAmong(const TJobSample& Sample, const std::vector<std::string>& Wanted
     return Found > 0 ? Sample[static_cast<std::size_t>(Found) - 1].Number : 0;
 }
 
+/// Figures below names tell a header from records: rows of texts alone may all be records.
+bool HasFigures(const TJobSample& Sample)
+{
+    return std::ranges::any_of(Sample, &TJobSampleRow::HasFigures);
+}
+
 } // namespace
 
 TJobSource::TJobSource(const TJobSourceSettings& Given, const std::function<bool()>& Continue)
@@ -279,8 +285,10 @@ int TJobSource::FindHeaderRow(const TJobLook& What)
     const auto Wanted = TitlesAmong(What.Wanted);
     if (First > 1 && HeaderAmong(Sample(First - 1), Wanted) == First - 1)
         return First - 1;
-    const int Found = HeaderAmong(Sample(1), Wanted);
-    if (Found > 0 && (First == 0 || Found < First))
+    const auto Beginning = Sample(1);
+    const int Found = HeaderAmong(Beginning, Wanted);
+    const bool IsNeeded = What.FindTitles || What.ShowsTitles || !Wanted.empty();
+    if (Found > 0 && (First == 0 || Found < First) && (IsNeeded || HasFigures(Beginning)))
         return Found;
     return What.FindTitles ? std::max(First - 1, 1) : 0;
 }

@@ -44,16 +44,17 @@ public:
         return Count;
     }
 
-    /// False when a separator does not group: 12,34,567 as well as 1,234,567.
+    /// False when a separator does not group: 12,34,567 as well as 1,234,567, and never 0,500.
     bool TakeInteger()
     {
         constexpr std::size_t Group = 3, ShortGroup = 2;
+        const bool BeginsWithZero = Text.starts_with('0');
         auto Count = TakeDigits();
         const auto Separator = SeparatorHere();
         if (Separator.empty())
             return true;
         std::size_t Least = 1;
-        bool Groups = true;
+        bool Groups = !BeginsWithZero;
         for (; Take(Separator); Least = ShortGroup) {
             Groups = Groups && Count >= Least && Count <= Group;
             Count = TakeDigits();

@@ -284,13 +284,6 @@ TKvISourceName TKvImportFromBDE::ResolveName(const std::string& Wanted,
     return Found;
 }
 
-std::optional<bool> TKvImportFromBDE::NamesColumn(const std::string& Source)
-{
-    if (!IsKept())
-        return {};
-    return FieldsCalled(SourceName(Source)).first != nullptr;
-}
-
 // A look.
 
 bool TKvImportFromBDE::IsKept() const

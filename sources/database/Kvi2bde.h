@@ -56,7 +56,6 @@ public:
     std::vector<TKvISourceRemark> SourceRemarks() const override;
     TKvISourceName ResolveName(const std::string& Wanted,
                                const std::vector<TKvISourceColumn>& Shown) const override;
-    std::optional<bool> NamesColumn(const std::string& Source) override;
 
 protected:
     bool FieldIsTruncated() const override { return TypeOfTable() == ttDBase; }

@@ -148,11 +148,4 @@ void TKvImportFromDataSet::AfterLook()
         FSourceDataset->First();
 }
 
-std::optional<bool> TKvImportFromDataSet::NamesColumn(const std::string& Source)
-{
-    if (!FSourceDataset || !FSourceDataset->Active())
-        return {};
-    return FSourceDataset->FindField(Source) != nullptr;
-}
-
 } // namespace kv

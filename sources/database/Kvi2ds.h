@@ -32,7 +32,6 @@ public:
     /// The values of all fields.
     TVariant SourceRecord() override;
     /// Of a source that is open, whoever has opened it.
-    std::optional<bool> NamesColumn(const std::string& Source) override;
 
 protected:
     bool NotDefined(std::string& PropName) override;

@@ -363,13 +363,6 @@ void TKvImportFromAccess::SelectPart(int, const TKvISourcePart& Part)
     TableName = Part.Name;
 }
 
-std::optional<bool> TKvImportFromAccess::NamesColumn(const std::string& Source)
-{
-    if (!IsForLook || !Session->Holds(TableName, SourceFileName))
-        return {};
-    return FieldNamed(*Session->Recordset(), Source) >= 0;
-}
-
 // Routines without a component.
 
 void GetAccessTables(TStrings& Items, const std::string& DatabaseName, const std::string& TableName)

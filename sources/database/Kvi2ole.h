@@ -59,7 +59,6 @@ public:
     std::vector<TKvISourceRemark> SourceRemarks() const override { return Remarks; }
     std::vector<TKvISourcePart> SourceParts() override;
     void SelectPart(int Index, const TKvISourcePart& Part) override;
-    std::optional<bool> NamesColumn(const std::string& Source) override;
 
     static std::string Extension() { return ".MDB"; }
     static std::string FillFileFilters();

@@ -293,13 +293,6 @@ TKvISourceName TKvImportFromHTML::ResolveName(const std::string& Wanted,
     return {.Kind = snColumn, .Name = Titled->Name};
 }
 
-std::optional<bool> TKvImportFromHTML::NamesColumn(const std::string& Source)
-{
-    if (!IsKept() || !Extensions.Contains(xhHeaderNames))
-        return {};
-    return NumberedColumn(Source) != NoColumn || FindHeader(Source) != Header.end();
-}
-
 // The values.
 
 TVariant TKvImportFromHTML::GetFieldValue(const TVariant& Source)

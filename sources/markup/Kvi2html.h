@@ -47,7 +47,6 @@ public:
     void SelectPart(int Index, const TKvISourcePart& Part) override;
     std::vector<TKvISourceRemark> SourceRemarks() const override;
     /// Cannot be told without xhHeaderNames: then the order of the mappings decides.
-    std::optional<bool> NamesColumn(const std::string& Source) override;
 
     static std::string Extension() { return ".HTML"; }
     static std::string FillFileFilters();

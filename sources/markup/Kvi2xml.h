@@ -43,7 +43,6 @@ public:
     TKvISourceName ResolveName(const std::string& Wanted,
                                const std::vector<TKvISourceColumn>& Shown) const override;
     /// Cannot be told of an attribute that the records looked at lack where others follow them.
-    std::optional<bool> NamesColumn(const std::string& Source) override;
     std::vector<TKvISourceRemark> SourceRemarks() const override;
 
     static std::string Extension() { return ".XML"; }

@@ -149,14 +149,4 @@ TKvISourceName TKvImportFromXML::ResolveName(const std::string& Wanted,
     return {.Kind = Extensions.Contains(xxMissingIsNull) ? snMissing : snConstant, .Name = Wanted};
 }
 
-std::optional<bool> TKvImportFromXML::NamesColumn(const std::string& Source)
-{
-    if (!IsKept())
-        return {};
-    const auto& All = KnownColumns();
-    if (IsOneOf(All.Columns, Source))
-        return true;
-    return All.AreAll ? std::optional(false) : std::nullopt;
-}
-
 } // namespace kv

@@ -27,8 +27,8 @@ TEST(KvJobChecks, AcceptThousandsAndWhatHasNone)
 
 TEST(KvJobChecks, RefuseWhatMayBeAFraction)
 {
-    for (const auto* const Number :
-         {"1,5", "12,34", "1234,567", "1,2345", "1,23,456", "1,234,5", ",5", "1.5,000", "1,", "12,345,67.8"})
+    for (const auto* const Number : {"1,5", "12,34", "1234,567", "1,2345", "1,23,456", "1,234,5", ",5",
+                                     "0,500", "-0,125", "1.5,000", "1,", "12,345,67.8"})
         EXPECT_FALSE(IsGroupedInThousands(Number, ',', '.')) << Number;
 }
 

@@ -161,6 +161,16 @@ TEST(KvJobSource, TheHeaderIsTheRowAboveTheFirst)
     EXPECT_EQ(File.Look({.FindTitles = false}).HeaderRow(), 0);
 }
 
+TEST(KvJobSource, TextsAloneTellNoHeaderThatNobodyNeeds)
+{
+    TJobTestSource File("fruits.csv", "apple,red\npear,green\n");
+    auto& Source = File.Look({.FindTitles = false});
+    EXPECT_EQ(Source.HeaderRow(), 0);
+    EXPECT_EQ(Source.View().Rows.size(), 2U);
+    TJobTestSource Figures("amounts.csv", "fruit,amount\npear,2\n");
+    EXPECT_EQ(Figures.Look({.FindTitles = false}).HeaderRow(), 1);
+}
+
 TEST(KvJobSource, AHeaderIsFoundWhetherItIsNeededOrNot)
 {
     TJobTestSource File("orders.csv", "Orders of May\n\nID;CITY\n1;Rom\n");

@@ -42,7 +42,7 @@ TEST(KvWrittenNumber, RemovesSeparatorsThatGroup)
 TEST(KvWrittenNumber, RefusesSeparatorsThatDoNot)
 {
     for (const char* const Text : {"1,5", "1,23", "1,2345", "1234,567", ",123", "1,", "1,,000", "1,2,345",
-                                   "1,000\xC2\xA0" "000", "1.234,567", "1,234,56"})
+                                   "1,000\xC2\xA0" "000", "1.234,567", "1,234,56", "0,500", "-0,125"})
         EXPECT_EQ(Plain(Text), "none") << Text;
 }
 

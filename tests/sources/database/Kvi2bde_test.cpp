@@ -611,12 +611,8 @@ TEST(Kvi2bdeLook, NamesInMappingsAreCutAsARunCutsThem)
     TTableImport Import(TDbaseBuilder(0x04).Field("CustomerName", 'C', 10).Record({"Ada"}));
     Import.TableType = ttDBase;
     EXPECT_THAT(RowsIn(Import.Look({.Columns = {"CustomerNamed"}})), ElementsAre("1:|Ada"));
-    EXPECT_EQ(Import.NamesColumn("CustomerNamed"), true);
-    EXPECT_EQ(Import.NamesColumn("Customer"), false);
     Import.TableType = ttFoxPro;
     EXPECT_THAT(RowsIn(Import.Look({.Columns = {"CustomerNamed"}})), ElementsAre("1:|CustomerNamed"));
-    EXPECT_EQ(Import.NamesColumn("CustomerNamed"), false);
-    EXPECT_EQ(Import.NamesColumn("customername"), true);
 }
 
 TEST(Kvi2bdeLook, CharactersAreCountedWhereNamesAreCut)
@@ -628,14 +624,13 @@ TEST(Kvi2bdeLook, CharactersAreCountedWhereNamesAreCut)
     EXPECT_THAT(Import.Run(), ElementsAre("XL|"));
 }
 
-TEST(Kvi2bdeLook, AShortNameOfTwoFieldsIsAColumnThoughNobodyKnowsWhich)
+TEST(Kvi2bdeLook, AShortNameOfTwoFieldsIsAnErrorOfItsValues)
 {
     TTableImport Import(NamesThatBeginAlike());
     Import.TableType = ttDBase;
     const auto Reason = "!" + Import.SourceFileName +
                         ": both field 'CustomerName' and field 'CustomerNation' begin with 'CustomerNa'";
     EXPECT_THAT(RowsIn(Import.Look({})), ElementsAre("1:|" + Reason + "|" + Reason));
-    EXPECT_EQ(Import.NamesColumn("CustomerName"), true);
 }
 
 TEST(Kvi2bdeLook, SaysWhatANameInAMappingMeans)
@@ -651,15 +646,11 @@ TEST(Kvi2bdeLook, SaysWhatANameInAMappingMeans)
     EXPECT_EQ(Import.ResolveName("CustomerNamed", Shown).Kind, snConstant);
 }
 
-TEST(Kvi2bdeLook, CannotTellColumnsBeforeALookAndAfterItsEnd)
+TEST(Kvi2bdeLook, LetsGoOfTheTableAtItsEnd)
 {
     TTableImport Import;
-    EXPECT_EQ(Import.NamesColumn("NAME"), std::nullopt);
     Import.Look({});
-    EXPECT_EQ(Import.NamesColumn("NAME"), true);
-    EXPECT_EQ(Import.NamesColumn("Imported"), false);
     Import.EndLook();
-    EXPECT_EQ(Import.NamesColumn("NAME"), std::nullopt);
     EXPECT_EQ(Import.SourceTable(), nullptr);
 }
 

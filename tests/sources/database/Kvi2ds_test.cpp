@@ -390,11 +390,8 @@ TEST(Kvi2dsLook, AClosedSourceIsOpenedAndStaysOpen)
 {
     TCopy Copy;
     Copy.From.Close();
-    EXPECT_EQ(Copy.NamesColumn("NAME"), std::nullopt);
     EXPECT_EQ(Copy.Look({}).Rows.size(), 3U);
     EXPECT_TRUE(Copy.From.Active());
-    EXPECT_EQ(Copy.NamesColumn("name"), true);
-    EXPECT_EQ(Copy.NamesColumn("Imported"), false);
 }
 
 TEST(Kvi2dsLook, StoresNothingThatIsBeingWritten)
@@ -413,7 +410,6 @@ TEST(Kvi2dsLook, NeedsASource)
     TCopy Copy;
     Copy.SetSourceDataset(nullptr);
     EXPECT_EQ(MessageOf([&] { Copy.Look({}); }), "Property SourceDataset wasn't specified.");
-    EXPECT_EQ(Copy.NamesColumn("NAME"), std::nullopt);
 }
 
 TEST(Kvi2dsLook, TheRecordOfASourceIsTheValuesOfItsFields)

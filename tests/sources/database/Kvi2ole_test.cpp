@@ -694,16 +694,6 @@ TEST_F(Kvi2ole, ALookNeedsATableThatIsThere)
     EXPECT_EQ(Import.Look({}).Rows.size(), 10);
 }
 
-TEST_F(Kvi2ole, ALookTellsFieldsByTheirExactNames)
-{
-    EXPECT_EQ(Import.NamesColumn("Id"), std::nullopt);
-    Import.Look({});
-    EXPECT_EQ(Import.NamesColumn("Id"), true);
-    EXPECT_EQ(Import.NamesColumn("ID"), false);
-    Import.TableName = "Other";
-    EXPECT_EQ(Import.NamesColumn("Id"), std::nullopt) << "nobody has looked at that";
-}
-
 TEST_F(Kvi2ole, ALookHelpsNoRunThatHasNoMappings)
 {
     Import.Look({});

@@ -289,23 +289,6 @@ TEST(Kvi2htmlLook, RowsOfSeveralTablesAreWorthARemark)
     EXPECT_THAT(Import.SourceRemarks(), IsEmpty());
 }
 
-TEST(Kvi2htmlLook, TellsColumnsByNumberAndHeaderFromAllElse)
-{
-    THtmlRun Import("<table><tr><th>Name</th></tr><tr><td>Ada</td></tr></table>", AllOfHtml);
-    Import.RowFirst = 2;
-    EXPECT_EQ(Import.NamesColumn("Name"), std::nullopt) << "nobody has looked";
-    Import.Look({});
-    EXPECT_EQ(Import.NamesColumn("name"), true);
-    EXPECT_EQ(Import.NamesColumn("Field7"), true);
-    EXPECT_EQ(Import.NamesColumn("Ada"), false);
-    Import.EndLook();
-    EXPECT_EQ(Import.NamesColumn("Name"), std::nullopt);
-
-    THtmlRun Classic(ThreeRows());
-    Classic.Look({});
-    EXPECT_EQ(Classic.NamesColumn("Field1"), std::nullopt) << "the order of the mappings decides";
-}
-
 TEST(Kvi2htmlLook, SaysWhatANameInAMappingMeans)
 {
     const std::vector<TKvISourceColumn> Shown{{.Name = "Field1", .Title = "Name"}};
@@ -478,23 +461,6 @@ TEST(Kvi2xmlLook, TheRecordOfASourceIsTheValuesOfItsColumns)
     EXPECT_TRUE(Import.SourceRecord().IsNull()) << "after the run";
 }
 
-TEST(Kvi2xmlLook, TellsColumnsByTheRuleThatFindsThem)
-{
-    const std::string Packet = "<P><FIELDS><FIELD attrname=\"USERID\"/></FIELDS>"
-                               "<ROWDATA><ROW USERID=\"1\"/></ROWDATA></P>";
-    TXmlRun Classic(Packet);
-    EXPECT_EQ(Classic.NamesColumn("USERID"), std::nullopt) << "nobody has looked";
-    Classic.Look({.Columns = {"USERID"}});
-    EXPECT_EQ(Classic.NamesColumn("userid"), true);
-    EXPECT_EQ(Classic.NamesColumn("id"), true);
-    EXPECT_EQ(Classic.NamesColumn("other"), false);
-
-    TXmlRun Extended(Packet, AllOfXml);
-    Extended.Look({});
-    EXPECT_EQ(Extended.NamesColumn("userid"), true);
-    EXPECT_EQ(Extended.NamesColumn("id"), false);
-}
-
 TEST(Kvi2xmlLook, SaysWhatANameInAMappingMeans)
 {
     const std::vector<TKvISourceColumn> Shown{{.Name = "USERID", .Title = "USERID"}};
@@ -506,14 +472,6 @@ TEST(Kvi2xmlLook, SaysWhatANameInAMappingMeans)
     EXPECT_EQ(Import.ResolveName("ID", Shown).Kind, snColumn);
     EXPECT_EQ(Import.ResolveName("ID", Shown).Name, "ID");
     EXPECT_EQ(Import.ResolveName("other", Shown).Kind, snConstant);
-}
-
-TEST(Kvi2xmlLook, CannotTellOfAnAttributeThatLaterRecordsMayHave)
-{
-    TXmlRun Import("<ROWDATA>" + NumberedXmlRows(100) + "<ROW late=\"1\"/></ROWDATA>");
-    Import.Look({});
-    EXPECT_EQ(Import.NamesColumn("a"), true);
-    EXPECT_EQ(Import.NamesColumn("late"), std::nullopt);
 }
 
 TEST(Kvi2xmlLook, WhatIsNoXmlSaysWhereAsFacts)
