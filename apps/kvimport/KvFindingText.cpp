@@ -145,7 +145,7 @@ std::string NotThousands(const TJobFinding& Found)
     const auto Name = NameOfCharacter(Found.Character);
     return Found.Name + ", " + Found.Place + ": '" + Found.Value + "' has a " + Name +
            " where no thousands end; say --decimal-separator " + Name +
-           " if a fraction follows it, or --thousand-separator " + Name + " to remove it all the same";
+           " if a fraction follows it, or --thousand-separator " + Name + " to fail such records alone";
 }
 
 std::string NoSuchColumn(const TJobFinding& Found)

@@ -31,7 +31,7 @@ void AddFormatOptions(CLI::App& Command, TJobFormats& Options)
                  Options.DecimalSeparator);
     AddChecked(
         Command, "--thousand-separator", "CHAR",
-        "Removed from numbers wherever it stands (default: comma; a point when the decimal separator is a "
+        "Groups the digits of numbers (default: comma; a point when the decimal separator is a "
         "comma), or none",
         [&Options](const std::string& Text) {
             Options.ThousandSeparator = ReadCharacter(Text);
