@@ -64,6 +64,17 @@ bool ConcernsDestination(const TKvErrorFacts& Facts)
     }
 }
 
+/// Nothing for what has no text, such as a day outside the calendar: that is no error of its own.
+std::string TextForError(const TVariant& Value)
+{
+    try {
+        return Value.IsArray() ? std::string() : Value.ToText();
+    }
+    catch (const Exception&) {
+        return {};
+    }
+}
+
 TKvBulkKind BulkKind(TImportMode Mode)
 {
     switch (Mode) {
@@ -290,6 +301,8 @@ const TVariant& TKvImportBaseComponent::BuildSearchValue()
 void TKvImportBaseComponent::CheckKeys()
 {
     for (const auto& Key : KeyFields) {
+        if (Key.Index < 0)                          // named twice: the first one counts
+            continue;
         const auto& Dest = DestFields[static_cast<std::size_t>(Key.Index)];
         if (Dest.Index < 0)
             continue;
@@ -314,10 +327,10 @@ void TKvImportBaseComponent::WriteRecord(TKvIAction Action)
         FDataSet->Post();
     }
     catch (Exception& Error) {
-        TellRecord(Error, Current);
-        if (Current && Error.Facts.Value.empty() && !Current->Value.IsArray())
-            Error.Facts.Value = Current->Value.ToText();
         FDataSet->Cancel();
+        TellRecord(Error, Current);
+        if (Current && Error.Facts.Value.empty())
+            Error.Facts.Value = TextForError(Current->Value);
         if (RunExtensions.Contains(rxErrorsByRecord) && ConcernsDestination(Error.Facts)) {
             UndoCount(Action);
             throw;

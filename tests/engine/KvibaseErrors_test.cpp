@@ -47,6 +47,25 @@ TEST_F(KvibaseErrors, OfAnAssignmentKnowFieldAndValue)
     EXPECT_EQ(Facts.Place, "");                     // nor does the message tell it
 }
 
+TEST_F(KvibaseErrors, OfADayOutsideTheCalendarConcernTheRecordAlone)
+{
+    Import.Rows[1][0] = TDateTime{1e9};
+    const auto Facts = FactsOfRecord();
+    EXPECT_EQ(Facts.Record, 2);
+    EXPECT_EQ(Facts.Field, "ID");
+    EXPECT_EQ(Facts.Value, "") << "it has no text";
+}
+
+TEST_F(KvibaseErrors, OfKeysThatAreNamedTwiceAreThoseOfOne)
+{
+    Import.RunExtensions = {rxErrorsByRecord};
+    Import.Mode = imAppendUpdate;
+    Import.DatasetKeys = "ID;ID";
+    Import.Rows[1][0] = "two";
+    EXPECT_EQ(FactsOfRecord().Record, 2);
+    EXPECT_EQ(Import.Statistic.TotalAdded, 2);
+}
+
 TEST_F(KvibaseErrors, OfAFieldThatCannotBeChangedKnowItsValueToo)
 {
     Table.Close();
